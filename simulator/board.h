@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+
+#include "simulator/board_root.h"
+#include "simulator/devices/board_paths.h"
+#include "simulator/devices/device_server.h"
+#include "simulator/devices/i2c_bus.h"
+#include "simulator/mcu/mcu_serial.h"
+
+namespace rolu_sim {
+
+struct BoardOptions {
+  McuSerialOptions serial;
+  KernelIdentity kernel;
+};
+
+// A whole simulated board. A test program holds one in its own process:
+//
+//   int main(int argc, char** argv) {
+//     rolu_sim::EnsurePreloaded(argc, argv);      // preloaded.h, before anything else
+//     testing::InitGoogleTest(&argc, argv);
+//     return RUN_ALL_TESTS();
+//   }
+//
+//   rolu_sim::Board board;
+//   board.AttachThisProcess();
+//   board.mcu().Script(CommandMatch::Exactly("MCVG"), Reply::Line("02EB"));
+//   ... call the library: it opens its usual paths and meets this board ...
+//   board.mcu().WaitForCommand("MCVG", 2s);
+//
+// Boards of different processes, and boards of one process one after another, do not know of each
+// other. The constructor throws std::system_error when the system refuses what it needs.
+class Board {
+ public:
+  explicit Board(BoardOptions options = {});
+  ~Board();
+  Board(const Board&) = delete;
+  Board& operator=(const Board&) = delete;
+
+  McuSerial& mcu() { return mcu_; }
+  DeviceServer& devices() { return devices_; }
+  I2cBus& i2c() { return *i2c_; }
+  ResetController& reset_controller() { return *reset_controller_; }
+  const BoardRoot& root() const { return root_; }
+
+  // The preloaded object of this process (and of its children) meets this board from now on, until
+  // the board is destroyed. Sets an environment variable: call it while no other thread runs that
+  // reads the environment or opens the board's paths.
+  void AttachThisProcess();
+
+  // The serial device is gone (a new open fails with ENOENT; open descriptors live on) or back.
+  void RemoveSerialDevice();
+  void RestoreSerialDevice();
+
+  // A new port after mcu().HangUp().
+  void ReplugSerialPort();
+
+ private:
+  BoardRoot root_;
+  McuSerial mcu_;
+  std::shared_ptr<ResetController> reset_controller_;
+  std::shared_ptr<I2cBus> i2c_;
+  DeviceServer devices_;
+};
+
+}  // namespace rolu_sim

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace rolu_sim {
+
+// Results are those of a driver: 0 or a count, or a negative errno.
+using DeviceResult = std::int32_t;
+
+struct OpenFlags {
+  bool read = false;
+  bool write = false;
+  bool truncate = false;
+  bool append = false;
+};
+
+enum class NodeKind : std::uint32_t { kCharacterDevice, kAttribute };
+
+// A node's stat: its kind and permission bits.
+struct NodeStat {
+  NodeKind kind = NodeKind::kAttribute;
+  std::uint32_t permissions = 0644;
+};
+
+// One open descriptor of a device; destroyed when the descriptor is closed.
+class OpenDevice {
+ public:
+  virtual ~OpenDevice() = default;
+  // Puts at most `capacity` bytes into `bytes` (empty at the call) and gives their count.
+  virtual DeviceResult Read(std::string& bytes, std::size_t capacity);
+  virtual DeviceResult Write(std::string_view bytes);
+  // Requests take a number as their argument; none of the board's take a pointer.
+  virtual DeviceResult Ioctl(std::uint32_t request, std::uint64_t argument);
+};
+
+// A device node. The server calls devices from its thread only, one call at a time; what a device
+// shows to its owner it guards itself.
+class Device {
+ public:
+  virtual ~Device() = default;
+  virtual NodeStat Stat() const = 0;
+  virtual DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) = 0;
+};
+
+}  // namespace rolu_sim

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "simulator/devices/device.h"
+#include "simulator/devices/device_protocol.h"
+#include "simulator/unique_fd.h"
+#include "simulator/wakeup_event.h"
+
+namespace rolu_sim {
+
+// What uname reports on the board.
+struct KernelIdentity {
+  std::string machine = "armv7l";
+  std::string release = "3.2.0";
+  std::string version = "#1 SMP PREEMPT Mon Jul 14 10:00:00 UTC 2014";
+};
+
+// Faults of one node; a zero is no fault. Each errno is answered in place of the device's work.
+struct DeviceFaults {
+  bool missing = false;  // the node does not exist: ENOENT
+  int open_errno = 0;
+  int read_errno = 0;
+  int write_errno = 0;
+  int ioctl_errno = 0;
+  std::optional<std::size_t> max_read_bytes;  // short reads
+};
+
+enum class DeviceOperation { kOpen, kRead, kWrite, kIoctl, kClose };
+
+// One call of a program: what it asked of which node and what it got. `bytes` are those written or
+// read; `request` and `argument` those of an ioctl.
+struct DeviceAccess {
+  std::chrono::steady_clock::time_point time;
+  std::string path;
+  DeviceOperation operation;
+  std::string bytes;
+  std::uint32_t request = 0;
+  std::uint64_t argument = 0;
+  DeviceResult result = 0;
+};
+
+// Answers the preloaded object's calls on the board's device nodes, each one as a synchronous
+// message over a unix socket. A node that is not there answers ENOENT. Any thread may call any
+// member.
+class DeviceServer {
+ public:
+  static constexpr std::size_t kLogCapacity = 65536;
+
+  // Listens at `socket_path` from the start.
+  explicit DeviceServer(const std::string& socket_path, KernelIdentity kernel = {});
+  ~DeviceServer();
+  DeviceServer(const DeviceServer&) = delete;
+  DeviceServer& operator=(const DeviceServer&) = delete;
+
+  // Adds or replaces the node at `path`, one of board_paths.h. Descriptors that are open on a
+  // removed node keep working, as they do on Linux.
+  void AddNode(const std::string& path, std::shared_ptr<Device> device);
+  void RemoveNode(const std::string& path);
+
+  // The faults of a path from now on; a default DeviceFaults ends them.
+  void SetFaults(const std::string& path, const DeviceFaults& faults);
+
+  // What programs did with a node (with any, for an empty path), oldest first; the newest
+  // kLogCapacity are kept. A call is in the log before it returns to the program.
+  std::vector<DeviceAccess> Accesses(std::string_view path = {}) const;
+  // Bytes of each write to `path`, refused ones left out.
+  std::vector<std::string> Writes(std::string_view path) const;
+  void ClearAccesses();
+
+  // Descriptors that are open on `path` now.
+  std::size_t OpenCount(std::string_view path) const;
+
+ private:
+  struct Connection {
+    UniqueFd socket;
+    std::string path;
+    std::unique_ptr<OpenDevice> device;
+  };
+
+  void Run();
+  void AcceptConnections();
+  // False when the connection is at its end.
+  bool ServeMessage(Connection& connection);
+  DeviceMessage Answer(Connection& connection, const DeviceMessage& request, std::string_view payload,
+                       std::string& answer_payload);
+  DeviceResult Open(Connection& connection, std::string_view path, std::uint32_t flags);
+  DeviceResult Read(Connection& connection, std::size_t capacity, std::string& bytes);
+  DeviceResult Write(Connection& connection, std::string_view bytes);
+  DeviceResult Ioctl(Connection& connection, std::uint32_t request, std::uint64_t argument);
+  void Close(Connection& connection);
+  DeviceResult Stat(std::string_view path, NodeStat& stat);
+  std::shared_ptr<Device> FindNode(std::string_view path, DeviceFaults& faults) const;
+  DeviceFaults FaultsOf(std::string_view path) const;
+  void Record(DeviceAccess access);
+
+  const KernelIdentity kernel_;
+  UniqueFd listener_;
+  WakeupEvent stop_;
+  mutable std::mutex mutex_;
+  std::map<std::string, std::shared_ptr<Device>, std::less<>> nodes_;
+  std::map<std::string, DeviceFaults, std::less<>> faults_;
+  std::map<std::string, std::size_t, std::less<>> open_counts_;
+  std::deque<DeviceAccess> accesses_;
+  std::vector<std::unique_ptr<Connection>> connections_;  // of the server's thread
+  std::thread thread_;
+};
+
+}  // namespace rolu_sim

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "simulator/mcu/mcu_command.h"
+#include "simulator/mcu/voltage_curve.h"
+
+namespace rolu_sim {
+
+// The vehicle's electrical system, with the numbers that the wire uses.
+enum class BatteryMode : std::uint8_t { k24V = 2, k12V = 3 };
+
+// The two low-battery protections, with the numbers that the wire uses.
+enum class Protection : std::uint8_t { kPreboot = 0, kLowBattery = 1 };
+
+// What the MCU knows of one electrical system: volts per raw unit (also as the text that it
+// answers), and the range of thresholds that it accepts, in raw units.
+struct BatterySystem {
+  double volts_per_unit;
+  std::string_view scale_text;
+  std::uint16_t range_start;
+  std::uint16_t range_mid;
+  std::uint16_t range_end;
+};
+
+const BatterySystem& SystemOf(BatteryMode mode);
+
+struct BatteryState {
+  BatteryMode mode = BatteryMode::k12V;
+  VoltageCurve curve{12.6};
+  TimePoint curve_start{};
+  std::array<bool, 2> protection_enabled{true, true};  // by Protection
+
+  // Threshold of a protection in raw units, kept apart for each electrical system.
+  std::uint16_t& Threshold(BatteryMode of, Protection protection);
+
+  double VoltsAt(TimePoint now) const { return curve.VoltsAt(now - curve_start); }
+
+  // The reading that the MCU reports: volts in units of the present mode, nearest, within 16 bits.
+  std::uint16_t RawAt(TimePoint now) const;
+
+ private:
+  std::array<std::array<std::uint16_t, 2>, 2> thresholds_{{{1454, 1454}, {747, 747}}};
+};
+
+// MCVG, MCVU, MCPR, MCBG, MCBS, MCCG, MCCS, MCPG, MCPS.
+std::vector<McuCommand> BatteryCommands();
+
+}  // namespace rolu_sim

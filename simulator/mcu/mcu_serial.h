@@ -1,0 +1,138 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "simulator/mcu/mcu_model.h"
+#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/mcu/reply_script.h"
+#include "simulator/mcu/wire_log.h"
+#include "simulator/wakeup_event.h"
+
+namespace rolu_sim {
+
+struct McuSerialOptions {
+  // Bytes take the time of a 115200 bit/s line, 8N1 (86.8 us each), in both directions. Without
+  // it they pass at once.
+  bool paced = false;
+  WireLog::LineListener line_listener;
+};
+
+// The MCU at the far end of a serial line: a pseudo-terminal, and a thread that reads commands up
+// to their CR, lets the script or else the model answer, and writes the answer at once.
+//
+// As on a real port, what the MCU sends while no program has the port open is lost, and a program
+// that opens the port does not find bytes meant for its predecessor.
+//
+// Any thread may call any member at any time, except HangUp, Reopen and the destructor, which
+// belong to the owner.
+class McuSerial {
+ public:
+  explicit McuSerial(McuSerialOptions options = {});
+  ~McuSerial();
+  McuSerial(const McuSerial&) = delete;
+  McuSerial& operator=(const McuSerial&) = delete;
+
+  // The device that a program opens, "/dev/pts/7". Changes with Reopen.
+  std::string DevicePath() const;
+
+  // Runs `use(model)` under the lock that the MCU's thread holds for each command, and gives its
+  // result. `use` calls nothing of this object.
+  //   serial.WithModel([](McuModel& mcu) { mcu.SetBatteryVolts(11.2); });
+  template <typename Use>
+  auto WithModel(Use&& use) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::forward<Use>(use)(model_);
+  }
+
+  // The next `times` commands that match (kEveryTime: all) get `reply` in place of the model's
+  // answer; the model does not see them. Earlier entries go first.
+  //   serial.Script(CommandMatch::Exactly("MCVG"), Reply::Line("ERR-M08"));
+  //   serial.Script(CommandMatch::StartingWith("WDT"), Reply::Silence(), kEveryTime);
+  void Script(CommandMatch match, Reply reply, int times = 1);
+
+  // Forgets all scripted replies; chunks of replies that were begun still leave.
+  void ClearScript();
+
+  // Sends bytes that no command asked for, as they are.
+  void SendRaw(std::string bytes);
+
+  // A silent MCU still receives commands (they are logged) but answers none; a command that came
+  // while it was silent stays unanswered. Scripted replies of that time are not used up.
+  void SetSilent(bool silent);
+
+  // While reading is stopped the port accepts bytes until its buffers are full; then writes block.
+  // Bytes that piled up are read once reading goes on.
+  void StopReading(bool stopped);
+
+  // The port dies: open descriptors read end of file and fail to write, the device path is gone.
+  void HangUp();
+
+  // After HangUp: a new port, with the model, the script and the log as they were.
+  void Reopen();
+
+  // How many open file descriptions programs hold on the port, and a wait for none.
+  int HostOpenCount() const;
+  bool WaitForHostClosed(std::chrono::milliseconds timeout) const;
+
+  // What passed the wire.
+  WireLog& Log() { return log_; }
+  std::vector<std::string> CommandsReceived() const { return log_.Commands(); }
+  bool WaitForCommand(std::string_view command, std::chrono::milliseconds timeout,
+                      std::size_t count = 1) const {
+    return log_.WaitForCommand(command, timeout, count);
+  }
+
+ private:
+  struct ReceivedByte {
+    TimePoint arrival;
+    char byte;
+  };
+
+  void StartThread();
+  void StopThread();
+  void Run();
+  void Wake();
+
+  // All below: on the MCU's thread, with mutex_ held.
+  void FollowHostOpens();
+  void ReceiveBytes();
+  void HandleArrivedBytes(TimePoint now, std::unique_lock<std::mutex>& lock);
+  void AnswerCommand(std::string_view command, TimePoint now);
+  void SendDueChunks(TimePoint now, std::unique_lock<std::mutex>& lock);
+  bool WriteOut(std::string_view bytes, std::size_t& written);
+  TimePoint NextDue() const;
+
+  const std::chrono::nanoseconds byte_time_;
+  WireLog log_;
+  WakeupEvent wakeup_;
+
+  mutable std::mutex mutex_;
+  mutable std::condition_variable host_closed_;
+  PseudoTerminal terminal_;
+  McuModel model_;
+  ReplyScript script_;
+  bool stopping_ = false;
+  bool silent_ = false;
+  bool reading_stopped_ = false;
+  int host_opens_ = 0;
+  std::deque<ReceivedByte> received_;
+  TimePoint receive_line_free_{};
+  std::string command_;
+  std::multimap<TimePoint, std::string> scheduled_;
+  std::string outgoing_;
+  TimePoint send_line_free_{};
+  std::string outgoing_line_;
+
+  std::thread thread_;
+};
+
+}  // namespace rolu_sim

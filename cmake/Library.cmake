@@ -1,0 +1,27 @@
+# The library is compiled once, as objects: the shared object that ships is linked from them, and
+# so are the tests of its internals.
+add_library(kavo_rolu_objects OBJECT
+  core/core_family.cpp
+  core/critical_section.cpp
+  core/deadline.cpp
+  core/kavo_info.cpp
+  core/process_locks.cpp)
+set_target_properties(kavo_rolu_objects PROPERTIES
+  POSITION_INDEPENDENT_CODE ON
+  CXX_VISIBILITY_PRESET hidden
+  VISIBILITY_INLINES_HIDDEN ON)
+target_compile_options(kavo_rolu_objects PRIVATE -fno-exceptions -fno-rtti)
+target_include_directories(kavo_rolu_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(kavo_rolu_objects PRIVATE rolu_flags Threads::Threads)
+
+add_library(kavo_rolu SHARED)
+target_link_libraries(kavo_rolu PRIVATE kavo_rolu_objects Threads::Threads)
+target_include_directories(kavo_rolu INTERFACE ${PROJECT_SOURCE_DIR}/include)
+set_target_properties(kavo_rolu PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+target_link_options(kavo_rolu PRIVATE
+  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map LINKER:-z,relro LINKER:-z,now)
+set_property(TARGET kavo_rolu APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map)
+if(NOT ROLU_SANITIZE)
+  # A sanitizer's runtime is in the program, not in the library.
+  target_link_options(kavo_rolu PRIVATE LINKER:--no-undefined)
+endif()

@@ -1,0 +1,42 @@
+#ifndef CORE_CRITICAL_SECTION_H
+#define CORE_CRITICAL_SECTION_H
+
+#include <pthread.h>
+
+#include "core/thread_annotations.h"
+
+// The library's only lock: a recursive mutex whose Lock can also give up after a time.
+class CAPABILITY("mutex") CCriticalSection {
+ public:
+  CCriticalSection();
+  ~CCriticalSection();
+  CCriticalSection(const CCriticalSection&) = delete;
+  CCriticalSection& operator=(const CCriticalSection&) = delete;
+
+  void Lock() ACQUIRE();
+  void Unlock() RELEASE();
+
+  // Waits at most `ms` milliseconds, until a time of the wall clock. 0: now held; -1: the wait ran
+  // out; -2: any other failure. Only after 0 is there something to unlock.
+  int TimeLock(unsigned long ms) TRY_ACQUIRE(false);
+
+  // For condition variables that wait with this lock held exactly once.
+  pthread_mutex_t* mutex() const { return mutex_; }
+
+ private:
+  pthread_mutex_t* mutex_;
+};
+
+// Holds a critical section for a scope.
+class SCOPED_CAPABILITY ScopedLock {
+ public:
+  explicit ScopedLock(CCriticalSection& section) ACQUIRE(section) : section_(section) { section_.Lock(); }
+  ~ScopedLock() RELEASE() { section_.Unlock(); }
+  ScopedLock(const ScopedLock&) = delete;
+  ScopedLock& operator=(const ScopedLock&) = delete;
+
+ private:
+  CCriticalSection& section_;
+};
+
+#endif  // CORE_CRITICAL_SECTION_H

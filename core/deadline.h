@@ -1,0 +1,19 @@
+#ifndef CORE_DEADLINE_H
+#define CORE_DEADLINE_H
+
+#include <time.h>
+
+// The wall-clock time `ms` milliseconds from now, as timed locks and condition waits take it.
+timespec WallClockDeadline(unsigned long ms);
+
+// True once the wall clock has reached `deadline`.
+bool HasPassed(const timespec& deadline);
+
+// Sleeps the whole time, whatever signals arrive and however the wall clock is set; 0 or less does
+// not sleep.
+void SleepForMs(int ms);
+
+// Milliseconds of a clock that nobody sets; only differences mean something.
+long long MonotonicMs();
+
+#endif  // CORE_DEADLINE_H

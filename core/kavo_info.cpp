@@ -1,0 +1,3 @@
+#include "core/kavo_info.h"
+
+KavoInfo kavo_info{};

@@ -5,7 +5,14 @@ add_library(kavo_rolu_objects OBJECT
   core/critical_section.cpp
   core/deadline.cpp
   core/kavo_info.cpp
-  core/process_locks.cpp)
+  core/process_locks.cpp
+  mcu/error_reply.cpp
+  mcu/link.cpp
+  mcu/link_io_thread.cpp
+  mcu/manager_lifecycle.cpp
+  mcu/reply_fields.cpp
+  mcu/serial_port.cpp
+  mcu/transaction.cpp)
 set_target_properties(kavo_rolu_objects PROPERTIES
   POSITION_INDEPENDENT_CODE ON
   CXX_VISIBILITY_PRESET hidden

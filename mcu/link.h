@@ -1,0 +1,24 @@
+// The one serial link to the MCU, shared by all managers: opened by the first, closed by the last.
+// One I/O thread owns the port; application threads queue a command and wait for the reply line.
+#ifndef MCU_LINK_H
+#define MCU_LINK_H
+
+// Opens the link, or counts one more user of the open one (path and flags are then not used).
+// 0: open; -1: not. Waits at most 2000 ms for the transaction lock.
+int VPMOpen(const char* path, int flags);
+
+// Takes one user away; the last one stops and awaits the I/O thread and closes the port. 0, or
+// ROLU_STATUS_VPM_NO_REPLY when the transaction lock was not free within 2000 ms; nothing changed
+// then.
+int VPMClose();
+
+// Queues a whole command, its carriage return included. 0: queued; -2: no room, or the link is
+// closed. A reply that nobody took belongs to an earlier command and is discarded. Call it with
+// CriSectCtx held until the last reply was read.
+int send_vpm_command(const char* bytes, int length);
+
+// Waits for the next reply line, at most `wait_ms` milliseconds, and copies it with its NUL into
+// `buffer` (kLineCapacity bytes). 0: copied; -1: none came, or the link is closed.
+int read_vpm_response(char* buffer, unsigned long wait_ms);
+
+#endif  // MCU_LINK_H

@@ -1,0 +1,181 @@
+#include <sys/select.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+#include "core/deadline.h"
+#include "mcu/link_state.h"
+
+namespace {
+
+// The poll of the port. A queued command leaves only when the line has been quiet for one poll,
+// which keeps it from overtaking the rest of what the MCU is still sending.
+constexpr unsigned int kPollMs = 5;
+
+// Empty polls after which a line that has not ended is given up.
+constexpr int kIdleLimit = 100;
+
+constexpr unsigned long kLineLockMs = 1000;
+
+// How long a reply line waits for the one before it to be taken by the caller that was signalled
+// for it. A caller that runs at all needs far less.
+constexpr unsigned long kReplyTakenMs = 1000;
+
+constexpr size_t kReadAhead = 36;
+unsigned char recv_buffer_vpm[kReadAhead];
+unsigned int recv_index_vpm = 0;
+unsigned int recv_size_vpm = 0;
+
+// The last poll ended empty and nothing has arrived since: there is nothing left to wait for, so
+// the wake-up event may end a poll.
+bool line_is_quiet = false;
+
+void ClearWakeEvent() {
+  uint64_t count;
+  [[maybe_unused]] const ssize_t taken = read(vpm_wake_event, &count, sizeof count);
+}
+
+enum class PollResult { kReadable, kWoken, kTimedOut, kFailed };
+
+// Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1.
+PollResult Poll(int port, long long wait_ms) {
+  fd_set readable;
+  FD_ZERO(&readable);
+  if (port != -1) FD_SET(port, &readable);
+  const bool may_wake = line_is_quiet && vpm_wake_event != -1;
+  if (may_wake) FD_SET(vpm_wake_event, &readable);
+  timeval timeout;
+  timeout.tv_sec = static_cast<time_t>(wait_ms / 1000);
+  timeout.tv_usec = static_cast<suseconds_t>(wait_ms % 1000 * 1000);
+  const int highest = may_wake && vpm_wake_event > port ? vpm_wake_event : port;
+  const int ready = select(highest + 1, &readable, nullptr, nullptr, &timeout);
+  if (ready == 0) return PollResult::kTimedOut;
+  if (ready < 0) return PollResult::kFailed;
+  // Bytes come first: with bytes at the port the line is not quiet.
+  if (port != -1 && FD_ISSET(port, &readable)) return PollResult::kReadable;
+  return may_wake && FD_ISSET(vpm_wake_event, &readable) ? PollResult::kWoken : PollResult::kFailed;
+}
+
+// A port that fails or has hung up is always ready; without its 5 ms each such poll would follow
+// the last at once and keep a processor busy.
+int FinishFailedPoll(int result, long long poll_end_ms) {
+  line_is_quiet = true;
+  const long long left_ms = poll_end_ms - MonotonicMs();
+  if (left_ms <= 0 || Poll(-1, left_ms) != PollResult::kWoken) return result;
+  ClearWakeEvent();
+  return kWoken;
+}
+
+void WriteQueue() {
+  ScopedLock lock(*io_op_lock);
+  VPMWrite(vpm_tx_buffer, tx_index);
+  tx_index = 0;
+}
+
+void AwaitReplyTaken() REQUIRES(io_op_lock) {
+  const timespec deadline = WallClockDeadline(kReplyTakenMs);
+  while (last_command_valid && vpm_resp_waiters > 0 && !HasPassed(deadline)) {
+    pthread_cond_timedwait(&vpm_resp_taken, io_op_lock->mutex(), &deadline);
+  }
+}
+
+void StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
+  // The MCU has not seen a command that is still queued: this line answers an earlier one.
+  if (tx_index > 0) return;
+  AwaitReplyTaken();
+  memcpy(last_command_result, line, length + 1);
+  last_command_valid = true;
+  if (vpm_resp_event != nullptr) pthread_cond_signal(vpm_resp_event);
+}
+
+void HandleLine(const char* line, size_t length) {
+  if (io_op_lock->TimeLock(kLineLockMs) != 0) return;
+  const bool bracketed = line[0] == '[' || line[length - 1] == ']';
+  if (!bracketed) StoreReply(line, length);
+  io_op_lock->Unlock();
+}
+
+}  // namespace
+
+void WakeIoThread() {
+  const uint64_t one = 1;
+  if (vpm_wake_event == -1) return;
+  [[maybe_unused]] const ssize_t written = write(vpm_wake_event, &one, sizeof one);
+}
+
+void ResetPortReader() {
+  recv_index_vpm = 0;
+  recv_size_vpm = 0;
+  line_is_quiet = false;
+}
+
+int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms) {
+  if (recv_index_vpm == recv_size_vpm) {
+    const long long poll_end_ms = MonotonicMs() + wait_ms;
+    switch (Poll(vpm_port, wait_ms)) {
+      case PollResult::kReadable:
+        break;
+      case PollResult::kWoken:
+        ClearWakeEvent();
+        return kWoken;
+      case PollResult::kTimedOut:
+        line_is_quiet = true;
+        return -2;
+      case PollResult::kFailed:
+        return FinishFailedPoll(-1, poll_end_ms);
+    }
+    const ssize_t count = read(vpm_port, recv_buffer_vpm, sizeof recv_buffer_vpm);
+    if (count <= 0) return FinishFailedPoll(count == 0 ? -2 : -1, poll_end_ms);
+    line_is_quiet = false;
+    recv_index_vpm = 0;
+    recv_size_vpm = static_cast<unsigned int>(count);
+  }
+  *byte = recv_buffer_vpm[recv_index_vpm++];
+  return 0;
+}
+
+bool VPMRead(char* line, unsigned long* length, int idle_limit) {
+  LineAssembler assembler;
+  int idle_count = 0;
+  while (io_thread_active && idle_count < idle_limit) {
+    unsigned char byte;
+    const int result = recvbyte_vpm(&byte, kPollMs);
+    if (result == 0) {
+      if (!assembler.Take(byte)) continue;
+      memcpy(line, assembler.text(), assembler.length() + 1);
+      *length = assembler.length();
+      return true;
+    }
+    if (tx_index > 0) WriteQueue();
+    if (result != kWoken) ++idle_count;
+  }
+  return false;
+}
+
+bool VPMWrite(const char* bytes, int length) {
+  while (length > 0) {
+    // The port is a blocking one: a line that takes nothing must fail the command, not hold the
+    // lock of every caller.
+    fd_set writable;
+    FD_ZERO(&writable);
+    FD_SET(vpm_port, &writable);
+    timeval at_once = {0, 0};
+    if (select(vpm_port + 1, nullptr, &writable, nullptr, &at_once) <= 0) return false;
+    const ssize_t written = write(vpm_port, bytes, static_cast<size_t>(length));
+    if (written <= 0) return false;
+    bytes += written;
+    length -= static_cast<int>(written);
+  }
+  return true;
+}
+
+void* VPMHandleThread(void*) {
+  char line[kLineCapacity];
+  unsigned long length = 0;
+  while (io_thread_active) {
+    if (VPMRead(line, &length, kIdleLimit)) HandleLine(line, length);
+  }
+  return nullptr;
+}

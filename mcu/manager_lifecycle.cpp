@@ -1,0 +1,51 @@
+#include "mcu/manager_lifecycle.h"
+
+#include <fcntl.h>
+
+#include "kavo_rolu.h"
+#include "mcu/link.h"
+#include "mcu/transaction.h"
+
+namespace {
+
+constexpr char kMcuPort[] = "/proc/vpm_serial";
+
+void ReleaseTable(ErrorReplyEntry*& table) {
+  delete[] table;
+  table = nullptr;
+}
+
+void GreetMcu(const ErrorReplyEntry* table) {
+  const Command hello("Hello\r");
+  Reply reply;
+  RunTransaction(table, hello.text, hello.length, reply.text, sizeof reply.text, 0);
+}
+
+}  // namespace
+
+uint32_t StartUpManager(const std::atomic<uint8_t>& initialized, ErrorReplyEntry*& table,
+                        void (*before_open)()) {
+  if (initialized != 0) return ROLU_STATUS_ALREADY_INITIALIZED;
+  ReleaseTable(table);
+  table = NewErrorTable();
+  if (before_open != nullptr) before_open();
+  if (table == nullptr || VPMOpen(kMcuPort, O_RDWR) < 0) {
+    ReleaseTable(table);
+    return ROLU_STATUS_VPM_OPEN_FAILED;
+  }
+  GreetMcu(table);
+  return ROLU_STATUS_SUCCESS;
+}
+
+void AbandonStartUp(ErrorReplyEntry*& table) {
+  ReleaseTable(table);
+  VPMClose();
+}
+
+uint32_t ShutDownManager(std::atomic<uint8_t>& initialized, ErrorReplyEntry*& table) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  ReleaseTable(table);
+  VPMClose();
+  initialized = 0;
+  return ROLU_STATUS_SUCCESS;
+}

@@ -1,0 +1,43 @@
+#include "mcu/reply_fields.h"
+
+#include <locale.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+int32_t ReadNumber(const char* text, int base) {
+  // strtoll saturates at 64 bits on every platform, the clamp at 32.
+  const long long value = strtoll(text, nullptr, base);
+  return static_cast<int32_t>(
+      std::clamp<long long>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+}
+
+}  // namespace
+
+int32_t ReadHexadecimal(const char* text) {
+  return ReadNumber(text, 16);
+}
+
+int32_t ReadHexadecimalField(const char* reply, size_t position, size_t width) {
+  constexpr size_t kWidest = 8;
+  char field[kWidest + 1] = {};
+  const size_t length = strlen(reply);
+  if (position < length) memcpy(field, reply + position, std::min({width, kWidest, length - position}));
+  return ReadHexadecimal(field);
+}
+
+bool ReadFloat(const char* text, float* value) {
+  // The application may run in a locale whose decimal point is a comma; the MCU does not.
+  const locale_t c_locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
+  if (c_locale == static_cast<locale_t>(nullptr)) return false;
+  const locale_t before = uselocale(c_locale);
+  const int read = sscanf(text, "%f", value);
+  uselocale(before);
+  freelocale(c_locale);
+  return read == 1;
+}

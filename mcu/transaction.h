@@ -1,0 +1,47 @@
+// One question to the MCU: a command queued, one reply line awaited, an error reply turned into a
+// status.
+#ifndef MCU_TRANSACTION_H
+#define MCU_TRANSACTION_H
+
+#include <cstdint>
+
+#include "mcu/error_reply.h"
+#include "mcu/line_assembler.h"
+
+// A command's text, its carriage return included, formatted as by printf. The longest one carries a
+// whole reply line back to the MCU.
+class Command {
+ public:
+  explicit Command(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  char text[kLineCapacity + 8];
+  int length;
+};
+
+// A zeroed buffer for any reply line.
+struct Reply {
+  char text[kLineCapacity] = {};
+};
+
+// The most a transaction waits for its reply line.
+inline constexpr unsigned long kReplyWaitMs = 3000;
+
+// Runs one transaction and holds every other one off until `post_delay_ms` milliseconds after its
+// reply. The reply line, cut to reply_size - 1 characters, stays in `reply` whatever the status.
+uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int command_length, char* reply,
+                        int reply_size, int post_delay_ms);
+
+// A manager's transaction for a question: the reply is the answer.
+template <typename Manager>
+uint32_t Query(Manager& manager, Command command, Reply& reply) {
+  return manager.GetDataFromSTM32(command.text, command.length, reply.text, sizeof reply.text);
+}
+
+// A manager's transaction for an order: of the reply only the error test matters. Most orders give
+// the MCU 50 ms to store what it was told.
+template <typename Manager>
+uint32_t Order(Manager& manager, Command command, int post_delay_ms = 50) {
+  Reply reply;
+  return manager.GetDataFromSTM32(command.text, command.length, reply.text, sizeof reply.text, post_delay_ms);
+}
+
+#endif  // MCU_TRANSACTION_H

@@ -12,7 +12,15 @@ add_library(kavo_rolu_objects OBJECT
   mcu/manager_lifecycle.cpp
   mcu/reply_fields.cpp
   mcu/serial_port.cpp
-  mcu/transaction.cpp)
+  mcu/transaction.cpp
+  vpm/battery_range.cpp
+  vpm/car_battery.cpp
+  vpm/exports.cpp
+  vpm/lifecycle.cpp
+  vpm/not_provided.cpp
+  vpm/voltage_scale.cpp
+  watchdog/exports.cpp
+  watchdog/watchdog_manager.cpp)
 set_target_properties(kavo_rolu_objects PROPERTIES
   POSITION_INDEPENDENT_CODE ON
   CXX_VISIBILITY_PRESET hidden

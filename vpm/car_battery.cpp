@@ -1,0 +1,120 @@
+#include "mcu/reply_fields.h"
+#include "vpm/voltage_scale.h"
+#include "vpm/vpm_manager.h"
+
+namespace {
+
+bool IsBatteryMode(int32_t mode) {
+  return mode == CAR_BATTERY_MODE_24V || mode == CAR_BATTERY_MODE_12V;
+}
+
+}  // namespace
+
+uint32_t CVPMMgr::SetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float volts) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
+  const unsigned int raw = VoltsToRaw(volts, VoltageScale(mode));
+  return Order(*this, Command("MCPS%1d%d%04X\r", mode, type, raw));
+}
+
+uint32_t CVPMMgr::GetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float* volts) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (!IsBatteryMode(mode) || volts == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  Reply reply;
+  const uint32_t status = Query(*this, Command("MCPG%1d%1d\r", mode, type), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  const auto raw = static_cast<uint32_t>(ReadHexadecimal(reply.text));
+  *volts = static_cast<float>(raw) * VoltageScale(mode);
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetLBPThresholdFor12VSystem(float volts) {
+  return SetBatteryLowVoltageThre(BOOT_TYPE_LBP, CAR_BATTERY_MODE_12V, volts);
+}
+uint32_t CVPMMgr::GetLBPThresholdFor12VSystem(float* volts) {
+  return GetBatteryLowVoltageThre(BOOT_TYPE_LBP, CAR_BATTERY_MODE_12V, volts);
+}
+uint32_t CVPMMgr::SetLBPThresholdFor24VSystem(float volts) {
+  return SetBatteryLowVoltageThre(BOOT_TYPE_LBP, CAR_BATTERY_MODE_24V, volts);
+}
+uint32_t CVPMMgr::GetLBPThresholdFor24VSystem(float* volts) {
+  return GetBatteryLowVoltageThre(BOOT_TYPE_LBP, CAR_BATTERY_MODE_24V, volts);
+}
+uint32_t CVPMMgr::SetPrebootThresholdFor12VSystem(float volts) {
+  return SetBatteryLowVoltageThre(BOOT_TYPE_PREBOOT, CAR_BATTERY_MODE_12V, volts);
+}
+uint32_t CVPMMgr::GetPrebootThresholdFor12VSystem(float* volts) {
+  return GetBatteryLowVoltageThre(BOOT_TYPE_PREBOOT, CAR_BATTERY_MODE_12V, volts);
+}
+uint32_t CVPMMgr::SetPrebootThresholdFor24VSystem(float volts) {
+  return SetBatteryLowVoltageThre(BOOT_TYPE_PREBOOT, CAR_BATTERY_MODE_24V, volts);
+}
+uint32_t CVPMMgr::GetPrebootThresholdFor24VSystem(float* volts) {
+  return GetBatteryLowVoltageThre(BOOT_TYPE_PREBOOT, CAR_BATTERY_MODE_24V, volts);
+}
+
+uint32_t CVPMMgr::GetCarBatteryVoltage(float* volts) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (volts == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  CAR_BATTERY_MODE mode = CAR_BATTERY_MODE_12V;
+  uint32_t status = GetCurrentCarBatteryMode(&mode);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  Reply reply;
+  status = Query(*this, Command("MCVG\r"), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  *volts = static_cast<float>(ReadHexadecimal(reply.text)) * VoltageScale(mode);
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetCurrentCarBatteryMode(CAR_BATTERY_MODE mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
+  // Thresholds of one battery system mean nothing to the other: both protections go off first.
+  const uint32_t status = Order(*this, Command("MCCS00\r"));
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  return Order(*this, Command("MCBS%02X\r", static_cast<unsigned int>(mode)));
+}
+
+uint32_t CVPMMgr::GetCurrentCarBatteryMode(CAR_BATTERY_MODE* mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  Reply reply;
+  const uint32_t status = Query(*this, Command("MCBG\r"), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  const int32_t reported = ReadHexadecimal(reply.text);
+  if (!IsBatteryMode(reported)) return ROLU_STATUS_VPM_ERROR_REPLY;
+  *mode = static_cast<CAR_BATTERY_MODE>(reported);
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetLowVoltageProtection(BOOT_TYPE type, char enable) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  Reply flags;
+  const uint32_t status = Query(*this, Command("MCCG\r"), flags);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  flags.text[type] = enable != 0 ? '1' : '0';
+  return Order(*this, Command("MCCS%s\r", flags.text));
+}
+
+uint32_t CVPMMgr::GetLowVoltageProtection(BOOT_TYPE type, char* enabled) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  Reply flags;
+  const uint32_t status = Query(*this, Command("MCCG\r"), flags);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  *enabled = flags.text[type] == '1' ? 1 : 0;
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetLowBatteryProtectionStatus(char enable) {
+  return SetLowVoltageProtection(BOOT_TYPE_LBP, enable);
+}
+uint32_t CVPMMgr::SetLowBatteryProtectionStatus(char* enabled) {
+  return GetLowVoltageProtection(BOOT_TYPE_LBP, enabled);
+}
+uint32_t CVPMMgr::SetPreBootLowBatteryProtectionStatus(char enable) {
+  return SetLowVoltageProtection(BOOT_TYPE_PREBOOT, enable);
+}
+uint32_t CVPMMgr::SetPreBootLowBatteryProtectionStatus(char* enabled) {
+  return GetLowVoltageProtection(BOOT_TYPE_PREBOOT, enabled);
+}

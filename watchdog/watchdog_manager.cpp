@@ -1,0 +1,58 @@
+#include "watchdog/watchdog_manager.h"
+
+#include "core/construction_order.h"
+#include "mcu/manager_lifecycle.h"
+#include "mcu/reply_fields.h"
+
+CWDMgr gWDMgr CONSTRUCTED_AT(kConstructWDMgr);
+
+CWDMgr::CWDMgr() : initialized(0), error_table(nullptr) {}
+
+CWDMgr::~CWDMgr() = default;
+
+uint32_t CWDMgr::Initialize(int) {
+  const uint32_t status = StartUpManager(initialized, error_table);
+  if (status == ROLU_STATUS_SUCCESS) initialized = 1;
+  return status;
+}
+
+uint32_t CWDMgr::Deinitialize() {
+  return ShutDownManager(initialized, error_table);
+}
+
+uint32_t CWDMgr::GetLibVersion(unsigned char*) {
+  return ROLU_STATUS_NOT_SUPPORTED;
+}
+
+uint32_t CWDMgr::Trigger() {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command("WDTR\r"), 0);
+}
+
+uint32_t CWDMgr::Enabled(bool enable) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command(enable ? "WDTE\r" : "WDTD\r"), 0);
+}
+
+uint32_t CWDMgr::GetTime(unsigned short* time) {
+  if (time == nullptr) return ROLU_STATUS_NULL_POINTER;
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  Reply reply;
+  const uint32_t status = Query(*this, Command("WDTG\r"), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  *time = static_cast<unsigned short>(ReadHexadecimal(reply.text));
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CWDMgr::SetTime(unsigned short time) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (time == 0) return ROLU_STATUS_INVALID_PARAMETER;
+  return Order(*this, Command("WDTS%04X\r", static_cast<unsigned int>(time)));
+}
+
+uint32_t CWDMgr::GetRange(unsigned long* minimum, unsigned long* maximum) {
+  if (minimum == nullptr || maximum == nullptr) return ROLU_STATUS_NULL_POINTER;
+  *minimum = 1;
+  *maximum = 65535;
+  return ROLU_STATUS_SUCCESS;
+}

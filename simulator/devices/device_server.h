@@ -1,9 +1,11 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -44,7 +46,7 @@ enum class DeviceOperation { kOpen, kRead, kWrite, kIoctl, kClose };
 struct DeviceAccess {
   std::chrono::steady_clock::time_point time;
   std::string path;
-  DeviceOperation operation;
+  DeviceOperation operation = DeviceOperation::kOpen;
   std::string bytes;
   std::uint32_t request = 0;
   std::uint64_t argument = 0;
@@ -80,40 +82,40 @@ class DeviceServer {
   void ClearAccesses();
 
   // Descriptors that are open on `path` now.
-  std::size_t OpenCount(std::string_view path) const;
+  std::size_t OpenCount(const std::string& path) const;
 
  private:
-  struct Connection {
-    UniqueFd socket;
-    std::string path;
-    std::unique_ptr<OpenDevice> device;
-  };
+  struct Connection;
 
   void Run();
-  void AcceptConnections();
+  void Accept();
   // False when the connection is at its end.
   bool ServeMessage(Connection& connection);
-  DeviceMessage Answer(Connection& connection, const DeviceMessage& request, std::string_view payload,
+  DeviceMessage Answer(Connection& connection, const DeviceMessage& request, const std::string& payload,
                        std::string& answer_payload);
-  DeviceResult Open(Connection& connection, std::string_view path, std::uint32_t flags);
+  DeviceResult Open(Connection& connection, const std::string& path, std::uint64_t open_bits);
   DeviceResult Read(Connection& connection, std::size_t capacity, std::string& bytes);
-  DeviceResult Write(Connection& connection, std::string_view bytes);
+  DeviceResult Write(Connection& connection, const std::string& bytes);
   DeviceResult Ioctl(Connection& connection, std::uint32_t request, std::uint64_t argument);
   void Close(Connection& connection);
-  DeviceResult Stat(std::string_view path, NodeStat& stat);
-  std::shared_ptr<Device> FindNode(std::string_view path, DeviceFaults& faults) const;
-  DeviceFaults FaultsOf(std::string_view path) const;
+  DeviceResult Stat(const std::string& path, DeviceMessage& answer);
+
+  std::shared_ptr<Device> FindNode(const std::string& path) const;
+  DeviceFaults FaultsOf(const std::string& path) const;
   void Record(DeviceAccess access);
 
   const KernelIdentity kernel_;
   UniqueFd listener_;
-  WakeupEvent stop_;
+  WakeupEvent wakeup_;
+  std::atomic<bool> stopping_{false};
+  std::list<Connection> connections_;  // of the server's thread
+
   mutable std::mutex mutex_;
-  std::map<std::string, std::shared_ptr<Device>, std::less<>> nodes_;
-  std::map<std::string, DeviceFaults, std::less<>> faults_;
-  std::map<std::string, std::size_t, std::less<>> open_counts_;
+  std::map<std::string, std::shared_ptr<Device>> nodes_;
+  std::map<std::string, DeviceFaults> faults_;
+  std::map<std::string, std::size_t> open_counts_;
   std::deque<DeviceAccess> accesses_;
-  std::vector<std::unique_ptr<Connection>> connections_;  // of the server's thread
+
   std::thread thread_;
 };
 

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -69,6 +70,7 @@ class I2cBus : public Device {
   static constexpr std::uint32_t kSelectRequest = 0x0703;       // I2C_SLAVE
   static constexpr std::uint32_t kForceSelectRequest = 0x0706;  // I2C_SLAVE_FORCE
   static constexpr std::size_t kMaxTransferBytes = 8192;        // as the kernel's i2c-dev cuts them
+  static constexpr std::size_t kLogCapacity = 65536;
 
   void Attach(std::uint8_t address, std::shared_ptr<I2cDevice> device);
   void Detach(std::uint8_t address);
@@ -77,7 +79,7 @@ class I2cBus : public Device {
   void RefuseSelection(std::uint8_t address, int error);
   void RefuseTransfers(std::uint8_t address, int error);
 
-  // All transfers so far, oldest first.
+  // The transfers so far, oldest first; the newest kLogCapacity are kept.
   std::vector<I2cTransfer> Transfers() const;
   void ClearTransfers();
 
@@ -90,13 +92,15 @@ class I2cBus : public Device {
   DeviceResult Select(std::uint64_t address) const;
   DeviceResult WriteTo(std::uint8_t address, std::string_view bytes);
   DeviceResult ReadFrom(std::uint8_t address, std::string& bytes, std::size_t count);
-  DeviceResult FindDevice(std::uint8_t address, std::shared_ptr<I2cDevice>& device) const;
+  // With mutex_ held. Null, and why, when no device takes part in a transfer.
+  I2cDevice* FindDevice(std::uint8_t address, DeviceResult& error) const;
+  void Record(I2cTransfer transfer);
 
   mutable std::mutex mutex_;
   std::map<std::uint8_t, std::shared_ptr<I2cDevice>> devices_;
   std::map<std::uint8_t, int> refused_selections_;
   std::map<std::uint8_t, int> refused_transfers_;
-  std::vector<I2cTransfer> transfers_;
+  std::deque<I2cTransfer> transfers_;
 };
 
 }  // namespace rolu_sim

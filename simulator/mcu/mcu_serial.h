@@ -2,9 +2,11 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -79,9 +81,10 @@ class McuSerial {
   // After HangUp: a new port, with the model, the script and the log as they were.
   void Reopen();
 
-  // How many open file descriptions programs hold on the port, and a wait for none.
-  int HostOpenCount() const;
-  bool WaitForHostClosed(std::chrono::milliseconds timeout) const;
+  // Whether a program has the port open, and a wait until none has (false after `timeout`). A
+  // close is noticed within some ten microseconds; after the wait, unread bytes are gone as well.
+  bool IsOpenByHost() const;
+  bool WaitForHostClosed(std::chrono::milliseconds timeout);
 
   // What passed the wire.
   WireLog& Log() { return log_; }
@@ -100,37 +103,41 @@ class McuSerial {
   void StartThread();
   void StopThread();
   void Run();
-  void Wake();
 
-  // All below: on the MCU's thread, with mutex_ held.
-  void FollowHostOpens();
+  // With mutex_ held.
   void ReceiveBytes();
-  void HandleArrivedBytes(TimePoint now, std::unique_lock<std::mutex>& lock);
-  void AnswerCommand(std::string_view command, TimePoint now);
-  void SendDueChunks(TimePoint now, std::unique_lock<std::mutex>& lock);
-  bool WriteOut(std::string_view bytes, std::size_t& written);
-  TimePoint NextDue() const;
+  void FollowHost();
+  void HandleArrivedBytes();
+  void HandleArrivedByte(const ReceivedByte& received);
+  void AnswerCommand(std::string_view command);
+  void SendDueBytes();
+  std::size_t SendableBytes(TimePoint now) const;
+  void SendBytes(std::size_t count);
+  std::optional<TimePoint> NextDue() const;
 
   const std::chrono::nanoseconds byte_time_;
   WireLog log_;
   WakeupEvent wakeup_;
 
   mutable std::mutex mutex_;
-  mutable std::condition_variable host_closed_;
+  std::condition_variable host_closed_;
   PseudoTerminal terminal_;
   McuModel model_;
   ReplyScript script_;
   bool stopping_ = false;
   bool silent_ = false;
   bool reading_stopped_ = false;
-  int host_opens_ = 0;
-  std::deque<ReceivedByte> received_;
+  bool host_open_ = false;
+
+  std::deque<ReceivedByte> received_;  // on the line, not yet at the MCU
   TimePoint receive_line_free_{};
   std::string command_;
-  std::multimap<TimePoint, std::string> scheduled_;
-  std::string outgoing_;
+
+  std::multimap<TimePoint, std::string> scheduled_;  // chunks by the time at which they leave
+  std::deque<std::string> outgoing_;                 // chunks that are leaving
+  bool port_full_ = false;
   TimePoint send_line_free_{};
-  std::string outgoing_line_;
+  std::string sent_line_;
 
   std::thread thread_;
 };

@@ -6,34 +6,38 @@
 
 namespace rolu_sim {
 
-// A pseudo-terminal whose device is in raw mode, and a watch on who opens it. One descriptor of the
-// device is held here, so that the master does not see a hang-up when the last program closes it;
-// the watch does not count that one.
+// A pseudo-terminal whose device is in raw mode, and a watch on who opens the device. No
+// descriptor of the device is held here, so a master that is hung up says that no program has the
+// device open; programs may open it again.
 class PseudoTerminal {
  public:
   // Throws std::system_error.
   PseudoTerminal();
 
   int master() const { return master_.get(); }
+  // Readable when a program has opened or closed the device.
   int watch() const { return watch_.get(); }
   const std::string& device_path() const { return device_path_; }
 
-  // Takes what the watch has seen since the last call: how many opens and closes by programs.
-  struct HostActivity {
-    int opens = 0;
-    int closes = 0;
-  };
-  HostActivity TakeHostActivity() const;
+  bool IsOpenByHost() const;
 
-  // Drops the bytes that a program has not read.
-  void DiscardUnreadBytes() const;
+  // Takes what the watch has seen. True when, at some moment since the last call, the last program
+  // closed the device, whether or not another one has opened it since.
+  bool TakeHostClose();
+
+  // Drops the bytes that no program has read.
+  void DiscardUnreadBytes();
 
   void Close();
 
  private:
+  UniqueFd OpenDevice() const;
+  bool WatchDevice();
+
   UniqueFd master_;
-  UniqueFd device_;
   UniqueFd watch_;
+  int watched_ = -1;
+  int openers_ = 0;
   std::string device_path_;
 };
 

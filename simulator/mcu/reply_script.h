@@ -63,6 +63,7 @@ inline constexpr int kEveryTime = -1;
 // answers. Not locked: McuSerial guards its own.
 class ReplyScript {
  public:
+  // `times` is 1 or more, or kEveryTime.
   void Add(CommandMatch match, Reply reply, int times);
   void Clear() { entries_.clear(); }
 

@@ -33,7 +33,8 @@ class WireLog {
 
   using LineListener = std::function<void(const WireEvent&)>;
 
-  // `listener` (may be empty) hears each line on the MCU's thread, without a lock held.
+  // `listener` (may be empty) hears each line on the MCU's thread; it must not call the McuSerial
+  // whose line it hears.
   explicit WireLog(LineListener listener);
 
   void RecordChunk(Direction direction, TimePoint time, std::string_view bytes);

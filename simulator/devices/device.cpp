@@ -1,0 +1,17 @@
+#include "simulator/devices/device.h"
+
+namespace rolu_sim {
+
+DeviceResult OpenDevice::Read(std::string& /*bytes*/, std::size_t /*capacity*/) {
+  return -EINVAL;
+}
+
+DeviceResult OpenDevice::Write(std::string_view /*bytes*/) {
+  return -EINVAL;
+}
+
+DeviceResult OpenDevice::Ioctl(std::uint32_t /*request*/, std::uint64_t /*argument*/) {
+  return -ENOTTY;
+}
+
+}  // namespace rolu_sim

@@ -1,0 +1,47 @@
+#include "simulator/mcu/mcu_model.h"
+
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace rolu_sim {
+namespace {
+
+std::vector<McuCommand> AllCommands() {
+  std::vector<McuCommand> all;
+  for (const auto subject : {IdentityCommands, BatteryCommands, WatchdogCommands}) {
+    const std::vector<McuCommand> commands = subject();
+    all.insert(all.end(), commands.begin(), commands.end());
+  }
+  return all;
+}
+
+// The longest code wins, so that one code may begin with another.
+const McuCommand* FindCommand(std::string_view text) {
+  static const std::vector<McuCommand> commands = AllCommands();
+  const McuCommand* found = nullptr;
+  for (const McuCommand& command : commands) {
+    if (text.substr(0, command.code.size()) != command.code) continue;
+    if (found == nullptr || command.code.size() > found->code.size()) found = &command;
+  }
+  return found;
+}
+
+}  // namespace
+
+AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
+  const McuCommand* const known = FindCommand(command);
+  if (known == nullptr) return {std::string(kUnknownCommandReply)};
+  const std::string_view fields = command.substr(known->code.size());
+  if (fields.size() < known->min_field_characters || fields.size() > known->max_field_characters) {
+    return RefuseParameter();
+  }
+  return known->execute(*this, fields, now);
+}
+
+void McuModel::SetBatteryCurve(VoltageCurve curve, TimePoint start) {
+  battery.curve = std::move(curve);
+  battery.curve_start = start;
+}
+
+}  // namespace rolu_sim

@@ -1,0 +1,125 @@
+// The open family. Each variant that a program may have been compiled to call is wrapped.
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdarg.h>
+
+#include "simulator/devices/board_paths.h"
+#include "simulator/preload/board_client.h"
+#include "simulator/preload/exported.h"
+#include "simulator/preload/next_call.h"
+#include "simulator/preload/redirection.h"
+
+namespace rolu_sim {
+namespace {
+
+using OpenCall = int (*)(const char*, int, ...);
+using OpenAtCall = int (*)(int, const char*, int, ...);
+using CheckedOpenCall = int (*)(const char*, int);
+using CheckedOpenAtCall = int (*)(int, const char*, int);
+
+NextCall<OpenCall> next_open("open");
+NextCall<OpenCall> next_open64("open64");
+NextCall<OpenAtCall> next_openat("openat");
+NextCall<OpenAtCall> next_openat64("openat64");
+NextCall<CheckedOpenCall> next_open_2("__open_2");
+NextCall<CheckedOpenCall> next_open64_2("__open64_2");
+NextCall<CheckedOpenAtCall> next_openat_2("__openat_2");
+NextCall<CheckedOpenAtCall> next_openat64_2("__openat64_2");
+
+// Opens a path of the board; of a target other than kUntouched.
+int OpenOnBoard(Target target, const char* path, int flags) {
+  if (target == Target::kSerialPort) {
+    return next_open.get()(PathInRoot(kSerialLinkName).get(), flags & ~O_CREAT);
+  }
+  if ((flags & O_DIRECTORY) != 0) {
+    errno = ENOTDIR;
+    return -1;
+  }
+  return OpenDeviceNode(path, flags);
+}
+
+// The mode is there only when the flags ask for it; a callee that does not look at it takes any.
+mode_t ModeOf(int flags, va_list arguments) {
+  const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+  return has_mode ? va_arg(arguments, mode_t) : 0;
+}
+
+int Open(NextCall<OpenCall>& next, const char* path, int flags, va_list arguments) {
+  const Target target = TargetOf(path);
+  if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
+  return next.get()(path, flags, ModeOf(flags, arguments));
+}
+
+int OpenAt(NextCall<OpenAtCall>& next, int directory, const char* path, int flags, va_list arguments) {
+  const Target target = TargetOf(path);
+  if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
+  return next.get()(directory, path, flags, ModeOf(flags, arguments));
+}
+
+int OpenChecked(NextCall<CheckedOpenCall>& next, const char* path, int flags) {
+  const Target target = TargetOf(path);
+  return target == Target::kUntouched ? next.get()(path, flags) : OpenOnBoard(target, path, flags);
+}
+
+int OpenAtChecked(NextCall<CheckedOpenAtCall>& next, int directory, const char* path, int flags) {
+  const Target target = TargetOf(path);
+  return target == Target::kUntouched ? next.get()(directory, path, flags) : OpenOnBoard(target, path, flags);
+}
+
+}  // namespace
+}  // namespace rolu_sim
+
+extern "C" {
+
+ROLU_SIM_EXPORTED int open(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const int fd = rolu_sim::Open(rolu_sim::next_open, path, flags, arguments);
+  va_end(arguments);
+  return fd;
+}
+
+ROLU_SIM_EXPORTED int open64(const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const int fd = rolu_sim::Open(rolu_sim::next_open64, path, flags, arguments);
+  va_end(arguments);
+  return fd;
+}
+
+ROLU_SIM_EXPORTED int openat(int directory, const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const int fd = rolu_sim::OpenAt(rolu_sim::next_openat, directory, path, flags, arguments);
+  va_end(arguments);
+  return fd;
+}
+
+ROLU_SIM_EXPORTED int openat64(int directory, const char* path, int flags, ...) {
+  va_list arguments;
+  va_start(arguments, flags);
+  const int fd = rolu_sim::OpenAt(rolu_sim::next_openat64, directory, path, flags, arguments);
+  va_end(arguments);
+  return fd;
+}
+
+// What the open calls without a mode become in a fortified program.
+
+ROLU_SIM_EXPORTED int __open_2(const char* path, int flags) {
+  return rolu_sim::OpenChecked(rolu_sim::next_open_2, path, flags);
+}
+
+ROLU_SIM_EXPORTED int __open64_2(const char* path, int flags) {
+  return rolu_sim::OpenChecked(rolu_sim::next_open64_2, path, flags);
+}
+
+ROLU_SIM_EXPORTED int __openat_2(int directory, const char* path, int flags) {
+  return rolu_sim::OpenAtChecked(rolu_sim::next_openat_2, directory, path, flags);
+}
+
+ROLU_SIM_EXPORTED int __openat64_2(int directory, const char* path, int flags) {
+  return rolu_sim::OpenAtChecked(rolu_sim::next_openat64_2, directory, path, flags);
+}
+
+}  // extern "C"

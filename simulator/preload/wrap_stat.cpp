@@ -1,0 +1,120 @@
+// Questions about paths.
+
+#include <errno.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "simulator/devices/board_paths.h"
+#include "simulator/preload/exported.h"
+#include "simulator/preload/next_call.h"
+#include "simulator/preload/node_stat.h"
+#include "simulator/preload/redirection.h"
+#include "simulator/preload/stat_path.h"
+
+namespace rolu_sim {
+namespace {
+
+NextCall<StatCall<struct stat>> next_stat("stat");
+NextCall<StatCall<struct stat64>> next_stat64("stat64");
+NextCall<StatCall<struct stat>> next_lstat("lstat");
+NextCall<StatCall<struct stat64>> next_lstat64("lstat64");
+NextCall<StatAtCall<struct stat>> next_fstatat("fstatat");
+NextCall<StatAtCall<struct stat64>> next_fstatat64("fstatat64");
+NextCall<int (*)(int, const char*, int, unsigned, struct statx*)> next_statx("statx");
+NextCall<int (*)(const char*, int)> next_access("access");
+NextCall<int (*)(int, const char*, int, int)> next_faccessat("faccessat");
+
+int StatxNode(const char* path, struct statx* record) {
+  NodeAttributes attributes{};
+  if (AskNodeAttributes(path, attributes) < 0) return -1;
+  memset(record, 0, sizeof *record);
+  record->stx_mask = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_SIZE;
+  record->stx_mode = static_cast<uint16_t>(attributes.mode);
+  record->stx_nlink = 1;
+  record->stx_size = static_cast<uint64_t>(attributes.size);
+  record->stx_blksize = 4096;
+  record->stx_rdev_major = attributes.major;
+  record->stx_rdev_minor = attributes.minor;
+  return 0;
+}
+
+// The board's programs run as root: every node that is there may be read and written.
+int AccessNode(const char* path, int mode) {
+  NodeAttributes attributes{};
+  if (AskNodeAttributes(path, attributes) < 0) return -1;
+  if ((mode & X_OK) == 0) return 0;
+  errno = EACCES;
+  return -1;
+}
+
+}  // namespace
+}  // namespace rolu_sim
+
+using rolu_sim::PathInRoot;
+using rolu_sim::Target;
+using rolu_sim::TargetOf;
+
+extern "C" {
+
+ROLU_SIM_EXPORTED int stat(const char* path, struct stat* record) noexcept {
+  return rolu_sim::StatPath(rolu_sim::next_stat, rolu_sim::next_stat, path, record);
+}
+
+ROLU_SIM_EXPORTED int stat64(const char* path, struct stat64* record) noexcept {
+  return rolu_sim::StatPath(rolu_sim::next_stat64, rolu_sim::next_stat64, path, record);
+}
+
+ROLU_SIM_EXPORTED int lstat(const char* path, struct stat* record) noexcept {
+  return rolu_sim::StatPath(rolu_sim::next_lstat, rolu_sim::next_stat, path, record);
+}
+
+ROLU_SIM_EXPORTED int lstat64(const char* path, struct stat64* record) noexcept {
+  return rolu_sim::StatPath(rolu_sim::next_lstat64, rolu_sim::next_stat64, path, record);
+}
+
+ROLU_SIM_EXPORTED int fstatat(int directory, const char* path, struct stat* record, int flags) noexcept {
+  return rolu_sim::StatPathAt(rolu_sim::next_fstatat, directory, path, record, flags);
+}
+
+ROLU_SIM_EXPORTED int fstatat64(int directory, const char* path, struct stat64* record, int flags) noexcept {
+  return rolu_sim::StatPathAt(rolu_sim::next_fstatat64, directory, path, record, flags);
+}
+
+ROLU_SIM_EXPORTED int statx(int directory, const char* path, int flags, unsigned mask,
+                            struct statx* record) noexcept {
+  switch (TargetOf(path)) {
+    case Target::kDevice:
+      return rolu_sim::StatxNode(path, record);
+    case Target::kSerialPort:
+      return rolu_sim::next_statx.get()(directory, PathInRoot(rolu_sim::kSerialLinkName).get(),
+                                        flags & ~AT_SYMLINK_NOFOLLOW, mask, record);
+    default:
+      return rolu_sim::next_statx.get()(directory, path, flags, mask, record);
+  }
+}
+
+ROLU_SIM_EXPORTED int access(const char* path, int mode) noexcept {
+  switch (TargetOf(path)) {
+    case Target::kDevice:
+      return rolu_sim::AccessNode(path, mode);
+    case Target::kSerialPort:
+      return rolu_sim::next_access.get()(PathInRoot(rolu_sim::kSerialLinkName).get(), mode);
+    default:
+      return rolu_sim::next_access.get()(path, mode);
+  }
+}
+
+ROLU_SIM_EXPORTED int faccessat(int directory, const char* path, int mode, int flags) noexcept {
+  switch (TargetOf(path)) {
+    case Target::kDevice:
+      return rolu_sim::AccessNode(path, mode);
+    case Target::kSerialPort:
+      return rolu_sim::next_faccessat.get()(directory, PathInRoot(rolu_sim::kSerialLinkName).get(), mode,
+                                            flags & ~AT_SYMLINK_NOFOLLOW);
+    default:
+      return rolu_sim::next_faccessat.get()(directory, path, mode, flags);
+  }
+}
+
+}  // extern "C"

@@ -15,6 +15,7 @@
 #include "kavo_rolu.h"
 #include "mcu/link_state.h"
 #include "mcu/serial_port.h"
+#include "mcu/unsolicited.h"
 
 CCriticalSection* io_op_lock = nullptr;
 int vpm_port = -1;
@@ -77,6 +78,7 @@ bool CreateReplyEvent() REQUIRES(io_op_lock) {
 void ResetSharedState() REQUIRES(io_op_lock) {
   last_command_valid = false;
   tx_index = 0;
+  ResetUnsolicited();
   ResetPortReader();
 }
 

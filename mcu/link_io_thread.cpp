@@ -7,6 +7,7 @@
 
 #include "core/deadline.h"
 #include "mcu/link_state.h"
+#include "mcu/unsolicited.h"
 
 namespace {
 
@@ -92,8 +93,11 @@ void StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
 
 void HandleLine(const char* line, size_t length) {
   if (io_op_lock->TimeLock(kLineLockMs) != 0) return;
-  const bool bracketed = line[0] == '[' || line[length - 1] == ']';
-  if (!bracketed) StoreReply(line, length);
+  if (line[0] == '[' || line[length - 1] == ']') {
+    HandleBracketedMessage(line);
+  } else {
+    StoreReply(line, length);
+  }
   io_op_lock->Unlock();
 }
 

@@ -39,6 +39,12 @@ AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
   return known->execute(*this, fields, now);
 }
 
+void McuModel::SetVehicle(BatteryMode mode) {
+  constexpr double kGoodVoltsOf12V = 12.6;
+  battery.mode = mode;
+  SetBatteryVolts(mode == BatteryMode::k24V ? 2 * kGoodVoltsOf12V : kGoodVoltsOf12V);
+}
+
 void McuModel::SetBatteryCurve(VoltageCurve curve, TimePoint start) {
   battery.curve = std::move(curve);
   battery.curve_start = start;

@@ -25,6 +25,9 @@ class McuModel {
   IdentityState identity;
   WatchdogState watchdog;
 
+  // A vehicle of this electrical system, with a good battery.
+  void SetVehicle(BatteryMode mode);
+
   // From now on the battery is at `volts`.
   void SetBatteryVolts(double volts) { battery.curve = VoltageCurve(volts); }
 

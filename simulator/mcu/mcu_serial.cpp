@@ -131,6 +131,8 @@ bool McuSerial::WaitForHostClosed(std::chrono::milliseconds timeout) {
   return host_closed_.wait_for(lock, timeout, [this] {
     if (terminal_.master() < 0) return true;
     FollowHost();
+    // The MCU's thread may have gone to sleep on a port that nobody had open.
+    if (host_open_) wakeup_.Signal();
     return !host_open_;
   });
 }

@@ -11,7 +11,7 @@ namespace rolu_sim {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& word, const std::string& why) {
-  throw std::invalid_argument("battery curve, \"" + word + "\": " + why);
+  throw std::invalid_argument("\"" + word + "\": " + why);
 }
 
 double ParseNumber(const std::string& word, std::string_view text) {
@@ -68,7 +68,7 @@ VoltageCurve VoltageCurve::Parse(std::string_view text) {
     }
     points.push_back(point);
   }
-  if (points.empty()) throw std::invalid_argument("battery curve: there is no point, as in 0s=12.6 2s=11.0");
+  if (points.empty()) throw std::invalid_argument("a curve has at least one point, as in 0s=12.6 2s=11.0");
   return VoltageCurve(std::move(points));
 }
 

@@ -38,6 +38,7 @@ bool IsLineEnd(char byte) {
 
 McuSerial::McuSerial(McuSerialOptions options)
     : byte_time_(options.paced ? kByteTime115200 : std::chrono::nanoseconds(0)),
+      answer_route_(std::move(options.answer_route)),
       log_(std::move(options.line_listener)) {
   StartThread();
 }
@@ -217,16 +218,21 @@ void McuSerial::HandleArrivedByte(const ReceivedByte& received) {
 
 void McuSerial::AnswerCommand(std::string_view command) {
   TimePoint due = std::chrono::steady_clock::now();
-  if (const std::optional<Reply> scripted = script_.Take(command)) {
-    for (const ReplyChunk& chunk : scripted->chunks()) {
-      due += chunk.delay;
-      scheduled_.emplace(due, chunk.bytes);
-    }
-    return;
+  const AskModel ask_model = [&] { return AnswerOfModel(command); };
+  std::optional<Reply> reply = script_.Take(command);
+  if (!reply) reply = answer_route_ ? answer_route_(command, ask_model) : ask_model();
+  for (const ReplyChunk& chunk : reply->chunks()) {
+    due += chunk.delay;
+    scheduled_.emplace(due, chunk.bytes);
   }
+}
+
+Reply McuSerial::AnswerOfModel(std::string_view command) {
   std::string answer;
-  for (const std::string& line : model_.Execute(command, due)) answer.append(line).append(kLineEnd);
-  if (!answer.empty()) scheduled_.emplace(due, std::move(answer));
+  for (const std::string& line : model_.Execute(command, std::chrono::steady_clock::now())) {
+    answer.append(line).append(kLineEnd);
+  }
+  return answer.empty() ? Reply::Silence() : Reply::Bytes(std::move(answer));
 }
 
 void McuSerial::SendDueBytes() {

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -21,11 +22,19 @@
 
 namespace rolu_sim {
 
+// Lets the model carry out the command in hand, once at most, and gives its answer.
+using AskModel = std::function<Reply()>;
+
+// Decides what is sent for a command that no scripted reply answers. Called on the MCU's thread; it
+// must not call the McuSerial that calls it.
+using AnswerRoute = std::function<Reply(std::string_view command, const AskModel& ask_model)>;
+
 struct McuSerialOptions {
   // Bytes take the time of a 115200 bit/s line, 8N1 (86.8 us each), in both directions. Without
   // it they pass at once.
   bool paced = false;
   WireLog::LineListener line_listener;
+  AnswerRoute answer_route;  // empty: the model answers
 };
 
 // The MCU at the far end of a serial line: a pseudo-terminal, and a thread that reads commands up
@@ -111,12 +120,14 @@ class McuSerial {
   void HandleArrivedBytes();
   void HandleArrivedByte(const ReceivedByte& received);
   void AnswerCommand(std::string_view command);
+  Reply AnswerOfModel(std::string_view command);
   void SendDueBytes();
   std::size_t SendableBytes(TimePoint now) const;
   void SendBytes(std::size_t count);
   std::optional<TimePoint> NextDue() const;
 
   const std::chrono::nanoseconds byte_time_;
+  const AnswerRoute answer_route_;
   WireLog log_;
   WakeupEvent wakeup_;
 

@@ -11,7 +11,8 @@
 namespace rolu_sim {
 
 Board::Board(BoardOptions options)
-    : mcu_(std::move(options.serial)),
+    : root_(options.root_directory),
+      mcu_(std::move(options.serial)),
       reset_controller_(std::make_shared<ResetController>()),
       i2c_(std::make_shared<I2cBus>()),
       devices_(root_.DeviceSocketPath(), std::move(options.kernel)) {

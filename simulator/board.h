@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "simulator/board_root.h"
 #include "simulator/devices/board_paths.h"
@@ -13,6 +14,7 @@ namespace rolu_sim {
 struct BoardOptions {
   McuSerialOptions serial;
   KernelIdentity kernel;
+  std::string root_directory;  // empty: a private one
 };
 
 // A whole simulated board. A test program holds one in its own process:

@@ -1,8 +1,11 @@
 #include "simulator/board_root.h"
 
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -15,8 +18,10 @@ namespace {
 
 constexpr std::string_view kNamePattern = "/rolu-XXXXXX";
 
-// A socket's path ends at 108 bytes, and the board's must fit below its root.
-constexpr std::size_t kMaxParentLength = 70;
+constexpr std::size_t kMaxParentLength = BoardRoot::kMaxPathLength - kNamePattern.size();
+
+// What a board has in its directory, whoever makes it.
+constexpr std::array<const char*, 5> kParts = {"/proc", "/bin", kDeviceSocketName, "/control", "/wlan0-up"};
 
 std::string ParentDirectory() {
   const char* const configured = getenv("TMPDIR");
@@ -28,16 +33,36 @@ std::string ParentDirectory() {
 
 }  // namespace
 
-BoardRoot::BoardRoot() : path_(ParentDirectory().append(kNamePattern)), owner_(getpid()) {
-  if (mkdtemp(path_.data()) == nullptr) ThrowErrno("making a directory for the board, " + path_);
-  std::filesystem::create_directory(path_ + "/proc");
+BoardRoot::BoardRoot(const std::string& directory)
+    : path_(directory.empty() ? ParentDirectory().append(kNamePattern) : directory),
+      is_private_(directory.empty()),
+      owner_(getpid()) {
+  if (is_private_) {
+    if (mkdtemp(path_.data()) == nullptr) ThrowErrno("making a directory for the board, " + path_);
+  } else {
+    is_made_here_ = mkdir(path_.c_str(), 0700) == 0;
+    if (!is_made_here_ && errno != EEXIST) ThrowErrno("making a directory for the board, " + path_);
+  }
+  // It fails for all but one of several boards that are to be in the same directory.
+  const std::string first_part = path_ + kParts[0];
+  if (mkdir(first_part.c_str(), 0700) != 0) ThrowErrno("making " + first_part);
   std::filesystem::create_directory(CommandDirectory());
 }
 
 BoardRoot::~BoardRoot() {
   if (getpid() != owner_) return;
   std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+  if (is_private_) {
+    std::filesystem::remove_all(path_, ignored);
+    return;
+  }
+  RemoveParts(path_);
+  if (is_made_here_) rmdir(path_.c_str());
+}
+
+void BoardRoot::RemoveParts(const std::string& directory) {
+  std::error_code ignored;
+  for (const char* const part : kParts) std::filesystem::remove_all(directory + part, ignored);
 }
 
 std::string BoardRoot::SerialLinkPath() const {

@@ -2,17 +2,23 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <string>
 
 namespace rolu_sim {
 
-// The private directory that holds what the board shows: proc/vpm_serial (a link to the MCU's
-// port), bin/ (commands that stand in for the system's) and the device server's socket. Removed
-// with everything in it on destruction, by the process that made it and no other. Throws
-// std::system_error when it cannot be made.
+// The directory that holds what the board shows: proc/vpm_serial (a link to the MCU's port), bin/
+// (commands that stand in for the system's) and sockets. A private one is removed with everything in
+// it on destruction, by the process that made it and no other; in a named one the board's parts are,
+// and the directory itself if it was made here and nothing else is in it.
 class BoardRoot {
  public:
-  BoardRoot();
+  // The longest path of a directory in which the sockets' paths fit the system's limit.
+  static constexpr std::size_t kMaxPathLength = 90;
+
+  // Private when `directory` is empty. Throws std::system_error when it cannot be made, or when
+  // another board's parts are in it.
+  explicit BoardRoot(const std::string& directory = {});
   ~BoardRoot();
   BoardRoot(const BoardRoot&) = delete;
   BoardRoot& operator=(const BoardRoot&) = delete;
@@ -26,8 +32,13 @@ class BoardRoot {
   void LinkSerialPort(const std::string& device_path) const;
   void UnlinkSerialPort() const;
 
+  // Removes what a board has put into a directory.
+  static void RemoveParts(const std::string& directory);
+
  private:
   std::string path_;
+  const bool is_private_;
+  bool is_made_here_ = true;
   pid_t owner_;
 };
 

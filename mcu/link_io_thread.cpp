@@ -82,9 +82,10 @@ void AwaitReplyTaken() REQUIRES(io_op_lock) {
 }
 
 void StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
-  // The MCU has not seen a command that is still queued: this line answers an earlier one.
-  if (tx_index > 0) return;
   AwaitReplyTaken();
+  // The MCU has not seen a command that is still queued: this line answers an earlier one. The caller
+  // that took the reply before may have queued it just now.
+  if (tx_index > 0) return;
   memcpy(last_command_result, line, length + 1);
   last_command_valid = true;
   if (vpm_resp_event != nullptr) pthread_cond_signal(vpm_resp_event);

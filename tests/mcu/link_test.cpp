@@ -169,6 +169,16 @@ TEST_F(OpenLink, AnswerThatCameBeforeTheWaitIsTakenAtOnce) {
   EXPECT_STREQ(reply, "OK");
 }
 
+// The link keeps the second line for a caller that may ask for it; the next command may come first.
+TEST_F(OpenLink, SecondLineThatNobodyReadsIsNotTheNextAnswer) {
+  mcu.Script(CommandMatch::Exactly("TWICE"), rolu_sim::Reply::Lines({"ONE", "TWO"}), kEveryTime);
+  mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line("02EB"), kEveryTime);
+  for (int i = 0; i < 50; ++i) {
+    EXPECT_THAT(Ask("TWICE"), testing::AnyOf("ONE", "TWO"));
+    EXPECT_EQ(Ask("MCVG"), "02EB");
+  }
+}
+
 TEST(LinkClose, EndsWhileTheMcuSendsWithoutLineEnds) {
   const rolu_sim::PseudoTerminal line;
   ASSERT_TRUE(Open(line.device_path()));

@@ -1,7 +1,6 @@
 #include "bench/allocation_counter.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 
@@ -26,13 +25,12 @@ std::uint64_t AllocationCount() {
 extern "C" {
 
 // The C library's own names for its allocator; looking it up by dlsym would allocate.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTBEGIN(bugprone-reserved-identifier)
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
-void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+// NOLINTEND(bugprone-reserved-identifier)
 
 void* malloc(std::size_t size) noexcept {
   Count();
@@ -47,17 +45,6 @@ void* calloc(std::size_t count, std::size_t size) noexcept {
 void* realloc(void* block, std::size_t size) noexcept {
   Count();
   return __libc_realloc(block, size);
-}
-
-void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-  Count();
-  return __libc_memalign(alignment, size);
-}
-
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-  Count();
-  *block = __libc_memalign(alignment, size);
-  return *block == nullptr ? ENOMEM : 0;
 }
 
 void free(void* block) noexcept {

@@ -6,7 +6,6 @@
 #include <exception>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <thread>
 
 #include "bench/allocation_counter.h"
@@ -21,13 +20,8 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-class Unmeasurable : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 void Require(bool condition, const char* what) {
-  if (!condition) throw Unmeasurable(what);
+  if (!condition) throw std::runtime_error(what);
 }
 
 void OpenLink() {
@@ -61,16 +55,32 @@ void LeaveLineQuiet() {
 
 void LeaveNoPause() {}
 
+// Few, so that bare round trips and queries take turns more often than the machine's load changes.
+constexpr int kSamplesPerRound = 10;
+
+// The time of `work` in microseconds.
+template <typename Work>
+double TimeOf(Work work) {
+  const Clock::time_point start = Clock::now();
+  work();
+  return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
 template <typename Pause, typename Work>
-void Sample(benchmark::State& state, Samples& samples, Pause pause, Work work) {
-  for ([[maybe_unused]] auto iteration : state) {
+void Sample(Samples& samples, int count, Pause pause, Work work) {
+  for (int i = 0; i < count; ++i) {
     pause();
-    const Clock::time_point start = Clock::now();
-    work();
-    const std::chrono::duration<double> elapsed = Clock::now() - start;
-    state.SetIterationTime(elapsed.count());
-    samples.Add(elapsed.count() * 1e6);
+    samples.Add(TimeOf(work));
   }
+}
+
+void SelectFor5Ms() {
+  timeval timeout{0, 5000};
+  select(0, nullptr, nullptr, nullptr, &timeout);
+}
+
+void ShowMedian(benchmark::State& state, const char* name, const Samples& samples) {
+  state.counters[name] = samples.Percentile(50).value_or(0.0);
 }
 
 class LinkBenchmarks {
@@ -80,42 +90,26 @@ class LinkBenchmarks {
     mcu_.PlugInto(root_);
   }
 
-  void BareRoundTrip(benchmark::State& state) {
-    const SerialClient client(mcu_.device_path());
-    Sample(state, found_.bare_round_trip, LeaveLineQuiet,
-           [&] { Require(client.AskWatchdogTime(), "the MCU did not answer"); });
-  }
-
-  void BareRoundTripBackToBack(benchmark::State& state) {
-    const SerialClient client(mcu_.device_path());
-    Sample(state, found_.bare_round_trip_back_to_back, LeaveNoPause,
-           [&] { Require(client.AskWatchdogTime(), "the MCU did not answer"); });
-  }
-
-  void EmptyPoll(benchmark::State& state) {
-    Sample(state, found_.empty_poll, LeaveNoPause, [] {
-      timeval timeout{0, 5000};
-      select(0, nullptr, nullptr, nullptr, &timeout);
-    });
-  }
-
-  void QueryOnQuietLine(benchmark::State& state) {
-    const OnlyUser user;
-    Sample(state, found_.query_on_quiet_line, LeaveLineQuiet, QueryLibrary);
-  }
-
-  void QueryBackToBack(benchmark::State& state) {
-    const OnlyUser user;
-    QueryLibrary();
-    Sample(state, found_.query_back_to_back, LeaveNoPause, QueryLibrary);
+  // One round is an iteration.
+  void QueryLatency(benchmark::State& state) {
+    for ([[maybe_unused]] auto round : state) {
+      SampleBareRoundTrips();
+      SampleQueries();
+      Sample(found_.empty_poll, kSamplesPerRound / 2, LeaveNoPause, SelectFor5Ms);
+    }
+    ShowMedian(state, "bare_us", found_.bare_round_trip);
+    ShowMedian(state, "quiet_us", found_.query_on_quiet_line);
+    ShowMedian(state, "busy_us", found_.query_back_to_back);
   }
 
   void LastClose(benchmark::State& state) {
-    const auto open = [] {
+    for ([[maybe_unused]] auto iteration : state) {
       OpenLink();
       LeaveLineQuiet();
-    };
-    Sample(state, found_.last_close, open, CloseLink);
+      const double time_us = TimeOf(CloseLink);
+      state.SetIterationTime(time_us / 1e6);
+      found_.last_close.Add(time_us);
+    }
   }
 
   void AllocationsPerQuery(benchmark::State& state) {
@@ -144,6 +138,19 @@ class LinkBenchmarks {
   }
 
  private:
+  void SampleBareRoundTrips() {
+    const SerialClient client(mcu_.device_path());
+    const auto ask = [&] { Require(client.AskWatchdogTime(), "the MCU did not answer"); };
+    Sample(found_.bare_round_trip, kSamplesPerRound, LeaveLineQuiet, ask);
+    Sample(found_.bare_round_trip_back_to_back, kSamplesPerRound, LeaveNoPause, ask);
+  }
+
+  void SampleQueries() {
+    const OnlyUser user;
+    Sample(found_.query_on_quiet_line, kSamplesPerRound, LeaveLineQuiet, QueryLibrary);
+    Sample(found_.query_back_to_back, kSamplesPerRound, LeaveNoPause, QueryLibrary);
+  }
+
   double CountAllocations(benchmark::State& state, void (*work)()) const {
     const std::uint64_t before_open = AllocationCount();
     const OnlyUser user;
@@ -179,7 +186,7 @@ class LinkBenchmarks {
 void RegisterLinkBenchmarks(const Effort& effort, const rolu_sim::BoardRoot& root, Measurements& found) {
   using Method = void (LinkBenchmarks::*)(benchmark::State&);
   const auto benchmarks = std::make_shared<LinkBenchmarks>(effort, root, found);
-  const auto add = [&](const std::string& name, Method method, int iterations) {
+  const auto add = [&](const char* name, Method method, int iterations) {
     const auto run = [=, &found](benchmark::State& state) {
       found.attempted = true;
       try {
@@ -189,26 +196,14 @@ void RegisterLinkBenchmarks(const Effort& effort, const rolu_sim::BoardRoot& roo
         state.SkipWithError(error.what());
       }
     };
-    return benchmark::RegisterBenchmark(name.c_str(), run)->Iterations(iterations);
+    return benchmark::RegisterBenchmark(name, run)->Iterations(iterations)->Unit(benchmark::kMillisecond);
   };
-  const auto add_timed = [&](const std::string& name, Method method, int iterations) {
-    add(name, method, iterations)->UseManualTime()->Unit(benchmark::kMicrosecond);
-  };
-  for (int round = 1; round <= effort.rounds; ++round) {
-    const std::string suffix = "/round:" + std::to_string(round);
-    add_timed("QueryLatency/BareRoundTrip" + suffix, &LinkBenchmarks::BareRoundTrip, effort.quiet_samples);
-    add_timed("QueryLatency/QueryOnQuietLine" + suffix, &LinkBenchmarks::QueryOnQuietLine,
-              effort.quiet_samples);
-    add_timed("QueryLatency/BareRoundTripBackToBack" + suffix, &LinkBenchmarks::BareRoundTripBackToBack,
-              effort.busy_samples);
-    add_timed("QueryLatency/QueryBackToBack" + suffix, &LinkBenchmarks::QueryBackToBack, effort.busy_samples);
-    add_timed("QueryLatency/EmptyPoll" + suffix, &LinkBenchmarks::EmptyPoll, effort.busy_samples / 2);
-  }
+  add("QueryLatency", &LinkBenchmarks::QueryLatency, effort.rounds);
   add("Allocations/PerQuery", &LinkBenchmarks::AllocationsPerQuery, 1);
   add("Allocations/PerLine", &LinkBenchmarks::AllocationsPerLine, 1);
   add("IoThread/IdleLink", &LinkBenchmarks::IdleLink, 1);
   add("IoThread/HungUpPort", &LinkBenchmarks::HungUpPort, 1);
-  add_timed("LastClose", &LinkBenchmarks::LastClose, effort.closes);
+  add("LastClose", &LinkBenchmarks::LastClose, effort.closes)->UseManualTime();
 }
 
 }  // namespace rolu_bench

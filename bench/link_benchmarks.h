@@ -8,16 +8,14 @@
 namespace rolu_bench {
 
 struct Effort {
-  int rounds;           // in which the latencies are measured by turns, so that all see the same load
-  int quiet_samples;    // per round, of what is asked on a quiet line
-  int busy_samples;     // per round, of what is asked back to back
+  int rounds;           // in which bare round trips and queries take turns
   int counted_queries;  // for the allocations
   int closes;
   std::chrono::milliseconds load_duration;
 };
 
-inline constexpr Effort kFullEffort{5, 80, 100, 200, 50, std::chrono::milliseconds(2000)};
-inline constexpr Effort kQuickEffort{2, 40, 50, 50, 20, std::chrono::milliseconds(500)};
+inline constexpr Effort kFullEffort{40, 200, 50, std::chrono::milliseconds(2000)};
+inline constexpr Effort kQuickEffort{8, 50, 20, std::chrono::milliseconds(500)};
 
 // Registers the benchmarks. When they run they meet the board whose root the environment names,
 // `root`, and add what they find to `found`; both outlive the run.

@@ -28,6 +28,7 @@ class RoluSim {
 
     arguments.insert(arguments.begin(), ROLU_SIM);
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (std::string& word : arguments) words.push_back(word.data());
     words.push_back(nullptr);
     std::string variable = "TMPDIR=" + temporary_;

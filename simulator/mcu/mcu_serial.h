@@ -34,7 +34,7 @@ struct McuSerialOptions {
   // it they pass at once.
   bool paced = false;
   WireLog::LineListener line_listener;
-  AnswerRoute answer_route;  // empty: the model answers
+  AnswerRoute answer_route{};  // empty: the model answers
   // Hears each event on the thread that brought it about; must not call the McuSerial.
   std::function<void(const McuEvent&)> event_listener;
   // What the MCU's clock shows when it starts to run.

@@ -1,0 +1,309 @@
+#include "simulator/control/readings.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+
+#include "simulator/control/clock_text.h"
+#include "simulator/control/desk.h"
+#include "simulator/control/nearest_name.h"
+#include "simulator/trace/printable.h"
+
+namespace rolu_sim {
+namespace {
+
+double Seconds(std::chrono::nanoseconds duration) {
+  return std::round(std::chrono::duration<double>(duration).count() * 1e6) / 1e6;
+}
+
+double SinceStart(Desk& desk, TimePoint time) {
+  return Seconds(time - desk.start());
+}
+
+Json ReadBoardItself(Desk& desk) {
+  return {{"directory", desk.board().root().path()},
+          {"process", getpid()},
+          {"up_s", SinceStart(desk, std::chrono::steady_clock::now())},
+          {"serial_port", desk.board().mcu().DevicePath()},
+          {"serial_port_is_open", desk.board().mcu().IsOpenByHost()},
+          {"seed", desk.faults().seed()}};
+}
+
+Json ReadBattery(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    const TimePoint now = std::chrono::steady_clock::now();
+    const auto threshold = [&](BatteryMode mode, Protection protection) {
+      return std::round(mcu.battery.Threshold(mode, protection) * SystemOf(mode).volts_per_unit * 1000) /
+             1000;
+    };
+    const auto thresholds = [&](Protection protection) {
+      return Json{{"on", mcu.battery.protection_enabled[static_cast<std::size_t>(protection)]},
+                  {"threshold_of_12v_system_v", threshold(BatteryMode::k12V, protection)},
+                  {"threshold_of_24v_system_v", threshold(BatteryMode::k24V, protection)}};
+    };
+    return Json{{"system_v", mcu.battery.mode == BatteryMode::k24V ? 24 : 12},
+                {"voltage_v", std::round(mcu.battery.VoltsAt(now) * 1000) / 1000},
+                {"reading_units", mcu.battery.RawAt(now)},
+                {"preboot_protection", thresholds(Protection::kPreboot)},
+                {"low_battery_protection", thresholds(Protection::kLowBattery)}};
+  });
+}
+
+Json ReadIgnition(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    return Json{{"on", mcu.ignition.on},
+                {"mode", mcu.ignition.mode},
+                {"power_off_alarm", mcu.ignition.pre_power_off_alarm},
+                {"keep_alive_mode", mcu.ignition.keep_alive_mode},
+                {"at_mode", mcu.ignition.at_mode}};
+  });
+}
+
+Json ReadPowerOff(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    const PowerOffState& state = mcu.power_off;
+    return Json{{"low_battery_delay_s", state.Delay(DelayType::kLowBattery)},
+                {"low_battery_hard_delay_s", state.Delay(DelayType::kLowBatteryHard)},
+                {"ignition_on_delay_s", state.Delay(DelayType::kIgnitionOn)},
+                {"ignition_off_event_delay_s", state.Delay(DelayType::kIgnitionOffEvent)},
+                {"ignition_hard_off_delay_s", state.Delay(DelayType::kIgnitionHardOff)},
+                {"ignition_suspend_hard_off_delay_s", state.Delay(DelayType::kIgnitionSuspendHardOff)},
+                {"power_off_alarm_delay_s", state.Delay(DelayType::kPrePowerOffAlarm)},
+                {"forced_shutdown", state.forced_shutdown},
+                {"forced_shutdown_delay_s", state.forced_shutdown_delay}};
+  });
+}
+
+template <std::size_t N>
+Json NumbersOf(const std::array<bool, N>& switches) {
+  Json numbers = Json::array();
+  for (std::size_t number = 0; number < N; ++number) {
+    if (switches[number]) numbers.push_back(number);
+  }
+  return numbers;
+}
+
+Json ReadSources(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    return Json{{"shutdown_sources_on", NumbersOf(mcu.power_sources.shutdown_enabled)},
+                {"wakeup_sources_on", NumbersOf(mcu.power_sources.wakeup_enabled)},
+                {"last_wakeup_code", fmt::format("{:02X}", mcu.power_sources.last_wakeup_code)}};
+  });
+}
+
+Json ReadClock(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    const TimePoint now = std::chrono::steady_clock::now();
+    const AlarmSetting& alarm = mcu.clock.alarm;
+    const auto next = mcu.clock.NextAlarm(now);
+    const bool is_on = mcu.power_sources.wakeup_enabled[PowerSourcesState::kAlarmSource];
+    const char* repeats = "never";
+    if (alarm.match_minute) repeats = "hourly";
+    if (alarm.match_hour) repeats = "daily";
+    if (alarm.match_weekday) repeats = "weekly";
+    return Json{{"time", FormatClockTime(mcu.clock.TimeAt(now))},
+                {"weekday", mcu.clock.TimeAt(now).weekday},
+                {"alarm",
+                 {{"on", is_on},
+                  {"repeats", repeats},
+                  {"weekday", alarm.weekday},
+                  {"time", fmt::format("{:02}:{:02}", alarm.hour, alarm.minute)},
+                  {"comes_in_s", is_on && next ? Json(Seconds(*next - now)) : Json(nullptr)}}}};
+  });
+}
+
+Json ReadBackupBattery(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    const BackupBatteryState& battery = mcu.backup_battery;
+    return Json{{"voltage_v", battery.millivolts / 1000.0},
+                {"temperature_c", std::round(battery.temperature_tenths_kelvin * 10.0 - 27315.0) / 100.0},
+                {"charge_percent", battery.percent},
+                {"remaining_capacity", battery.remaining_capacity},
+                {"remaining_time", battery.remaining_time},
+                {"time_to_full", battery.time_to_full},
+                {"info", battery.info},
+                {"status_bits", fmt::format("{:016b}", battery.status_bits)}};
+  });
+}
+
+Json ReadWatchdog(Desk& desk) {
+  const int bites = desk.BiteCount();
+  return desk.board().mcu().WithModel([&](McuModel& mcu) {
+    const auto due = mcu.watchdog.BiteDue();
+    return Json{{"on", mcu.watchdog.enabled},
+                {"time_s", mcu.watchdog.time},
+                {"left_s", due ? Json(Seconds(*due - std::chrono::steady_clock::now())) : Json(nullptr)},
+                {"triggers", mcu.watchdog.trigger_count},
+                {"bites", bites}};
+  });
+}
+
+Json ReadGSensor(Desk& desk) {
+  return desk.board().mcu().WithModel([](McuModel& mcu) {
+    const GSensorState& sensor = mcu.gsensor;
+    return Json{{"on", sensor.on},
+                {"x", sensor.sample.x},
+                {"y", sensor.sample.y},
+                {"z", sensor.sample.z},
+                {"resolution", sensor.resolution},
+                {"alarm_on", sensor.alarm_on},
+                {"alarm_threshold_steps", sensor.alarm_threshold},
+                {"wakeup_threshold_steps", sensor.wakeup_threshold}};
+  });
+}
+
+Json ReadPins(Desk& desk) {
+  constexpr std::array<int, 5> kLines = {34, 35, 36, 37, 45};
+  const Gpio& gpio = desk.board().gpio();
+  Json pins = Json::object();
+  for (const int line : kLines) {
+    pins[fmt::format("gpio{}", line)] = {{"exported", gpio.IsExported(line)},
+                                         {"direction", gpio.IsOutput(line) ? "out" : "in"},
+                                         {"level", gpio.Level(line) ? 1 : 0}};
+  }
+  return pins;
+}
+
+Json ReadBacklight(Desk& desk) {
+  return {{"level", desk.board().backlight().level()}};
+}
+
+Json ReadPeripherals(Desk& desk) {
+  constexpr int kGpsPowerLine = 45;
+  const bool mcu_switch =
+      desk.board().mcu().WithModel([](McuModel& mcu) { return mcu.peripheral_switch.on; });
+  return {{"mcu_switch", mcu_switch},
+          {"wlan", desk.board().wireless().IsUp()},
+          {"gps_power", desk.board().gpio().Level(kGpsPowerLine)}};
+}
+
+Json ReadRegisterDevices(Desk& desk) {
+  constexpr unsigned kRow = 16;
+  Json devices = Json::object();
+  for (const auto& [address, device] : desk.register_devices()) {
+    Json rows = Json::object();
+    for (unsigned row = 0; row < 256; row += kRow) {
+      std::string bytes;
+      for (unsigned column = 0; column < kRow; ++column) {
+        bytes += static_cast<char>(device->Register(static_cast<std::uint8_t>(row + column)));
+      }
+      rows[fmt::format("{:02X}", row)] = ToHex(bytes);
+    }
+    devices[fmt::format("0x{:02X}", address)] = std::move(rows);
+  }
+  return devices;
+}
+
+Json ReadI2cTransfers(Desk& desk) {
+  Json transfers = Json::array();
+  for (const I2cTransfer& transfer : desk.board().i2c().Transfers()) {
+    transfers.push_back({{"address", fmt::format("0x{:02X}", transfer.address)},
+                         {"direction", transfer.is_read ? "read" : "write"},
+                         {"bytes", ToHex(transfer.bytes)},
+                         {"result", transfer.result}});
+  }
+  return {{"resets", desk.board().reset_controller().ResetCount()}, {"transfers", std::move(transfers)}};
+}
+
+std::string_view NameOf(McuEventKind kind) {
+  switch (kind) {
+    case McuEventKind::kPowerOff:
+      return "power-off";
+    case McuEventKind::kAlarmWakeup:
+      return "alarm-wakeup";
+    case McuEventKind::kWatchdogBite:
+      return "watchdog-bite";
+  }
+  return "";
+}
+
+Json ReadEvents(Desk& desk) {
+  Json events = Json::array();
+  for (const McuEvent& event : desk.board().mcu().Events()) {
+    events.push_back({{"t_s", SinceStart(desk, event.time)}, {"event", NameOf(event.kind)}});
+  }
+  return events;
+}
+
+Json ReadFaults(Desk& desk) {
+  constexpr std::array<std::string_view, 6> kNames = {"silence", "delay", "error",
+                                                      "garble",  "drop",  "long-line"};
+  Json faults = Json::array();
+  for (const AnswerFault& fault : desk.faults().Present()) {
+    Json entry = {{"fault", kNames.at(static_cast<std::size_t>(fault.kind))},
+                  {"command", fault.command.empty() ? "any" : fault.command}};
+    if (fault.times != kEveryCommand) entry["times_left"] = fault.times;
+    if (fault.chance < 1.0) entry["chance"] = fault.chance;
+    if (fault.kind == AnswerFaultKind::kDelay) entry["delay_ms"] = fault.delay.count();
+    if (!fault.error.empty()) entry["error"] = fault.error;
+    if (fault.count != 0) entry["characters"] = fault.count;
+    faults.push_back(std::move(entry));
+  }
+  return faults;
+}
+
+Json ReadCommands(Desk& desk) {
+  Json commands = Json::array();
+  for (const TraceRecord& record : desk.trace().From(0).records) {
+    if (record.direction == TraceDirection::kToMcu) {
+      commands.push_back(
+          {{"t_s", Seconds(record.time)}, {"command", Printable(record.line)}, {"words", record.words}});
+    }
+  }
+  return commands;
+}
+
+}  // namespace
+
+const std::vector<Reading>& Readings() {
+  static const std::vector<Reading> readings = {
+      {"board", "the board itself: its directory, its port", ReadBoardItself},
+      {"battery", "the car battery, its protections", ReadBattery},
+      {"ignition", "the ignition and its modes", ReadIgnition},
+      {"power-off", "the delays and the forced shutdown", ReadPowerOff},
+      {"sources", "shutdown and wake-up sources", ReadSources},
+      {"clock", "the MCU's clock and its wake-up alarm", ReadClock},
+      {"backup-battery", "the backup battery", ReadBackupBattery},
+      {"watchdog", "the watchdog: whether it is on, the time left, its bites", ReadWatchdog},
+      {"gsensor", "the G-sensor and its alarm", ReadGSensor},
+      {"pins", "the GPIO lines", ReadPins},
+      {"backlight", "the display's backlight", ReadBacklight},
+      {"peripherals", "the switched peripherals", ReadPeripherals},
+      {"events", "what the MCU did to the computer", ReadEvents},
+      {"faults", "the faults of answers", ReadFaults},
+      {"i2c-registers", "the registers of the devices on the I2C bus", ReadRegisterDevices},
+      {"i2c-transfers", "resets and transfers on the I2C bus", ReadI2cTransfers},
+      {"commands", "each command that the MCU received", ReadCommands},
+  };
+  return readings;
+}
+
+const Reading* FindReading(std::string_view name) {
+  const auto found = std::find_if(Readings().begin(), Readings().end(),
+                                  [&](const Reading& reading) { return reading.name == name; });
+  return found == Readings().end() ? nullptr : &*found;
+}
+
+std::string UnknownReading(std::string_view name) {
+  std::vector<std::string> names;
+  for (const Reading& reading : Readings()) names.push_back(reading.name);
+  return fmt::format("nothing to read is called \"{}\"{}", name, DidYouMean(name, names));
+}
+
+Json ReadBoard(Desk& desk, const std::vector<std::string>& names) {
+  constexpr std::array<std::string_view, 3> kLongLists = {"i2c-registers", "i2c-transfers", "commands"};
+  Json board = Json::object();
+  for (const Reading& reading : Readings()) {
+    const bool is_wanted =
+        names.empty() ? std::find(kLongLists.begin(), kLongLists.end(), reading.name) == kLongLists.end()
+                      : std::find(names.begin(), names.end(), reading.name) != names.end();
+    if (is_wanted) board[reading.name] = reading.read(desk);
+  }
+  return board;
+}
+
+}  // namespace rolu_sim

@@ -14,7 +14,7 @@
 namespace rolu_sim {
 namespace {
 
-constexpr int kForwarded[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGALRM, SIGWINCH};
+constexpr int kHeld[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGALRM, SIGWINCH};
 
 int ReportFailedStart(const std::string& program, int error) {
   std::cerr << "rolu-sim: " << program << ": " << std::strerror(error) << '\n';
@@ -27,47 +27,75 @@ bool CameFromProcess(const siginfo_t& signal) {
   return signal.si_code <= 0;
 }
 
-}  // namespace
-
-ChildProcess::ChildProcess() {
-  signal(SIGCHLD, SIG_DFL);
-  sigemptyset(&watched_);
-  sigaddset(&watched_, SIGCHLD);
-  for (const int number : kForwarded) sigaddset(&watched_, number);
-  pthread_sigmask(SIG_BLOCK, &watched_, &mask_before_);
-}
-
-int ChildProcess::Run(const std::vector<std::string>& command) {
+// The exec functions get copies; the type is what C had before const.
+std::vector<char*> AsArguments(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
-  // The new process gets copies; the type is what C had before const.
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
-
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-  posix_spawnattr_setsigmask(&attributes, &mask_before_);
-  pid_t child = 0;
-  const int error =
-      posix_spawnp(&child, command.front().c_str(), nullptr, &attributes, arguments.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  return error == 0 ? WaitForEnd(child) : ReportFailedStart(command.front(), error);
+  return arguments;
 }
 
-int ChildProcess::WaitForEnd(pid_t child) const {
+// What the terminal sent before the program was there has not reached it.
+void PassOnEarlierSignals(pid_t child) {
+  sigset_t held{};
+  sigemptyset(&held);
+  for (const int number : kHeld) sigaddset(&held, number);
+  const timespec no_time{};
+  int number = 0;
+  while ((number = sigtimedwait(&held, nullptr, &no_time)) > 0) kill(child, number);
+}
+
+int WaitForEnd(pid_t child, const HeldSignals& signals) {
+  PassOnEarlierSignals(child);
   while (true) {
-    siginfo_t signal{};
-    const int number = sigwaitinfo(&watched_, &signal);
-    if (number < 0) continue;
-    if (number != SIGCHLD) {
-      if (CameFromProcess(signal)) kill(child, number);
+    const siginfo_t signal = signals.Wait();
+    if (signal.si_signo != SIGCHLD) {
+      if (CameFromProcess(signal)) kill(child, signal.si_signo);
       continue;
     }
     int status = 0;
     if (waitpid(child, &status, WNOHANG) != child) continue;
     return WIFSIGNALED(status) ? kSignalBase + WTERMSIG(status) : WEXITSTATUS(status);
   }
+}
+
+}  // namespace
+
+HeldSignals::HeldSignals() {
+  signal(SIGCHLD, SIG_DFL);
+  pipe_was_default_ = signal(SIGPIPE, SIG_IGN) == SIG_DFL;
+  sigemptyset(&watched_);
+  sigaddset(&watched_, SIGCHLD);
+  for (const int number : kHeld) sigaddset(&watched_, number);
+  pthread_sigmask(SIG_BLOCK, &watched_, &mask_before_);
+}
+
+siginfo_t HeldSignals::Wait() const {
+  siginfo_t signal{};
+  while (sigwaitinfo(&watched_, &signal) < 0) continue;
+  return signal;
+}
+
+int RunChild(const std::vector<std::string>& command, const HeldSignals& signals) {
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t defaults{};
+  sigemptyset(&defaults);
+  if (signals.pipe_was_default()) sigaddset(&defaults, SIGPIPE);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+  posix_spawnattr_setsigmask(&attributes, &signals.mask_before());
+  posix_spawnattr_setsigdefault(&attributes, &defaults);
+  pid_t child = 0;
+  const int error = posix_spawnp(&child, command.front().c_str(), nullptr, &attributes,
+                                 AsArguments(command).data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  return error == 0 ? WaitForEnd(child, signals) : ReportFailedStart(command.front(), error);
+}
+
+int BecomeProgram(const std::vector<std::string>& command) {
+  execvp(command.front().c_str(), AsArguments(command).data());
+  return ReportFailedStart(command.front(), errno);
 }
 
 }  // namespace rolu_sim

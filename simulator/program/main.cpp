@@ -1,53 +1,43 @@
-// rolu-sim: runs a program against a simulated board.
+// rolu-sim: the simulated board on a desk.
 
-#include <stdlib.h>
-
-#include <chrono>
 #include <exception>
 #include <iostream>
-#include <string>
+#include <vector>
 
-#include "simulator/board.h"
-#include "simulator/preloaded.h"
-#include "simulator/program/child_process.h"
+#include "simulator/control/control_client.h"
+#include "simulator/control/parameter.h"
+#include "simulator/program/command_line.h"
 #include "simulator/program/exit_status.h"
-#include "simulator/program/options.h"
-#include "simulator/program/preload_location.h"
-#include "simulator/program/wire_printer.h"
+#include "simulator/scenario/scenario.h"
 
 namespace {
 
-void PreloadIntoChildren() {
-  const char* const present = getenv("LD_PRELOAD");
-  const std::string list =
-      rolu_sim::PreloadListWith(present == nullptr ? "" : present, rolu_sim::FindPreloadObject());
-  setenv("LD_PRELOAD", list.c_str(), 1);
+int Report(const std::exception& problem, int status) {
+  std::cerr << "rolu-sim: " << problem.what() << '\n';
+  return status;
 }
 
-int RunOnBoard(const rolu_sim::Options& options) {
-  rolu_sim::ChildProcess program;
-  const auto start = std::chrono::steady_clock::now();
-  rolu_sim::BoardOptions board_options;
-  board_options.serial.paced = options.paced;
-  if (options.print_wire) board_options.serial.line_listener = rolu_sim::PrintWireSince(start);
-  rolu_sim::Board board(board_options);
-  board.mcu().WithModel([&](rolu_sim::McuModel& mcu) {
-    mcu.SetVehicle(options.mode);
-    if (options.battery) mcu.SetBatteryCurve(*options.battery, start);
-  });
-  PreloadIntoChildren();
-  board.AttachThisProcess();
-  return program.Run(options.command);
+int Execute(int argc, char** argv) {
+  try {
+    rolu_sim::CommandLine command_line;
+    return command_line.Execute(std::vector<std::string>(argv + 1, argv + argc));
+  } catch (const rolu_sim::UsageError& problem) {
+    return Report(problem, rolu_sim::kWrongUse);
+  } catch (const rolu_sim::ScenarioError& problem) {
+    return Report(problem, rolu_sim::kWrongUse);
+  } catch (const rolu_sim::NoBoardError& problem) {
+    return Report(problem, rolu_sim::kNoBoard);
+  } catch (const std::exception& problem) {
+    return Report(problem, rolu_sim::kBoardFailed);
+  }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  try {
-    const rolu_sim::CommandLine command_line = rolu_sim::ParseCommandLine(argc, argv);
-    return command_line.options ? RunOnBoard(*command_line.options) : command_line.exit_status;
-  } catch (const std::exception& problem) {
-    std::cerr << "rolu-sim: " << problem.what() << '\n';
-    return rolu_sim::kBoardFailed;
-  }
+  const int status = Execute(argc, argv);
+  std::cout.flush();
+  if (std::cout || status != 0) return status;
+  std::cerr << "rolu-sim: standard output cannot be written\n";
+  return rolu_sim::kRefused;
 }

@@ -101,10 +101,11 @@ TEST(RoluSim, gives_each_outcome_its_exit_status_and_a_sentence) {
 }
 
 TEST(RoluSim, lets_a_program_talk_to_the_microcontroller) {
-  RoluSim simulator({"--mode", "24", "--battery", "0s=23.73", "--print-wire", "--baud", "--", "sh", "-c",
+  RoluSim simulator({"--mode", "24", "--battery", "0s=23.73", "--trace", "-", "--baud", "--", "sh", "-c",
                      "exec 3<>/proc/vpm_serial; printf 'MCVG\\r' >&3; head -n 1 <&3; uname -m"});
   EXPECT_EQ(simulator.WaitForExit(), 0);
-  EXPECT_THAT(simulator.Output(), MatchesRegex(" +[0-9.]+ > MCVG\n *[0-9.]+ < 05DC\n05DC\r\narmv7l\n"));
+  EXPECT_THAT(simulator.Output(),
+              MatchesRegex(" +[0-9.]+ > MCVG [^\n]+\n +[0-9.]+ < 05DC +1500 units\n05DC\r\narmv7l\n"));
 }
 
 TEST(RoluSim, passes_signals_on_and_cleans_up) {

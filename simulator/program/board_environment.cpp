@@ -1,0 +1,54 @@
+#include "simulator/program/board_environment.h"
+
+#include <fmt/format.h>
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "simulator/command_path.h"
+#include "simulator/control/parameter.h"
+#include "simulator/installed_files.h"
+#include "simulator/preloaded.h"
+#include "simulator/system_error.h"
+
+namespace rolu_sim {
+namespace {
+
+constexpr char kPreloadVariable[] = "LD_PRELOAD";
+
+std::string PreloadList() {
+  const char* const present = getenv(kPreloadVariable);
+  return PreloadListWith(present == nullptr ? "" : present, FindPreloadObject().string());
+}
+
+std::string CommandDirectoryOf(const std::string& board_directory) {
+  return board_directory + "/bin";
+}
+
+void Set(const char* variable, const std::string& value) {
+  if (setenv(variable, value.c_str(), 1) != 0) ThrowErrno("setting the environment");
+}
+
+}  // namespace
+
+void MeetBoard(const std::string& board_directory) {
+  Set(kRootVariable, board_directory);
+  Set(kPreloadVariable, PreloadList());
+  AddCommandDirectory(CommandDirectoryOf(board_directory));
+}
+
+std::string ShellAssignments(const std::string& board_directory) {
+  return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, board_directory, kPreloadVariable,
+                     PreloadList(), CommandDirectoryOf(board_directory));
+}
+
+std::string BoardDirectory(const std::string& named) {
+  const char* const met = getenv(kRootVariable);
+  if (named.empty() && met != nullptr && *met != '\0') return met;
+  if (named.empty()) throw UsageError("which board? Name its directory with --board DIR");
+  std::string directory = std::filesystem::absolute(named).lexically_normal().string();
+  while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
+  return directory;
+}
+
+}  // namespace rolu_sim

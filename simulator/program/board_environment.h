@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace rolu_sim {
+
+// Makes the programs that this process starts meet the board in `board_directory`. Sets environment
+// variables: call it while no other thread reads any.
+void MeetBoard(const std::string& board_directory);
+
+// The same as assignments for a shell.
+std::string ShellAssignments(const std::string& board_directory);
+
+// The board that a command is for: the one that the user named, else the one that this process
+// meets. Throws UsageError when there is neither.
+std::string BoardDirectory(const std::string& named);
+
+}  // namespace rolu_sim

@@ -1,0 +1,135 @@
+// rolu-sim ctl: steers and reads a board that is up.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iostream>
+
+#include "simulator/control/control_client.h"
+#include "simulator/control/duration.h"
+#include "simulator/control/readings.h"
+#include "simulator/control/verb.h"
+#include "simulator/program/board_environment.h"
+#include "simulator/program/commands.h"
+#include "simulator/program/control_words.h"
+#include "simulator/program/exit_status.h"
+#include "simulator/scenario/scenario_files.h"
+#include "simulator/trace/trace_record.h"
+
+namespace rolu_sim {
+namespace {
+
+class CtlCommand {
+ public:
+  explicit CtlCommand(const CtlOptions& options) : options_(options), words_(options.words) {
+    const auto is_json_flag = [](const std::string& word) { return word == "--json"; };
+    json_ = options.json || std::any_of(words_.begin(), words_.end(), is_json_flag);
+    words_.erase(std::remove_if(words_.begin(), words_.end(), is_json_flag), words_.end());
+    if (words_.empty()) throw UsageError("what is to be done? rolu-sim ctl --help lists it");
+  }
+
+  int Do() {
+    const bool asks_for_help = std::find(words_.begin(), words_.end(), "--help") != words_.end();
+    if (asks_for_help || words_.front() == "help") return Help();
+    const std::vector<std::string> rest(words_.begin() + 1, words_.end());
+    const std::string& word = words_.front();
+    if (word == "get" || word == "show") return Get(word == "show" ? std::vector<std::string>() : rest);
+    if (word == "wait") return Wait(rest);
+    if (word == "play") return Play(rest);
+    if (word == "stop") return Report(Ask({{"stop", true}}));
+    return Perform();
+  }
+
+ private:
+  Json Ask(const Json& request) {
+    ControlClient client(BoardDirectory(options_.board.directory), options_.board.patience);
+    try {
+      return client.Ask(request);
+    } catch (const Json::type_error&) {
+      throw UsageError("a word is not UTF-8");
+    }
+  }
+
+  // Answers are said as they are with --json, else in words.
+  int Report(const Json& answer) const {
+    if (!answer["ok"].get<bool>()) {
+      std::cerr << fmt::format("rolu-sim: {}\n", answer["error"].get<std::string>());
+      return answer["kind"] == "refused" ? kRefused : kWrongUse;
+    }
+    if (json_) {
+      std::cout << answer.dump() << '\n';
+    } else if (answer.contains("remark")) {
+      std::cout << answer["remark"].get<std::string>() << '\n';
+    }
+    return 0;
+  }
+
+  int Help() const {
+    const auto verb = std::find_if(words_.begin(), words_.end(),
+                                   [](const std::string& word) { return FindVerb(word) != nullptr; });
+    std::cout << (verb == words_.end() ? ControlHelp() : FullHelp(*FindVerb(*verb)));
+    return 0;
+  }
+
+  int Get(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+      if (FindReading(name) == nullptr) throw UsageError(UnknownReading(name));
+    }
+    const Json answer = Ask({{"get", names}});
+    if (!answer["ok"].get<bool>()) return Report(answer);
+    std::cout << (json_ ? answer["board"].dump(2) + '\n' : ReadingsAsText(answer["board"]));
+    return 0;
+  }
+
+  int Play(const std::vector<std::string>& rest) {
+    if (rest.size() != 1) throw UsageError("play takes one scenario, a file or a name");
+    const ScenarioFile file = ReadScenarioFile(rest.front());
+    return Report(Ask({{"play", {{"name", file.name}, {"text", file.text}}}}));
+  }
+
+  int Perform() {
+    const Action action = ParseAction(words_);
+    Json request = {{"do", action.verb->name}};
+    request.update(action.arguments.values());
+    return Report(Ask(request));
+  }
+
+  int Wait(const std::vector<std::string>& rest) {
+    std::vector<Problem> problems;
+    const Verb& wait = WaitWord();
+    const Arguments arguments = CheckArguments(wait, MembersFromWords(wait, rest), {}, problems);
+    if (!problems.empty()) throw UsageError(problems.front().text);
+    ControlClient client(BoardDirectory(options_.board.directory), options_.board.patience);
+    client.Ask({{"trace", "follow"}});
+    const auto deadline = std::chrono::steady_clock::now() + arguments.Duration("timeout");
+    long times_left = arguments.Integer("times");
+    while (const auto line = client.ReadLine(deadline)) {
+      const TraceRecord record = TraceRecordFromJson(Json::parse(*line));
+      if (!Matches(record, arguments.Text("text")) || --times_left > 0) continue;
+      std::cout << (json_ ? *line : ToText(record)) << '\n';
+      return 0;
+    }
+    if (!client.TimedOut()) throw NoBoardError("the board went away");
+    std::cerr << fmt::format("rolu-sim: \"{}\" did not come within {}\n", arguments.Text("text"),
+                             FormatDuration(arguments.Duration("timeout")));
+    return kRefused;
+  }
+
+  // What was done to the board by hand is known to who did it.
+  static bool Matches(const TraceRecord& record, const std::string& text) {
+    if (record.direction == TraceDirection::kDesk) return false;
+    return record.line.compare(0, text.size(), text) == 0 || record.words.find(text) != std::string::npos;
+  }
+
+  const CtlOptions& options_;
+  std::vector<std::string> words_;
+  bool json_ = false;
+};
+
+}  // namespace
+
+int Ctl(const CtlOptions& options) {
+  return CtlCommand(options).Do();
+}
+
+}  // namespace rolu_sim

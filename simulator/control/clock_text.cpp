@@ -60,7 +60,7 @@ std::optional<ClockText> ParseClockText(std::string_view text) {
 
 ClockTime NextTimeOfDay(const ClockTime& present, const ClockTime& time_of_day) {
   const int ahead = SecondOfDay(time_of_day) - SecondOfDay(present);
-  return AddSeconds(present, ahead > 0 ? ahead : ahead + kSecondsOfDay);
+  return AddSeconds(present, ahead >= 0 ? ahead : ahead + kSecondsOfDay);
 }
 
 std::string FormatClockTime(const ClockTime& time) {

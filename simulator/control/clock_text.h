@@ -18,7 +18,7 @@ struct ClockText {
 // "2024-05-31 22:00:00" (a T may stand for the blank), "07:30" or "07:30:15"; nothing for any other text.
 std::optional<ClockText> ParseClockText(std::string_view text);
 
-// The next time after `present` at which the clock shows the time of the day of `text`.
+// The next time from `present` on at which the clock shows the time of the day of `text`.
 ClockTime NextTimeOfDay(const ClockTime& present, const ClockTime& time_of_day);
 
 std::string FormatClockTime(const ClockTime& time);

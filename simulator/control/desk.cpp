@@ -12,7 +12,7 @@ Desk::Desk(DeskOptions options)
     : start_(std::chrono::steady_clock::now()),
       trace_(start_),
       faults_(options.seed,
-              [this](const std::string& words) { trace_.RecordEvent(TraceDirection::kBoard, words); }),
+              [this](const std::string& words) { trace_.RecordEvent(TraceDirection::kDesk, words); }),
       replay_(std::move(options.replay)),
       board_(MakeBoardOptions(options)),
       register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}

@@ -94,7 +94,9 @@ std::string DistortAnswers(Desk& desk, const Arguments& arguments) {
   return AddFault(desk, std::move(fault));
 }
 
+// The device's name may soon be another pseudo-terminal's: nothing leads there any more.
 std::string HangUp(Desk& desk, const Arguments& /*arguments*/) {
+  desk.board().RemoveSerialDevice();
   desk.board().mcu().HangUp();
   return {};
 }
@@ -163,7 +165,10 @@ std::vector<Parameter> AnswerParameters(const std::vector<Parameter>& own = {}) 
   std::vector<Parameter> parameters = {
       Optional(Text("command", "which commands: those that begin like this, or any"), kAnyCommand)};
   parameters.front().takes_rest = false;
-  parameters.front().required = !own.empty() && own.front().required;
+  if (!own.empty() && own.front().required) {
+    parameters.front().required = true;
+    parameters.front().fallback = nullptr;
+  }
   parameters.insert(parameters.end(), own.begin(), own.end());
   parameters.push_back(
       Optional(Integer("times", 1, 1000000, "for how many commands; without it, until fault-clear")));

@@ -33,7 +33,7 @@ std::string DidYouMean(std::string_view unknown, const std::vector<std::string>&
   for (const std::string& name : known) {
     const bool is_beginning = unknown.size() >= 3 && name.compare(0, unknown.size(), unknown) == 0;
     const std::size_t distance = is_beginning ? 1 : EditDistance(unknown, name);
-    if (distance >= best || distance >= name.size()) continue;
+    if (distance >= best || distance * 2 >= name.size()) continue;
     best = distance;
     nearest = &name;
   }

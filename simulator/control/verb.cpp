@@ -114,7 +114,6 @@ Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words) {
       members[name] = word.substr(equals + 1);
       continue;
     }
-    if (next == verb.parameters.size() && next > 0 && verb.parameters.back().takes_rest) --next;
     if (next == verb.parameters.size()) {
       throw UsageError(fmt::format("{} takes no \"{}\"; usage: {}", verb.name, word, Synopsis(verb)));
     }
@@ -124,7 +123,8 @@ Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words) {
     } else {
       members[parameter.name] = members[parameter.name].get<std::string>() + ' ' + word;
     }
-    if (!parameter.takes_rest) ++next;
+    const bool is_last = next + 1 == verb.parameters.size();
+    if (!is_last || !parameter.takes_rest) ++next;
   }
   return members;
 }

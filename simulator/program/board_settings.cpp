@@ -21,6 +21,15 @@ Scenario ReadScenario(const std::string& file_or_name) {
   return ParseScenario(file.text, file.name);
 }
 
+// A file that cannot be played back is the user's mistake, as any other word of the command line.
+Replay ReadReplay(const std::string& path) {
+  try {
+    return Replay::FromFile(path);
+  } catch (const std::runtime_error& problem) {
+    throw UsageError(problem.what());
+  }
+}
+
 Scenario::Event SendingOf(const Replay::EarlyLine& early) {
   return {std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
           {FindVerb("send"), Arguments(Json{{"text", early.line}})}};
@@ -31,7 +40,7 @@ Scenario::Event SendingOf(const Replay::EarlyLine& early) {
 PreparedBoard::PreparedBoard(const BoardSettings& settings) : settings_(settings) {
   if (!settings.scenario.empty()) scenario_ = ReadScenario(settings.scenario);
   if (!settings.replay.empty()) {
-    replay_ = Replay::FromFile(settings.replay);
+    replay_ = ReadReplay(settings.replay);
     for (const Replay::EarlyLine& early : replay_->early_lines())
       scenario_.events.push_back(SendingOf(early));
     std::stable_sort(

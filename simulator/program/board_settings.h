@@ -26,7 +26,7 @@ struct BoardSettings {
 };
 
 // A board's settings, read and checked before it comes up. Throws UsageError or ScenarioError, or
-// std::runtime_error for a file that cannot be read.
+// std::system_error when the trace cannot be written.
 class PreparedBoard {
  public:
   explicit PreparedBoard(const BoardSettings& settings);

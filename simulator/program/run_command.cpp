@@ -35,6 +35,10 @@ int Conclude(Desk& desk, const BoardSettings& settings, int status) {
 
 // A board that was killed leaves its parts behind; they are taken away. Anything else stays.
 void PrepareDirectory(const std::string& directory) {
+  if (directory.size() > BoardRoot::kMaxPathLength) {
+    throw UsageError(fmt::format("{} is too long a path for the board's sockets: {} characters, at most {}",
+                                 directory, directory.size(), BoardRoot::kMaxPathLength));
+  }
   if (ConnectTo(ControlSocketPath(directory))) {
     throw UsageError(fmt::format("a board is up at {} already", directory));
   }

@@ -1,0 +1,105 @@
+// What people type wrong, and what they are told.
+
+#include <gmock/gmock.h>
+
+#include "tests/desk/tool.h"
+
+namespace desk_test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(BadInput, gets_a_status_and_a_sentence_that_helps) {
+  const Directory directory;
+  const std::string full = directory.Write("file", "x");
+  const std::string trace =
+      directory.Write("trace", "{\"t_s\": 0, \"direction\": \"to-mcu\", \"line\": \"A\"}\n{\"t_s\": 1}\n");
+  const std::string text_trace = directory.Write("text-trace", "   0.1 > MCVG\n");
+  const std::string scenario = directory.Write("scenario", "{\n\"events\": [{}]}");
+  const ServedBoard board(directory);
+  const auto ctl = [&](std::vector<std::string> words) {
+    words.insert(words.begin(), {"ctl", "--board", board.path()});
+    return words;
+  };
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    std::string says;
+  } kRows[] = {
+      {{"run"}, 2, "PROGRAM is required"},
+      {{"sevre"}, 127, "did you mean \"serve\"?"},
+      {{"run", "--fault", "silnce", "--", "true"}, 2, "no fault \"silnce\" (did you mean \"silence\"?)"},
+      {{"run", "--fault", "delay:MCVG", "--", "true"}, 2, "fault-delay needs \"time\""},
+      {{"run", "--fault", "error:MCVG:ERR-M8", "--", "true"}, 2, "did you mean \"ERR-M08\"?"},
+      {{"run", "--seed", "x", "--", "true"}, 2, "--seed"},
+      {{"run", "--scenario", "cold-stat", "--", "true"}, 2, "did you mean \"cold-start\"?"},
+      {{"run", "--scenario", scenario, "--", "true"}, 2, "scenario:2:12: \"at\" is missing"},
+      {{"run", "--replay", trace, "--", "true"}, 2, "trace:2: \"direction\" is missing"},
+      {{"run", "--replay", text_trace, "--", "true"}, 2, "text-trace:1: is not JSON"},
+      {{"run", "--replay", full + "no", "--", "true"}, 2, "cannot be read"},
+      {{"run", "--trace", "/no/such/directory/trace", "--", "true"}, 125, "/no/such/directory/trace"},
+      {{"serve"}, 2, "DIR is required"},
+      {{"serve", full}, 2, "is not an empty directory"},
+      {{"serve", directory.path()}, 2, "is not an empty directory"},
+      {{"serve", directory.path() + "/" + std::string(90, 'x')}, 2, "at most 90"},
+      {{"join", directory.path(), "--", "true"}, 4, "no board answers at " + directory.path()},
+      {{"join", board.path(), "--", "no-such-program"}, 127, "no-such-program"},
+      {{"trace"}, 2, "--board DIR"},
+      {{"trace", "--board", full}, 4, "no board answers"},
+      {{"trace", "--for", "3", "--board", full}, 2, "must be a time"},
+      {{"ctl", "--board", board.path()}, 2, "WORD is required"},
+      {{"scenarios", "--check", scenario}, 2, "\"do\" is missing"},
+      {ctl({"ignitoin", "on"}), 2, "no verb \"ignitoin\" (did you mean \"ignition\"?)"},
+      {ctl({"ignition"}), 2, "ignition needs \"state\", the key: on or off"},
+      {ctl({"ignition", "of"}), 2, "\"state\" must be on or off, not \"of\" (did you mean"},
+      {ctl({"ignition", "on", "off"}), 2, "ignition takes no \"off\"; usage: ignition STATE"},
+      {ctl({"ignition", "on", "state=on"}), 2, "given twice"},
+      {ctl({"battery-voltage", "100.1"}), 2, "must be a number from 0 to 100 V, not \"100.1\""},
+      {ctl({"battery-voltage", "12V"}), 2, "not \"12V\""},
+      {ctl({"gsensor", "1", "2", "32768"}), 2, "from -32768 to 32767"},
+      {ctl({"i2c-write", "0x50", "0", "0"}), 2, "pairs of hexadecimal digits"},
+      {ctl({"i2c-write", "0x51", "0", "00"}), 1, "i2c-attach 0x51 puts one there"},
+      {ctl({"i2c-attach", "0x78"}), 2, "from 3 to 119"},
+      {ctl({"fault-missing", "luxx"}), 2, "did you mean \"lux\"?"},
+      {ctl({"fault-file", "serial", "open", "EIO"}), 1, "can only be missing"},
+      {ctl({"backup-battery"}), 1, "needs a value"},
+      {ctl({"get", "wachdog"}), 2, "did you mean \"watchdog\"?"},
+      {ctl({"play", scenario}), 2, "scenario:2:12: \"at\" is missing"},
+      {ctl({"send", "\xff"}), 2, "not UTF-8"},
+  };
+  for (const auto& row : kRows) {
+    const Result result = RunTool(directory, row.arguments);
+    EXPECT_EQ(result.status, row.status) << result.errors;
+    EXPECT_THAT(result.errors, HasSubstr(row.says));
+    EXPECT_THAT(result.errors, StartsWith("rolu-sim: "));
+    EXPECT_EQ(result.output, "");
+  }
+  EXPECT_EQ(board.Get("ignition")["on"], true);
+  EXPECT_EQ(board.Get("battery")["voltage_v"], 12.6);
+}
+
+TEST(Help, tells_of_each_subcommand_and_verb) {
+  const Directory directory;
+  for (const char* const subcommand : {"run", "serve", "join", "ctl", "trace", "scenarios"}) {
+    const Result help = RunTool(directory, {subcommand, "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr(std::string("Usage: rolu-sim ") + subcommand));
+    EXPECT_THAT(help.output, HasSubstr("Exit status"));
+  }
+  EXPECT_THAT(RunTool(directory, {"ctl", "fault-delay", "--help"}).output,
+              StartsWith("fault-delay COMMAND TIME [TIMES] [CHANCE]\n"));
+  EXPECT_THAT(RunTool(directory, {"man"}).output, HasSubstr(".B fault\\-delay COMMAND TIME"));
+  const std::string completion = directory.Write("completion", RunTool(directory, {"completion"}).output);
+  const Result completed = RunTool(
+      directory,
+      {"--", "bash", "-c",
+       "source " + completion +
+           "; complete_it() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1));"
+           " _rolu_sim; echo \"${COMPREPLY[@]}\"; }; complete_it rolu-sim sc; complete_it rolu-sim ctl ign;"
+           " complete_it rolu-sim ctl ignition o; complete_it rolu-sim run --scenario cold"});
+  EXPECT_EQ(completed.output, "scenarios\nignition\non off\ncold-start\n");
+}
+
+}  // namespace
+}  // namespace desk_test

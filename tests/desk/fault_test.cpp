@@ -1,0 +1,101 @@
+// What each fault does to a program that uses the library.
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <sstream>
+
+#include "tests/desk/tool.h"
+
+namespace desk_test {
+namespace {
+
+using testing::HasSubstr;
+
+Result RunClient(const Directory& directory, std::vector<std::string> options,
+                 const std::vector<std::string>& calls) {
+  options.insert(options.begin(), "run");
+  options.emplace_back("--");
+  for (const std::string& word : ClientCommand(calls)) options.push_back(word);
+  return RunTool(directory, options);
+}
+
+TEST(Fault, shows_in_what_the_library_answers) {
+  const struct {
+    std::string fault;
+    std::vector<std::string> calls;
+    std::string says;
+  } kRows[] = {
+      {"silence:MCVG:times=1", {"voltage", "voltage"}, "voltage C048\nvoltage C000 12.60\n"},
+      {"delay:MCVG:300ms", {"voltage"}, "voltage C000 12.60\n"},
+      {"late:MCVG:times=1", {"voltage", "sleep", "voltage"}, "voltage C048\nvoltage C000 12.60\n"},
+      {"error:MCVG", {"voltage"}, "voltage C002\n"},
+      {"error:MC:ERR-B02:times=3", {"voltage"}, "start C045\nvoltage C005\n"},
+      {"long-line:ATF1:64", {"platform"}, "platform C048"},
+      {"long-line:ATF1:characters=63", {"platform"}, "platform C000 KAVO-ROLU-30"},
+      {"drop:MCBG:2", {"voltage"}, "voltage C048"},
+      {"missing:lux", {"light"}, "light C00B"},
+      {"file:lux:open:EACCES", {"light"}, "light C00B"},
+      {"file:lux:read:EIO", {"light"}, "light C000 0"},
+      {"i2c:0x50:transfer:EIO", {"register"}, "register C00C"},
+      {"missing:serial", {}, "start C044\n"},
+      {"hang-up", {}, "start C044\n"},
+  };
+  const Directory directory;
+  std::vector<std::unique_ptr<Tool>> runs;
+  for (const auto& row : kRows) {
+    std::vector<std::string> arguments = {"run", "--fault", row.fault, "--"};
+    for (const std::string& word : ClientCommand(row.calls)) arguments.push_back(word);
+    runs.push_back(std::make_unique<Tool>(directory, arguments));
+  }
+  for (std::size_t index = 0; index < runs.size(); ++index) {
+    EXPECT_EQ(runs[index]->Wait(), 0) << runs[index]->errors();
+    EXPECT_THAT(runs[index]->output(), HasSubstr(kRows[index].says)) << kRows[index].fault;
+  }
+}
+
+TEST(Fault, delays_no_less_than_asked) {
+  const Directory directory;
+  RunClient(directory, {"--fault", "delay:MCVG:250ms", "--trace", directory.path() + "/trace"}, {"voltage"});
+  double sent = 0;
+  double answered = 0;
+  std::istringstream lines(directory.Read("trace"));
+  for (std::string line; std::getline(lines, line);) {
+    const nlohmann::json record = nlohmann::json::parse(line);
+    if (record.value("line", "") == "MCVG") sent = record["t_s"];
+    if (record.value("words", "") == "819 units") answered = record["t_s"];
+  }
+  EXPECT_GE(answered - sent, 0.25);
+}
+
+// Random faults strike the same commands in the same way with the same seed.
+TEST(Fault, repeats_itself_with_its_seed) {
+  const Directory directory;
+  const auto run = [&](const std::string& seed) {
+    return RunClient(directory,
+                     {"--fault", "error:ATF1:ERR-Q01:chance=0.5", "--fault", "drop:ATF0:3", "--seed", seed},
+                     std::vector<std::string>(12, "platform"));
+  };
+  const Result first = run("7");
+  EXPECT_THAT(first.errors, HasSubstr("random faults use the seed 7; --seed 7 repeats them"));
+  EXPECT_THAT(first.output, HasSubstr("platform C045\n"));
+  EXPECT_THAT(first.output, HasSubstr("platform C000 KAVO-ROLU-30\n"));
+  EXPECT_EQ(run("7").output, first.output);
+  EXPECT_NE(run("8").output, first.output);
+}
+
+TEST(Fault, hangs_the_port_up_under_an_open_link_and_brings_it_back) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "failure"});
+  ASSERT_TRUE(client.WaitForOutput("first C000"));
+  EXPECT_EQ(board.Ctl({"fault-hang-up"}).status, 0);
+  EXPECT_EQ(board.Ctl({"battery-voltage", "13"}).status, 0);
+  EXPECT_THAT(board.Client({}).output, HasSubstr("start C044"));
+  EXPECT_TRUE(client.WaitForOutput("failure C048"));
+  EXPECT_EQ(board.Ctl({"replug"}).status, 0);
+  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 13.00"));
+}
+
+}  // namespace
+}  // namespace desk_test

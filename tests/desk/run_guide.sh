@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Runs the commands of a guide, all blocks that are marked as sh, one after another in an empty
+# directory and as one script that ends at the first command that fails, or that does not although a !
+# is in front of it.
+# usage: run_guide.sh GUIDE DIRECTORY_OF_PROGRAMS...
+set -euo pipefail
+
+guide=$1
+shift
+for directory in "$@"; do PATH=$directory:$PATH; done
+export PATH
+
+work=$(mktemp -d)
+export TMPDIR=$work
+cleanup() {
+  local child
+  for child in $(jobs -p); do kill "$child" 2>/dev/null || true; done
+  wait || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+script=$work/commands
+sed -n '/^```sh$/,/^```$/{/^```/!p}' "$guide" |
+  sed -E 's/^! (.*)$/if \1; then exit 1; fi/' >"$script"
+[[ -s $script ]] || { echo "run_guide: $guide holds no commands" >&2; exit 1; }
+mkdir "$work/here"
+cd "$work/here"
+set -x
+# shellcheck disable=SC1090 # the guide's commands are checked by being run
+source "$script"

@@ -1,0 +1,187 @@
+// A board that stays up: several programs and terminals meet it, steer it and read it.
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <thread>
+
+#include "tests/desk/tool.h"
+
+namespace desk_test {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(ServedBoard, keeps_what_one_program_did_for_the_next) {
+  const Directory directory;
+  ServedBoard board(directory);
+  EXPECT_THAT(board.Client({"outputs", "watchdog"}).output, HasSubstr("outputs C000\nwatchdog C000\n"));
+
+  const nlohmann::json pins = board.Get("pins");
+  EXPECT_EQ(pins["gpio35"], nlohmann::json({{"exported", true}, {"direction", "out"}, {"level", 1}}));
+  EXPECT_EQ(pins["gpio34"]["level"], 0);
+  const nlohmann::json commands = board.Get("commands");
+  EXPECT_EQ(commands.front()["command"], "Hello");
+  EXPECT_EQ(commands.back()["command"], "WDTE");
+  EXPECT_EQ(commands.back()["words"], "switch the watchdog on");
+  EXPECT_LT(commands.front()["t_s"].get<double>(), commands.back()["t_s"].get<double>());
+}
+
+TEST(ServedBoard, shows_programs_what_is_set_by_hand) {
+  const struct {
+    std::vector<std::string> words;
+    std::string call;
+    std::string says;
+  } kRows[] = {
+      {{"battery-voltage", "11.2"}, "voltage", "voltage C000 11.20"},
+      {{"battery-voltage", "volts=9", "over=10ms"}, "sleep", ""},
+      {{"battery-curve", "0s=10.0", "10ms=10.5"}, "sleep", ""},
+      {{"battery-mode", "24"}, "voltage", "voltage C000 10.50"},
+      {{"pin", "37", "1"}, "inputs", "inputs C000 10"},
+      {{"lux", "777"}, "light", "light C000 777"},
+      {{"i2c-write", "0x50", "0x10", "2A", "2B"}, "register", "register C000 42"},
+      {{"answer", "ATF1", "*PLT:WHATEVER"}, "platform", "platform C000 WHATEVER"},
+      {{"fault-missing", "lux"}, "light", "light C00B"},
+      {{"fault-clear"}, "light", "light C000 777"},
+      {{"fault-i2c", "0x50"}, "register", "register C00C"},
+      {{"fault-i2c", "0x50", "select"}, "register", "register C00C"},
+      {{"fault-missing", "serial"}, "voltage", "start C044"},
+      {{"replug"}, "voltage", "start C000"},
+  };
+  const Directory directory;
+  const ServedBoard board(directory);
+  for (const auto& row : kRows) {
+    const Result done = board.Ctl(row.words);
+    EXPECT_EQ(done.status, 0) << done.errors;
+    EXPECT_THAT(board.Client({row.call}).output, HasSubstr(row.says)) << row.words.front();
+  }
+}
+
+TEST(ServedBoard, reads_back_each_subject) {
+  const struct {
+    std::vector<std::string> words;
+    std::string reading;
+    nlohmann::json::json_pointer member;
+    nlohmann::json value;
+  } kRows[] = {
+      {{"ignition", "off"}, "ignition", "/on"_json_pointer, false},
+      {{"battery-mode", "24"}, "battery", "/system_v"_json_pointer, 24},
+      {{"wakeup-source", "alarm"}, "sources", "/last_wakeup_code"_json_pointer, "30"},
+      {{"clock", "2024-02-28", "23:59:00"}, "clock", "/weekday"_json_pointer, 3},
+      {{"gsensor", "-300", "0", "256"}, "gsensor", "/x"_json_pointer, -300},
+      {{"shock", "z=9"}, "gsensor", "/z"_json_pointer, 256},
+      {{"backup-battery", "celsius=-20", "percent=55"},
+       "backup-battery",
+       "/temperature_c"_json_pointer,
+       -19.95},
+      {{"backup-battery", "volts=3.7"}, "backup-battery", "/charge_percent"_json_pointer, 55},
+      {{"backlight", "3"}, "backlight", "/level"_json_pointer, 3},
+      {{"wlan", "on"}, "peripherals", "/wlan"_json_pointer, true},
+      {{"i2c-attach", "0x21"}, "i2c-registers", "/0x21/F0"_json_pointer, std::string(32, '0')},
+      {{"fault-silence", "MCVG", "times=2"}, "faults", "/0/times_left"_json_pointer, 2},
+  };
+  const Directory directory;
+  const ServedBoard board(directory);
+  for (const auto& row : kRows) {
+    const Result done = board.Ctl(row.words);
+    EXPECT_EQ(done.status, 0) << done.errors;
+    EXPECT_EQ(board.Get(row.reading).at(row.member), row.value) << row.words.front();
+  }
+  EXPECT_THAT(board.Ctl({"show"}).output, AllOf(HasSubstr("system: 24 V\n"), HasSubstr("charge: 55 %\n")));
+  EXPECT_THAT(board.Ctl({"clock", "07:30"}).output, HasSubstr("2024-02-29 07:30:00"));
+}
+
+TEST(ServedBoard, says_that_the_watchdog_bit) {
+  const Directory directory;
+  ServedBoard board(directory, {"--fail-on-bite"});
+  board.Client({"watchdog"});
+  EXPECT_EQ(board.Ctl({"wait", "WATCHDOG BITE"}).status, 0);
+  EXPECT_EQ(board.Get("watchdog")["bites"], 1);
+  EXPECT_EQ(board.Get("watchdog")["left_s"], nullptr);
+  EXPECT_EQ(board.Ctl({"stop"}).status, 0);
+  EXPECT_EQ(board.tool().Wait(), 3);
+  EXPECT_THAT(board.tool().errors(), HasSubstr("*** WATCHDOG BITE"));
+}
+
+TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "warning"});
+  ASSERT_TRUE(client.WaitForOutput("registered C000"));
+  // The program waits once it has said so and given its lock back, which only the next one shows.
+  while (!client.WaitForOutput("warned", std::chrono::milliseconds(200))) {
+    ASSERT_EQ(board.Ctl({"power-off-warning", "ignition"}).status, 0);
+  }
+  EXPECT_EQ(client.Wait(), 0);
+}
+
+TEST(ServedBoard, waits_for_what_comes_and_gives_up_in_time) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  Tool waiting(directory, {"ctl", "--board", board.path(), "wait", "MCVG", "times=2"});
+  board.Ctl({"fault-silence", "MCVG", "times=1"});
+  board.Client({"voltage", "voltage"});
+  EXPECT_EQ(waiting.Wait(), 0);
+  EXPECT_THAT(waiting.output(), HasSubstr("> MCVG"));
+  const Result late = board.Ctl({"wait", "WDTE", "timeout=50ms"});
+  EXPECT_EQ(late.status, 1);
+  EXPECT_THAT(late.errors, HasSubstr("did not come within 50ms"));
+}
+
+TEST(ServedBoard, lives_beside_others_and_leaves_only_what_is_not_its_own) {
+  const Directory directory;
+  const Directory other_directory;
+  ServedBoard board(directory);
+  ServedBoard other(other_directory);
+  board.Ctl({"battery-voltage", "10"});
+  other.Ctl({"battery-voltage", "14"});
+  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 10.00"));
+  EXPECT_THAT(other.Client({"voltage"}).output, HasSubstr("voltage C000 14.00"));
+
+  const Result second = RunTool(directory, {"serve", board.path()});
+  EXPECT_EQ(second.status, 2);
+  EXPECT_THAT(second.errors, HasSubstr("is up at " + board.path() + " already"));
+
+  directory.Write("board/notes.txt", "mine");
+  board.Ctl({"wlan", "on"});
+  board.tool().Send(SIGINT);
+  EXPECT_EQ(board.tool().Wait(), 0);
+  EXPECT_THAT(directory.Contents(), ElementsAre("board"));
+  EXPECT_EQ(directory.Read("board/notes.txt"), "mine");
+  other.tool().Send(SIGTERM);
+  EXPECT_EQ(other.tool().Wait(), 0);
+  EXPECT_THAT(other_directory.Contents(), ElementsAre());
+}
+
+TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
+  const Directory directory;
+  {
+    ServedBoard killed(directory);
+    killed.tool().Send(SIGKILL);
+    EXPECT_EQ(killed.tool().Wait(), 128 + SIGKILL);
+  }
+  EXPECT_THAT(directory.Contents(), ElementsAre("board"));
+  const ServedBoard board(directory);
+  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 12.60"));
+}
+
+// The signal comes at any moment from the first instruction on.
+TEST(ServedBoard, leaves_nothing_behind_whenever_it_is_interrupted) {
+  const Directory directory;
+  for (int delay_us = 0; delay_us < 40000; delay_us += 2000) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"serve", directory.path() + "/board"},
+          std::vector<std::string>{"run", "--scenario", "misbehaving-mcu", "--", "sleep", "60"}}) {
+      Tool tool(directory, arguments);
+      std::this_thread::sleep_for(std::chrono::microseconds(delay_us));
+      tool.Send(SIGINT);
+      tool.Wait();
+      EXPECT_THAT(directory.Contents(), ElementsAre()) << arguments.front() << " after " << delay_us;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace desk_test

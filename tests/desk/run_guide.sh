@@ -21,6 +21,7 @@ cleanup() {
 trap cleanup EXIT
 
 script=$work/commands
+# shellcheck disable=SC2016 # the backticks are those of Markdown
 sed -n '/^```sh$/,/^```$/{/^```/!p}' "$guide" |
   sed -E 's/^! (.*)$/if \1; then exit 1; fi/' >"$script"
 [[ -s $script ]] || { echo "run_guide: $guide holds no commands" >&2; exit 1; }

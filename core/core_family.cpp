@@ -1,10 +1,10 @@
 #include <fcntl.h>
-#include <sys/ioctl.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cstring>
 
+#include "core/device_file.h"
 #include "core/i2c_device.h"
 #include "core/kavo_info.h"
 #include "kavo_rolu.h"
@@ -70,7 +70,7 @@ ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info) {
 
 ROLU_STATUS KAVO_ROLU_CORE_Reset(void) {
   if (kavo_info.initialized == 0) return ROLU_STATUS_NOT_INITIALIZED;
-  const int bus = open(kI2cBusPath, O_RDWR);
+  const int bus = OpenDeviceFile(kI2cBusPath, O_RDWR);
   if (bus == -1) return ROLU_STATUS_DEVICE_OPEN_FAILED;
   if (!SelectI2cSlave(bus, kResetControllerAddress)) {
     close(bus);

@@ -11,11 +11,12 @@
  * status the caller's variables keep what they held.
  *
  * @par Families and their states
- * Each family has its own state. CORE is switched by KAVO_ROLU_CORE_Init and KAVO_ROLU_CORE_DeInit.
- * The families that talk to the power-management microcontroller (the MCU: VPM, WD) have their own
- * Initialize and Deinitialize; the first Initialize opens the serial link to the MCU and starts the
- * library's one I/O thread, the last Deinitialize stops the thread and closes the link. A call into
- * a family that is not initialised answers #ROLU_STATUS_NOT_INITIALIZED and has no other effect.
+ * Each family has its own state. CORE is switched by KAVO_ROLU_CORE_Init and KAVO_ROLU_CORE_DeInit;
+ * DISPLAY, LIGHTSENSOR and the pins of DIO follow it.
+ * The families that talk to the power-management microcontroller (the MCU: VPM, WD, GSENSOR, PERIPHERALCTRL)
+ * have their own Initialize and Deinitialize; the first Initialize opens the serial link to the MCU and
+ * starts the library's one I/O thread, the last Deinitialize stops the thread and closes the link. A call
+ * into a family that is not initialised answers #ROLU_STATUS_NOT_INITIALIZED and has no other effect.
  * Deinitialise every family that you initialised before the process ends or the library is unloaded;
  * unloading it while the link is open is not allowed. Settings live in the MCU: they stay when the
  * family is deinitialised and when the process ends.
@@ -197,6 +198,39 @@ typedef struct BACKUP_BATTERY_INFO {
   uint8_t status_bit15; /**< As status_bit0. */
 } BACKUP_BATTERY_INFO;
 
+/** A G-sensor sample. */
+typedef struct ROLU_GSENSOR_DATA {
+  int32_t x;
+  int32_t y;
+  int32_t z;
+} ROLU_GSENSOR_DATA;
+
+/** The G-sensor's resolution code, 0 to 3; what the codes mean is the MCU's definition. */
+KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, ROLU_GSENSOR_RES_1 = 1, ROLU_GSENSOR_RES_2 = 2,
+                                 ROLU_GSENSOR_RES_3 = 3};
+
+/** A switched peripheral. The values 3 to 9 are valid, but nothing answers to them. */
+KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch that the MCU holds. */
+                                PERIPHERAL_TYPE_WLAN = 1,       /**< The wireless network interface. */
+                                PERIPHERAL_TYPE_GPS = 2 /**< The power of the GPS receiver. */};
+
+/** Where KAVO_ROLU_DISPLAY_GetBrightRange writes; all three must be given. */
+typedef struct ROLU_BRIGHT_RANGE {
+  unsigned char* min;
+  unsigned char* max;
+  unsigned char* step;
+} ROLU_BRIGHT_RANGE;
+
+/** One transfer on the I2C bus. */
+typedef struct ROLU_IIC_TRANSFER {
+  uint32_t unused;          /**< Not read. */
+  uint8_t slave_address;    /**< The 7-bit address times two; the lowest bit is ignored. */
+  unsigned char* data;      /**< Read into (Read) or written from (Write, WriteReadCombine). */
+  uint32_t data_length;     /**< Bytes at `data`. */
+  unsigned char* read_data; /**< Read into by WriteReadCombine. */
+  uint32_t read_length;     /**< Bytes at `read_data`. */
+} ROLU_IIC_TRANSFER;
+
 /* ---- CORE: the library's switch, platform facts, reset of the board ------------------------- */
 
 /**
@@ -313,10 +347,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED The port is missing, is no terminal, refuses its set-up, or its
- *         descriptor would be 1024 or above; or the I/O thread could not be started.
+ *         descriptor would be 1024 or above; memory or the I/O thread could not be had; or the commands of
+ *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
- * Blocks: at most 2000 ms for the link, then 6 commands, one after the other.
+ * Blocks: at most 2000 ms for the link, then 6 commands, one after the other; a failed start-up then
+ * also closes the link, as KAVO_ROLU_VPM_Deinitialize does.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
 
@@ -326,8 +362,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: at most 2000 ms behind the commands of other threads, then until the I/O thread has ended,
- * which is at once on an idle link and after the line in hand otherwise (at most about 1 s).
+ * Blocks: until its turn behind the commands of other threads, without a limit of its own, then until
+ * the I/O thread has ended, which is at once on an idle link and after the line in hand otherwise (at
+ * most about 1 s).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void);
 
@@ -517,6 +554,694 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 
+/* ---- VPM: power-off delays and forced shutdown ---------------------------------------------- */
+
+/**
+ * Sets the delay from the ignition going off to the power-off warning. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay);
+
+/**
+ * Reads the delay from the ignition going off to the power-off warning.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* delay);
+
+/**
+ * Sets the delay after which the MCU cuts the power when the ignition is off. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay);
+
+/**
+ * Reads the delay after which the MCU cuts the power when the ignition is off.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay);
+
+/**
+ * Sets the delay after which the MCU cuts the power of a suspended computer when the ignition is off.
+ * The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short delay);
+
+/**
+ * Reads the delay after which the MCU cuts the power of a suspended computer when the ignition is off.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short* delay);
+
+/**
+ * Sets the delay from the ignition going on to the computer being switched on. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay);
+
+/**
+ * Reads the delay from the ignition going on to the computer being switched on.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay);
+
+/**
+ * Sets the delay from a low car battery to the low-voltage power-off warning. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay);
+
+/**
+ * Reads the delay from a low car battery to the low-voltage power-off warning.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay);
+
+/**
+ * Sets the delay after which the MCU cuts the power when the car battery is low. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay);
+
+/**
+ * Reads the delay after which the MCU cuts the power when the car battery is low.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay);
+
+/**
+ * Sets the delay between the power-off warning and the power-off. The MCU stores it.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short delay);
+
+/**
+ * Reads the delay between the power-off warning and the power-off.
+ * An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short* delay);
+
+/**
+ * Sets the delay of the forced shutdown.
+ *
+ * @param delay 1 to 65535, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS The delay is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is 0; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDownDelay(unsigned short delay);
+
+/**
+ * Reads the delay of the forced shutdown. An answer without a number reads as 0.
+ *
+ * @param[out] delay Receives the delay, in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `delay` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `delay` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDownDelay(unsigned short* delay);
+
+/**
+ * Switches the forced shutdown on or off.
+ *
+ * @param enable 0 is off, any other value on.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDown(char enable);
+
+/**
+ * Tells whether the forced shutdown is on.
+ *
+ * @param[out] enabled Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `enabled` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDown(char* enabled);
+
+/**
+ * Orders the MCU to power the computer off now.
+ *
+ * @retval ROLU_STATUS_SUCCESS The MCU took the order; the power goes away at any moment.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void);
+
+/* ---- VPM: ignition and operating modes ------------------------------------------------------ */
+
+/**
+ * Tells whether the ignition is on.
+ *
+ * @param[out] on Receives 1 (on) or 0 (off).
+ * @retval ROLU_STATUS_SUCCESS `on` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `on` is null.
+ * @retval ROLU_STATUS_VPM_ERROR_REPLY The MCU reports neither on nor off.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionStatus(char* on);
+
+/**
+ * Chooses how the MCU handles the ignition; what the modes do is its definition.
+ *
+ * @param mode #IGNITION_MODE_1 or #IGNITION_MODE_2.
+ * @retval ROLU_STATUS_SUCCESS The mode is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER Another mode; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnitionMode(IGNITION_MODE mode);
+
+/**
+ * Reads the ignition mode.
+ *
+ * @param[out] mode Receives the mode.
+ * @retval ROLU_STATUS_SUCCESS `mode` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `mode` is null.
+ * @retval ROLU_STATUS_VPM_ERROR_REPLY The MCU reports another mode.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionMode(IGNITION_MODE* mode);
+
+/**
+ * Switches the warning before a power-off on or off.
+ *
+ * @param enable 0 is off, any other value on.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarm(char enable);
+
+/**
+ * Tells whether the warning before a power-off is on.
+ *
+ * @param[out] enabled Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `enabled` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
+
+/**
+ * Sets the AT mode; what its values do is the MCU's definition.
+ *
+ * The MCU stores it together with the keep-alive mode: the call reads both, then writes both. Two
+ * threads that change the two at once can undo each other's change.
+ *
+ * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
+ * @retval ROLU_STATUS_SUCCESS The mode is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
+ * ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
+
+/**
+ * Reads the AT mode. An answer without a digit reads as 0.
+ *
+ * @param[out] mode Receives 0 to 9.
+ * @retval ROLU_STATUS_SUCCESS `mode` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `mode` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
+
+/**
+ * Sets the keep-alive mode; what its values do is the MCU's definition.
+ *
+ * The MCU stores it together with the AT mode: the call reads both, then writes both. Two threads that
+ * change the two at once can undo each other's change.
+ *
+ * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
+ * @retval ROLU_STATUS_SUCCESS The mode is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
+ * ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
+
+/**
+ * Reads the keep-alive mode. An answer without a digit reads as 0.
+ *
+ * @param[out] mode Receives 0 to 9.
+ * @retval ROLU_STATUS_SUCCESS `mode` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `mode` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode);
+
+/**
+ * Orders the MCU to restore its default settings, all of them. The library holds no defaults of its
+ * own.
+ *
+ * @retval ROLU_STATUS_SUCCESS The MCU took the order and had its time for it.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 1250 ms, which keeps every other thread's commands back.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
+
+/**
+ * Registers the condition variable that the library signals when the MCU warns that it will cut the
+ * power because the ignition went off.
+ *
+ * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
+ * down, which closes the link, or until another one is registered in its place. A registration cannot be
+ * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
+ * Initialize. Each warning signals once, for one waiting thread; the library does not take the
+ * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a
+ * time-out.
+ *
+ * @param event Pointer to a pthread_cond_t.
+ * @retval ROLU_STATUS_SUCCESS It is registered.
+ * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
+
+/**
+ * Registers the condition variable that the library signals when the MCU warns that it will cut the
+ * power because the car battery is low.
+ *
+ * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
+ * down, which closes the link, or until another one is registered in its place. A registration cannot be
+ * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
+ * Initialize. Each warning signals once, for one waiting thread; the library does not take the
+ * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a
+ * time-out.
+ *
+ * @param event Pointer to a pthread_cond_t.
+ * @retval ROLU_STATUS_SUCCESS It is registered.
+ * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event);
+
+/* ---- VPM: shutdown and wake-up sources ------------------------------------------------------ */
+
+/**
+ * Switches a cause of shutdown on or off.
+ *
+ * @param source #SHUTDOWN_SOURCE_0 or #SHUTDOWN_SOURCE_1.
+ * @param enable 0 is off, any other value on.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER Another source; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char enable);
+
+/**
+ * Tells whether a cause of shutdown is on.
+ *
+ * @param source #SHUTDOWN_SOURCE_0 or #SHUTDOWN_SOURCE_1.
+ * @param[out] enabled Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `enabled` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null, or another source; nothing was sent.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell this source.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char* enabled);
+
+/**
+ * Switches a cause of wake-up on or off. Sources without an enumerator are sent as they are; the MCU
+ * decides.
+ *
+ * @param source Any but #WAKEUP_SOURCE_NONE.
+ * @param enable 0 is off, 1 on; sent as an unsigned number, 0 to 255, as it is.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER #WAKEUP_SOURCE_NONE; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetWakeupSourceControlStatus(WAKEUP_SOURCE source, char enable);
+
+/**
+ * Tells whether a cause of wake-up is on.
+ *
+ * @param source Any but #WAKEUP_SOURCE_NONE.
+ * @param[out] enabled Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `enabled` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null, or #WAKEUP_SOURCE_NONE; nothing was sent.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell this source.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOURCE source, char* enabled);
+
+/**
+ * Tells what woke the computer last.
+ *
+ * @param[out] source Receives the source, #WAKEUP_SOURCE_NONE if none is recorded.
+ * @retval ROLU_STATUS_SUCCESS `source` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `source` is null.
+ * @retval ROLU_STATUS_VPM_UNKNOWN_VALUE The MCU reports a code that the library does not know.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* source);
+
+/* ---- VPM: clock and wake-up alarm ----------------------------------------------------------- */
+
+/**
+ * Sets the MCU's clock.
+ *
+ * @param time A time between 2000 and 2099; the weekday is not compared with the date.
+ * @retval ROLU_STATUS_SUCCESS The clock is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: as 1 command, but the MCU answers with two lines and each may take 3000 ms; with a post-
+ * delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time);
+
+/**
+ * Reads the MCU's clock. The fields are as the MCU tells them; those that a short answer lacks are 0.
+ *
+ * @param[out] time Receives the time.
+ * @retval ROLU_STATUS_SUCCESS `time` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `time` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetRTCTime(VPM_RTC_TIME* time);
+
+/**
+ * Switches the wake-up alarm on or off; the same as the wake-up source #WAKEUP_SOURCE_RTC_ALARM.
+ *
+ * @param enable 0 is off, 1 on; sent as an unsigned number, 0 to 255, as it is.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmActive(char enable);
+
+/**
+ * Tells whether the wake-up alarm is on.
+ *
+ * @param[out] enabled Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `enabled` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell it.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled);
+
+/**
+ * Sets the wake-up alarm's time and how often it comes. Does not switch the alarm on:
+ * KAVO_ROLU_VPM_SetAlarmActive does.
+ *
+ * @param mode #ALARM_MODE_HOURLY, #ALARM_MODE_DAILY or #ALARM_MODE_WEEKLY.
+ * @param time All three fields in range, also those that the mode does not use.
+ * @retval ROLU_STATUS_SUCCESS The alarm time is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range, or another mode; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 150 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time);
+
+/**
+ * Reads the wake-up alarm's time and how often it comes.
+ *
+ * @param[out] mode Receives the mode, #ALARM_MODE_NONE if no field has to match.
+ * @param[out] time Receives the time.
+ * @retval ROLU_STATUS_SUCCESS Both were written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER One of them is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time);
+
+/* ---- VPM: backup battery -------------------------------------------------------------------- */
+
+/**
+ * Measures the backup battery's voltage. An answer without a number counts as 0.
+ *
+ * @param[out] volts Receives the voltage in volts.
+ * @retval ROLU_STATUS_SUCCESS `volts` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `volts` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryVoltage(float* volts);
+
+/**
+ * Reads the backup battery's remaining capacity. An answer without a number counts as 0.
+ *
+ * @param[out] capacity Receives the capacity in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `capacity` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `capacity` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity(int* capacity);
+
+/**
+ * Reads the backup battery's charge. An answer without a number counts as 0.
+ *
+ * @param[out] percent Receives per cent, as the MCU reports them.
+ * @retval ROLU_STATUS_SUCCESS `percent` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `percent` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* percent);
+
+/**
+ * Measures the backup battery's temperature (the name of the function is spelled as it is). An answer
+ * without a number counts as 0.
+ *
+ * @param[out] celsius Receives degrees Celsius.
+ * @retval ROLU_STATUS_SUCCESS `celsius` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `celsius` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTemperture(float* celsius);
+
+/**
+ * Reads how long the backup battery will last. An answer without a number counts as 0.
+ *
+ * @param[out] time Receives the time in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `time` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `time` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingTime(int* time);
+
+/**
+ * Reads how long the backup battery needs to be full. An answer without a number counts as 0.
+ *
+ * @param[out] time Receives the time in the MCU's own unit.
+ * @retval ROLU_STATUS_SUCCESS `time` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `time` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
+
+/**
+ * Reads the backup battery's information number and its status flags.
+ *
+ * Only flags that are set are written, with 1: clear the record before the call. If the second of the
+ * two questions fails, `info_value` is written already and no flag is.
+ *
+ * @param[in,out] info Receives the number and the flags.
+ * @retval ROLU_STATUS_SUCCESS The number and the set flags were written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `info` is null.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 2 commands; another thread's command may run between.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info);
+
 /* ---- WD: the MCU's watchdog ------------------------------------------------------------------ */
 
 /**
@@ -610,6 +1335,743 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_SetTime(unsigned short time);
  * Does not block.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned long* maximum);
+
+/* ---- GSENSOR: the MCU's acceleration sensor ------------------------------------------------- */
+
+/**
+ * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU and switches
+ * the sensor on; the answers do not matter.
+ *
+ * @param unused Has no effect.
+ * @retval ROLU_STATUS_SUCCESS The family is up.
+ * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
+ * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
+ *
+ * Blocks: at most 2000 ms for the link, then 2 commands.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
+
+/**
+ * Switches the alarm off (the answer does not matter), then the sensor, and takes the family down.
+ *
+ * If the MCU does not take the switching off of the sensor, the family stays up and the call can be
+ * repeated.
+ *
+ * @retval ROLU_STATUS_SUCCESS The family is down.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 2 commands, then as KAVO_ROLU_VPM_Deinitialize.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Deinitialize(void);
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetLibVersion(unsigned char* version);
+
+/**
+ * Measures the acceleration now. A raw unit of the sensor is 3.90625 (1000/256) of the units handed
+ * out; a half is added and the rest cut towards zero, so 1 gives 4 and -1 gives -3.
+ *
+ * @param[out] sample Receives the sample.
+ * @retval ROLU_STATUS_SUCCESS `sample` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NULL_POINTER `sample` is null.
+ * @retval ROLU_STATUS_GSENSOR_DATA_UNAVAILABLE The sensor has no sample.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no sample.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetData(ROLU_GSENSOR_DATA* sample);
+
+/**
+ * Reads the sensor's resolution code.
+ *
+ * @param[out] resolution Receives 0 to 255 as the MCU reports it.
+ * @retval ROLU_STATUS_SUCCESS `resolution` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NULL_POINTER `resolution` is null.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetResolution(ROLU_GSENSOR_RES* resolution);
+
+/**
+ * Sets the sensor's resolution code; what the codes mean is the MCU's definition. The scale of the
+ * samples stays the same.
+ *
+ * @param resolution 0 to 3.
+ * @retval ROLU_STATUS_SUCCESS It is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER Another code; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetResolution(ROLU_GSENSOR_RES resolution);
+
+/**
+ * Switches the alarm on or off. While it is on, the MCU reports each sample above the alarm threshold
+ * on its own, and the library queues it.
+ *
+ * The library remembers that it switched the alarm on, also across a Deinitialize whose switching off
+ * the MCU did not take; switching off is always sent.
+ *
+ * @param on true switches it on.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED It was switched on before; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
+
+/**
+ * Registers the condition variable that the library signals for each alarm sample it queues.
+ *
+ * It is the application's pthread_cond_t, as for KAVO_ROLU_VPM_SetIgnPowerOffEvent: alive as long as
+ * it is registered, replaced but never cancelled, forgotten when the link is opened from closed,
+ * signalled without the application's mutex. Wait with a time-out and drain the queue with
+ * KAVO_ROLU_GSENSOR_GetAlarmData after each wake-up.
+ *
+ * @param event Pointer to a pthread_cond_t.
+ * @retval ROLU_STATUS_SUCCESS It is registered.
+ * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
+
+/**
+ * Takes the oldest queued alarm sample, scaled as by KAVO_ROLU_GSENSOR_GetData. Sends nothing. The
+ * queue holds 31 samples; one more drops the oldest. It is emptied when the link is opened from
+ * closed.
+ *
+ * @param[out] sample Receives the sample.
+ * @retval ROLU_STATUS_SUCCESS `sample` was written.
+ * @retval ROLU_STATUS_NULL_POINTER `sample` is null, whether or not the family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_GSENSOR_NO_ALARM_DATA No sample is queued.
+ * @retval ROLU_STATUS_TIMEOUT The link's inner lock was not free within 1000 ms.
+ *
+ * Blocks: at most 1000 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmData(ROLU_GSENSOR_DATA* sample);
+
+/**
+ * Reads the alarm threshold: the sensor's register times 62.5, halves rounded up.
+ *
+ * @param[out] threshold Receives 0 to 15938.
+ * @retval ROLU_STATUS_SUCCESS `threshold` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NULL_POINTER `threshold` is null.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmThreshold(int* threshold);
+
+/**
+ * Sets the alarm threshold. It is cut to a multiple of 62.5: 2062 is set, and read back, as 2000.
+ *
+ * @param threshold 2000 to 15000, in the units of the samples.
+ * @retval ROLU_STATUS_SUCCESS It is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER Out of range; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmThreshold(int threshold);
+
+/**
+ * Reads the wake-up threshold: the sensor's register times 62.5, halves rounded up.
+ *
+ * @param[out] threshold Receives 0 to 15938.
+ * @retval ROLU_STATUS_SUCCESS `threshold` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NULL_POINTER `threshold` is null.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetWakeupThreshold(int* threshold);
+
+/**
+ * Sets the wake-up threshold. It is cut to a multiple of 62.5: 2062 is set, and read back, as 2000.
+ *
+ * @param threshold 63 to 15999, in the units of the samples.
+ * @retval ROLU_STATUS_SUCCESS It is set.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER Out of range; nothing was sent.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
+
+/* ---- PERIPHERALCTRL: switched peripherals --------------------------------------------------- */
+
+/**
+ * Brings the family up: prepares the GPIO line of the GPS power (failures show when it is used), opens
+ * the link to the MCU (if it is not open yet) and greets the MCU, whose answer does not matter.
+ *
+ * @retval ROLU_STATUS_SUCCESS The family is up.
+ * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was done.
+ * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPIO line is prepared all
+ *        the same.
+ *
+ * Blocks: at most 2000 ms for the link, then 1 command.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
+
+/**
+ * Takes the family down. The peripherals keep their state.
+ *
+ * @retval ROLU_STATUS_SUCCESS The family is down.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Deinitialize(void);
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* version);
+
+/**
+ * Switches a peripheral.
+ *
+ * Whether the network configuration command did its work, or the GPIO line took its level, is not
+ * known: both count as success.
+ *
+ * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
+ * @param state 1 is on, anything else off; for the MCU's switch the number, 0 to 255, is sent as it
+ *        is.
+ * @retval ROLU_STATUS_SUCCESS It is switched.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `type` is above 9.
+ * @retval ROLU_STATUS_NOT_SUPPORTED `type` is negative or 3 to 9.
+ * @retval ROLU_STATUS_FILE_ACCESS_FAILED The network configuration command could not be started.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface until the
+ * command has ended, without a limit; the GPS power not.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
+
+/**
+ * Tells whether a peripheral is on. The wireless interface counts as on when the network configuration
+ * command lists it.
+ *
+ * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
+ * @param[out] state Receives 1 or 0.
+ * @retval ROLU_STATUS_SUCCESS `state` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Another type.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `state` is null.
+ * @retval ROLU_STATUS_FILE_ACCESS_FAILED The network configuration command could not be started, or
+ *        the MCU reports neither on nor off.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
+ * @return or one of the MCU statuses.
+ *
+ * Blocks: the MCU's switch 1 command; the wireless interface until the command has ended, without a
+ * limit; the GPS power not.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE type, char* state);
+
+/**
+ * Not provided by this board.
+ *
+ * @param source Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetRearViewSource(unsigned char source);
+
+/**
+ * Not provided by this board.
+ *
+ * @param source Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetRearViewSource(unsigned char* source);
+
+/**
+ * Not provided by this board.
+ *
+ * @param enable Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetAutoRearView(char enable);
+
+/**
+ * Not provided by this board.
+ *
+ * @param enabled Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetAutoRearView(char* enabled);
+
+/* ---- DISPLAY: backlight --------------------------------------------------------------------- */
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetLibVersion(unsigned char* version);
+
+/**
+ * Tells whether the family can be used.
+ *
+ * @retval ROLU_STATUS_DISPLAY_AVAILABLE It can.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_Available(void);
+
+/**
+ * Tells the range of the backlight levels: 0 to 10 in steps of 1.
+ *
+ * @param[in,out] range Three pointers to where the numbers go.
+ * @retval ROLU_STATUS_SUCCESS All three were written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NULL_POINTER `range` or one of its pointers is null; nothing was written.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* range);
+
+/**
+ * Reads the backlight level.
+ *
+ * @param[out] level Receives the level, not compared with the range.
+ * @retval ROLU_STATUS_SUCCESS `level` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NULL_POINTER `level` is null.
+ * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
+ * @retval ROLU_STATUS_FILE_ACCESS_FAILED It holds no number.
+ *
+ * Blocks for the access to one attribute file.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
+
+/**
+ * Sets the backlight level; it stays after the process ends. Whether the driver took it is not known.
+ *
+ * @param level 0 to 10.
+ * @retval ROLU_STATUS_SUCCESS The level was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NOT_SUPPORTED `level` is above 10.
+ * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
+ *
+ * Blocks for the access to one attribute file.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_SetBright(unsigned char level);
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOn(void);
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOff(void);
+
+/* ---- DIO: digital pins ---------------------------------------------------------------------- */
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
+
+/**
+ * Makes the four GPIO lines available and gives them their directions. Needs no core, keeps no state,
+ * and may be repeated. If a line fails, those before it stay prepared.
+ *
+ * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
+ *
+ * Blocks for the accesses to the GPIO files.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Initialize(void);
+
+/**
+ * Does nothing: lines and levels stay as they are.
+ *
+ * @retval ROLU_STATUS_SUCCESS Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
+
+/**
+ * Reads the two digital inputs. Works once the lines were made available, by this process or an
+ * earlier one. An input that cannot be read counts as low.
+ *
+ * @param[out] pins 2 bytes: input 1 and input 2, each 1 (high) or 0 (low).
+ * @retval ROLU_STATUS_SUCCESS Both bytes were written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NULL_POINTER `pins` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
+ *        byte was written.
+ *
+ * Blocks for the accesses to two GPIO files.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
+
+/**
+ * Drives the two digital outputs; they keep their levels after the process ends. Whether a line took
+ * its level is not known.
+ *
+ * @param pins 2 bytes: output 1 and output 2; 1 is high, anything else low.
+ * @retval ROLU_STATUS_SUCCESS Both were written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NULL_POINTER `pins` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
+ *        output was set.
+ *
+ * Blocks for the accesses to two GPIO files.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_WriteDOPin(const unsigned char* pins);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetVoiceSourceControlPin(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_SetVoiceSourceControlPin(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetBluetoothEnablePin(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_SetBluetoothEnablePin(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetVoiceModuleSelectPin(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no device for this pin.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_SetVoiceModuleSelectPin(uint32_t unused);
+
+/* ---- TEMPERATURESENSOR ---------------------------------------------------------------------- */
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_Initialize(void);
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_Deinitialize(void);
+
+/**
+ * Not provided by this board, which has no sensor to ask.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore1Temperature(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no sensor to ask.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore2Temperature(uint32_t unused);
+
+/**
+ * Not provided by this board, which has no sensor to ask.
+ *
+ * @param unused Not used.
+ * @retval ROLU_STATUS_NOT_INITIALIZED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetSystem1Temperature(uint32_t unused);
+
+/* ---- LIGHTSENSOR ---------------------------------------------------------------------------- */
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* version);
+
+/**
+ * Reads the ambient light. A sensor that gives no number reads as 0.
+ *
+ * @param[out] reading Receives the sensor's reading (lux), the low 16 bits of its first five
+ *        characters' number.
+ * @retval ROLU_STATUS_SUCCESS `reading` was written.
+ * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
+ * @retval ROLU_STATUS_NULL_POINTER `reading` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The sensor is not there.
+ *
+ * Blocks for the access to one attribute file.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetStatus(unsigned short* reading);
+
+/* ---- IIC: raw transfers on the I2C bus ------------------------------------------------------ */
+
+/**
+ * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
+ *
+ * @param version Not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_GetLibVersion(unsigned char* version);
+
+/**
+ * Tells whether the family can be used, whatever the state of the core.
+ *
+ * @retval ROLU_STATUS_IIC_AVAILABLE Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Available(void);
+
+/**
+ * Reads from a slave in one transfer. The slave is taken even if a kernel driver uses it. Needs no
+ * core.
+ *
+ * @param[in,out] transfer `slave_address`, `data` and `data_length` are used.
+ * @retval ROLU_STATUS_SUCCESS The transfer was done, also when it was shorter than asked for.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `transfer` or its `data` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
+ * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
+ *
+ * Blocks for one bus transfer.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
+
+/**
+ * Writes to a slave in one transfer; else as KAVO_ROLU_IIC_Read.
+ *
+ * @param transfer `slave_address`, `data` and `data_length` are used; the bytes are not changed.
+ * @retval ROLU_STATUS_SUCCESS The transfer was done, also when it was shorter than asked for.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `transfer` or its `data` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
+ * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
+ *
+ * Blocks for one bus transfer.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
+
+/**
+ * Writes `data_length` bytes to a slave, waits 100 ms, and reads `read_length` bytes: two transfers,
+ * between which another thread's may run.
+ *
+ * @param[in,out] transfer All fields but the first are used.
+ * @retval ROLU_STATUS_SUCCESS Both transfers were done, also when shorter than asked for.
+ * @retval ROLU_STATUS_INVALID_PARAMETER `transfer`, its `data` or its `read_data` is null.
+ * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
+ * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
+ *
+ * Blocks for two bus transfers and 100 ms.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_WriteReadCombine(ROLU_IIC_TRANSFER* transfer);
+
+/* ---- EEPROM --------------------------------------------------------------------------------- */
+
+/**
+ * Not provided by this board.
+ *
+ * @param version Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_GetLibVersion(unsigned char* version);
+
+/**
+ * Not provided by this board.
+ *
+ * @param size Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_GetEEPROMSize(uint32_t* size);
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_Initialize(void);
+
+/**
+ * Not provided by this board.
+ *
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_Deinitialize(void);
+
+/**
+ * Not provided by this board.
+ *
+ * @param address Not used, not touched.
+ * @param value Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_ReadByte(uint8_t address, uint8_t* value);
+
+/**
+ * Not provided by this board.
+ *
+ * @param address Not used, not touched.
+ * @param value Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_WriteByte(uint8_t address, uint8_t value);
+
+/**
+ * Not provided by this board.
+ *
+ * @param address Not used, not touched.
+ * @param length Not used, not touched.
+ * @param unused1 Not used, not touched.
+ * @param unused2 Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_ReadMultiByte(uint8_t address, uint8_t length, uint32_t unused1,
+                                                         uint32_t unused2);
+
+/**
+ * Not provided by this board.
+ *
+ * @param address Not used, not touched.
+ * @param length Not used, not touched.
+ * @param unused1 Not used, not touched.
+ * @param unused2 Not used, not touched.
+ * @retval ROLU_STATUS_NOT_SUPPORTED Always.
+ *
+ * Does not block.
+ */
+KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_WriteMultiByte(uint8_t address, uint8_t length, uint32_t unused1,
+                                                          uint32_t unused2);
 
 #ifdef __cplusplus
 }

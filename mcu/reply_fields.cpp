@@ -23,6 +23,15 @@ int32_t ReadHexadecimal(const char* text) {
   return ReadNumber(text, 16);
 }
 
+int32_t ReadBinary(const char* text) {
+  return ReadNumber(text, 2);
+}
+
+char CharacterAt(const char* reply, int32_t position) {
+  if (position < 0 || static_cast<size_t>(position) >= strlen(reply)) return '\0';
+  return reply[position];
+}
+
 int32_t ReadHexadecimalField(const char* reply, size_t position, size_t width) {
   constexpr size_t kWidest = 8;
   char field[kWidest + 1] = {};

@@ -14,6 +14,12 @@ int32_t ReadHexadecimal(const char* text);
 // The same for `width` characters at `position` of a reply; characters beyond its end count as NUL.
 int32_t ReadHexadecimalField(const char* reply, size_t position, size_t width);
 
+// The same in base 2.
+int32_t ReadBinary(const char* text);
+
+// The character at `position` of a reply; NUL before its start and beyond its end.
+char CharacterAt(const char* reply, int32_t position);
+
 // The decimal float at the start of the text, as "%f" reads it; false and `value` untouched if there
 // is none.
 bool ReadFloat(const char* text, float* value);

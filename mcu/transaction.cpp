@@ -28,13 +28,18 @@ Command::Command(const char* format, ...) {
 }
 
 uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int command_length, char* reply,
-                        int reply_size, int post_delay_ms) {
+                        int reply_size, int post_delay_ms, int reply_lines) {
   if (command == nullptr || reply == nullptr) return ROLU_STATUS_VPM_SEND_FAILED;
   {
     ScopedLock serialised(CriSectCtx);
     if (send_vpm_command(command, command_length) != 0) return ROLU_STATUS_VPM_SEND_FAILED;
     char line[kLineCapacity];
-    if (read_vpm_response(line, kReplyWaitMs) != 0) return ROLU_STATUS_VPM_NO_REPLY;
+    for (int i = 0; i < reply_lines; ++i) {
+      if (read_vpm_response(line, kReplyWaitMs) != 0) {
+        cancel_queued_commands();
+        return ROLU_STATUS_VPM_NO_REPLY;
+      }
+    }
     CopyCut(reply, reply_size, line);
     SleepForMs(post_delay_ms);
   }

@@ -26,9 +26,10 @@ struct Reply {
 inline constexpr unsigned long kReplyWaitMs = 3000;
 
 // Runs one transaction and holds every other one off until `post_delay_ms` milliseconds after its
-// reply. The reply line, cut to reply_size - 1 characters, stays in `reply` whatever the status.
+// reply. The reply line, cut to reply_size - 1 characters, stays in `reply` whatever the status. Of
+// an answer of several lines, each of which is waited for, the last one is the reply.
 uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int command_length, char* reply,
-                        int reply_size, int post_delay_ms);
+                        int reply_size, int post_delay_ms, int reply_lines = 1);
 
 // A manager's transaction for a question: the reply is the answer.
 template <typename Manager>

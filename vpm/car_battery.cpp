@@ -1,14 +1,6 @@
-#include "mcu/reply_fields.h"
+#include "mcu/queries.h"
 #include "vpm/voltage_scale.h"
 #include "vpm/vpm_manager.h"
-
-namespace {
-
-bool IsBatteryMode(int32_t mode) {
-  return mode == CAR_BATTERY_MODE_24V || mode == CAR_BATTERY_MODE_12V;
-}
-
-}  // namespace
 
 uint32_t CVPMMgr::SetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float volts) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
@@ -20,11 +12,10 @@ uint32_t CVPMMgr::SetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode
 uint32_t CVPMMgr::GetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float* volts) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsBatteryMode(mode) || volts == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  Reply reply;
-  const uint32_t status = Query(*this, Command("MCPG%1d%1d\r", mode, type), reply);
+  int32_t raw = 0;
+  const uint32_t status = QueryNumber(*this, Command("MCPG%1d%1d\r", mode, type), raw);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  const auto raw = static_cast<uint32_t>(ReadHexadecimal(reply.text));
-  *volts = static_cast<float>(raw) * VoltageScale(mode);
+  *volts = static_cast<float>(static_cast<uint32_t>(raw)) * VoltageScale(mode);
   return ROLU_STATUS_SUCCESS;
 }
 
@@ -59,10 +50,10 @@ uint32_t CVPMMgr::GetCarBatteryVoltage(float* volts) {
   CAR_BATTERY_MODE mode = CAR_BATTERY_MODE_12V;
   uint32_t status = GetCurrentCarBatteryMode(&mode);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  Reply reply;
-  status = Query(*this, Command("MCVG\r"), reply);
+  int32_t raw = 0;
+  status = QueryNumber(*this, Command("MCVG\r"), raw);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  *volts = static_cast<float>(ReadHexadecimal(reply.text)) * VoltageScale(mode);
+  *volts = static_cast<float>(raw) * VoltageScale(mode);
   return ROLU_STATUS_SUCCESS;
 }
 
@@ -78,10 +69,9 @@ uint32_t CVPMMgr::SetCurrentCarBatteryMode(CAR_BATTERY_MODE mode) {
 uint32_t CVPMMgr::GetCurrentCarBatteryMode(CAR_BATTERY_MODE* mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  Reply reply;
-  const uint32_t status = Query(*this, Command("MCBG\r"), reply);
+  int32_t reported = 0;
+  const uint32_t status = QueryNumber(*this, Command("MCBG\r"), reported);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  const int32_t reported = ReadHexadecimal(reply.text);
   if (!IsBatteryMode(reported)) return ROLU_STATUS_VPM_ERROR_REPLY;
   *mode = static_cast<CAR_BATTERY_MODE>(reported);
   return ROLU_STATUS_SUCCESS;
@@ -99,11 +89,7 @@ uint32_t CVPMMgr::SetLowVoltageProtection(BOOT_TYPE type, char enable) {
 uint32_t CVPMMgr::GetLowVoltageProtection(BOOT_TYPE type, char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  Reply flags;
-  const uint32_t status = Query(*this, Command("MCCG\r"), flags);
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  *enabled = flags.text[type] == '1' ? 1 : 0;
-  return ROLU_STATUS_SUCCESS;
+  return QueryFlag(*this, Command("MCCG\r"), type, enabled);
 }
 
 uint32_t CVPMMgr::SetLowBatteryProtectionStatus(char enable) {

@@ -64,3 +64,150 @@ ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable) {
 ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled) {
   return StatusCode(gVPMMgr.SetPreBootLowBatteryProtectionStatus(enabled));
 }
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnOffEventDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnOffEventDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnSuspendHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnSuspendHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SeIgnOnDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnOnDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetLBPLowDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetLBPLowDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetLBPLowHardDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetLBPLowHardDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetPrePowerOffAlarmDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetPrePowerOffAlarmDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDownDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetForceShutdownDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDownDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetForceShutdownDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDown(char enable) {
+  return StatusCode(gVPMMgr.SetForceShutdown(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDown(char* enabled) {
+  return StatusCode(gVPMMgr.GetForceShutdown(enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void) {
+  return StatusCode(gVPMMgr.ForceShutdown());
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionStatus(char* on) {
+  return StatusCode(gVPMMgr.GetIgnitionStatus(on));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnitionMode(IGNITION_MODE mode) {
+  return StatusCode(gVPMMgr.SetIgnitionMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionMode(IGNITION_MODE* mode) {
+  return StatusCode(gVPMMgr.GetIgnitionMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarm(char enable) {
+  return StatusCode(gVPMMgr.SetPrePowerOffAlarm(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled) {
+  return StatusCode(gVPMMgr.GetPrePowerOffAlarm(enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode) {
+  return StatusCode(gVPMMgr.SetATMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode) {
+  return StatusCode(gVPMMgr.GetATMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode) {
+  return StatusCode(gVPMMgr.SetKeepAliveMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode) {
+  return StatusCode(gVPMMgr.GetKeepAliveMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void) {
+  return StatusCode(gVPMMgr.LoadDefaultValue());
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event) {
+  return StatusCode(gVPMMgr.SetIgnPowerOffAlarmEvent(event));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event) {
+  return StatusCode(gVPMMgr.SetLBPPowerOffAlarmEvent(event));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char enable) {
+  return StatusCode(gVPMMgr.SetShutdownSourceControlStatus(source, enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char* enabled) {
+  return StatusCode(gVPMMgr.GetShutdownSourceControlStatus(source, enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetWakeupSourceControlStatus(WAKEUP_SOURCE source, char enable) {
+  return StatusCode(gVPMMgr.SetWakeupSourceControlStatus(source, enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOURCE source, char* enabled) {
+  return StatusCode(gVPMMgr.GetWakeupSourceControlStatus(source, enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* source) {
+  return StatusCode(gVPMMgr.GetLastWakeupSource(source));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time) {
+  return StatusCode(gVPMMgr.SetRTCTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetRTCTime(VPM_RTC_TIME* time) {
+  return StatusCode(gVPMMgr.GetRTCTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetAlarmActive(char enable) {
+  return StatusCode(gVPMMgr.SetAlarmActive(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled) {
+  return StatusCode(gVPMMgr.GetAlarmActive(enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time) {
+  return StatusCode(gVPMMgr.SetAlarmTime(mode, time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time) {
+  return StatusCode(gVPMMgr.GetAlarmTime(mode, time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryVoltage(float* volts) {
+  return StatusCode(gVPMMgr.GetBackupBatteryVoltage(volts));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity(int* capacity) {
+  return StatusCode(gVPMMgr.GetBackupBatteryRemainingCapacity(capacity));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* percent) {
+  return StatusCode(gVPMMgr.GetBackupBatteryPercentageOfCharge(percent));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTemperture(float* celsius) {
+  return StatusCode(gVPMMgr.GetBackupBatteryTemperture(celsius));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingTime(int* time) {
+  return StatusCode(gVPMMgr.GetBackupBatteryRemainingTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time) {
+  return StatusCode(gVPMMgr.GetBackupBatteryTimeToFull(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info) {
+  return StatusCode(gVPMMgr.GetBackupBatteryInfo(info));
+}

@@ -108,6 +108,14 @@ class CVPMMgr {
   }
   int32_t VPMErrorCheck(char* reply) { return FindErrorReply(error_table, reply); }
 
+  uint32_t SetDelay(DELAY_TYPE type, unsigned short delay);
+  uint32_t GetDelay(DELAY_TYPE type, unsigned short* delay);
+
+  // The byte that carries a field of the alarm's time, without its flags, and back. Exact for values
+  // of two decimal digits below 80.
+  static unsigned char TimeToRAW(unsigned char value);
+  static unsigned char RAWToTime(unsigned char raw);
+
   // Asks the MCU for the battery range of mode 2 or 3, in volts. Runs before the family is up.
   uint32_t GetBatteryVoltageRange(CAR_BATTERY_MODE mode, float* start, float* end, float* mid);
 
@@ -120,7 +128,11 @@ class CVPMMgr {
   uint32_t ReadFirmwareInfo();
   void ReadVoltageScales();
   uint32_t ReadBatteryRange(CAR_BATTERY_MODE mode);
+  static bool IsBatteryMode(int32_t mode);
   float VoltageScale(CAR_BATTERY_MODE mode) const;
+  uint32_t GetUnsigned16(const Command& command, unsigned short* value);
+  template <typename Value>
+  uint32_t GetBackupBatteryValue(const char* command, Value (*convert)(int32_t), Value* value);
 
   ErrorReplyEntry* error_table;
   std::atomic<uint8_t> initialized;

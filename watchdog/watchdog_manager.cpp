@@ -2,7 +2,7 @@
 
 #include "core/construction_order.h"
 #include "mcu/manager_lifecycle.h"
-#include "mcu/reply_fields.h"
+#include "mcu/queries.h"
 
 CWDMgr gWDMgr CONSTRUCTED_AT(kConstructWDMgr);
 
@@ -37,11 +37,10 @@ uint32_t CWDMgr::Enabled(bool enable) {
 uint32_t CWDMgr::GetTime(unsigned short* time) {
   if (time == nullptr) return ROLU_STATUS_NULL_POINTER;
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  Reply reply;
-  const uint32_t status = Query(*this, Command("WDTG\r"), reply);
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  *time = static_cast<unsigned short>(ReadHexadecimal(reply.text));
-  return ROLU_STATUS_SUCCESS;
+  int32_t number = 0;
+  const uint32_t status = QueryNumber(*this, Command("WDTG\r"), number);
+  if (status == ROLU_STATUS_SUCCESS) *time = static_cast<unsigned short>(number);
+  return status;
 }
 
 uint32_t CWDMgr::SetTime(unsigned short time) {

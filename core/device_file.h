@@ -1,0 +1,26 @@
+// Device and attribute files are opened, used and closed within one call.
+#ifndef CORE_DEVICE_FILE_H
+#define CORE_DEVICE_FILE_H
+
+#include <cstddef>
+
+// open() with the flags given, no others; the descriptor is then made close-on-exec, so that a shell
+// run at the same time does not hold the device. -1 with the cause in errno.
+int OpenDeviceFile(const char* path, int flags);
+
+// For a descriptor that another call opened.
+void SetCloseOnExec(int descriptor);
+
+// Opens an attribute, writes the text without a newline in one write, whose result does not matter,
+// and closes it. False if it could not be opened.
+bool WriteAttribute(const char* path, int flags, const char* text);
+
+// Opens an attribute, reads up to `capacity` - 1 characters into the cleared buffer and closes it.
+// False if it could not be opened; an attribute that cannot be read reads as empty.
+bool ReadAttribute(const char* path, int flags, char* buffer, size_t capacity);
+
+// The value file of a GPIO line: '1' is high. False if it could not be opened.
+bool ReadGpioValue(const char* path, bool& high);
+bool WriteGpioValue(const char* path, bool high);
+
+#endif  // CORE_DEVICE_FILE_H

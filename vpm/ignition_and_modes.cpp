@@ -1,0 +1,118 @@
+#include <cstdio>
+
+#include "mcu/queries.h"
+#include "mcu/unsolicited.h"
+#include "vpm/vpm_manager.h"
+
+namespace {
+
+// Restoring its defaults keeps the MCU busy for this long.
+constexpr int kLoadDefaultsMs = 1250;
+
+// The two modes that the MCU reports and stores together. A digit that cannot be read is 0.
+struct OperatingModes {
+  int keep_alive = 0;
+  int at = 0;
+};
+
+uint32_t QueryModes(CVPMMgr& manager, OperatingModes& modes) {
+  Reply reply;
+  const uint32_t status = Query(manager, Command("MCAG\r"), reply);
+  if (status == ROLU_STATUS_SUCCESS) sscanf(reply.text, "%1d%1d", &modes.keep_alive, &modes.at);
+  return status;
+}
+
+}  // namespace
+
+uint32_t CVPMMgr::GetIgnitionStatus(char* on) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (on == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  Reply reply;
+  const uint32_t status = Query(*this, Command("IGNG\r"), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  if (reply.text[0] != 'O' || (reply.text[1] != 'N' && reply.text[1] != 'F'))
+    return ROLU_STATUS_VPM_ERROR_REPLY;
+  *on = reply.text[1] == 'N' ? 1 : 0;
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetIgnitionMode(IGNITION_MODE mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (mode != IGNITION_MODE_1 && mode != IGNITION_MODE_2) return ROLU_STATUS_INVALID_PARAMETER;
+  return Order(*this, Command("IGMS%d\r", mode));
+}
+
+uint32_t CVPMMgr::GetIgnitionMode(IGNITION_MODE* mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  Reply reply;
+  const uint32_t status = Query(*this, Command("IGMG\r"), reply);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  if (reply.text[0] != '1' && reply.text[0] != '2') return ROLU_STATUS_VPM_ERROR_REPLY;
+  *mode = reply.text[0] == '1' ? IGNITION_MODE_1 : IGNITION_MODE_2;
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetPrePowerOffAlarm(char enable) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command("MPAS%01d\r", enable != 0 ? 1 : 0));
+}
+
+uint32_t CVPMMgr::GetPrePowerOffAlarm(char* enabled) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  return QueryFlag(*this, Command("MPAG\r"), 0, enabled);
+}
+
+uint32_t CVPMMgr::GetKeepAliveMode(char* mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  OperatingModes modes;
+  const uint32_t status = QueryModes(*this, modes);
+  if (status == ROLU_STATUS_SUCCESS) *mode = static_cast<char>(modes.keep_alive);
+  return status;
+}
+
+uint32_t CVPMMgr::GetATMode(char* mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  OperatingModes modes;
+  const uint32_t status = QueryModes(*this, modes);
+  if (status == ROLU_STATUS_SUCCESS) *mode = static_cast<char>(modes.at);
+  return status;
+}
+
+uint32_t CVPMMgr::SetKeepAliveMode(char mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  OperatingModes modes;
+  const uint32_t status = QueryModes(*this, modes);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  return Order(*this, Command("MCAS%1d%1d\r", static_cast<unsigned char>(mode), modes.at));
+}
+
+uint32_t CVPMMgr::SetATMode(char mode) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  OperatingModes modes;
+  const uint32_t status = QueryModes(*this, modes);
+  if (status != ROLU_STATUS_SUCCESS) return status;
+  return Order(*this, Command("MCAS%1d%1d\r", modes.keep_alive, static_cast<unsigned char>(mode)));
+}
+
+uint32_t CVPMMgr::LoadDefaultValue() {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command("EEDF\r"), kLoadDefaultsMs);
+}
+
+uint32_t CVPMMgr::SetIgnPowerOffAlarmEvent(void* event) {
+  if (event == nullptr) return ROLU_STATUS_NULL_POINTER;
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  set_ignition_poweroff_alarm_event(event);
+  return ROLU_STATUS_SUCCESS;
+}
+
+uint32_t CVPMMgr::SetLBPPowerOffAlarmEvent(void* event) {
+  if (event == nullptr) return ROLU_STATUS_NULL_POINTER;
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  set_lvp_poweroff_alarm_event(event);
+  return ROLU_STATUS_SUCCESS;
+}

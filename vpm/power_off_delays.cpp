@@ -1,0 +1,90 @@
+#include "mcu/queries.h"
+#include "vpm/vpm_manager.h"
+
+uint32_t CVPMMgr::SetDelay(DELAY_TYPE type, unsigned short delay) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (delay == 0) return ROLU_STATUS_INVALID_PARAMETER;
+  return Order(*this, Command("MCUS%1d%04X\r", type, static_cast<unsigned int>(delay)));
+}
+
+uint32_t CVPMMgr::GetDelay(DELAY_TYPE type, unsigned short* delay) {
+  return GetUnsigned16(Command("MCUG%1d\r", type), delay);
+}
+
+uint32_t CVPMMgr::GetUnsigned16(const Command& command, unsigned short* value) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (value == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  int32_t number = 0;
+  const uint32_t status = QueryNumber(*this, command, number);
+  if (status == ROLU_STATUS_SUCCESS) *value = static_cast<unsigned short>(number);
+  return status;
+}
+
+uint32_t CVPMMgr::SetIgnOffEventDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_IGN_OFF_EVENT, delay);
+}
+uint32_t CVPMMgr::GetIgnOffEventDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_IGN_OFF_EVENT, delay);
+}
+uint32_t CVPMMgr::SetIgnHardOffDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_IGN_HARD_OFF, delay);
+}
+uint32_t CVPMMgr::GetIgnHardOffDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_IGN_HARD_OFF, delay);
+}
+uint32_t CVPMMgr::SetIgnSuspendHardOffDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_IGN_SUSPEND_HARD_OFF, delay);
+}
+uint32_t CVPMMgr::GetIgnSuspendHardOffDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_IGN_SUSPEND_HARD_OFF, delay);
+}
+uint32_t CVPMMgr::SetPrePowerOffAlarmDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_PRE_POWER_OFF_ALARM, delay);
+}
+uint32_t CVPMMgr::GetPrePowerOffAlarmDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_PRE_POWER_OFF_ALARM, delay);
+}
+uint32_t CVPMMgr::SeIgnOnDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_IGN_ON, delay);
+}
+uint32_t CVPMMgr::GetIgnOnDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_IGN_ON, delay);
+}
+uint32_t CVPMMgr::SetLBPLowDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_LBP_LOW, delay);
+}
+uint32_t CVPMMgr::GetLBPLowDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_LBP_LOW, delay);
+}
+uint32_t CVPMMgr::SetLBPLowHardDelay(unsigned short delay) {
+  return SetDelay(DELAY_TYPE_LBP_LOW_HARD, delay);
+}
+uint32_t CVPMMgr::GetLBPLowHardDelay(unsigned short* delay) {
+  return GetDelay(DELAY_TYPE_LBP_LOW_HARD, delay);
+}
+
+uint32_t CVPMMgr::SetForceShutdownDelay(unsigned short delay) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (delay == 0) return ROLU_STATUS_INVALID_PARAMETER;
+  return Order(*this, Command("MSDS%04X\r", static_cast<unsigned int>(delay)));
+}
+
+uint32_t CVPMMgr::GetForceShutdownDelay(unsigned short* delay) {
+  return GetUnsigned16(Command("MSDG\r"), delay);
+}
+
+uint32_t CVPMMgr::SetForceShutdown(char enable) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command("MSSS%01d\r", enable != 0 ? 1 : 0));
+}
+
+uint32_t CVPMMgr::GetForceShutdown(char* enabled) {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
+  return QueryFlag(*this, Command("MSSG\r"), 0, enabled);
+}
+
+uint32_t CVPMMgr::ForceShutdown() {
+  if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
+  return Order(*this, Command("ATPO\r"), 0);
+}

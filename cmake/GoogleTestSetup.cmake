@@ -3,8 +3,6 @@
 if(CMAKE_CROSSCOMPILING)
   set(INSTALL_GTEST OFF)
   add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-  add_library(GTest::gmock ALIAS gmock)
-  add_library(GTest::gtest ALIAS gtest)
 else()
   find_package(GTest REQUIRED)
 endif()

@@ -16,6 +16,9 @@
 namespace rolu_sim {
 namespace {
 
+// While this process has no descriptor to spare, the listener stays readable and must rest.
+constexpr int kRetryAcceptMs = 10;
+
 OpenFlags FlagsOf(std::uint64_t bits) {
   return {(bits & kOpenRead) != 0, (bits & kOpenWrite) != 0, (bits & kOpenTruncate) != 0,
           (bits & kOpenAppend) != 0};
@@ -107,25 +110,27 @@ std::size_t DeviceServer::OpenCount(const std::string& path) const {
 
 void DeviceServer::Run() {
   std::vector<pollfd> sources;
+  bool can_accept = true;
   while (!stopping_) {
-    sources = {{wakeup_.fd(), POLLIN, 0}, {listener_.get(), POLLIN, 0}};
+    sources = {{wakeup_.fd(), POLLIN, 0}, {can_accept ? listener_.get() : -1, POLLIN, 0}};
     for (const Connection& connection : connections_) sources.push_back({connection.socket.get(), POLLIN, 0});
-    poll(sources.data(), sources.size(), -1);
+    poll(sources.data(), sources.size(), can_accept ? -1 : kRetryAcceptMs);
     wakeup_.Take();
     auto source = sources.begin() + 2;
     for (auto connection = connections_.begin(); connection != connections_.end(); ++source) {
       const bool ended = source->revents != 0 && !ServeMessage(*connection);
       connection = ended ? connections_.erase(connection) : std::next(connection);
     }
-    if (sources[1].revents != 0) Accept();
+    can_accept = sources[1].revents == 0 || Accept();
   }
 }
 
-void DeviceServer::Accept() {
+bool DeviceServer::Accept() {
   UniqueFd socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-  if (!socket) return;
+  if (!socket) return errno == EAGAIN || errno == EINTR || errno == ECONNABORTED;
   connections_.emplace_back();
   connections_.back().socket = std::move(socket);
+  return true;
 }
 
 bool DeviceServer::ServeMessage(Connection& connection) {

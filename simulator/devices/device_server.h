@@ -88,7 +88,8 @@ class DeviceServer {
   struct Connection;
 
   void Run();
-  void Accept();
+  // False when the system refuses another descriptor.
+  bool Accept();
   // False when the connection is at its end.
   bool ServeMessage(Connection& connection);
   DeviceMessage Answer(Connection& connection, const DeviceMessage& request, const std::string& payload,

@@ -80,7 +80,10 @@ void McuSerial::ClearScript() {
 void McuSerial::SendRaw(std::string bytes) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
+    if (terminal_.master() < 0) return;
     scheduled_.emplace(std::chrono::steady_clock::now(), std::move(bytes));
+    FollowHost();
+    SendDueBytes();
   }
   wakeup_.Signal();
 }
@@ -131,7 +134,6 @@ bool McuSerial::WaitForHostClosed(std::chrono::milliseconds timeout) {
   return host_closed_.wait_for(lock, timeout, [this] {
     if (terminal_.master() < 0) return true;
     FollowHost();
-    // The MCU's thread may have gone to sleep on a port that nobody had open.
     if (host_open_) wakeup_.Signal();
     return !host_open_;
   });
@@ -182,6 +184,8 @@ void McuSerial::ReceiveBytes() {
   }
 }
 
+// Another thread than the MCU's that calls it wakes that one up: it may sleep in the belief that
+// nobody has the port open.
 void McuSerial::FollowHost() {
   if (terminal_.TakeHostClose()) {
     terminal_.DiscardUnreadBytes();

@@ -64,7 +64,8 @@ class McuSerial {
   // Forgets all scripted replies; chunks of replies that were begun still leave.
   void ClearScript();
 
-  // Sends bytes that no command asked for, as they are.
+  // Sends bytes that no command asked for, as they are, before it returns (when paced: begins to).
+  // Lost when the port has hung up.
   void SendRaw(std::string bytes);
 
   // A silent MCU still receives commands (they are logged) but answers none; a command that came

@@ -33,8 +33,8 @@ class WireLog {
 
   using LineListener = std::function<void(const WireEvent&)>;
 
-  // `listener` (may be empty) hears each line on the MCU's thread; it must not call the McuSerial
-  // whose line it hears.
+  // `listener` (may be empty) hears each line on the thread that recorded it; it must not call the
+  // McuSerial whose line it hears.
   explicit WireLog(LineListener listener);
 
   void RecordChunk(Direction direction, TimePoint time, std::string_view bytes);

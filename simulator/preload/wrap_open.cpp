@@ -39,22 +39,21 @@ int OpenOnBoard(Target target, const char* path, int flags) {
   return OpenDeviceNode(path, flags);
 }
 
-// The mode is there only when the flags ask for it; a callee that does not look at it takes any.
-mode_t ModeOf(int flags, va_list arguments) {
-  const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-  return has_mode ? va_arg(arguments, mode_t) : 0;
+bool TakesMode(int flags) {
+  return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
 }
 
-int Open(NextCall<OpenCall>& next, const char* path, int flags, va_list arguments) {
+// A callee that does not look at the mode takes any.
+int Open(NextCall<OpenCall>& next, const char* path, int flags, mode_t mode) {
   const Target target = TargetOf(path);
   if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
-  return next.get()(path, flags, ModeOf(flags, arguments));
+  return next.get()(path, flags, mode);
 }
 
-int OpenAt(NextCall<OpenAtCall>& next, int directory, const char* path, int flags, va_list arguments) {
+int OpenAt(NextCall<OpenAtCall>& next, int directory, const char* path, int flags, mode_t mode) {
   const Target target = TargetOf(path);
   if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
-  return next.get()(directory, path, flags, ModeOf(flags, arguments));
+  return next.get()(directory, path, flags, mode);
 }
 
 int OpenChecked(NextCall<CheckedOpenCall>& next, const char* path, int flags) {
@@ -75,33 +74,33 @@ extern "C" {
 ROLU_SIM_EXPORTED int open(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const int fd = rolu_sim::Open(rolu_sim::next_open, path, flags, arguments);
+  const mode_t mode = rolu_sim::TakesMode(flags) ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  return fd;
+  return rolu_sim::Open(rolu_sim::next_open, path, flags, mode);
 }
 
 ROLU_SIM_EXPORTED int open64(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const int fd = rolu_sim::Open(rolu_sim::next_open64, path, flags, arguments);
+  const mode_t mode = rolu_sim::TakesMode(flags) ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  return fd;
+  return rolu_sim::Open(rolu_sim::next_open64, path, flags, mode);
 }
 
 ROLU_SIM_EXPORTED int openat(int directory, const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const int fd = rolu_sim::OpenAt(rolu_sim::next_openat, directory, path, flags, arguments);
+  const mode_t mode = rolu_sim::TakesMode(flags) ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  return fd;
+  return rolu_sim::OpenAt(rolu_sim::next_openat, directory, path, flags, mode);
 }
 
 ROLU_SIM_EXPORTED int openat64(int directory, const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const int fd = rolu_sim::OpenAt(rolu_sim::next_openat64, directory, path, flags, arguments);
+  const mode_t mode = rolu_sim::TakesMode(flags) ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
-  return fd;
+  return rolu_sim::OpenAt(rolu_sim::next_openat64, directory, path, flags, mode);
 }
 
 // What the open calls without a mode become in a fortified program.

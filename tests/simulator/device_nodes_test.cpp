@@ -1,0 +1,212 @@
+// A program's calls on the board's paths, compiled as distributions compile programs (fortified).
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/utsname.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+
+#include "simulator/board.h"
+#include "simulator/preloaded.h"
+
+namespace rolu_sim {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+constexpr std::uint8_t kEeprom = 0x50;
+
+// Holds a text, as an attribute of a driver does.
+class TextNode : public Device {
+ public:
+  NodeStat Stat() const override { return {}; }
+  DeviceResult Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice>& opened) override {
+    class Descriptor : public OpenDevice {
+      DeviceResult Read(std::string& bytes, std::size_t capacity) override {
+        bytes = std::string(read_ ? "" : "350\n").substr(0, capacity);
+        read_ = true;
+        return static_cast<DeviceResult>(bytes.size());
+      }
+      DeviceResult Write(std::string_view bytes) override { return static_cast<DeviceResult>(bytes.size()); }
+      bool read_ = false;
+    };
+    opened = std::make_unique<Descriptor>();
+    return 0;
+  }
+};
+
+class DeviceNodes : public testing::Test {
+ protected:
+  DeviceNodes() {
+    board_.AttachThisProcess();
+    board_.i2c().Attach(kEeprom, eeprom_);
+    board_.devices().AddNode(kBacklightPath, std::make_shared<TextNode>());
+  }
+
+  Board board_;
+  std::shared_ptr<I2cRegisterDevice> eeprom_ = std::make_shared<I2cRegisterDevice>();
+};
+
+TEST_F(DeviceNodes, i2c_transfers_reach_the_addressed_device) {
+  eeprom_->SetRegister(0x10, 0xAB);
+  const int bus = open(kI2cBusPath, O_RDWR);
+  ASSERT_GE(bus, 0);
+  ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, kEeprom), 0);
+  EXPECT_EQ(write(bus, "\x10", 1), 1);
+  unsigned char bytes[2] = {};
+  const volatile std::size_t wanted = sizeof bytes;  // makes a fortified read of it
+  EXPECT_EQ(read(bus, bytes, wanted), 2);
+  EXPECT_EQ(bytes[0], 0xAB);
+  EXPECT_EQ(ioctl(bus, 0x1234, 0), -1);
+  EXPECT_EQ(errno, ENOTTY);
+  ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, ResetController::kAddress), 0);
+  EXPECT_EQ(write(bus, "\x0B\x01", 2), 2);
+  EXPECT_EQ(board_.devices().OpenCount(kI2cBusPath), 1U);
+  EXPECT_EQ(close(bus), 0);
+  EXPECT_EQ(board_.devices().OpenCount(kI2cBusPath), 0U);
+  EXPECT_EQ(board_.reset_controller().ResetCount(), 1);
+  EXPECT_THAT(board_.devices().Writes(kI2cBusPath), ElementsAre("\x10", "\x0B\x01"));
+}
+
+TEST_F(DeviceNodes, i2c_addresses_refuse_as_told) {
+  board_.i2c().RefuseSelection(0x21, EBUSY);
+  board_.i2c().RefuseTransfers(kEeprom, ETIMEDOUT);
+  const UniqueFd bus(open(kI2cBusPath, O_RDWR | O_CLOEXEC));
+  const auto write_to = [&](unsigned address) {
+    errno = 0;
+    if (ioctl(bus.get(), I2cBus::kForceSelectRequest, address) == 0 && write(bus.get(), "x", 1) == 1)
+      return 0;
+    return errno;
+  };
+  EXPECT_EQ(write_to(0x21), EBUSY);
+  EXPECT_EQ(write_to(kEeprom), ETIMEDOUT);
+  EXPECT_EQ(write_to(0x33), EREMOTEIO);
+  EXPECT_EQ(write_to(0x80), EINVAL);
+}
+
+TEST_F(DeviceNodes, faults_of_a_path_reach_the_program) {
+  const auto open_errno = [](const char* path) { return UniqueFd(open(path, O_RDWR)) ? 0 : errno; };
+  EXPECT_EQ(open_errno("/sys/class/gpio/gpio45/value"), ENOENT);
+  DeviceFaults faults;
+  faults.open_errno = EACCES;
+  board_.devices().SetFaults(kI2cBusPath, faults);
+  EXPECT_EQ(open_errno(kI2cBusPath), EACCES);
+  faults.missing = true;
+  board_.devices().SetFaults(kI2cBusPath, faults);
+  EXPECT_EQ(open_errno(kI2cBusPath), ENOENT);
+
+  faults = {};
+  faults.write_errno = EIO;
+  faults.max_read_bytes = 2;
+  board_.devices().SetFaults(kBacklightPath, faults);
+  const UniqueFd node(open(kBacklightPath, O_RDWR));
+  char text[8] = {};
+  EXPECT_EQ(write(node.get(), "5", 1), -1);
+  EXPECT_EQ(errno, EIO);
+  EXPECT_EQ(read(node.get(), text, sizeof text), 2);
+  EXPECT_EQ(open_errno("/proc/vpm_serial"), 0);
+  board_.RemoveSerialDevice();
+  EXPECT_EQ(open_errno("/proc/vpm_serial"), ENOENT);
+}
+
+TEST_F(DeviceNodes, streams_read_and_write_attributes) {
+  int level = 0;
+  FILE* stream = fopen(kBacklightPath, "r");
+  ASSERT_NE(stream, nullptr);
+  EXPECT_EQ(fscanf(stream, "%d", &level), 1);
+  EXPECT_EQ(level, 350);
+  EXPECT_EQ(fclose(stream), 0);
+  stream = fopen(kBacklightPath, "w");
+  ASSERT_NE(stream, nullptr);
+  EXPECT_EQ(fprintf(stream, "%d", 10), 2);
+  EXPECT_EQ(fclose(stream), 0);
+  EXPECT_THAT(board_.devices().Writes(kBacklightPath), ElementsAre("10"));
+  EXPECT_EQ(fopen(kLuxPath, "r"), nullptr);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(DeviceNodes, stat_and_access_tell_what_is_there) {
+  struct stat status {};
+  ASSERT_EQ(stat(kI2cBusPath, &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  ASSERT_EQ(fstatat(AT_FDCWD, kBacklightPath, &status, 0), 0);
+  EXPECT_TRUE(S_ISREG(status.st_mode));
+  ASSERT_EQ(lstat("/proc/vpm_serial", &status), 0);
+  EXPECT_TRUE(S_ISCHR(status.st_mode));
+  EXPECT_EQ(access(kI2cBusPath, R_OK | W_OK), 0);
+  EXPECT_EQ(access(kLuxPath, F_OK), -1);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(DeviceNodes, a_child_that_closes_an_inherited_node_leaves_it_open) {
+  const int bus = open(kI2cBusPath, O_RDWR);
+  const pid_t child = fork();
+  if (child == 0) _exit(close(bus));
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, kEeprom), 0);
+  close(bus);
+}
+
+TEST_F(DeviceNodes, a_descriptor_that_was_replaced_is_no_node_any_more) {
+  const int bus = open(kI2cBusPath, O_RDWR);
+  const UniqueFd zero(open("/dev/zero", O_RDONLY));
+  ASSERT_EQ(dup2(zero.get(), bus), bus);
+  char byte = 'x';
+  EXPECT_EQ(read(bus, &byte, 1), 1);
+  EXPECT_EQ(byte, '\0');
+  close(bus);
+}
+
+TEST_F(DeviceNodes, the_kernels_names_are_the_boards_while_it_is_attached) {
+  utsname names{};
+  ASSERT_EQ(uname(&names), 0);
+  EXPECT_STREQ(names.machine, "armv7l");
+  EXPECT_STREQ(names.release, KernelIdentity{}.release.c_str());
+  EXPECT_STREQ(names.version, KernelIdentity{}.version.c_str());
+}
+
+TEST_F(DeviceNodes, other_paths_pass_through) {
+  const std::string path = board_.root().path() + "/file";
+  const UniqueFd file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600));
+  ASSERT_EQ(write(file.get(), "text", 4), 4);
+  struct stat status {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+  EXPECT_EQ(status.st_size, 4);
+}
+
+std::ptrdiff_t OpenDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                       std::filesystem::directory_iterator());
+}
+
+TEST(Board, is_gone_without_a_trace) {
+  const std::ptrdiff_t descriptors_before = OpenDescriptors();
+  std::string root;
+  {
+    Board board;
+    board.AttachThisProcess();
+    root = board.root().path();
+    EXPECT_TRUE(std::filesystem::exists(root));
+    EXPECT_TRUE(UniqueFd(open(kI2cBusPath, O_RDWR)));
+  }
+  EXPECT_FALSE(std::filesystem::exists(root));
+  EXPECT_EQ(OpenDescriptors(), descriptors_before);
+  const int seen = access(kI2cBusPath, F_OK) == 0 ? 0 : errno;
+  const int here = syscall(SYS_faccessat, AT_FDCWD, kI2cBusPath, F_OK) == 0 ? 0 : errno;
+  EXPECT_EQ(seen, here) << "the board still answers";
+}
+
+}  // namespace
+}  // namespace rolu_sim

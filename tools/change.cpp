@@ -43,7 +43,7 @@ void Apply(Session& session, Change& change) {
   status = session.Read(setting, value);
   if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "was set, but could not be read back");
   change.read_back = value;
-  if (IsSameAfterRounding(setting, change.wanted, value)) return;
+  if (IsSame(change.wanted, value, setting.rounding)) return;
   change.result = kRefused;
   change.problem = fmt::format("was set, but reads back as {}", WithUnit(setting, value));
 }
@@ -56,7 +56,7 @@ void PrintChange(const Change& change) {
   }
   const std::string before =
       change.before ? fmt::format(" (was {})", ValueText(setting, *change.before)) : "";
-  const bool rounded = *change.read_back != change.wanted;
+  const bool rounded = !IsSame(*change.read_back, change.wanted);
   const std::string asked =
       rounded ? fmt::format(", the nearest to {} that the MCU holds", ValueText(setting, change.wanted)) : "";
   Out(fmt::format("{} = {}{}{}\n", setting.name, WithUnit(setting, *change.read_back), asked, before));

@@ -39,5 +39,7 @@ void AddStatusCommand(CLI::App& app, Invocation& invocation);
 void AddGetCommand(CLI::App& app, Invocation& invocation);
 void AddSetCommand(CLI::App& app, Invocation& invocation);
 void AddListCommand(CLI::App& app, Invocation& invocation);
+void AddSaveCommand(CLI::App& app, Invocation& invocation);
+void AddLoadCommand(CLI::App& app, Invocation& invocation);
 
 }  // namespace rolu

@@ -94,6 +94,8 @@ void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   AddGetCommand(app, invocation);
   AddSetCommand(app, invocation);
   AddListCommand(app, invocation);
+  AddSaveCommand(app, invocation);
+  AddLoadCommand(app, invocation);
 }
 
 }  // namespace rolu

@@ -54,11 +54,16 @@ bool IsNamed(const std::vector<Change>& changes, std::string_view name) {
                      [&](const Change& change) { return change.setting->name == name; });
 }
 
+// A change of the battery mode leaves behind it what this says.
 void RemindOfProtections(const std::vector<Change>& changes) {
   if (!IsNamed(changes, "battery.mode")) return;
-  if (IsNamed(changes, "battery.preboot") && IsNamed(changes, "battery.lbp")) return;
-  Say("the change of battery.mode switched the protections off; 'rolu set battery.preboot=on battery.lbp=on' "
-      "switches them on");
+  std::string left_off;
+  for (const std::string_view name : {"battery.preboot", "battery.lbp"}) {
+    if (!IsNamed(changes, name)) left_off += fmt::format(" {}=on", name);
+  }
+  if (left_off.empty()) return;
+  Say(fmt::format("the change of battery.mode switches protections off; 'rolu set{}' switches on again",
+                  left_off));
 }
 
 ExitStatus RunSet(const std::vector<std::string>& assignments, const CommonOptions& common) {

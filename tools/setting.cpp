@@ -150,10 +150,9 @@ std::string ValueText(const Setting& setting, const Value& value) {
   return value.dump();
 }
 
-bool IsSameAfterRounding(const Setting& setting, const Value& wanted, const Value& read_back) {
-  if (!wanted.is_number() || !read_back.is_number()) return wanted == read_back;
-  const double difference = std::abs(wanted.get<double>() - read_back.get<double>());
-  return difference <= setting.rounding + kSameNumber;
+bool IsSame(const Value& wanted, const Value& found, double allowance) {
+  if (!wanted.is_number() || !found.is_number()) return wanted == found;
+  return std::abs(wanted.get<double>() - found.get<double>()) <= allowance + kSameNumber;
 }
 
 bool MustAsk(const Setting& setting, const Value& value) {

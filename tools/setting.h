@@ -69,8 +69,8 @@ void CheckValue(const Setting& setting, const Value& value);
 // For people and scripts: "12.600", "on", "07:30", "1 0". The unit is not part of it.
 std::string ValueText(const Setting& setting, const Value& value);
 
-// Equal, or as near as the MCU's rounding allows.
-bool IsSameAfterRounding(const Setting& setting, const Value& wanted, const Value& read_back);
+// Equal; numbers also when they are no more than `allowance` (as a rule the setting's rounding) apart.
+bool IsSame(const Value& wanted, const Value& found, double allowance = 0);
 
 // Whether setting it to `value` must be confirmed.
 bool MustAsk(const Setting& setting, const Value& value);

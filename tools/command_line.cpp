@@ -96,6 +96,18 @@ void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   AddListCommand(app, invocation);
   AddSaveCommand(app, invocation);
   AddLoadCommand(app, invocation);
+  AddWatchCommand(app, invocation);
+  AddDoctorCommand(app, invocation);
+  AddClockCommand(app, invocation);
+  AddAlarmCommand(app, invocation);
+  AddWatchdogCommand(app, invocation);
+  AddI2cCommand(app, invocation);
+  AddPinsCommand(app, invocation);
+  AddLightCommand(app, invocation);
+  AddBacklightCommand(app, invocation);
+  AddDefaultsCommand(app, invocation);
+  AddResetCommand(app, invocation);
+  AddForceShutdownCommand(app, invocation);
 }
 
 }  // namespace rolu

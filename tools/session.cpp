@@ -135,7 +135,8 @@ ROLU_STATUS Session::Write(const Setting& setting, const Value& value) {
   return McuIsSilent() ? ROLU_STATUS{ROLU_STATUS_VPM_NO_REPLY} : Noted(setting.write(value));
 }
 
-void Session::Close() {
+ExitStatus Session::Close() {
+  ExitStatus result = kDone;
   for (std::size_t i = kFamilies; i-- > 0;) {
     const bool is_up = states_[i] == ROLU_STATUS_SUCCESS;
     states_[i].reset();
@@ -143,7 +144,9 @@ void Session::Close() {
     const ROLU_STATUS status = kFamilyWords[i].take_down();
     if (status == ROLU_STATUS_SUCCESS) continue;
     SayProblem(fmt::format("could not take down {}: {}", kFamilyWords[i].name, Describe(status)));
+    result = WordsOf(status).exit_status;
   }
+  return result;
 }
 
 }  // namespace rolu

@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include "tools/exit_status.h"
 #include "tools/family.h"
 #include "tools/setting.h"
 
@@ -43,8 +44,9 @@ class Session {
   // The next question goes out although the MCU was silent.
   void AskAgain() { unanswered_ = 0; }
 
-  // Takes everything down, in the reverse order. Says on standard error what could not be.
-  void Close();
+  // Takes everything down, in the reverse order. Says on standard error what could not be, and gives
+  // its exit status; else kDone.
+  ExitStatus Close();
 
  private:
   static constexpr int kSilence = 2;

@@ -73,7 +73,7 @@ VPM_RTC_TIME ParseClock(std::string_view text) {
     return std::make_tuple(of.tm_year, of.tm_mon, of.tm_mday, of.tm_hour, of.tm_min, of.tm_sec);
   };
   if (parts(carried) != parts(fields)) {
-    throw std::invalid_argument(fmt::format("there is no such time: '{}'", text));
+    throw std::invalid_argument(fmt::format("must be a time that exists, not '{}'", text));
   }
   if (fields.tm_year < 100 || fields.tm_year > 199) {
     throw std::invalid_argument(fmt::format("must be from the years 2000 to 2099, not '{}'", text));

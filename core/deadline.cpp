@@ -38,8 +38,8 @@ void SleepForMs(int ms) {
   }
 }
 
-long long MonotonicMs() {
+long long MonotonicUs() {
   timespec now;
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<long long>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+  return static_cast<long long>(now.tv_sec) * 1000000 + now.tv_nsec / 1000;
 }

@@ -13,7 +13,7 @@ bool HasPassed(const timespec& deadline);
 // not sleep.
 void SleepForMs(int ms);
 
-// Milliseconds of a clock that nobody sets; only differences mean something.
-long long MonotonicMs();
+// Microseconds of a clock that nobody sets; only differences mean something.
+long long MonotonicUs();
 
 #endif  // CORE_DEADLINE_H

@@ -1,6 +1,8 @@
+#include <sys/prctl.h>
 #include <sys/select.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -33,7 +35,11 @@ unsigned int recv_size_vpm = 0;
 // the wake-up event may end a poll.
 bool line_is_quiet = false;
 
+// When the last bytes were read: the quiet time counts from there, not from the end of their handling.
+long long last_bytes_us = 0;
+
 void ClearWakeEvent() {
+  if (vpm_wake_event == -1) return;
   uint64_t count;
   [[maybe_unused]] const ssize_t taken = read(vpm_wake_event, &count, sizeof count);
 }
@@ -41,15 +47,15 @@ void ClearWakeEvent() {
 enum class PollResult { kReadable, kWoken, kTimedOut, kFailed };
 
 // Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1.
-PollResult Poll(int port, long long wait_ms) {
+PollResult Poll(int port, long long wait_us) {
   fd_set readable;
   FD_ZERO(&readable);
   if (port != -1) FD_SET(port, &readable);
   const bool may_wake = line_is_quiet && vpm_wake_event != -1;
   if (may_wake) FD_SET(vpm_wake_event, &readable);
   timeval timeout;
-  timeout.tv_sec = static_cast<time_t>(wait_ms / 1000);
-  timeout.tv_usec = static_cast<suseconds_t>(wait_ms % 1000 * 1000);
+  timeout.tv_sec = static_cast<time_t>(wait_us / 1000000);
+  timeout.tv_usec = static_cast<suseconds_t>(wait_us % 1000000);
   const int highest = may_wake && vpm_wake_event > port ? vpm_wake_event : port;
   const int ready = select(highest + 1, &readable, nullptr, nullptr, &timeout);
   if (ready == 0) return PollResult::kTimedOut;
@@ -61,10 +67,10 @@ PollResult Poll(int port, long long wait_ms) {
 
 // A port that fails or has hung up is always ready; without its 5 ms each such poll would follow
 // the last at once and keep a processor busy.
-int FinishFailedPoll(int result, long long poll_end_ms) {
+int FinishFailedPoll(int result, long long poll_end_us) {
   line_is_quiet = true;
-  const long long left_ms = poll_end_ms - MonotonicMs();
-  if (left_ms <= 0 || Poll(-1, left_ms) != PollResult::kWoken) return result;
+  const long long left_us = poll_end_us - MonotonicUs();
+  if (left_us <= 0 || Poll(-1, left_us) != PollResult::kWoken) return result;
   ClearWakeEvent();
   return kWoken;
 }
@@ -83,9 +89,10 @@ void AwaitReplyTaken() REQUIRES(io_op_lock) {
 }
 
 void StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
-  // The MCU has not seen a command that is still queued: this line answers an earlier one.
-  if (tx_index > 0) return;
   AwaitReplyTaken();
+  // The MCU has not seen a command that is still queued: this line answers an earlier one. The caller
+  // that took the reply before may have queued it just now.
+  if (tx_index > 0) return;
   memcpy(last_command_result, line, length + 1);
   last_command_valid = true;
   if (vpm_resp_event != nullptr) pthread_cond_signal(vpm_resp_event);
@@ -113,12 +120,14 @@ void ResetPortReader() {
   recv_index_vpm = 0;
   recv_size_vpm = 0;
   line_is_quiet = false;
+  last_bytes_us = MonotonicUs();
 }
 
 int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms) {
   if (recv_index_vpm == recv_size_vpm) {
-    const long long poll_end_ms = MonotonicMs() + wait_ms;
-    switch (Poll(vpm_port, wait_ms)) {
+    const long long now_us = MonotonicUs();
+    const long long poll_end_us = (line_is_quiet ? now_us : last_bytes_us) + wait_ms * 1000LL;
+    switch (Poll(vpm_port, std::max(poll_end_us - now_us, 0LL))) {
       case PollResult::kReadable:
         break;
       case PollResult::kWoken:
@@ -128,11 +137,12 @@ int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms) {
         line_is_quiet = true;
         return -2;
       case PollResult::kFailed:
-        return FinishFailedPoll(-1, poll_end_ms);
+        return FinishFailedPoll(-1, poll_end_us);
     }
     const ssize_t count = read(vpm_port, recv_buffer_vpm, sizeof recv_buffer_vpm);
-    if (count <= 0) return FinishFailedPoll(count == 0 ? -2 : -1, poll_end_ms);
+    if (count <= 0) return FinishFailedPoll(count == 0 ? -2 : -1, poll_end_us);
     line_is_quiet = false;
+    last_bytes_us = MonotonicUs();
     recv_index_vpm = 0;
     recv_size_vpm = static_cast<unsigned int>(count);
   }
@@ -152,7 +162,11 @@ bool VPMRead(char* line, unsigned long* length, int idle_limit) {
       *length = assembler.length();
       return true;
     }
-    if (tx_index > 0) WriteQueue();
+    if (tx_index > 0) {
+      // A wake-up that came while the line was not quiet is served by this write.
+      if (result != kWoken) ClearWakeEvent();
+      WriteQueue();
+    }
     if (result != kWoken) ++idle_count;
   }
   return false;
@@ -176,6 +190,8 @@ bool VPMWrite(const char* bytes, int length) {
 }
 
 void* VPMHandleThread(void*) {
+  // A thread's timers may end 50 us late by default, which each command on a busy line would pay.
+  prctl(PR_SET_TIMERSLACK, 1UL);
   char line[kLineCapacity];
   unsigned long length = 0;
   while (io_thread_active) {

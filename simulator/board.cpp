@@ -5,28 +5,44 @@
 #include <string_view>
 #include <utility>
 
+#include "simulator/command_path.h"
 #include "simulator/preloaded.h"
 #include "simulator/system_error.h"
 
 namespace rolu_sim {
+namespace {
+
+constexpr char kIndoorLight[] = "350\n";
+
+}  // namespace
 
 Board::Board(BoardOptions options)
     : mcu_(std::move(options.serial)),
       reset_controller_(std::make_shared<ResetController>()),
+      register_device_(std::make_shared<I2cRegisterDevice>()),
       i2c_(std::make_shared<I2cBus>()),
-      devices_(root_.DeviceSocketPath(), std::move(options.kernel)) {
+      backlight_(std::make_shared<Backlight>()),
+      light_sensor_(std::make_shared<TextAttribute>(kIndoorLight)),
+      wireless_(root_),
+      devices_(root_.DeviceSocketPath(), std::move(options.kernel)),
+      gpio_(devices_) {
   i2c_->Attach(ResetController::kAddress, reset_controller_);
+  i2c_->Attach(kRegisterDeviceAddress, register_device_);
   devices_.AddNode(kI2cBusPath, i2c_);
+  devices_.AddNode(kBacklightPath, backlight_);
+  devices_.AddNode(kLuxPath, light_sensor_);
   RestoreSerialDevice();
 }
 
 Board::~Board() {
   const char* const attached = getenv(kRootVariable);
   if (attached != nullptr && root_.path() == attached) unsetenv(kRootVariable);
+  RemoveCommandDirectory(root_.CommandDirectory());
 }
 
 void Board::AttachThisProcess() {
   if (setenv(kRootVariable, root_.path().c_str(), 1) != 0) ThrowErrno("setting the environment");
+  AddCommandDirectory(root_.CommandDirectory());
 }
 
 void Board::RemoveSerialDevice() {

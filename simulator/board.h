@@ -3,10 +3,14 @@
 #include <memory>
 
 #include "simulator/board_root.h"
+#include "simulator/devices/attribute.h"
+#include "simulator/devices/backlight.h"
 #include "simulator/devices/board_paths.h"
 #include "simulator/devices/device_server.h"
+#include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"
 #include "simulator/mcu/mcu_serial.h"
+#include "simulator/wireless_interface.h"
 
 namespace rolu_sim {
 
@@ -33,6 +37,9 @@ struct BoardOptions {
 // other. The constructor throws std::system_error when the system refuses what it needs.
 class Board {
  public:
+  // Where a device with 256 registers sits on the I2C bus.
+  static constexpr std::uint8_t kRegisterDeviceAddress = 0x50;
+
   explicit Board(BoardOptions options = {});
   ~Board();
   Board(const Board&) = delete;
@@ -42,11 +49,16 @@ class Board {
   DeviceServer& devices() { return devices_; }
   I2cBus& i2c() { return *i2c_; }
   ResetController& reset_controller() { return *reset_controller_; }
+  I2cRegisterDevice& register_device() { return *register_device_; }
+  Backlight& backlight() { return *backlight_; }
+  TextAttribute& light_sensor() { return *light_sensor_; }
+  Gpio& gpio() { return gpio_; }
+  WirelessInterface& wireless() { return wireless_; }
   const BoardRoot& root() const { return root_; }
 
   // The preloaded object of this process (and of its children) meets this board from now on, until
-  // the board is destroyed. Sets an environment variable: call it while no other thread runs that
-  // reads the environment or opens the board's paths.
+  // the board is destroyed, and the board's commands come first. Sets environment variables: call it
+  // while no other thread runs that reads the environment or opens the board's paths.
   void AttachThisProcess();
 
   // The serial device is gone (a new open fails with ENOENT; open descriptors live on) or back.
@@ -60,8 +72,13 @@ class Board {
   BoardRoot root_;
   McuSerial mcu_;
   std::shared_ptr<ResetController> reset_controller_;
+  std::shared_ptr<I2cRegisterDevice> register_device_;
   std::shared_ptr<I2cBus> i2c_;
+  std::shared_ptr<Backlight> backlight_;
+  std::shared_ptr<TextAttribute> light_sensor_;
+  WirelessInterface wireless_;
   DeviceServer devices_;
+  Gpio gpio_;
 };
 
 }  // namespace rolu_sim

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
+#include <utility>
 
 #include "simulator/mcu/mcu_model.h"
 
@@ -55,7 +55,7 @@ AnswerLines WriteMode(McuModel& model, std::string_view fields, TimePoint /*now*
 
 AnswerLines ReadProtections(McuModel& model, std::string_view /*fields*/, TimePoint /*now*/) {
   std::string flags;
-  for (const bool enabled : model.battery.protection_enabled) flags += enabled ? '1' : '0';
+  for (const bool enabled : model.battery.protection_enabled) flags += FormatFlag(enabled);
   return {flags};
 }
 
@@ -95,9 +95,37 @@ std::uint16_t& BatteryState::Threshold(BatteryMode of, Protection protection) {
   return thresholds_[of == BatteryMode::k24V ? 0 : 1][static_cast<std::size_t>(protection)];
 }
 
+std::uint16_t BatteryState::Threshold(BatteryMode of, Protection protection) const {
+  return thresholds_[of == BatteryMode::k24V ? 0 : 1][static_cast<std::size_t>(protection)];
+}
+
 std::uint16_t BatteryState::RawAt(TimePoint now) const {
   const double units = std::round(VoltsAt(now) / SystemOf(mode).volts_per_unit);
   return static_cast<std::uint16_t>(std::clamp(units, 0.0, 65535.0));
+}
+
+double BatteryState::LowVolts() const {
+  return (Threshold(mode, Protection::kLowBattery) - 0.5) * SystemOf(mode).volts_per_unit;
+}
+
+bool BatteryState::IsProtectedAndLow(TimePoint now) const {
+  return protection_enabled[static_cast<std::size_t>(Protection::kLowBattery)] && VoltsAt(now) < LowVolts();
+}
+
+std::optional<TimePoint> BatteryState::NextLowBatteryChange(TimePoint now) const {
+  // A curve that is all but level may still be on the same side at the computed time: whoever waits
+  // for it then waits a little longer, and does not spin.
+  constexpr std::chrono::milliseconds kLeast(1);
+  const std::optional<std::chrono::nanoseconds> crossing = curve.NextCrossing(LowVolts(), now - curve_start);
+  if (!crossing) return std::nullopt;
+  return std::max(curve_start + *crossing, now + kLeast);
+}
+
+void BatteryState::RestoreDefaults() {
+  BatteryState defaults;
+  defaults.curve = std::move(curve);
+  defaults.curve_start = curve_start;
+  *this = std::move(defaults);
 }
 
 std::vector<McuCommand> BatteryCommands() {

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "simulator/mcu/mcu_command.h"
@@ -36,13 +37,24 @@ struct BatteryState {
 
   // Threshold of a protection in raw units, kept apart for each electrical system.
   std::uint16_t& Threshold(BatteryMode of, Protection protection);
+  std::uint16_t Threshold(BatteryMode of, Protection protection) const;
 
   double VoltsAt(TimePoint now) const { return curve.VoltsAt(now - curve_start); }
 
   // The reading that the MCU reports: volts in units of the present mode, nearest, within 16 bits.
   std::uint16_t RawAt(TimePoint now) const;
 
+  // Whether the reading is below the low-battery threshold of the present mode and that protection
+  // is on; and when, as things are, the battery next passes that threshold, up or down.
+  bool IsProtectedAndLow(TimePoint now) const;
+  std::optional<TimePoint> NextLowBatteryChange(TimePoint now) const;
+
+  void RestoreDefaults();
+
  private:
+  // Below it a reading is nearer to a number below the low-battery threshold.
+  double LowVolts() const;
+
   std::array<std::array<std::uint16_t, 2>, 2> thresholds_{{{1454, 1454}, {747, 747}}};
 };
 

@@ -40,4 +40,15 @@ std::optional<bool> ParseFlag(char field) {
   return field == '1';
 }
 
+std::string FormatFlag(bool flag) {
+  return flag ? "1" : "0";
+}
+
+AnswerLines SetFlag(bool& flag, char field) {
+  const std::optional<bool> value = ParseFlag(field);
+  if (!value) return RefuseParameter();
+  flag = *value;
+  return AnswerOk();
+}
+
 }  // namespace rolu_sim

@@ -41,5 +41,9 @@ std::optional<std::uint16_t> ParseHex(std::string_view field);
 
 // A flag is exactly the character '0' or '1'.
 std::optional<bool> ParseFlag(char field);
+std::string FormatFlag(bool flag);
+
+// Sets a flag to what a field says, or refuses the field.
+AnswerLines SetFlag(bool& flag, char field);
 
 }  // namespace rolu_sim

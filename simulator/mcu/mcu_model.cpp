@@ -1,15 +1,24 @@
 #include "simulator/mcu/mcu_model.h"
 
-#include <iterator>
 #include <utility>
-#include <vector>
 
 namespace rolu_sim {
 namespace {
 
+AnswerLines RestoreDefaults(McuModel& model, std::string_view /*fields*/, TimePoint /*now*/) {
+  model.RestoreDefaults();
+  return AnswerOk();
+}
+
+std::vector<McuCommand> SettingsCommands() {
+  return {{"EEDF", 0, 0, RestoreDefaults}};
+}
+
 std::vector<McuCommand> AllCommands() {
   std::vector<McuCommand> all;
-  for (const auto subject : {IdentityCommands, BatteryCommands, WatchdogCommands}) {
+  for (const auto subject : {BackupBatteryCommands, BatteryCommands, ClockCommands, GSensorCommands,
+                             IdentityCommands, IgnitionCommands, PeripheralSwitchCommands, PowerOffCommands,
+                             PowerSourceCommands, SettingsCommands, WatchdogCommands}) {
     const std::vector<McuCommand> commands = subject();
     all.insert(all.end(), commands.begin(), commands.end());
   }
@@ -48,6 +57,29 @@ void McuModel::SetVehicle(BatteryMode mode) {
 void McuModel::SetBatteryCurve(VoltageCurve curve, TimePoint start) {
   battery.curve = std::move(curve);
   battery.curve_start = start;
+}
+
+bool McuModel::ShakeTo(const GSensorSample& sample) {
+  gsensor.sample = sample;
+  if (!gsensor.RaisesAlarm()) return false;
+  unsent_.push_back(AlarmLine(sample));
+  return true;
+}
+
+// The message class 00, the kind, and nothing more to tell.
+void McuModel::WarnOfPowerOff(PowerOffWarning warning) {
+  unsent_.push_back("[00" + FormatHex(static_cast<std::uint16_t>(warning), 2) + "]");
+}
+
+void McuModel::RestoreDefaults() {
+  battery.RestoreDefaults();
+  clock.RestoreDefaults();
+  gsensor.RestoreDefaults();
+  ignition.RestoreDefaults();
+  peripheral_switch = {};
+  power_off.RestoreDefaults();
+  power_sources.RestoreDefaults();
+  watchdog.RestoreDefaults();
 }
 
 }  // namespace rolu_sim

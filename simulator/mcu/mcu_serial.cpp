@@ -38,7 +38,9 @@ bool IsLineEnd(char byte) {
 
 McuSerial::McuSerial(McuSerialOptions options)
     : byte_time_(options.paced ? kByteTime115200 : std::chrono::nanoseconds(0)),
+      event_listener_(std::move(options.event_listener)),
       log_(std::move(options.line_listener)) {
+  model_.clock.Set(options.clock_start, std::chrono::steady_clock::now());
   StartThread();
 }
 
@@ -78,14 +80,10 @@ void McuSerial::ClearScript() {
 }
 
 void McuSerial::SendRaw(std::string bytes) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (terminal_.master() < 0) return;
-    scheduled_.emplace(std::chrono::steady_clock::now(), std::move(bytes));
-    FollowHost();
-    SendDueBytes();
-  }
-  wakeup_.Signal();
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (terminal_.master() < 0) return;
+  scheduled_.emplace(std::chrono::steady_clock::now(), std::move(bytes));
+  SendFromOtherThread();
 }
 
 void McuSerial::SetSilent(bool silent) {
@@ -122,6 +120,30 @@ void McuSerial::Reopen() {
     terminal_ = PseudoTerminal();
   }
   StartThread();
+}
+
+std::vector<McuEvent> McuSerial::Events() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return model_.Events();
+}
+
+bool McuSerial::WaitForEvent(McuEventKind kind, std::chrono::milliseconds timeout, std::size_t count) const {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return event_told_.wait_for(lock, timeout, [&] {
+    const std::vector<McuEvent>& events = model_.Events();
+    const auto happened = std::count_if(events.begin(), events.end(),
+                                        [&](const McuEvent& event) { return event.kind == kind; });
+    return static_cast<std::size_t>(happened) >= count;
+  });
+}
+
+McuSerial::ModelAccess::ModelAccess(McuSerial& serial) : serial_(serial), lock_(serial.mutex_) {
+  serial_.FollowModel();
+}
+
+McuSerial::ModelAccess::~ModelAccess() {
+  serial_.FollowModel();
+  if (serial_.terminal_.master() >= 0) serial_.SendFromOtherThread();
 }
 
 bool McuSerial::IsOpenByHost() const {
@@ -164,6 +186,7 @@ void McuSerial::Run() {
     ReceiveBytes();
     FollowHost();
     HandleArrivedBytes();
+    FollowModel();
     SendDueBytes();
   }
 }
@@ -216,6 +239,7 @@ void McuSerial::HandleArrivedByte(const ReceivedByte& received) {
 }
 
 void McuSerial::AnswerCommand(std::string_view command) {
+  FollowModel();
   TimePoint due = std::chrono::steady_clock::now();
   if (const std::optional<Reply> scripted = script_.Take(command)) {
     for (const ReplyChunk& chunk : scripted->chunks()) {
@@ -227,6 +251,26 @@ void McuSerial::AnswerCommand(std::string_view command) {
   std::string answer;
   for (const std::string& line : model_.Execute(command, due)) answer.append(line).append(kLineEnd);
   if (!answer.empty()) scheduled_.emplace(due, std::move(answer));
+}
+
+// Takes what the MCU has done by itself. Lines for a port that has hung up are lost.
+void McuSerial::FollowModel() {
+  const TimePoint now = std::chrono::steady_clock::now();
+  for (const std::string& line : model_.TakeDueLines(now)) {
+    if (!silent_ && terminal_.master() >= 0) scheduled_.emplace(now, std::string(line).append(kLineEnd));
+  }
+  const std::vector<McuEvent>& events = model_.Events();
+  if (events_told_ == events.size()) return;
+  for (; events_told_ < events.size(); ++events_told_) {
+    if (event_listener_) event_listener_(events[events_told_]);
+  }
+  event_told_.notify_all();
+}
+
+void McuSerial::SendFromOtherThread() {
+  FollowHost();
+  SendDueBytes();
+  wakeup_.Signal();
 }
 
 void McuSerial::SendDueBytes() {
@@ -286,6 +330,9 @@ std::optional<TimePoint> McuSerial::NextDue() const {
   if (!received_.empty()) sooner(received_.front().arrival);
   if (!scheduled_.empty()) sooner(scheduled_.begin()->first);
   if (!outgoing_.empty() && !port_full_) sooner(send_line_free_ + byte_time_);
+  if (const std::optional<TimePoint> model_due = model_.NextDue(std::chrono::steady_clock::now())) {
+    sooner(*model_due);
+  }
   return due;
 }
 

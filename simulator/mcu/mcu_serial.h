@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -26,6 +27,10 @@ struct McuSerialOptions {
   // it they pass at once.
   bool paced = false;
   WireLog::LineListener line_listener;
+  // Hears each event on the thread that brought it about; must not call the McuSerial.
+  std::function<void(const McuEvent&)> event_listener;
+  // What the MCU's clock shows when it starts to run.
+  ClockTime clock_start = ClockState::kFactoryTime;
 };
 
 // The MCU at the far end of a serial line: a pseudo-terminal, and a thread that reads commands up
@@ -47,13 +52,21 @@ class McuSerial {
   std::string DevicePath() const;
 
   // Runs `use(model)` under the lock that the MCU's thread holds for each command, and gives its
-  // result. `use` calls nothing of this object.
+  // result. `use` calls nothing of this object. The model has done all that was due by then; lines
+  // that `use` makes it send leave before WithModel returns (when paced: begin to).
   //   serial.WithModel([](McuModel& mcu) { mcu.SetBatteryVolts(11.2); });
+  //   serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
+  //   serial.WithModel([](McuModel& mcu) { return mcu.ShakeTo({600, 0, 256}); });
   template <typename Use>
   auto WithModel(Use&& use) {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const ModelAccess access(*this);
     return std::forward<Use>(use)(model_);
   }
+
+  // What the MCU did to the computer so far, and a wait until it has done `kind` `count` times since
+  // the start (false after `timeout`).
+  std::vector<McuEvent> Events() const;
+  bool WaitForEvent(McuEventKind kind, std::chrono::milliseconds timeout, std::size_t count = 1) const;
 
   // The next `times` commands that match (kEveryTime: all) get `reply` in place of the model's
   // answer; the model does not see them. Earlier entries go first.
@@ -68,8 +81,9 @@ class McuSerial {
   // Lost when the port has hung up.
   void SendRaw(std::string bytes);
 
-  // A silent MCU still receives commands (they are logged) but answers none; a command that came
-  // while it was silent stays unanswered. Scripted replies of that time are not used up.
+  // A silent MCU still receives commands (they are logged) but answers none, and sends nothing by
+  // itself; a command that came while it was silent stays unanswered. Scripted replies of that time
+  // are not used up.
   void SetSilent(bool silent);
 
   // While reading is stopped the port accepts bytes until its buffers are full; then writes block.
@@ -101,6 +115,19 @@ class McuSerial {
     char byte;
   };
 
+  // Holds the lock, with a model that is up to date before and after.
+  class ModelAccess {
+   public:
+    explicit ModelAccess(McuSerial& serial);
+    ~ModelAccess();
+    ModelAccess(const ModelAccess&) = delete;
+    ModelAccess& operator=(const ModelAccess&) = delete;
+
+   private:
+    McuSerial& serial_;
+    std::lock_guard<std::mutex> lock_;
+  };
+
   void StartThread();
   void StopThread();
   void Run();
@@ -111,19 +138,24 @@ class McuSerial {
   void HandleArrivedBytes();
   void HandleArrivedByte(const ReceivedByte& received);
   void AnswerCommand(std::string_view command);
+  void FollowModel();
+  void SendFromOtherThread();
   void SendDueBytes();
   std::size_t SendableBytes(TimePoint now) const;
   void SendBytes(std::size_t count);
   std::optional<TimePoint> NextDue() const;
 
   const std::chrono::nanoseconds byte_time_;
+  const std::function<void(const McuEvent&)> event_listener_;
   WireLog log_;
   WakeupEvent wakeup_;
 
   mutable std::mutex mutex_;
   std::condition_variable host_closed_;
+  mutable std::condition_variable event_told_;
   PseudoTerminal terminal_;
   McuModel model_;
+  std::size_t events_told_ = 0;
   ReplyScript script_;
   bool stopping_ = false;
   bool silent_ = false;

@@ -85,4 +85,18 @@ double VoltageCurve::VoltsAt(std::chrono::nanoseconds elapsed) const {
   return points_.back().volts;
 }
 
+std::optional<std::chrono::nanoseconds> VoltageCurve::NextCrossing(double volts,
+                                                                   std::chrono::nanoseconds elapsed) const {
+  const bool is_below = VoltsAt(elapsed) < volts;
+  for (std::size_t next = 1; next < points_.size(); ++next) {
+    const Point& from = points_[next - 1];
+    const Point& to = points_[next];
+    if (elapsed >= to.at || (to.volts < volts) == is_below) continue;
+    const double share = (volts - from.volts) / (to.volts - from.volts);
+    const auto since_from = std::chrono::duration<double>(to.at - from.at) * share;
+    return from.at + std::chrono::duration_cast<std::chrono::nanoseconds>(since_from);
+  }
+  return std::nullopt;
+}
+
 }  // namespace rolu_sim

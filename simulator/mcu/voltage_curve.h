@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -26,6 +27,9 @@ class VoltageCurve {
 
   // `elapsed` may be negative: the first point's voltage then.
   double VoltsAt(std::chrono::nanoseconds elapsed) const;
+
+  // When, later than `elapsed`, the voltage first changes from below `volts` to not below, or back.
+  std::optional<std::chrono::nanoseconds> NextCrossing(double volts, std::chrono::nanoseconds elapsed) const;
 
  private:
   explicit VoltageCurve(std::vector<Point> points);

@@ -1,6 +1,6 @@
 #include "simulator/mcu/watchdog.h"
 
-#include <optional>
+#include <chrono>
 
 #include "simulator/mcu/mcu_model.h"
 
@@ -36,6 +36,18 @@ AnswerLines ReadTime(McuModel& model, std::string_view /*fields*/, TimePoint /*n
 }
 
 }  // namespace
+
+std::optional<TimePoint> WatchdogState::BiteDue() const {
+  if (!enabled) return std::nullopt;
+  return last_trigger + std::chrono::seconds(time);
+}
+
+void WatchdogState::RestoreDefaults() {
+  const WatchdogState before = *this;
+  *this = {};
+  trigger_count = before.trigger_count;
+  last_trigger = before.last_trigger;
+}
 
 std::vector<McuCommand> WatchdogCommands() {
   return {

@@ -50,6 +50,7 @@ class DeviceNodes : public testing::Test {
     board_.AttachThisProcess();
     board_.i2c().Attach(kEeprom, eeprom_);
     board_.devices().AddNode(kBacklightPath, std::make_shared<TextNode>());
+    board_.devices().RemoveNode(kLuxPath);
   }
 
   Board board_;

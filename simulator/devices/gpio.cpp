@@ -1,0 +1,105 @@
+#include "simulator/devices/gpio.h"
+
+#include <atomic>
+#include <string>
+#include <utility>
+
+#include "simulator/devices/attribute.h"
+#include "simulator/devices/board_paths.h"
+
+namespace rolu_sim {
+
+struct Gpio::Line {
+  std::atomic<bool> exported{false};
+  std::atomic<bool> is_output{false};
+  std::atomic<bool> driven_by_program{false};
+  std::atomic<bool> driven_from_outside{false};
+
+  bool Level() const { return is_output ? driven_by_program : driven_from_outside; }
+};
+
+namespace {
+
+constexpr int kBoardLines[] = {34, 35, 36, 37, 45};
+constexpr int kHighestLine = 1023;
+
+class Direction : public Attribute {
+ public:
+  explicit Direction(std::shared_ptr<Gpio::Line> line) : Attribute(0644), line_(std::move(line)) {}
+
+ private:
+  std::string Show() override { return line_->is_output ? "out\n" : "in\n"; }
+
+  DeviceResult Store(std::string_view text) override {
+    if (text != "in" && text != "out") return -EINVAL;
+    const bool to_output = text == "out";
+    if (to_output && !line_->is_output) line_->driven_by_program = false;
+    line_->is_output = to_output;
+    return 0;
+  }
+
+  const std::shared_ptr<Gpio::Line> line_;
+};
+
+class Value : public Attribute {
+ public:
+  explicit Value(std::shared_ptr<Gpio::Line> line) : Attribute(0644), line_(std::move(line)) {}
+
+ private:
+  std::string Show() override { return line_->Level() ? "1\n" : "0\n"; }
+
+  DeviceResult Store(std::string_view text) override {
+    if (!line_->is_output) return -EPERM;
+    if (text != "0" && text != "1") return -EINVAL;
+    line_->driven_by_program = text == "1";
+    return 0;
+  }
+
+  const std::shared_ptr<Gpio::Line> line_;
+};
+
+class Export : public Attribute {
+ public:
+  Export(Gpio::Lines lines, DeviceServer& server)
+      : Attribute(0200), lines_(std::move(lines)), server_(server) {}
+
+ private:
+  DeviceResult Store(std::string_view text) override {
+    const auto found = lines_.find(ParseDecimal(text, kHighestLine));
+    if (found == lines_.end()) return -EINVAL;
+    const auto& [number, line] = *found;
+    if (line->exported.exchange(true)) return -EBUSY;
+    const std::string directory = "/sys/class/gpio/gpio" + std::to_string(number);
+    server_.AddNode(directory + "/direction", std::make_shared<Direction>(line));
+    server_.AddNode(directory + "/value", std::make_shared<Value>(line));
+    return 0;
+  }
+
+  const Gpio::Lines lines_;
+  DeviceServer& server_;
+};
+
+}  // namespace
+
+Gpio::Gpio(DeviceServer& server) {
+  for (const int number : kBoardLines) lines_[number] = std::make_shared<Line>();
+  server.AddNode(kGpioExportPath, std::make_shared<Export>(lines_, server));
+}
+
+bool Gpio::IsExported(int line) const {
+  return lines_.at(line)->exported;
+}
+
+bool Gpio::IsOutput(int line) const {
+  return lines_.at(line)->is_output;
+}
+
+bool Gpio::Level(int line) const {
+  return lines_.at(line)->Level();
+}
+
+void Gpio::SetInput(int line, bool high) {
+  lines_.at(line)->driven_from_outside = high;
+}
+
+}  // namespace rolu_sim

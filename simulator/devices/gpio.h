@@ -1,0 +1,34 @@
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "simulator/devices/device_server.h"
+
+namespace rolu_sim {
+
+// The board's GPIO lines 34 to 37 and 45 as sysfs shows them. A line's direction and value are there
+// once a program has exported it: a second export answers EBUSY, that of any other line EINVAL. A
+// line starts as an input; one that becomes an output starts low, one that is an output already
+// keeps its level.
+class Gpio {
+ public:
+  // Adds the export attribute to `server`, which must outlive all programs' calls.
+  explicit Gpio(DeviceServer& server);
+
+  // Any thread may call these; `line` is one of the board's, else std::out_of_range is thrown.
+  bool IsExported(int line) const;
+  bool IsOutput(int line) const;
+  // The level that the line has: what a program drives, or what the world outside does.
+  bool Level(int line) const;
+  // What the world outside drives; an output does not see it.
+  void SetInput(int line, bool high);
+
+  struct Line;
+  using Lines = std::map<int, std::shared_ptr<Line>>;
+
+ private:
+  Lines lines_;
+};
+
+}  // namespace rolu_sim

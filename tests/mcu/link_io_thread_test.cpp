@@ -1,0 +1,264 @@
+// The I/O thread's steps, one at a time on a paused link.
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <thread>
+#include <vector>
+
+#include "tests/mcu/paused_link.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr milliseconds kPoll{5};
+
+bool Queue(const std::string& bytes) {
+  return send_vpm_command(bytes.data(), static_cast<int>(bytes.size())) == 0;
+}
+
+std::string TakeReply(unsigned long wait_ms) {
+  char reply[kLineCapacity] = {};
+  return read_vpm_response(reply, wait_ms) == 0 ? reply : "none";
+}
+
+// The line that one VPMRead gives, or nothing.
+std::vector<std::string> ReadLines(int idle_limit = 1) {
+  std::vector<std::string> lines;
+  char line[kLineCapacity];
+  unsigned long length = 0;
+  while (VPMRead(line, &length, idle_limit)) lines.emplace_back(line, length);
+  return lines;
+}
+
+// One poll, and whether it took at least its time.
+int PollFor(milliseconds wait, bool& took_its_time) {
+  unsigned char byte = 0;
+  const auto start = Clock::now();
+  const int result = recvbyte_vpm(&byte, static_cast<unsigned int>(wait.count()));
+  took_its_time = Clock::now() - start >= wait;
+  return result;
+}
+
+TEST(QuietRule, WakeUpEndsAPollOnlyOnAQuietLine) {
+  const PausedLink link;
+  bool whole = false;
+  WakeIoThread();
+  EXPECT_EQ(PollFor(milliseconds(30), whole), -2) << "nothing is known about the line yet";
+  EXPECT_TRUE(whole);
+  EXPECT_EQ(PollFor(kGenerous, whole), kWoken);
+
+  link.Send("x");
+  WakeIoThread();
+  EXPECT_EQ(PollFor(kGenerous, whole), 0) << "bytes come before a wake-up";
+  EXPECT_EQ(PollFor(milliseconds(30), whole), -2) << "bytes have just arrived";
+  EXPECT_TRUE(whole);
+  EXPECT_EQ(PollFor(kGenerous, whole), kWoken);
+  EXPECT_EQ(PollFor(milliseconds(1), whole), -2) << "a wake-up counts once";
+}
+
+TEST(QuietRule, OnlyTheWaitForAnAnswerHurriesACommand) {
+  const PausedLink link;
+  ASSERT_TRUE(Queue("A\r"));
+  ASSERT_TRUE(Queue("B\r"));
+  EXPECT_FALSE(IsReadable(vpm_wake_event, 0)) << "commands that are queued together leave together";
+  EXPECT_EQ(TakeReply(0), "none");
+  EXPECT_TRUE(IsReadable(vpm_wake_event, 0));
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_EQ(link.Receive(4), "A\rB\r");
+  EXPECT_EQ(TakeReply(0), "none");
+  bool whole = false;
+  EXPECT_EQ(PollFor(milliseconds(1), whole), -2)
+      << "the write served the first wait's wake-up, and a wait with nothing queued has nothing to hurry";
+}
+
+TEST(QuietRule, CommandDoesNotOvertakeWhatTheMcuHasSent) {
+  const PausedLink link;
+  ReadLines();
+  ASSERT_TRUE(Queue("NEXT\r"));
+  WakeIoThread();
+  link.Send("one\rtwo\rthree");
+  char line[kLineCapacity];
+  unsigned long length = 0;
+  for (const char* expected : {"one", "two"}) {
+    ASSERT_TRUE(VPMRead(line, &length, 1));
+    EXPECT_STREQ(line, expected);
+    EXPECT_FALSE(link.HasReceived(0));
+  }
+  EXPECT_FALSE(VPMRead(line, &length, 1));
+  EXPECT_EQ(link.Receive(5), "NEXT\r");
+}
+
+// The test sends a byte every millisecond, as well as the machine lets it. Whatever it lets it: a
+// command may only come out of a gap of a whole poll.
+TEST(QuietRule, CommandLeavesAStreamOnlyInAGap) {
+  PausedLink link;
+  link.Resume();
+  struct Moment {
+    Clock::time_point before;
+    Clock::time_point after;
+  };
+  std::vector<Moment> stream;
+  std::string reply;
+  std::thread caller;
+  while (stream.size() < 150 && !link.HasReceived(1)) {
+    const auto before = Clock::now();
+    link.Send("x");
+    stream.push_back({before, Clock::now()});
+    if (stream.size() == 5) {
+      caller = std::thread([&reply] {
+        EXPECT_TRUE(Queue("ASK\r"));
+        reply = TakeReply(kGenerousMs);
+      });
+    }
+  }
+  if (link.HasReceived(0)) {
+    stream.push_back({Clock::now(), Clock::now()});
+    Clock::duration widest{};
+    for (size_t i = 1; i < stream.size(); ++i) {
+      widest = std::max(widest, stream[i].after - stream[i - 1].before);
+    }
+    EXPECT_GE(widest, kPoll) << "after " << stream.size() << " bytes";
+  }
+  EXPECT_EQ(link.Receive(4), "ASK\r");
+  link.Send("]\rANSWER\r");
+  caller.join();
+  EXPECT_EQ(reply, "ANSWER");
+}
+
+TEST(BrokenLine, EmptyPollsTakeTheirTime) {
+  PausedLink link;
+  link.HangUp();
+  const auto start = Clock::now();
+  for (int i = 0; i < 10; ++i) {
+    unsigned char byte = 0;
+    EXPECT_LT(recvbyte_vpm(&byte, 5), 0);
+  }
+  EXPECT_GE(Clock::now() - start, 10 * (kPoll - milliseconds(1)));
+}
+
+TEST(BrokenLine, FailedWriteDropsTheQueue) {
+  PausedLink link;
+  link.HangUp();
+  ASSERT_TRUE(Queue("LOST\r"));
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_EQ(tx_index, 0);
+  EXPECT_TRUE(Queue(std::string(511, 'x')));
+}
+
+TEST(BrokenLine, WriteToALineThatTakesNothingFailsAtOnce) {
+  const PausedLink link;
+  const std::string bytes(511, 'x');
+  size_t accepted = 0;
+  while (VPMWrite(bytes.data(), 511)) accepted += bytes.size();
+  EXPECT_GT(accepted, 0U);
+  link.Receive(accepted);
+  EXPECT_TRUE(VPMWrite(bytes.data(), 511)) << "the line takes bytes again";
+}
+
+TEST(TransmitQueue, Holds511Bytes) {
+  const PausedLink link;
+  const std::string first(300, 'a');
+  EXPECT_FALSE(Queue(std::string(512, 'x')));
+  EXPECT_TRUE(Queue(first));
+  EXPECT_FALSE(Queue(std::string(212, 'x')));
+  const std::string second = std::string(210, 'b') + '\r';
+  EXPECT_TRUE(Queue(second));
+  EXPECT_FALSE(Queue("x"));
+  EXPECT_EQ(send_vpm_command("x", -1), -2);
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_EQ(link.Receive(511), first + second) << "and nothing of what was refused";
+  EXPECT_TRUE(Queue(std::string(511, 'c')));
+}
+
+TEST(Framing, CutsThePortsBytesIntoLines) {
+  struct Row {
+    std::string received;
+    std::vector<std::string> lines;
+  };
+  const std::string across_two_reads = std::string(35, 'a') + "\r\n" + std::string(40, 'b') + "\r\n";
+  const Row rows[] = {
+      {"OK\r\n", {"OK"}},
+      {"\r\n\r\n", {}},
+      {"one\rtwo\nthree\r\n\nfour\r", {"one", "two", "three", "four"}},
+      {across_two_reads, {std::string(35, 'a'), std::string(40, 'b')}},
+      {std::string(64, 'c') + "\r\n02EB\r\n", {"02EB"}},
+  };
+  const PausedLink link;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.received);
+    link.Send(row.received);
+    EXPECT_EQ(ReadLines(), row.lines);
+  }
+}
+
+TEST(Framing, GivesUpALineThatDoesNotEnd) {
+  const PausedLink link;
+  link.Send("02");
+  const auto start = Clock::now();
+  EXPECT_THAT(ReadLines(4), testing::IsEmpty());
+  EXPECT_GE(Clock::now() - start, 4 * kPoll);
+  link.Send("OK\r");
+  EXPECT_THAT(ReadLines(), testing::ElementsAre("OK"));
+}
+
+TEST(ReplyStore, LineThatCameBeforeTheCommandLeftIsNotItsAnswer) {
+  PausedLink link;
+  link.Send("OLD\r");
+  ASSERT_TRUE(Queue("ASK\r"));
+  link.Resume();
+  EXPECT_EQ(link.Receive(4), "ASK\r");
+  EXPECT_FALSE(IsReplyStored());
+  link.Send("NEW\r");
+  EXPECT_EQ(TakeReply(kGenerousMs), "NEW");
+}
+
+TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
+  PausedLink link;
+  link.Resume();
+  link.Send("ONE\rTWO\r");
+  EXPECT_TRUE(WaitUntil([] {
+    const ScopedLock lock(*io_op_lock);
+    return strcmp(last_command_result, "TWO") == 0;
+  }));
+  EXPECT_EQ(TakeReply(0), "TWO");
+  EXPECT_EQ(TakeReply(0), "none");
+}
+
+// The caller's thread is kept in a signal handler, from before the first line arrives until the link
+// has had both.
+int gate[2];
+
+void AwaitGate(int) {
+  char byte = 0;
+  [[maybe_unused]] const ssize_t length = read(gate[0], &byte, 1);
+}
+
+TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
+  ASSERT_EQ(pipe(gate), 0);
+  struct sigaction action {};
+  action.sa_handler = AwaitGate;
+  ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);
+  PausedLink link;
+  std::vector<std::string> replies;
+  std::thread caller([&replies] {
+    for (int i = 0; i < 2; ++i) replies.push_back(TakeReply(kGenerousMs));
+  });
+  EXPECT_TRUE(WaitUntil([] {
+    const ScopedLock lock(*io_op_lock);
+    return vpm_resp_waiters == 1;
+  }));
+  pthread_kill(caller.native_handle(), SIGUSR1);
+  link.Send("ONE\r\nTWO\r\n");
+  link.Resume();
+  EXPECT_TRUE(WaitUntil([] { return IsReplyStored(); }));
+  ASSERT_EQ(write(gate[1], "x", 1), 1);
+  caller.join();
+  EXPECT_THAT(replies, testing::ElementsAre("ONE", "TWO"));
+  close(gate[0]);
+  close(gate[1]);
+}
+
+}  // namespace

@@ -1,0 +1,282 @@
+// The link from open to close, with an MCU at the far end.
+#include "mcu/link.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "core/process_locks.h"
+#include "kavo_rolu.h"
+#include "mcu/transaction.h"
+#include "simulator/mcu/mcu_serial.h"
+#include "tests/mcu/paused_link.h"
+#include "tests/support/process_state.h"
+
+namespace {
+
+using rolu_sim::CommandMatch;
+using rolu_sim::kEveryTime;
+using rolu_sim::McuSerial;
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+bool Open(const std::string& path) {
+  return VPMOpen(path.c_str(), O_RDWR) == 0;
+}
+
+// Asks the MCU; the reply, or the failed transaction's status.
+std::string Ask(const std::string& question, int post_delay_ms = 0) {
+  const std::string command = question + '\r';
+  char reply[kLineCapacity] = {};
+  const uint32_t status = RunTransaction(nullptr, command.c_str(), static_cast<int>(command.size()), reply,
+                                         sizeof reply, post_delay_ms);
+  return status == ROLU_STATUS_SUCCESS ? reply : "status " + std::to_string(status);
+}
+
+class OpenLink : public testing::Test {
+ protected:
+  OpenLink() { EXPECT_TRUE(Open(mcu.DevicePath())); }
+  ~OpenLink() override { EXPECT_EQ(VPMClose(), 0); }
+  McuSerial mcu;
+};
+
+TEST(Link, StaysOpenUntilItsLastUserCloses) {
+  McuSerial mcu;
+  const ProcessState before;
+  ASSERT_TRUE(Open(mcu.DevicePath()));
+  EXPECT_TRUE(Open("/a path that a second user's open does not look at"));
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_TRUE(mcu.WaitForHostClosed(kGenerous));
+  EXPECT_TRUE(WaitUntil([&] { return ProcessState() == before; }));
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_EQ(send_vpm_command("Hello\r", 6), -2);
+  char reply[kLineCapacity];
+  EXPECT_EQ(read_vpm_response(reply, 0), -1);
+  ASSERT_TRUE(Open(mcu.DevicePath())) << "the close too many took nothing away";
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_EQ(VPMClose(), 0);
+}
+
+TEST(Link, NeverOpenedTakesNoCommand) {
+  char reply[kLineCapacity];
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_EQ(send_vpm_command("Hello\r", 6), -2);
+  EXPECT_EQ(read_vpm_response(reply, 0), -1);
+}
+
+// Takes all descriptors that select() can watch.
+std::vector<rolu_sim::UniqueFd> TakeLowDescriptors() {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = FD_SETSIZE + 200;
+  setrlimit(RLIMIT_NOFILE, &limit);
+  std::vector<rolu_sim::UniqueFd> taken;
+  do {
+    taken.emplace_back(open("/dev/null", O_RDWR | O_CLOEXEC));
+  } while (taken.back() && taken.back().get() < FD_SETSIZE);
+  return taken;
+}
+
+// A default stack that no address space has room for.
+void SetDefaultStack(size_t size) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, size);
+  EXPECT_EQ(pthread_setattr_default_np(&attributes), 0);
+  pthread_attr_destroy(&attributes);
+}
+
+TEST(Link, RefusedOpenLeavesNothingBehind) {
+  McuSerial mcu;
+  const std::string port = mcu.DevicePath();
+  const ProcessState before;
+  const auto refuses = [](const std::string& path) {
+    const ProcessState state;
+    EXPECT_FALSE(Open(path)) << path;
+    EXPECT_TRUE(ProcessState() == state) << path;
+    EXPECT_EQ(vpm_port, -1);
+  };
+  refuses("/nowhere/vpm_serial");
+  refuses("/dev/null");
+  {
+    const auto taken = TakeLowDescriptors();
+    ASSERT_EQ(taken.back().get(), FD_SETSIZE);
+    refuses(port);
+  }
+  SetDefaultStack(SIZE_MAX / 2 & ~size_t{0xFFFF});
+  refuses(port);
+  SetDefaultStack(8 << 20);
+
+  ASSERT_TRUE(Open(port));
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_TRUE(WaitUntil([&] { return ProcessState() == before; }));
+}
+
+TEST_F(OpenLink, OpenAndCloseGiveUpWhenTheTransactionLockIsNotFree) {
+  int opened = 0;
+  int closed = 0;
+  {
+    const ScopedLock held(CriSectCtx);
+    const auto start = std::chrono::system_clock::now();
+    std::thread opener([&] { opened = VPMOpen(mcu.DevicePath().c_str(), O_RDWR); });
+    std::thread closer([&] { closed = VPMClose(); });
+    opener.join();
+    closer.join();
+    EXPECT_GE(std::chrono::system_clock::now() - start, milliseconds(2000));
+  }
+  EXPECT_EQ(opened, -1);
+  EXPECT_EQ(closed, ROLU_STATUS_VPM_NO_REPLY);
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_TRUE(mcu.WaitForHostClosed(kGenerous)) << "the failed calls changed no count";
+}
+
+TEST_F(OpenLink, BracketedMessagesAreNoAnswers) {
+  mcu.Script(CommandMatch::Exactly("MCVG"),
+             rolu_sim::Reply::Lines({"[GI:000100020003]", "[0001x", "x]", "02EB"}));
+  EXPECT_EQ(Ask("MCVG"), "02EB");
+}
+
+TEST_F(OpenLink, AnswerThatCameTooLateIsNotTheNextOne) {
+  mcu.Script(CommandMatch::Exactly("SLOW"), rolu_sim::Reply::Silence());
+  mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line("02EB"));
+  ASSERT_EQ(send_vpm_command("SLOW\r", 5), 0);
+  char reply[kLineCapacity];
+  EXPECT_EQ(read_vpm_response(reply, 1), -1);
+  ASSERT_TRUE(mcu.WaitForCommand("SLOW", kGenerous));
+  mcu.SendRaw("LATE\r\n");
+  ASSERT_TRUE(WaitUntil(IsReplyStored));
+  EXPECT_EQ(Ask("MCVG"), "02EB");
+}
+
+TEST_F(OpenLink, AnswerThatCameBeforeTheWaitIsTakenAtOnce) {
+  ASSERT_EQ(send_vpm_command("Hello\r", 6), 0);
+  ASSERT_TRUE(WaitUntil(IsReplyStored));
+  char reply[kLineCapacity];
+  EXPECT_EQ(read_vpm_response(reply, 0), 0);
+  EXPECT_STREQ(reply, "OK");
+}
+
+// The link keeps the second line for a caller that may ask for it; the next command may come first.
+TEST_F(OpenLink, SecondLineThatNobodyReadsIsNotTheNextAnswer) {
+  mcu.Script(CommandMatch::Exactly("TWICE"), rolu_sim::Reply::Lines({"ONE", "TWO"}), kEveryTime);
+  mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line("02EB"), kEveryTime);
+  for (int i = 0; i < 50; ++i) {
+    EXPECT_THAT(Ask("TWICE"), testing::AnyOf("ONE", "TWO"));
+    EXPECT_EQ(Ask("MCVG"), "02EB");
+  }
+}
+
+TEST(LinkClose, EndsWhileTheMcuSendsWithoutLineEnds) {
+  const rolu_sim::PseudoTerminal line;
+  ASSERT_TRUE(Open(line.device_path()));
+  std::atomic<bool> flooding{true};
+  std::atomic<size_t> sent{0};
+  std::thread flood([&] {
+    const std::string bytes(64, 'x');
+    while (flooding) {
+      const ssize_t written = write(line.master(), bytes.data(), bytes.size());
+      if (written > 0) sent += static_cast<size_t>(written);
+    }
+  });
+  EXPECT_TRUE(WaitUntil([&] { return sent > 100000; })) << "more than the line holds: the link reads";
+  EXPECT_EQ(VPMClose(), 0);
+  flooding = false;
+  flood.join();
+}
+
+TEST(LinkClose, EndsOnADeadPort) {
+  McuSerial mcu;
+  ASSERT_TRUE(Open(mcu.DevicePath()));
+  mcu.HangUp();
+  const auto cpu_time = [] {
+    clockid_t clock = 0;
+    timespec time{};
+    EXPECT_EQ(pthread_getcpuclockid(vpm_io_thread_handle, &clock), 0);
+    EXPECT_EQ(clock_gettime(clock, &time), 0);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+  };
+  const auto before = cpu_time();
+  char reply[kLineCapacity];
+  ASSERT_EQ(send_vpm_command("Hello\r", 6), 0);
+  EXPECT_EQ(read_vpm_response(reply, 300), -1);
+  EXPECT_LT(cpu_time() - before, milliseconds(100)) << "the I/O thread rests between its polls";
+  EXPECT_EQ(VPMClose(), 0);
+}
+
+std::string DescriptorsOfAChild() {
+  std::string listing;
+  FILE* child = popen("ls -l /proc/self/fd", "r");
+  char text[256];
+  while (child != nullptr && fgets(text, sizeof text, child) != nullptr) listing += text;
+  if (child != nullptr) pclose(child);
+  return listing;
+}
+
+TEST_F(OpenLink, ChildrenDoNotInheritThePort) {
+  const std::string inherited = DescriptorsOfAChild();
+  EXPECT_THAT(inherited, testing::HasSubstr("pipe:")) << "the listing itself";
+  EXPECT_THAT(inherited, testing::Not(testing::HasSubstr(mcu.DevicePath() + "\n")));
+  EXPECT_THAT(inherited, testing::Not(testing::HasSubstr("eventfd")));
+}
+
+std::atomic<int> signals_handled{0};
+
+void CountSignal(int) {
+  ++signals_handled;
+}
+
+void HandleSignal(int signal_number) {
+  struct sigaction action {};
+  action.sa_handler = CountSignal;
+  signals_handled = 0;
+  ASSERT_EQ(sigaction(signal_number, &action, nullptr), 0);
+}
+
+TEST_F(OpenLink, SignalStormDisturbsNoTransaction) {
+  HandleSignal(SIGUSR1);
+  std::atomic<bool> storming{true};
+  const pthread_t caller = pthread_self();
+  std::thread storm([&] {
+    while (storming) {
+      pthread_kill(caller, SIGUSR1);
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+  });
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(Ask("Hello"), "OK");
+  const auto start = Clock::now();
+  EXPECT_EQ(Ask("Hello", 100), "OK");
+  EXPECT_GE(Clock::now() - start, milliseconds(100)) << "a signal does not end a post-delay";
+  EXPECT_TRUE(WaitUntil([] { return signals_handled > 30; }));
+  storming = false;
+  storm.join();
+}
+
+// Every thread but the library's has the signal blocked: if that one did not, the signal would be
+// handled there.
+TEST_F(OpenLink, SignalsAreNotHandledOnTheIoThread) {
+  HandleSignal(SIGUSR1);
+  sigset_t usr1;
+  sigemptyset(&usr1);
+  sigaddset(&usr1, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &usr1, nullptr);
+  kill(getpid(), SIGUSR1);
+  EXPECT_EQ(Ask("Hello"), "OK") << "the I/O thread has been running meanwhile";
+  EXPECT_EQ(signals_handled, 0);
+  pthread_sigmask(SIG_UNBLOCK, &usr1, nullptr);
+  EXPECT_EQ(signals_handled, 1);
+}
+
+}  // namespace

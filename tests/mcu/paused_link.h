@@ -1,0 +1,84 @@
+// An open link whose I/O thread has been stopped: a test makes the thread's polls itself, one by one,
+// and plays the MCU at the other end of the line. Nothing happens on the line but what the test does.
+#ifndef TESTS_MCU_PAUSED_LINK_H
+#define TESTS_MCU_PAUSED_LINK_H
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+
+#include "mcu/link.h"
+#include "mcu/link_state.h"
+#include "simulator/mcu/pseudo_terminal.h"
+#include "tests/support/process_state.h"
+
+inline constexpr int kGenerousMs = static_cast<int>(std::chrono::milliseconds(kGenerous).count());
+
+inline bool IsReadable(int descriptor, int wait_ms) {
+  pollfd source{descriptor, POLLIN, 0};
+  return poll(&source, 1, wait_ms) == 1 && (source.revents & POLLIN) != 0;
+}
+
+inline bool IsReplyStored() {
+  const ScopedLock lock(*io_op_lock);
+  return last_command_valid;
+}
+
+class PausedLink {
+ public:
+  PausedLink() {
+    EXPECT_EQ(VPMOpen(line_.device_path().c_str(), O_RDWR), 0);
+    io_thread_active = false;
+    pthread_join(vpm_io_thread_handle, nullptr);
+    io_thread_active = true;
+    ResetPortReader();
+  }
+  ~PausedLink() {
+    if (!resumed_) Resume();
+    EXPECT_EQ(VPMClose(), 0);
+  }
+  PausedLink(const PausedLink&) = delete;
+  PausedLink& operator=(const PausedLink&) = delete;
+
+  // Lets the I/O thread go on, for good.
+  void Resume() {
+    resumed_ = true;
+    ASSERT_EQ(pthread_create(&vpm_io_thread_handle, nullptr, VPMHandleThread, nullptr), 0);
+  }
+
+  // Sends bytes; if the link is paused they can be read at the port when this returns.
+  void Send(std::string_view bytes) const {
+    ASSERT_EQ(write(line_.master(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    if (!resumed_) {
+      ASSERT_TRUE(IsReadable(vpm_port, kGenerousMs));
+    }
+  }
+
+  bool HasReceived(int wait_ms) const { return IsReadable(line_.master(), wait_ms); }
+
+  // What the MCU has received; waits for `size` characters of it.
+  std::string Receive(size_t size) const {
+    std::string received;
+    while (HasReceived(received.size() < size ? kGenerousMs : 0)) {
+      char bytes[1024];
+      const ssize_t length = read(line_.master(), bytes, sizeof bytes);
+      if (length <= 0) break;
+      received.append(bytes, static_cast<size_t>(length));
+    }
+    return received;
+  }
+
+  // The line breaks: its port reads an end of file and fails to write.
+  void HangUp() { line_.Close(); }
+
+ private:
+  rolu_sim::PseudoTerminal line_;
+  bool resumed_ = false;
+};
+
+#endif  // TESTS_MCU_PAUSED_LINK_H

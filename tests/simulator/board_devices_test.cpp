@@ -1,0 +1,158 @@
+// The board's own devices through a program's calls.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "simulator/board.h"
+
+namespace rolu_sim {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+std::string Gpio45(const char* attribute) {
+  return std::string("/sys/class/gpio/gpio45/") + attribute;
+}
+
+// 0, or the errno of the open or the write.
+int WriteTo(const std::string& path, const std::string& text) {
+  const UniqueFd file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file) return errno;
+  return write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : errno;
+}
+
+// The text, read in pieces of two bytes, or why there is none.
+std::string ReadFrom(const std::string& path) {
+  const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file) return strerrorname_np(errno);
+  std::string text;
+  std::array<char, 2> piece{};
+  ssize_t length = 0;
+  while ((length = read(file.get(), piece.data(), piece.size())) > 0) {
+    text.append(piece.data(), static_cast<std::size_t>(length));
+  }
+  return length < 0 ? strerrorname_np(errno) : text;
+}
+
+std::string OutputOf(const char* command) {
+  FILE* const pipe = popen(command, "r");  // NOLINT(cert-env33-c): programs ask the shell
+  if (pipe == nullptr) return "popen failed";
+  std::string output;
+  std::array<char, 512> piece{};
+  std::size_t length = 0;
+  while ((length = fread(piece.data(), 1, piece.size(), pipe)) > 0) output.append(piece.data(), length);
+  const int status = pclose(pipe);
+  return status == 0 ? output : "status " + std::to_string(status);
+}
+
+std::string SearchList() {
+  const char* const list = getenv("PATH");
+  return list == nullptr ? "" : list;
+}
+
+class BoardDevices : public testing::Test {
+ protected:
+  BoardDevices() { board_.AttachThisProcess(); }
+
+  Board board_;
+};
+
+TEST_F(BoardDevices, gpio_lines_are_there_once_they_are_exported) {
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), ENOENT);
+  EXPECT_FALSE(board_.gpio().IsExported(45));
+  for (const char* const unknown : {"44", "4", "-1", "", "45x", "99999999999"}) {
+    EXPECT_EQ(WriteTo(kGpioExportPath, unknown), EINVAL) << unknown;
+  }
+  EXPECT_EQ(WriteTo(kGpioExportPath, "45\n"), 0);
+  EXPECT_EQ(WriteTo(kGpioExportPath, "45"), EBUSY);
+  EXPECT_TRUE(board_.gpio().IsExported(45));
+  EXPECT_EQ(ReadFrom(Gpio45("direction")), "in\n");
+  EXPECT_EQ(ReadFrom("/sys/class/gpio/gpio37/value"), "ENOENT");
+  EXPECT_EQ(ReadFrom(kGpioExportPath), "EACCES");
+}
+
+TEST_F(BoardDevices, a_gpio_line_is_driven_from_its_own_side) {
+  ASSERT_EQ(WriteTo(kGpioExportPath, "45"), 0);
+  board_.gpio().SetInput(45, true);
+  EXPECT_EQ(ReadFrom(Gpio45("value")), "1\n");
+  EXPECT_EQ(WriteTo(Gpio45("value"), "0"), EPERM);
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "up"), EINVAL);
+
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), 0);
+  EXPECT_TRUE(board_.gpio().IsOutput(45));
+  EXPECT_EQ(ReadFrom(Gpio45("value")), "0\n");
+  EXPECT_EQ(WriteTo(Gpio45("value"), "1\n"), 0);
+  EXPECT_EQ(WriteTo(Gpio45("value"), "2"), EINVAL);
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), 0);
+  board_.gpio().SetInput(45, false);
+  EXPECT_TRUE(board_.gpio().Level(45));
+
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "in"), 0);
+  EXPECT_FALSE(board_.gpio().Level(45));
+  DeviceFaults faults;
+  faults.write_errno = EIO;
+  board_.devices().SetFaults(kGpioExportPath, faults);
+  EXPECT_EQ(WriteTo(kGpioExportPath, "37"), EIO);
+  EXPECT_FALSE(board_.gpio().IsExported(37));
+}
+
+TEST_F(BoardDevices, the_backlight_takes_its_levels_and_nothing_else) {
+  EXPECT_EQ(ReadFrom(kBacklightPath), "10\n");
+  EXPECT_EQ(WriteTo(kBacklightPath, "7"), 0);
+  for (const char* const refused : {"11", "-1", "", "bright", "5 "}) {
+    EXPECT_EQ(WriteTo(kBacklightPath, refused), EINVAL) << refused;
+  }
+  EXPECT_EQ(board_.backlight().level(), 7);
+  board_.backlight().SetLevel(0);
+  EXPECT_EQ(ReadFrom(kBacklightPath), "0\n");
+}
+
+TEST_F(BoardDevices, the_light_sensor_is_read_and_its_text_is_the_owners) {
+  board_.light_sensor().SetNumber(12345);
+  EXPECT_EQ(ReadFrom(kLuxPath), "12345\n");
+  EXPECT_EQ(WriteTo(kLuxPath, "1"), EACCES);
+  const UniqueFd file(open(kLuxPath, O_RDONLY | O_CLOEXEC));
+  std::array<char, 8> text{};
+  ASSERT_EQ(read(file.get(), text.data(), 2), 2);
+  board_.light_sensor().SetText("");
+  ASSERT_EQ(read(file.get(), text.data() + 2, 6), 4);
+  EXPECT_STREQ(text.data(), "12345\n") << "an open file keeps the text it began with";
+  EXPECT_EQ(ReadFrom(kLuxPath), "");
+}
+
+TEST_F(BoardDevices, the_network_command_shows_and_switches_the_wireless_interface) {
+  EXPECT_THAT(OutputOf("ifconfig"), Not(HasSubstr("wlan0")));
+  EXPECT_THAT(OutputOf("ifconfig wlan0"), StartsWith("wlan0: flags=4098<BROADCAST,MULTICAST>"));
+  EXPECT_EQ(OutputOf("ifconfig wlan0 up"), "");
+  EXPECT_TRUE(board_.wireless().IsUp());
+  EXPECT_THAT(OutputOf("ifconfig | grep wlan0"), StartsWith("wlan0: flags=4163<UP,"));
+  board_.wireless().Set(false);
+  EXPECT_THAT(OutputOf("ifconfig"), Not(HasSubstr("wlan0")));
+  board_.wireless().Set(true);
+  EXPECT_EQ(OutputOf("ifconfig wlan0 down"), "");
+  EXPECT_FALSE(board_.wireless().IsUp());
+  EXPECT_THAT(OutputOf("ifconfig eth7 up 2>/dev/null"), StartsWith("status "));
+}
+
+TEST(BoardCommands, come_first_while_the_board_is_attached_and_not_after) {
+  const std::string before = SearchList();
+  {
+    Board board;
+    board.AttachThisProcess();
+    board.AttachThisProcess();
+    EXPECT_EQ(SearchList(), board.root().CommandDirectory() + ':' + before);
+  }
+  EXPECT_EQ(SearchList(), before);
+}
+
+}  // namespace
+}  // namespace rolu_sim

@@ -1,0 +1,226 @@
+// What the MCU does by itself, by a clock that the test turns.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <array>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "simulator/mcu/mcu_model.h"
+#include "simulator/mcu/mcu_serial.h"
+#include "simulator/unique_fd.h"
+
+namespace rolu_sim {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using TimedLine = std::pair<std::chrono::milliseconds, std::string>;
+
+// What arrives until `end` of a text has.
+std::string ReadUntil(int port, std::string_view end) {
+  std::string received;
+  pollfd source{port, POLLIN, 0};
+  while (received.find(end) == std::string::npos && poll(&source, 1, 10000) == 1) {
+    std::array<char, 256> bytes{};
+    const ssize_t length = read(port, bytes.data(), bytes.size());
+    if (length <= 0) break;
+    received.append(bytes.data(), static_cast<std::size_t>(length));
+  }
+  return received;
+}
+
+// Plays McuSerial: calls the model whenever it is due, until `until`.
+class McuTimers : public testing::Test {
+ protected:
+  McuTimers() { mcu_.TakeDueLines(now_); }
+
+  std::vector<TimedLine> RunUntil(std::chrono::milliseconds until) {
+    const TimePoint end = start_ + until;
+    std::vector<TimedLine> sent;
+    std::optional<TimePoint> due;
+    Take(sent);
+    while ((due = mcu_.NextDue(now_)).has_value() && *due <= end) {
+      now_ = std::max(*due, now_);
+      Take(sent);
+    }
+    now_ = end;
+    Take(sent);
+    return sent;
+  }
+
+  std::vector<std::chrono::milliseconds> TimesOf(McuEventKind kind) const {
+    std::vector<std::chrono::milliseconds> times;
+    for (const McuEvent& event : mcu_.Events()) {
+      if (event.kind == kind) times.push_back(Elapsed(event.time));
+    }
+    return times;
+  }
+
+  McuModel mcu_;
+
+ private:
+  std::chrono::milliseconds Elapsed(TimePoint time) const {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time - start_);
+  }
+
+  void Take(std::vector<TimedLine>& sent) {
+    for (std::string& line : mcu_.TakeDueLines(now_)) sent.emplace_back(Elapsed(now_), std::move(line));
+  }
+
+ protected:
+  const TimePoint start_{1000s};
+  TimePoint now_ = start_;
+};
+
+TEST_F(McuTimers, warn_once_when_the_ignition_has_been_off_for_its_delay) {
+  mcu_.Execute("MCUS3000A", now_);
+  mcu_.ignition.on = false;
+  EXPECT_THAT(RunUntil(9999ms), IsEmpty());
+  mcu_.ignition.on = true;  // just in time
+  EXPECT_THAT(RunUntil(20s), IsEmpty());
+  mcu_.ignition.on = false;
+  EXPECT_THAT(RunUntil(100s), ElementsAre(TimedLine(30s, "[0000]")));
+  mcu_.Execute("MPAS0", now_);
+  mcu_.ignition.on = true;
+  RunUntil(101s);
+  mcu_.ignition.on = false;
+  EXPECT_THAT(RunUntil(200s), IsEmpty());
+}
+
+TEST_F(McuTimers, warn_when_the_battery_has_been_low_without_a_break) {
+  mcu_.power_off.Delay(DelayType::kLowBattery) = 5;
+  // Below 11.485 V, where the reading is nearer to 2EA than to the threshold 2EB: from 2.5 s to 6.5 s
+  // and from 11.5 s on.
+  mcu_.SetBatteryCurve(VoltageCurve::Parse("0s=12.0 2s=11.6 4s=11.14 5s=11.14 7s=11.6 11s=11.6 13s=11.14"),
+                       start_);
+  const std::vector<TimedLine> sent = RunUntil(60s);
+  ASSERT_EQ(sent.size(), 1U);
+  EXPECT_EQ(sent[0].second, "[0001]");
+  EXPECT_NEAR(static_cast<double>(sent[0].first.count()), 16500, 5);
+}
+
+TEST_F(McuTimers, do_not_warn_of_a_battery_whose_protection_is_off) {
+  mcu_.SetBatteryVolts(9.0);
+  mcu_.Execute("MCCS10", now_);
+  EXPECT_THAT(RunUntil(1000s), IsEmpty());
+  mcu_.Execute("MCCS11", now_);
+  EXPECT_THAT(RunUntil(2000s), ElementsAre(TimedLine(1030s, "[0001]")));
+}
+
+TEST_F(McuTimers, let_the_watchdog_bite_once_when_it_is_not_triggered) {
+  mcu_.Execute("WDTS0002", now_);
+  mcu_.Execute("WDTE", now_);
+  RunUntil(1500ms);
+  mcu_.Execute("WDTR", now_);
+  RunUntil(3400ms);
+  EXPECT_THAT(TimesOf(McuEventKind::kWatchdogBite), IsEmpty());
+  RunUntil(60s);
+  EXPECT_THAT(TimesOf(McuEventKind::kWatchdogBite), ElementsAre(3500ms));
+  EXPECT_FALSE(mcu_.watchdog.enabled);
+}
+
+struct AlarmRow {
+  const char* setting;
+  std::chrono::seconds until;
+  std::vector<std::chrono::milliseconds> wakes;
+};
+
+TEST_F(McuTimers, wake_the_computer_whenever_the_alarm_matches) {
+  const AlarmRow rows[] = {
+      {"RTAS000000", 192h, {}},                               // nothing is to match
+      {"RTAS000001", 2h, {30s, 3630s}},                       // each hour at minute 0
+      {"RTAS00E101", 48h, {64830s, 151230s}},                 // each day at 07:00
+      {"RTAS01E101", 192h, {151230s}},                        // on weekday 0 at 07:00
+      {"RTASA14B9B", 192h, {std::chrono::hours(168) - 30s}},  // on weekday 5 at 12:59: that minute has begun
+  };
+  for (const AlarmRow& row : rows) {
+    SCOPED_TRACE(row.setting);
+    mcu_ = McuModel();
+    now_ = start_;
+    mcu_.TakeDueLines(now_);
+    mcu_.Execute("RTCS0E0719050C3B1E", now_);  // weekday 5, 12:59:30
+    mcu_.Execute(row.setting, now_);
+    mcu_.Execute("WKMS61", now_);
+    EXPECT_THAT(RunUntil(row.until), IsEmpty());
+    EXPECT_EQ(TimesOf(McuEventKind::kAlarmWakeup), row.wakes);
+    EXPECT_THAT(mcu_.Execute("WKSG", now_), ElementsAre(row.wakes.empty() ? "00" : "30"));
+  }
+}
+
+TEST_F(McuTimers, do_not_make_up_for_alarms_that_came_while_they_were_off) {
+  mcu_.Execute("RTAS000001", now_);
+  RunUntil(5h);
+  mcu_.Execute("WKMS61", now_);
+  RunUntil(5h + 1s);
+  EXPECT_THAT(TimesOf(McuEventKind::kAlarmWakeup), IsEmpty());
+}
+
+TEST_F(McuTimers, report_a_shake_only_above_the_threshold_with_sensor_and_alarm_on) {
+  const GSensorSample shaken = {-513, 0, 256};
+  EXPECT_FALSE(mcu_.ShakeTo(shaken));
+  mcu_.Execute("GSO", now_);
+  EXPECT_FALSE(mcu_.ShakeTo(shaken));
+  mcu_.Execute("ARGI01", now_);
+  EXPECT_FALSE(mcu_.ShakeTo({512, -512, 512}));
+  EXPECT_TRUE(mcu_.ShakeTo(shaken));
+  mcu_.Execute("GSIS21", now_);
+  EXPECT_FALSE(mcu_.ShakeTo(shaken));
+  EXPECT_THAT(RunUntil(1s), ElementsAre(TimedLine(0s, "[GI:FDFF00000100]")));
+  EXPECT_THAT(mcu_.Execute("GSV", now_), ElementsAre("VFDFF00000100"));
+}
+
+// The same, driven by the thread and the clock of a port.
+TEST(McuSerialTimers, tell_the_owner_of_events_and_drive_due_lines) {
+  std::mutex mutex;
+  std::vector<McuEventKind> heard;
+  McuSerialOptions options;
+  options.event_listener = [&](const McuEvent& event) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    heard.push_back(event.kind);
+  };
+  McuSerial serial(options);
+  const UniqueFd port(open(serial.DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  ASSERT_TRUE(port);
+  const auto send = [&](std::string_view command) {
+    ASSERT_EQ(write(port.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
+  };
+  const auto start = std::chrono::steady_clock::now();
+  send("WDTS0001\rWDTE\rMCUS30001\rATPO\r");
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerOff, 10s));
+  serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kWatchdogBite, 10s));
+  EXPECT_GE(serial.Events().back().time - start, 1s);
+  EXPECT_EQ(ReadUntil(port.get(), "]\r\n"), "OK\r\nOK\r\nOK\r\nOK\r\n[0000]\r\n");
+  const std::lock_guard<std::mutex> lock(mutex);
+  EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerOff, McuEventKind::kWatchdogBite));
+}
+
+TEST(McuSerialTimers, send_what_the_owner_asks_for_unless_the_mcu_is_silent) {
+  McuSerial serial;
+  const UniqueFd port(open(serial.DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  ASSERT_TRUE(port);
+  const auto warn = [&](PowerOffWarning warning) {
+    serial.WithModel([&](McuModel& mcu) { mcu.WarnOfPowerOff(warning); });
+  };
+  EXPECT_TRUE(serial.WithModel([](McuModel& mcu) {
+    mcu.gsensor.on = true;
+    mcu.gsensor.alarm_on = true;
+    return mcu.ShakeTo({600, 0, 256});
+  }));
+  serial.SetSilent(true);
+  warn(PowerOffWarning::kIgnition);
+  serial.SetSilent(false);
+  warn(PowerOffWarning::kLowVoltage);
+  EXPECT_EQ(ReadUntil(port.get(), "[0001]\r\n"), "[GI:025800000100]\r\n[0001]\r\n");
+}
+
+}  // namespace
+}  // namespace rolu_sim

@@ -1,0 +1,111 @@
+#include "kavo_rolu.h"
+#include "tests/vpm/vpm_family.h"
+
+namespace rolu_test {
+namespace {
+
+constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
+constexpr ROLU_STATUS kBad = ROLU_STATUS_INVALID_PARAMETER;
+constexpr ROLU_STATUS kInvalid = ROLU_STATUS_VPM_INVALID_REPLY;
+
+// A source's switch, as the table's calls take it.
+template <typename Source>
+Call Set(ROLU_STATUS (*set)(Source, char), int source, int enable) {
+  return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };
+}
+template <typename Source>
+Call Get(ROLU_STATUS (*get)(Source, char*), int source) {
+  return [=](void* output) { return get(static_cast<Source>(source), static_cast<char*>(output)); };
+}
+Call SetShutdown(int source, int enable) {
+  return Set(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source, enable);
+}
+Call GetShutdown(int source) {
+  return Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, source);
+}
+Call SetWakeup(int source, int enable) {
+  return Set(KAVO_ROLU_VPM_SetWakeupSourceControlStatus, source, enable);
+}
+Call GetWakeup(int source) {
+  return Get(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, source);
+}
+const Call kGetLast = Into(KAVO_ROLU_VPM_GetLastWakeupSource);
+
+Bytes Switch(int on) {
+  return Written(static_cast<char>(on));
+}
+Bytes Source(int32_t source) {
+  return Written(source);
+}
+
+const std::vector<CallRow>& Operations() {
+  static const std::vector<CallRow> operations = {
+      {"shutdown 1 on", SetShutdown(1, 7), {"OK"}, kDone, {}, "SDMS11\r", 50},
+      {"shutdown 0 off", SetShutdown(0, 0), {"OK"}, kDone, {}, "SDMS00\r", 50},
+      {"get shutdown 1", GetShutdown(1), {"10"}, kDone, Switch(0), "SDMG\r"},
+      {"get shutdown 0", GetShutdown(0), {"10"}, kDone, Switch(1), "SDMG\r"},
+      {"wake-up 3 on", SetWakeup(3, 1), {"OK"}, kDone, {}, "WKMS31\r", 50},
+      {"wake-up 10 on", SetWakeup(10, 1), {"OK"}, kDone, {}, "WKMS101\r", 50},
+      {"get wake-up 6", GetWakeup(6), {"0000001"}, kDone, Switch(1), "WKMG\r"},
+      {"last wake-up", kGetLast, {"30"}, kDone, Source(WAKEUP_SOURCE_RTC_ALARM), "WKSG\r"},
+      {"alarm on", With(KAVO_ROLU_VPM_SetAlarmActive, 1), {"OK"}, kDone, {}, "WKMS61\r", 50},
+      {"get alarm", Into(KAVO_ROLU_VPM_GetAlarmActive), {"11111101111"}, kDone, Switch(0), "WKMG\r"},
+  };
+  return operations;
+}
+
+TEST_F(VpmTest, DownFamilyRefusesEverySourceCall) {
+  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run({{"bad source while down", SetShutdown(2, 1), {}, ROLU_STATUS_NOT_INITIALIZED}});
+}
+
+TEST_F(VpmTest, SourceCallsSayWhatTheyMean) {
+  BringUp();
+  Run(Operations());
+  Run(RefusedForNullOutput(Operations(), kBad));
+}
+
+TEST_F(VpmTest, ErrorRepliesEndASourceCall) {
+  BringUp();
+  Run(WithErrorReplies(Operations()));
+}
+
+TEST_F(VpmTest, OddSourcesAndAnswers) {
+  BringUp();
+  Run({
+      {"shutdown 2", SetShutdown(2, 1), {}, kBad},
+      {"shutdown -1", SetShutdown(-1, 1), {}, kBad},
+      {"get shutdown 2", GetShutdown(2), {}, kBad},
+      {"get shutdown -1", GetShutdown(-1), {}, kBad},
+      {"wake-up none", SetWakeup(-1, 1), {}, kBad},
+      {"get wake-up none", GetWakeup(-1), {}, kBad},
+      {"a state goes out as it is", SetWakeup(2, 7), {"OK"}, kDone, {}, "WKMS27\r", 50},
+      {"as unsigned", SetWakeup(2, -1), {"OK"}, kDone, {}, "WKMS2255\r", 50},
+      {"alarm as unsigned", With(KAVO_ROLU_VPM_SetAlarmActive, -2), {"OK"}, kDone, {}, "WKMS6254\r", 50},
+      {"a source without a name goes out", SetWakeup(-2, 1), {"OK"}, kDone, {}, "WKMS-21\r", 50},
+      {"get a source before the line", GetWakeup(-2), {"0000001"}, kInvalid, {}, "WKMG\r"},
+      {"get a source beyond the line", GetWakeup(6), {"000000"}, kInvalid, {}, "WKMG\r"},
+      {"get a source far beyond", GetWakeup(2000000000), {"000000"}, kInvalid, {}, "WKMG\r"},
+      {"get alarm beyond", Into(KAVO_ROLU_VPM_GetAlarmActive), {"000000"}, kInvalid, {}, "WKMG\r"},
+      {"neither on nor off", GetShutdown(1), {"1x"}, kInvalid, {}, "SDMG\r"},
+  });
+}
+
+TEST_F(VpmTest, LastWakeupCodes) {
+  struct Code {
+    const char* answer;
+    int32_t source;
+  };
+  constexpr Code kKnown[] = {{"00", -1}, {"10", 0}, {"01", 1}, {"02", 1},  {"03", 1},    {"60", 2},
+                             {"50", 3},  {"20", 4}, {"21", 5}, {"40", 10}, {"10030", 6}, {"none", -1}};
+  BringUp();
+  for (const Code& code : kKnown)
+    Run({{code.answer, kGetLast, {code.answer}, kDone, Source(code.source), "WKSG\r"}});
+  for (const char* answer : {"04", "0F", "11", "22", "61", "8000"}) {
+    Run({{answer, kGetLast, {answer}, ROLU_STATUS_VPM_UNKNOWN_VALUE, {}, "WKSG\r"}});
+  }
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -1,0 +1,130 @@
+#include "kavo_rolu.h"
+#include "tests/support/call_table.h"
+
+namespace rolu_test {
+namespace {
+
+class WatchdogTest : public CallTableTest {
+ protected:
+  WatchdogTest() : CallTableTest({[] { return KAVO_ROLU_WD_Initialize(0); }, KAVO_ROLU_WD_Deinitialize}) {}
+};
+
+const Call kGetTime = Into(KAVO_ROLU_WD_GetTime);
+
+Call SetTime(unsigned short time) {
+  return With(KAVO_ROLU_WD_SetTime, time);
+}
+
+ROLU_STATUS GetRange(void* output) {
+  auto* limits = static_cast<unsigned long*>(output);
+  return KAVO_ROLU_WD_GetRange(limits, limits + 1);
+}
+
+ROLU_STATUS GetMinimum(void* output) {
+  return KAVO_ROLU_WD_GetRange(static_cast<unsigned long*>(output), nullptr);
+}
+
+ROLU_STATUS GetMaximum(void* output) {
+  return KAVO_ROLU_WD_GetRange(nullptr, static_cast<unsigned long*>(output));
+}
+
+Bytes Time(unsigned short time) {
+  return Written(time);
+}
+
+const std::vector<CallRow>& Operations() {
+  static const std::vector<CallRow> operations = {
+      Orders("enable", With(KAVO_ROLU_WD_Enabled, true), {"OK"}, "WDTE\r", 0),
+      Orders("disable", With(KAVO_ROLU_WD_Enabled, false), {"OK"}, "WDTD\r", 0),
+      Orders("trigger", Plain(KAVO_ROLU_WD_Trigger), {"OK"}, "WDTR\r", 0),
+      Orders("set time", SetTime(300), {"OK"}, "WDTS012C\r"),
+      Gives("get time", kGetTime, {"012C"}, Time(300), "WDTG\r"),
+  };
+  return operations;
+}
+
+// What answers the same whether the family is up or down.
+const std::vector<CallRow>& StatelessRows() {
+  static const std::vector<CallRow> rows = {
+      Fails("version", With(KAVO_ROLU_WD_GetLibVersion, nullptr), {}, ROLU_STATUS_NOT_SUPPORTED),
+      Fails("version into a buffer", Into(KAVO_ROLU_WD_GetLibVersion), {}, ROLU_STATUS_NOT_SUPPORTED),
+      Gives("range", GetRange, {}, Written(1UL, 65535UL)),
+      Fails("range without a minimum", GetMaximum, {}, ROLU_STATUS_NULL_POINTER),
+      Fails("range without a maximum", GetMinimum, {}, ROLU_STATUS_NULL_POINTER),
+  };
+  return rows;
+}
+
+TEST_F(WatchdogTest, FamilyComesUpAndGoesDown) {
+  RunLifecycle("Hello\r");
+}
+
+TEST_F(WatchdogTest, AnswerToTheGreetingDoesNotMatter) {
+  board().mcu().Script(rolu_sim::CommandMatch::Any(), rolu_sim::Reply::Line("ERR-M08"));
+  board().mcu().Script(rolu_sim::CommandMatch::Any(), rolu_sim::Reply::Silence());
+  BringUp();
+  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
+  BringUp();
+}
+
+TEST_F(WatchdogTest, DownFamilyRefusesEverythingElse) {
+  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run({Fails("time 0", SetTime(0), {}, ROLU_STATUS_NOT_INITIALIZED)});
+  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NULL_POINTER));
+  Run(StatelessRows());
+}
+
+TEST_F(WatchdogTest, CallsSayWhatTheyMean) {
+  BringUp();
+  Run(Operations());
+  Run(StatelessRows());
+  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NULL_POINTER));
+  Run({
+      Orders("smallest time", SetTime(1), {"OK"}, "WDTS0001\r"),
+      Orders("largest time", SetTime(65535), {"OK"}, "WDTSFFFF\r"),
+      Fails("time 0", SetTime(0), {}, ROLU_STATUS_INVALID_PARAMETER),
+      Orders("answer of another kind", SetTime(1), {"later"}, "WDTS0001\r"),
+      Gives("hexadecimal prefix", kGetTime, {"0x12C"}, Time(300), "WDTG\r"),
+      Gives("five digits", kGetTime, {"12345"}, Time(0x2345), "WDTG\r"),
+      Gives("33 bits", kGetTime, {"123456789"}, Time(0xFFFF), "WDTG\r"),
+      Gives("sign", kGetTime, {"-1"}, Time(0xFFFF), "WDTG\r"),
+      Gives("text after the number", kGetTime, {" 12,345"}, Time(0x12), "WDTG\r"),
+      Gives("no number", kGetTime, {"OK"}, Time(0), "WDTG\r"),
+      Gives("unknown error", kGetTime, {"-ERR-W09"}, Time(0xFFF2), "WDTG\r"),
+  });
+}
+
+TEST_F(WatchdogTest, ErrorRepliesEndTheCall) {
+  BringUp();
+  Run(WithErrorReplies(Operations()));
+}
+
+TEST_F(WatchdogTest, SilenceEndsTheCallAndTheNextOneIsWhole) {
+  BringUp();
+  Run({Fails("silence", kGetTime, {rolu_sim::Reply::Silence()}, ROLU_STATUS_VPM_NO_REPLY, "WDTG\r"),
+       Gives("after it", kGetTime, {"012C"}, Time(300), "WDTG\r")});
+}
+
+TEST_F(WatchdogTest, McuKeepsWhatItIsTold) {
+  const auto watchdog = [this] {
+    return board().mcu().WithModel([](const rolu_sim::McuModel& mcu) { return mcu.watchdog; });
+  };
+  BringUp();
+  EXPECT_FALSE(watchdog().enabled);
+  EXPECT_EQ(KAVO_ROLU_WD_SetTime(0xABCD), ROLU_STATUS_SUCCESS);
+  unsigned short time = 0;
+  EXPECT_EQ(KAVO_ROLU_WD_GetTime(&time), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(time, 0xABCD);
+  EXPECT_EQ(KAVO_ROLU_WD_Enabled(true), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(watchdog().trigger_count, 1U);
+
+  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
+  EXPECT_TRUE(watchdog().enabled) << "a watchdog that is on stays on";
+  BringUp();
+  EXPECT_EQ(KAVO_ROLU_WD_Enabled(false), ROLU_STATUS_SUCCESS);
+  EXPECT_FALSE(watchdog().enabled);
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tools/documentation.h"
 #include "tools/exit_status.h"
 #include "tools/nearest.h"
 
@@ -27,10 +28,16 @@ const CLI::App& Innermost(const CLI::App& app) {
 
 std::vector<std::string> SubcommandNames(const CLI::App& app) {
   std::vector<std::string> names;
-  for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    if (!command->get_group().empty()) names.push_back(command->get_name());
-  }
+  for (const CLI::App* const command : ShownSubcommands(app)) names.push_back(command->get_name());
   return names;
+}
+
+// For the build, which installs what they print.
+void AddGenerators(CLI::App& app) {
+  app.add_flag_callback("--generate-man", [&app] { throw CLI::CallForVersion(ManPage(app), 0); })->group("");
+  app.add_flag_callback("--generate-completion",
+                        [&app] { throw CLI::CallForVersion(BashCompletion(app), 0); })
+      ->group("");
 }
 
 // Those of the command and, as they may stand anywhere, of the commands around it.
@@ -80,6 +87,7 @@ void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   app.add_flag("--force", invocation.common.force, "Go on although another process holds the MCU's port");
   app.add_flag("-y,--yes", invocation.common.yes,
                "Do not ask before what cuts power, switches a protection off or resets");
+  AddGenerators(app);
   app.require_subcommand(1);
   app.footer(
       "Examples:\n"

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "tools/command.h"
-#include "tools/gps_line.h"
+#include "tools/gpio_lines.h"
 #include "tools/interrupt.h"
 #include "tools/messages.h"
 #include "tools/output.h"
@@ -17,9 +17,17 @@
 namespace rolu {
 namespace {
 
-constexpr char kGpsReason[] =
-    "not asked: the GPS receiver is on, and asking would switch it off for a moment; 'rolu get peripheral' "
-    "asks";
+// Why `status`, which must change nothing, does not ask for a setting now; null when it does.
+const char* ReasonNotToAsk(const Setting& setting) {
+  if (setting.family == Family::kPeripherals && GpsLineIsOn()) {
+    return "not asked: the GPS receiver is on, and asking may interrupt its power; 'rolu get peripheral' "
+           "asks";
+  }
+  if (setting.name == "pins.inputs" && !PinsArePrepared()) {
+    return "the lines are not prepared; 'rolu pins prepare' does it";
+  }
+  return nullptr;
+}
 
 struct ReadOptions {
   std::vector<std::string> names;
@@ -64,8 +72,8 @@ ExitStatus RunStatus(const ReadOptions& options, const CommonOptions& common) {
       group = GroupOf(*setting);
       report.AddTitle(std::string(TitleOf(group)));
     }
-    if (setting->family == Family::kPeripherals && GpsLineIsOn()) {
-      report.AddSkipped(std::string(setting->name), kGpsReason);
+    if (const char* const reason = ReasonNotToAsk(*setting)) {
+      report.AddSkipped(std::string(setting->name), reason);
       continue;
     }
     const ROLU_STATUS status = Read(session, *setting, report, outcome);

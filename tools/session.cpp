@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "tools/common_options.h"
-#include "tools/gps_line.h"
+#include "tools/gpio_lines.h"
 #include "tools/messages.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"

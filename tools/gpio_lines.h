@@ -11,6 +11,9 @@ namespace rolu {
 // on again.
 bool GpsLineIsOn();
 
+// Whether the lines of the digital inputs were made available, or there are no lines to be so.
+bool PinsArePrepared();
+
 // Brings the peripherals up and leaves the receiver as it was.
 ROLU_STATUS BringUpPeripherals();
 

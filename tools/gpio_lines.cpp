@@ -1,4 +1,4 @@
-#include "tools/gps_line.h"
+#include "tools/gpio_lines.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -6,11 +6,11 @@
 namespace rolu {
 namespace {
 
-constexpr char kValueFile[] = "/sys/class/gpio/gpio45/value";
+constexpr char kGpsValueFile[] = "/sys/class/gpio/gpio45/value";
 
 // Not through the library, which may have failed to come up.
 void SwitchGpsLineOn() {
-  const int file = open(kValueFile, O_WRONLY | O_CLOEXEC);
+  const int file = open(kGpsValueFile, O_WRONLY | O_CLOEXEC);
   if (file < 0) return;
   [[maybe_unused]] const ssize_t written = write(file, "1", 1);
   close(file);
@@ -19,12 +19,16 @@ void SwitchGpsLineOn() {
 }  // namespace
 
 bool GpsLineIsOn() {
-  const int file = open(kValueFile, O_RDONLY | O_CLOEXEC);
+  const int file = open(kGpsValueFile, O_RDONLY | O_CLOEXEC);
   if (file < 0) return false;
   char level = '0';
   const bool on = read(file, &level, 1) == 1 && level == '1';
   close(file);
   return on;
+}
+
+bool PinsArePrepared() {
+  return access("/sys/class/gpio/gpio37/value", F_OK) == 0 || access("/sys/class/gpio/export", F_OK) != 0;
 }
 
 ROLU_STATUS BringUpPeripherals() {

@@ -26,7 +26,10 @@ constexpr char kFunction[] = R"(_rolu() {
     return
   fi
   words=${_rolu_words[$command]}
-  [[ $current == -* ]] && words="${_rolu_options[$command]} ${_rolu_options[rolu]}"
+  if [[ $current == -* ]]; then
+    words=${_rolu_options[rolu]}
+    [[ $command != rolu ]] && words+=" ${_rolu_options[$command]}"
+  fi
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
   [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *= ]] && compopt -o nospace 2>/dev/null
   if [[ ${_rolu_files[$command]+takes} && $current != -* ]]; then

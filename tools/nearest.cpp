@@ -35,7 +35,9 @@ std::string NearestName(std::string_view name, const std::vector<std::string>& k
   std::string nearest;
   for (const std::string& candidate : known) {
     const std::size_t distance = EditDistance(name, candidate);
-    if (distance < closest) {
+    // Of two that are equally near, a name that was not typed to its end.
+    const bool is_longer = distance == closest && !nearest.empty() && candidate.rfind(name, 0) == 0;
+    if (distance < closest || is_longer) {
       closest = distance;
       nearest = candidate;
     }

@@ -1,6 +1,7 @@
 #include "tools/event_commands.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
 #include <spawn.h>
@@ -44,6 +45,7 @@ int StartShell(const std::string& command, std::vector<std::string> environment,
   std::vector<std::string> arguments = {"sh", "-c", command};
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
@@ -51,7 +53,9 @@ int StartShell(const std::string& command, std::vector<std::string> environment,
   sigemptyset(&defaults);
   sigaddset(&defaults, SIGPIPE);
   posix_spawnattr_setsigdefault(&attributes, &defaults);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  // A process group of its own, so that what the shell starts ends with it.
+  posix_spawnattr_setpgroup(&attributes, 0);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
   const int error = posix_spawn(&pid, "/bin/sh", &actions, &attributes, Pointers(arguments).data(),
                                 Pointers(environment).data());
   posix_spawnattr_destroy(&attributes);
@@ -104,7 +108,7 @@ void EventCommands::Reap() {
 void EventCommands::WaitForEnd() {
   Reap();
   while (!running_.empty() && interrupt::SleepFor(std::chrono::milliseconds(20))) Reap();
-  for (const Running& running : running_) kill(running.pid, SIGTERM);
+  for (const Running& running : running_) kill(-running.pid, SIGTERM);
   while (!running_.empty()) {
     if (HasEnded(running_.back(), 0)) running_.pop_back();
   }

@@ -27,6 +27,18 @@ struct Pipe {
 }  // namespace
 
 RoluProcess::RoluProcess(const std::vector<std::string>& arguments, const std::string& input) {
+  const Pipe in;
+  EXPECT_EQ(write(in.ends[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
+  close(in.ends[1]);
+  Start(arguments, in.ends[0]);
+  close(in.ends[0]);
+}
+
+RoluProcess::RoluProcess(const std::vector<std::string>& arguments, int input) {
+  Start(arguments, input);
+}
+
+void RoluProcess::Start(const std::vector<std::string>& arguments, int input) {
   // In a cross build the program runs under an emulator, which is given with its options.
   std::vector<std::string> words = Words(ROLU_EMULATOR);
   words.emplace_back(ROLU_PROGRAM);
@@ -35,18 +47,17 @@ RoluProcess::RoluProcess(const std::vector<std::string>& arguments, const std::s
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
 
-  const Pipe in;
   const Pipe out;
   const Pipe err;
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, in.ends[0], STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, out.ends[1], STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, err.ends[1], STDERR_FILENO);
   EXPECT_EQ(posix_spawnp(&pid_, pointers[0], &actions, nullptr, pointers.data(), environ), 0);
   posix_spawn_file_actions_destroy(&actions);
-  EXPECT_EQ(write(in.ends[1], input.data(), input.size()), static_cast<ssize_t>(input.size()));
-  for (const int end : {in.ends[0], in.ends[1], out.ends[1], err.ends[1]}) close(end);
+  close(out.ends[1]);
+  close(err.ends[1]);
   out_pipe_ = out.ends[0];
   err_pipe_ = err.ends[0];
 }
@@ -83,9 +94,9 @@ bool RoluProcess::ReadSome(Clock::time_point deadline) {
   return true;
 }
 
-bool RoluProcess::WaitForOutput(const std::string& text) {
+bool RoluProcess::WaitFor(const std::string& stream, const std::string& text, std::size_t from) {
   const Clock::time_point deadline = Clock::now() + kAmple;
-  while (out_.find(text) == std::string::npos) {
+  while (stream.find(text, from) == std::string::npos) {
     if (!ReadSome(deadline)) return false;
   }
   return true;

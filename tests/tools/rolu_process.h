@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,8 @@ class RoluProcess {
  public:
   // Starts it with `input` on its standard input.
   explicit RoluProcess(const std::vector<std::string>& arguments, const std::string& input = "");
+  // Starts it with a descriptor as its standard input.
+  RoluProcess(const std::vector<std::string>& arguments, int input);
   // Ends it when a test left it running.
   ~RoluProcess();
   RoluProcess(const RoluProcess&) = delete;
@@ -27,8 +30,10 @@ class RoluProcess {
 
   pid_t pid() const { return pid_; }
 
-  // Waits until `text` was printed on standard output; false when it ended or took too long before.
-  bool WaitForOutput(const std::string& text);
+  // Waits until `text` was printed on standard output, or on standard error, at or behind position
+  // `from`; false when it ended or took too long before.
+  bool WaitForOutput(const std::string& text, std::size_t from = 0) { return WaitFor(out_, text, from); }
+  bool WaitForMessage(const std::string& text, std::size_t from = 0) { return WaitFor(err_, text, from); }
 
   void Signal(int number) const;
 
@@ -42,6 +47,8 @@ class RoluProcess {
   const std::string& err() const { return err_; }
 
  private:
+  void Start(const std::vector<std::string>& arguments, int input);
+  bool WaitFor(const std::string& stream, const std::string& text, std::size_t from);
   bool ReadSome(std::chrono::steady_clock::time_point deadline);
 
   pid_t pid_ = -1;

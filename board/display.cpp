@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "core/device_file.h"
 #include "core/kavo_info.h"
 #include "kavo_rolu.h"
 
@@ -12,6 +13,12 @@ constexpr char kBrightnessFile[] = "/sys/devices/omapdss/display0/backlight/vorn
 constexpr unsigned char kLowestLevel = 0;
 constexpr unsigned char kHighestLevel = 10;
 constexpr unsigned char kLevelStep = 1;
+
+FILE* OpenBrightness(const char* mode) {
+  FILE* file = fopen(kBrightnessFile, mode);
+  if (file != nullptr) SetCloseOnExec(fileno(file));
+  return file;
+}
 
 // A number too wide for an int saturates, as it does where long has 32 bits.
 bool ReadInteger(FILE* file, int& value) {
@@ -46,7 +53,7 @@ ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* range) {
 ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level) {
   if (kavo_info.initialized == 0) return ROLU_STATUS_NOT_INITIALIZED;
   if (level == nullptr) return ROLU_STATUS_NULL_POINTER;
-  FILE* file = fopen(kBrightnessFile, "r");
+  FILE* file = OpenBrightness("r");
   if (file == nullptr) return ROLU_STATUS_FILE_OPEN_FAILED;
   int brightness = 0;
   const bool read = ReadInteger(file, brightness);
@@ -59,7 +66,7 @@ ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level) {
 ROLU_STATUS KAVO_ROLU_DISPLAY_SetBright(unsigned char level) {
   if (kavo_info.initialized == 0) return ROLU_STATUS_NOT_INITIALIZED;
   if (level > kHighestLevel) return ROLU_STATUS_NOT_SUPPORTED;
-  FILE* file = fopen(kBrightnessFile, "w");
+  FILE* file = OpenBrightness("w");
   if (file == nullptr) return ROLU_STATUS_FILE_OPEN_FAILED;
   fprintf(file, "%d", level);
   fclose(file);

@@ -7,8 +7,12 @@
 
 int OpenDeviceFile(const char* path, int flags) {
   const int file = open(path, flags);
-  if (file != -1) fcntl(file, F_SETFD, FD_CLOEXEC);
+  if (file != -1) SetCloseOnExec(file);
   return file;
+}
+
+void SetCloseOnExec(int descriptor) {
+  fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
 bool WriteAttribute(const char* path, int flags, const char* text) {

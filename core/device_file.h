@@ -8,6 +8,9 @@
 // run at the same time does not hold the device. -1 with the cause in errno.
 int OpenDeviceFile(const char* path, int flags);
 
+// For a descriptor that another call opened.
+void SetCloseOnExec(int descriptor);
+
 // Opens an attribute, writes the text without a newline in one write, whose result does not matter,
 // and closes it. False if it could not be opened.
 bool WriteAttribute(const char* path, int flags, const char* text);

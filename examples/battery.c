@@ -1,7 +1,7 @@
 /* Watches the car battery: prints the vehicle's battery system and its low-battery thresholds, then
  * the voltage four times a second. The exit status is 0, 1 when the board does not answer as it
  * should, 2 for wrong use. */
-#define _POSIX_C_SOURCE 200809L
+#define _POSIX_C_SOURCE 200809L  // for nanosleep; NOLINT(bugprone-reserved-identifier)
 
 #include <stdbool.h>
 #include <stdio.h>

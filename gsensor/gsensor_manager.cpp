@@ -11,7 +11,6 @@ namespace {
 constexpr float kDataScale = 3.90625f;  // 1000/256
 constexpr float kThresholdPerStep = 62.5f;
 
-constexpr int kHighestResolution = 3;
 constexpr int kLowestAlarmThreshold = 2000;
 constexpr int kHighestAlarmThreshold = 15000;
 constexpr int kLowestWakeupThreshold = 63;
@@ -74,7 +73,10 @@ uint32_t CGSensorMgr::QueryRegister(const char* command, unsigned int& value) {
   Reply reply;
   const uint32_t status = Query(*this, Command("%s", command), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  return sscanf(reply.text, "%2X", &value) == 1 ? ROLU_STATUS_SUCCESS : ROLU_STATUS_GSENSOR_INVALID_REPLY;
+  if (sscanf(reply.text, "%2X", &value) != 1) return ROLU_STATUS_GSENSOR_INVALID_REPLY;
+  // The pattern also reads a sign; a register has 8 bits.
+  value &= 0xFFU;
+  return ROLU_STATUS_SUCCESS;
 }
 
 uint32_t CGSensorMgr::GetResolution(ROLU_GSENSOR_RES* resolution) {
@@ -88,7 +90,8 @@ uint32_t CGSensorMgr::GetResolution(ROLU_GSENSOR_RES* resolution) {
 
 uint32_t CGSensorMgr::SetResolution(ROLU_GSENSOR_RES resolution) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  if (resolution < 0 || resolution > kHighestResolution) return ROLU_STATUS_INVALID_PARAMETER;
+  if (resolution < ROLU_GSENSOR_RES_0 || resolution > ROLU_GSENSOR_RES_3)
+    return ROLU_STATUS_INVALID_PARAMETER;
   return Order(*this, Command("GSRS%02X\r", static_cast<unsigned int>(resolution)));
 }
 

@@ -347,10 +347,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED The port is missing, is no terminal, refuses its set-up, or its
- *         descriptor would be 1024 or above; or the I/O thread could not be started.
+ *         descriptor would be 1024 or above; memory or the I/O thread could not be had; or the commands of
+ *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
- * Blocks: at most 2000 ms for the link, then 6 commands, one after the other.
+ * Blocks: at most 2000 ms for the link, then 6 commands, one after the other; a failed start-up then
+ * also closes the link, as KAVO_ROLU_VPM_Deinitialize does.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
 
@@ -360,8 +362,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: at most 2000 ms behind the commands of other threads, then until the I/O thread has ended,
- * which is at once on an idle link and after the line in hand otherwise (at most about 1 s).
+ * Blocks: until its turn behind the commands of other threads, without a limit of its own, then until
+ * the I/O thread has ended, which is at once on an idle link and after the line in hand otherwise (at
+ * most about 1 s).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void);
 
@@ -947,8 +950,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * Registers the condition variable that the library signals when the MCU warns that it will cut the
  * power because the ignition went off.
  *
- * The condition variable is the application's: a pthread_cond_t that stays alive until the family that
- * opened the link is down or another one is registered in its place. A registration cannot be
+ * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
+ * down, which closes the link, or until another one is registered in its place. A registration cannot be
  * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
  * Initialize. Each warning signals once, for one waiting thread; the library does not take the
  * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a
@@ -967,8 +970,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * Registers the condition variable that the library signals when the MCU warns that it will cut the
  * power because the car battery is low.
  *
- * The condition variable is the application's: a pthread_cond_t that stays alive until the family that
- * opened the link is down or another one is registered in its place. A registration cannot be
+ * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
+ * down, which closes the link, or until another one is registered in its place. A registration cannot be
  * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
  * Initialize. Each warning signals once, for one waiting thread; the library does not take the
  * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a

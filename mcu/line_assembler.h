@@ -23,13 +23,23 @@ class LineAssembler {
     return complete_;
   }
 
+  // Gives up a line that has not ended. Of one that is too long the rest is still discarded, however
+  // late it comes.
+  void Abandon() {
+    const bool too_long = too_long_;
+    Clear();
+    too_long_ = too_long;
+  }
+
+  void Reset() { Clear(); }
+
   // The line as a C string; a NUL byte received within it ends the string early.
   const char* text() const { return text_; }
   size_t length() const { return length_; }
 
  private:
   void Append(char character) {
-    if (length_ == kLineCapacity - 1) {
+    if (too_long_ || length_ == kLineCapacity - 1) {
       too_long_ = true;
       return;
     }

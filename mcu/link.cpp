@@ -1,6 +1,5 @@
 #include "mcu/link.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/select.h>
@@ -11,6 +10,7 @@
 #include <new>
 
 #include "core/deadline.h"
+#include "core/device_file.h"
 #include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/link_state.h"
@@ -51,7 +51,7 @@ bool OpenPort(const char* path, int flags) {
   vpm_port = Tovi_CreateFile(path, static_cast<unsigned long>(flags));
   if (vpm_port == -1) return false;
   // A shell that the application or this library runs must not hold the MCU's port.
-  fcntl(vpm_port, F_SETFD, FD_CLOEXEC);
+  SetCloseOnExec(vpm_port);
   errno = 0;
   // select() writes beyond its set for a larger descriptor.
   if (vpm_port < FD_SETSIZE && Tovi_SetCommState(vpm_port, kPortSpeed) == 1) return true;
@@ -176,6 +176,12 @@ int send_vpm_command(const char* bytes, int length) {
   tx_index += length;
   last_command_valid = false;
   return 0;
+}
+
+void cancel_queued_commands() {
+  if (io_op_lock == nullptr) return;
+  ScopedLock lock(*io_op_lock);
+  tx_index = 0;
 }
 
 int read_vpm_response(char* buffer, unsigned long wait_ms) {

@@ -17,6 +17,11 @@ int VPMClose();
 // CriSectCtx held until the last reply was read.
 int send_vpm_command(const char* bytes, int length);
 
+// Takes back the commands that have not left yet, when their caller gives up: one that left later
+// would be carried out unasked, and its answer would be taken for the next command's. Call it with
+// CriSectCtx held.
+void cancel_queued_commands();
+
 // Waits for the next reply line, at most `wait_ms` milliseconds, and copies it with its NUL into
 // `buffer` (kLineCapacity bytes). 0: copied; -1: none came, or the link is closed.
 int read_vpm_response(char* buffer, unsigned long wait_ms);

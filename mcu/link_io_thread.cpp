@@ -31,6 +31,8 @@ unsigned char recv_buffer_vpm[kReadAhead];
 unsigned int recv_index_vpm = 0;
 unsigned int recv_size_vpm = 0;
 
+LineAssembler line_assembler;
+
 // The last poll ended empty and nothing has arrived since: there is nothing left to wait for, so
 // the wake-up event may end a poll.
 bool line_is_quiet = false;
@@ -68,9 +70,10 @@ PollResult Poll(int port, long long wait_us) {
 // A port that fails or has hung up is always ready; without its 5 ms each such poll would follow
 // the last at once and keep a processor busy.
 int FinishFailedPoll(int result, long long poll_end_us) {
-  line_is_quiet = true;
   const long long left_us = poll_end_us - MonotonicUs();
-  if (left_us <= 0 || Poll(-1, left_us) != PollResult::kWoken) return result;
+  const bool woken = left_us > 0 && Poll(-1, left_us) == PollResult::kWoken;
+  line_is_quiet = true;
+  if (!woken) return result;
   ClearWakeEvent();
   return kWoken;
 }
@@ -119,6 +122,7 @@ void WakeIoThread() {
 void ResetPortReader() {
   recv_index_vpm = 0;
   recv_size_vpm = 0;
+  line_assembler.Reset();
   line_is_quiet = false;
   last_bytes_us = MonotonicUs();
 }
@@ -151,15 +155,14 @@ int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms) {
 }
 
 bool VPMRead(char* line, unsigned long* length, int idle_limit) {
-  LineAssembler assembler;
   int idle_count = 0;
   while (io_thread_active && idle_count < idle_limit) {
     unsigned char byte;
     const int result = recvbyte_vpm(&byte, kPollMs);
     if (result == 0) {
-      if (!assembler.Take(byte)) continue;
-      memcpy(line, assembler.text(), assembler.length() + 1);
-      *length = assembler.length();
+      if (!line_assembler.Take(byte)) continue;
+      memcpy(line, line_assembler.text(), line_assembler.length() + 1);
+      *length = line_assembler.length();
       return true;
     }
     if (tx_index > 0) {
@@ -169,6 +172,7 @@ bool VPMRead(char* line, unsigned long* length, int idle_limit) {
     }
     if (result != kWoken) ++idle_count;
   }
+  line_assembler.Abandon();
   return false;
 }
 

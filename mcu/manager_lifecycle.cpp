@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/link.h"
 #include "mcu/transaction.h"
@@ -13,6 +14,13 @@ constexpr char kMcuPort[] = "/proc/vpm_serial";
 void ReleaseTable(ErrorReplyEntry*& table) {
   delete[] table;
   table = nullptr;
+}
+
+// Waits for its turn as long as it takes: a close that gave up would leave the port open, and the
+// thread running, for good.
+void CloseLink() {
+  ScopedLock turn(CriSectCtx);
+  VPMClose();
 }
 
 void GreetMcu(const ErrorReplyEntry* table) {
@@ -39,13 +47,13 @@ uint32_t StartUpManager(const std::atomic<uint8_t>& initialized, ErrorReplyEntry
 
 void AbandonStartUp(ErrorReplyEntry*& table) {
   ReleaseTable(table);
-  VPMClose();
+  CloseLink();
 }
 
 uint32_t ShutDownManager(std::atomic<uint8_t>& initialized, ErrorReplyEntry*& table) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   ReleaseTable(table);
-  VPMClose();
+  CloseLink();
   initialized = 0;
   return ROLU_STATUS_SUCCESS;
 }

@@ -35,7 +35,10 @@ uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int c
     if (send_vpm_command(command, command_length) != 0) return ROLU_STATUS_VPM_SEND_FAILED;
     char line[kLineCapacity];
     for (int i = 0; i < reply_lines; ++i) {
-      if (read_vpm_response(line, kReplyWaitMs) != 0) return ROLU_STATUS_VPM_NO_REPLY;
+      if (read_vpm_response(line, kReplyWaitMs) != 0) {
+        cancel_queued_commands();
+        return ROLU_STATUS_VPM_NO_REPLY;
+      }
     }
     CopyCut(reply, reply_size, line);
     SleepForMs(post_delay_ms);

@@ -3,8 +3,20 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/device_file.h"
+
+namespace {
+
+FILE* StartCommand(const char* line) {
+  FILE* command = popen(line, "r");
+  if (command != nullptr) SetCloseOnExec(fileno(command));
+  return command;
+}
+
+}  // namespace
+
 bool SetWirelessInterface(bool up) {
-  FILE* command = popen(up ? "ifconfig wlan0 up" : "ifconfig wlan0 down", "r");
+  FILE* command = StartCommand(up ? "ifconfig wlan0 up" : "ifconfig wlan0 down");
   if (command == nullptr) return false;
   pclose(command);
   return true;
@@ -12,7 +24,7 @@ bool SetWirelessInterface(bool up) {
 
 bool GetWirelessInterface(bool& up) {
   constexpr char kName[] = "wlan0";
-  FILE* command = popen("ifconfig | grep wlan0", "r");
+  FILE* command = StartCommand("ifconfig | grep wlan0");
   if (command == nullptr) return false;
   char output[sizeof kName] = {};
   [[maybe_unused]] const size_t count = fread(output, 1, sizeof kName - 1, command);

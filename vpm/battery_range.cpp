@@ -1,13 +1,17 @@
 #include "mcu/reply_fields.h"
 #include "vpm/vpm_manager.h"
 
+bool CVPMMgr::IsBatteryMode(int32_t mode) {
+  return mode == CAR_BATTERY_MODE_24V || mode == CAR_BATTERY_MODE_12V;
+}
+
 float CVPMMgr::VoltageScale(CAR_BATTERY_MODE mode) const {
   return mode == CAR_BATTERY_MODE_12V ? voltage_scale_mode3 : voltage_scale_mode2;
 }
 
 uint32_t CVPMMgr::GetBatteryVoltageRange(CAR_BATTERY_MODE mode, float* start, float* end, float* mid) {
   if (start == nullptr || end == nullptr || mid == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  if (mode != CAR_BATTERY_MODE_12V && mode != CAR_BATTERY_MODE_24V) return ROLU_STATUS_INVALID_PARAMETER;
+  if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
   const uint32_t status = Query(*this, Command("MCPR%d\r", mode), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;

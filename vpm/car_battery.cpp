@@ -2,14 +2,6 @@
 #include "vpm/voltage_scale.h"
 #include "vpm/vpm_manager.h"
 
-namespace {
-
-bool IsBatteryMode(int32_t mode) {
-  return mode == CAR_BATTERY_MODE_24V || mode == CAR_BATTERY_MODE_12V;
-}
-
-}  // namespace
-
 uint32_t CVPMMgr::SetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float volts) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;

@@ -1,6 +1,5 @@
 #include <cstdio>
 
-#include "core/process_locks.h"
 #include "mcu/queries.h"
 #include "vpm/clock_fields.h"
 #include "vpm/vpm_manager.h"

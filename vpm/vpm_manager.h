@@ -128,6 +128,7 @@ class CVPMMgr {
   uint32_t ReadFirmwareInfo();
   void ReadVoltageScales();
   uint32_t ReadBatteryRange(CAR_BATTERY_MODE mode);
+  static bool IsBatteryMode(int32_t mode);
   float VoltageScale(CAR_BATTERY_MODE mode) const;
   uint32_t GetUnsigned16(const Command& command, unsigned short* value);
   template <typename Value>

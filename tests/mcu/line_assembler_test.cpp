@@ -49,4 +49,20 @@ TEST(LineAssembler, CutsTheStreamAtEveryLineEnd) {
     EXPECT_EQ(Assemble(row.stream), row.lines) << testing::PrintToString(row.stream);
 }
 
+TEST(LineAssembler, AbandonedLineIsForgottenButTheRestOfALongOneIsNoLine) {
+  LineAssembler assembler;
+  const auto take = [&assembler](const std::string& bytes) {
+    bool complete = false;
+    for (const char byte : bytes) complete = assembler.Take(static_cast<unsigned char>(byte));
+    return complete ? assembler.text() : std::string("no line");
+  };
+  take("02");
+  assembler.Abandon();
+  EXPECT_EQ(take("EB\r"), "EB");
+  take(std::string(80, 'a'));
+  assembler.Abandon();
+  EXPECT_EQ(take("0012\r"), "no line");
+  EXPECT_EQ(take("0034\r"), "0034");
+}
+
 }  // namespace

@@ -66,6 +66,22 @@ TEST(Link, StaysOpenUntilItsLastUserCloses) {
   ASSERT_TRUE(Open(mcu.DevicePath())) << "the close too many took nothing away";
   EXPECT_EQ(Ask("Hello"), "OK");
   EXPECT_EQ(VPMClose(), 0);
+  EXPECT_TRUE(mcu.WaitForHostClosed(kGenerous));
+}
+
+TEST(Link, OpeningForgetsWhatTheLastPortSent) {
+  {
+    const PausedLink link;
+    link.Send("TAKEN\rSTALE\r");
+    char line[kLineCapacity];
+    unsigned long length = 0;
+    ASSERT_TRUE(VPMRead(line, &length, 1));
+  }
+  const McuSerial mcu;
+  ASSERT_TRUE(Open(mcu.DevicePath()));
+  char reply[kLineCapacity];
+  EXPECT_EQ(read_vpm_response(reply, 50), -1);
+  EXPECT_EQ(VPMClose(), 0);
 }
 
 TEST(Link, NeverOpenedTakesNoCommand) {
@@ -184,17 +200,21 @@ TEST(LinkClose, EndsWhileTheMcuSendsWithoutLineEnds) {
   ASSERT_TRUE(Open(line.device_path()));
   std::atomic<bool> flooding{true};
   std::atomic<size_t> sent{0};
+  size_t sent_before_stop = 0;
   std::thread flood([&] {
     const std::string bytes(64, 'x');
     while (flooding) {
+      if (io_thread_active) sent_before_stop = sent;
       const ssize_t written = write(line.master(), bytes.data(), bytes.size());
       if (written > 0) sent += static_cast<size_t>(written);
     }
   });
-  EXPECT_TRUE(WaitUntil([&] { return sent > 100000; })) << "more than the line holds: the link reads";
+  constexpr size_t kMoreThanTheLineHolds = 200000;
+  EXPECT_TRUE(WaitUntil([&] { return sent > kMoreThanTheLineHolds; })) << "the link reads";
   EXPECT_EQ(VPMClose(), 0);
   flooding = false;
   flood.join();
+  EXPECT_LT(sent - sent_before_stop, kMoreThanTheLineHolds) << "a link that has to end reads no further";
 }
 
 TEST(LinkClose, EndsOnADeadPort) {

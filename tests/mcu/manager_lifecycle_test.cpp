@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/process_locks.h"
@@ -90,6 +91,21 @@ TEST_F(AttachedBoard, StartUpThatFailsHalfWayGivesBackWhatItTook) {
   EXPECT_EQ(gVPMMgr.VPMErrorCheck(error_reply), 0x304);
   EXPECT_EQ(gVPMMgr.Deinitialize(), ROLU_STATUS_SUCCESS);
   EXPECT_EQ(gVPMMgr.VPMErrorCheck(error_reply), 0);
+}
+
+// A turn that takes longer than the link's own limit for its close.
+TEST_F(AttachedBoard, FamilyGoesDownEvenBehindALongCommand) {
+  ASSERT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
+  ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
+  using namespace std::chrono_literals;
+  board.mcu().Script(CommandMatch::Exactly("WDTR"), rolu_sim::Reply::Line("OK", 2600ms));
+  std::thread slow([] { EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_SUCCESS); });
+  ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kGenerous));
+  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
+  slow.join();
+  EXPECT_EQ(Users(), 1);
+  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
+  EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
 }
 
 }  // namespace

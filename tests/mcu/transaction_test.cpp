@@ -141,4 +141,22 @@ TEST(Managers, ThreadsOfTwoManagersGetTheirOwnAnswers) {
   EXPECT_EQ(gWDMgr.Deinitialize(), ROLU_STATUS_SUCCESS);
 }
 
+// A line that is never quiet, as the paused link's, lets no command leave.
+TEST(TransactionThatGaveUp, TakesItsCommandBack) {
+  PausedLink link;
+  char reply[kLineCapacity];
+  const Command lost("ATPO\r");
+  EXPECT_EQ(RunTransaction(nullptr, lost.text, lost.length, reply, sizeof reply, 0),
+            ROLU_STATUS_VPM_NO_REPLY);
+  link.Resume();
+  const Command next("WDTG\r");
+  std::thread answer([&link] {
+    EXPECT_EQ(link.Receive(5), "WDTG\r");
+    link.Send("012C\r");
+  });
+  EXPECT_EQ(RunTransaction(nullptr, next.text, next.length, reply, sizeof reply, 0), ROLU_STATUS_SUCCESS);
+  answer.join();
+  EXPECT_STREQ(reply, "012C");
+}
+
 }  // namespace

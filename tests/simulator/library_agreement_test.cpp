@@ -87,8 +87,8 @@ TEST_F(LibraryAgreement, vpm_settings_reach_the_mcu_and_come_back) {
   constexpr WAKEUP_SOURCE kSources[] = {WAKEUP_SOURCE_0, WAKEUP_SOURCE_5, WAKEUP_SOURCE_RTC_ALARM,
                                         WAKEUP_SOURCE_10};
   for (const WAKEUP_SOURCE source : kSources) {
-    char before = -1;
-    char after = -1;
+    char before = '?';
+    char after = '?';
     EXPECT_EQ(KAVO_ROLU_VPM_GetWakeupSourceControlStatus(source, &before), kSuccess);
     EXPECT_EQ(KAVO_ROLU_VPM_SetWakeupSourceControlStatus(source, before == 0 ? 1 : 0), kSuccess);
     EXPECT_EQ(KAVO_ROLU_VPM_GetWakeupSourceControlStatus(source, &after), kSuccess);
@@ -187,7 +187,7 @@ TEST_F(LibraryAgreement, peripherals_are_switched_where_they_are) {
   };
   for (const Row& row : rows) {
     for (const char wanted : {'\1', '\0', '\1'}) {
-      char state = -1;
+      char state = '?';
       EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(row.type, wanted), kSuccess) << row.type;
       EXPECT_EQ(row.is_on(), wanted == 1) << row.type;
       EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(row.type, &state), kSuccess) << row.type;

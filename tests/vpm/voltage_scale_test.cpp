@@ -19,11 +19,12 @@ struct ConversionRow {
 constexpr ConversionRow kConversions[] = {
     {"12 V system", 11.5F, 0.015385F, 747},
     {"24 V system", 23.0F, 0.01582F, 1454},
+    {"just below a half: a product with 1 / scale is above it", 11.5002871F, 0.015385F, 747},
     {"half a unit", 0.5F, 1.0F, 1},
     {"one and a half", 1.5F, 1.0F, 2},
     {"two and a half", 2.5F, 1.0F, 3},
     {"a large number: the sum with 0.5 needs more than a float", 16777215.0F, 1.0F, 0xFFFF},
-    {"just below a half: the same", 0.49999997F, 1.0F, 0},
+    {"just below a half, with the same need", 0.49999997F, 1.0F, 0},
     {"zero", 0.0F, 0.015385F, 0},
     {"a little negative", -0.4F, 1.0F, 0},
     {"negative", -12.0F, 0.015385F, 0},

@@ -1,0 +1,120 @@
+// Each example runs as a process of its own on this test's board.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "simulator/board.h"
+
+namespace {
+
+using rolu_sim::McuModel;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+struct ClosePipe {
+  void operator()(FILE* pipe) const { pclose(pipe); }
+};
+
+class Example {
+ public:
+  explicit Example(const std::string& command)
+      : output_(popen((EXAMPLES_FOLDER "/" + command + " 2>&1").c_str(), "r")) {}
+
+  // The next line, without its end; empty at the end of the output.
+  std::string Line() {
+    char line[256] = "";
+    if (fgets(line, sizeof line, output_.get()) == nullptr) return {};
+    std::string text = line;
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+  }
+  // The line that holds `text`, or the end of the output.
+  std::string LineWith(const std::string& text) {
+    std::string line = Line();
+    while (!line.empty() && line.find(text) == std::string::npos) line = Line();
+    return line;
+  }
+  int ExitStatus() {
+    // A reader that goes away early would end the example by a signal.
+    while (fgetc(output_.get()) != EOF) {
+    }
+    const int status = pclose(output_.release());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  std::unique_ptr<FILE, ClosePipe> output_;
+};
+
+class ExamplesTest : public testing::Test {
+ protected:
+  void SetUp() override { board_.AttachThisProcess(); }
+  rolu_sim::Board board_;
+};
+
+TEST_F(ExamplesTest, GsensorAlarmsPrintsWhatShakes) {
+  Example example("gsensor_alarms 2");
+  ASSERT_THAT(example.LineWith("waiting"), HasSubstr("waiting for alarms"));
+  board_.mcu().WithModel([](McuModel& mcu) { return mcu.ShakeTo({1000, 0, 256}); });
+  EXPECT_EQ(example.Line(), "alarm: x   3906  y      0  z   1000");
+  EXPECT_EQ(example.Line(), "1 samples");
+  EXPECT_EQ(example.ExitStatus(), 0);
+}
+
+TEST_F(ExamplesTest, OrderlyShutdownSavesWhenTheIgnitionGoesOff) {
+  Example example("orderly_shutdown 30");
+  ASSERT_THAT(example.LineWith("running"), HasSubstr("running"));
+  board_.mcu().WithModel([](McuModel& mcu) {
+    mcu.ignition.on = false;
+    mcu.WarnOfPowerOff(rolu_sim::PowerOffWarning::kIgnition);
+  });
+  EXPECT_EQ(example.Line(), "the ignition is off: saving the work");
+  EXPECT_EQ(example.ExitStatus(), 0);
+}
+
+TEST_F(ExamplesTest, OrderlyShutdownEndsWithoutAWarning) {
+  Example example("orderly_shutdown 0");
+  EXPECT_EQ(example.LineWith("stayed"), "the ignition stayed on");
+  EXPECT_EQ(example.ExitStatus(), 0);
+}
+
+TEST_F(ExamplesTest, WakeupAlarmSetsClockAndAlarm) {
+  Example example("wakeup_alarm 06:45");
+  EXPECT_THAT(example.LineWith("clock"), MatchesRegex("clock: 20..-..-.. ..:..:.."));
+  EXPECT_THAT(example.Line(), MatchesRegex("alarm: weekday . at 06:45, on"));
+  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(Example("wakeup_alarm 24:00").ExitStatus(), 2);
+}
+
+TEST_F(ExamplesTest, DigitalPinsShowsInputsOnOutputs) {
+  board_.gpio().SetInput(37, true);
+  Example example("digital_pins");
+  EXPECT_EQ(example.Line(), "input 1 is high, input 2 is low");
+  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_TRUE(board_.gpio().Level(35));
+  EXPECT_FALSE(board_.gpio().Level(34));
+}
+
+TEST_F(ExamplesTest, I2cRegisterReadsOne) {
+  board_.register_device().SetRegister(0x12, 0xA5);
+  Example example("i2c_register 0x50 0x12");
+  EXPECT_EQ(example.Line(), "0x50 register 0x12: 0xA5");
+  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(Example("i2c_register 0x22 0").ExitStatus(), 1);
+  EXPECT_EQ(Example("i2c_register 0x80 0").ExitStatus(), 2);
+}
+
+// Without a board every example says what it could not do, and fails.
+TEST(ExamplesWithoutABoard, FailWithASentence) {
+  for (const char* name :
+       {"gsensor_alarms", "orderly_shutdown", "wakeup_alarm", "digital_pins", "i2c_register"}) {
+    Example example(name);
+    EXPECT_THAT(example.Line(), testing::StartsWith(std::string(name) + ": "));
+    EXPECT_EQ(example.ExitStatus(), 1) << name;
+  }
+}
+
+}  // namespace

@@ -72,8 +72,8 @@ class Watch {
 
  private:
   void TellUntilEnd() {
-    const std::optional<Clock::time_point> end =
-        options_.time.count() == 0 ? std::nullopt : std::optional(Clock::now() + options_.time);
+    const Clock::time_point end =
+        options_.time.count() == 0 ? Clock::time_point::max() : Clock::now() + options_.time;
     unsigned told = 0;
     while (interrupt::Signal() == 0 && OutputError() == 0) {
       while (const std::optional<Event> event = queue_.Take()) {
@@ -82,15 +82,15 @@ class Watch {
         if (event->kind != EventKind::kState && ++told == options_.count) return;
       }
       commands_.Reap();
-      if (end && Clock::now() >= *end) return;
+      if (Clock::now() >= end) return;
       WaitForEvent(end);
     }
   }
 
   // Commands that have ended are looked for twice a second.
-  void WaitForEvent(const std::optional<Clock::time_point>& end) const {
-    std::chrono::milliseconds wait{500};
-    if (end) wait = std::min(wait, std::chrono::ceil<std::chrono::milliseconds>(*end - Clock::now()));
+  void WaitForEvent(Clock::time_point end) const {
+    constexpr std::chrono::milliseconds kLongest{500};
+    const auto wait = std::min(kLongest, std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
     pollfd descriptors[] = {{queue_.Descriptor(), POLLIN, 0}, {interrupt::Descriptor(), POLLIN, 0}};
     poll(descriptors, 2, static_cast<int>(std::max<std::int64_t>(wait.count(), 0)));
   }

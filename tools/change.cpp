@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "tools/interrupt.h"
 #include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/settings_table.h"
@@ -32,7 +33,16 @@ void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
   if (refused && change.setting->kind == Kind::kVolts) change.problem += McuRange(*change.setting);
 }
 
+void GiveUp(Change& change) {
+  change.result = kPartlyDone;
+  change.problem = "was not set, as a signal asked for an end";
+}
+
 }  // namespace
+
+bool IsProtection(const Setting& setting) {
+  return setting.name == "battery.preboot" || setting.name == "battery.lbp";
+}
 
 void Apply(Session& session, Change& change) {
   const Setting& setting = *change.setting;
@@ -46,6 +56,22 @@ void Apply(Session& session, Change& change) {
   if (IsSame(change.wanted, value, setting.rounding)) return;
   change.result = kRefused;
   change.problem = fmt::format("was set, but reads back as {}", WithUnit(setting, value));
+}
+
+void ApplyAll(Session& session, std::vector<Change>& changes,
+              const std::function<void(const Change&)>& tell) {
+  bool protections_are_off = false;
+  for (Change& change : changes) {
+    const bool must_be_done = protections_are_off && IsProtection(*change.setting);
+    if (interrupt::Signal() != 0 && !must_be_done) {
+      GiveUp(change);
+    } else {
+      if (must_be_done) session.AskAgain();
+      Apply(session, change);
+      if (change.setting->name == kBatteryMode) protections_are_off = true;
+    }
+    tell(change);
+  }
 }
 
 void PrintChange(const Change& change) {

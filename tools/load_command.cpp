@@ -71,7 +71,7 @@ void Judge(std::vector<Change>& changes, Outcome& outcome) {
 }
 
 ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
-  CarryOut(session, plan);
+  ApplyAll(session, plan.changes, [](const Change&) {});
   std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
   Outcome outcome;

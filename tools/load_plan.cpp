@@ -12,12 +12,6 @@
 namespace rolu {
 namespace {
 
-constexpr std::string_view kMode = "battery.mode";
-
-bool IsProtection(const Setting& setting) {
-  return setting.name == "battery.preboot" || setting.name == "battery.lbp";
-}
-
 const SavedSetting* FindIn(const SettingsFile& file, const Setting& setting) {
   const auto found = std::find_if(file.settings.begin(), file.settings.end(),
                                   [&](const SavedSetting& saved) { return saved.setting == &setting; });
@@ -30,7 +24,7 @@ bool HasChangeOf(const LoadPlan& plan, std::string_view name) {
 }
 
 void PlanSetting(Session& session, const Setting& setting, const SavedSetting* saved, LoadPlan& plan) {
-  const bool is_switched_off = IsProtection(setting) && HasChangeOf(plan, kMode);
+  const bool is_switched_off = IsProtection(setting) && HasChangeOf(plan, kBatteryMode);
   if (saved == nullptr) plan.not_in_file.push_back(&setting);
   if (saved == nullptr && !is_switched_off) return;
   Change change;
@@ -48,11 +42,6 @@ void PlanSetting(Session& session, const Setting& setting, const SavedSetting* s
   }
 }
 
-void GiveUp(Change& change) {
-  change.result = kPartlyDone;
-  change.problem = "was not set, as a signal asked for an end";
-}
-
 }  // namespace
 
 LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
@@ -66,20 +55,6 @@ LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
                        fmt::format("nothing was changed: {}", DescribeWithHint(session.McuProblem())));
   }
   return plan;
-}
-
-void CarryOut(Session& session, LoadPlan& plan) {
-  bool protections_are_off = false;
-  for (Change& change : plan.changes) {
-    const bool must_be_done = protections_are_off && IsProtection(*change.setting);
-    if (interrupt::Signal() != 0 && !must_be_done) {
-      GiveUp(change);
-      continue;
-    }
-    if (must_be_done) session.AskAgain();
-    Apply(session, change);
-    if (change.setting->name == kMode) protections_are_off = true;
-  }
 }
 
 std::vector<Change> FindDeviations(Session& session, const SettingsFile& file, const LoadPlan& plan) {

@@ -20,10 +20,6 @@ struct LoadPlan {
 // MCU does not answer.
 LoadPlan PlanLoad(Session& session, const SettingsFile& file);
 
-// Carries the plan out; the results are in it. Once a change of the battery mode was sent, the
-// protections are put right even when a signal asks for an end.
-void CarryOut(Session& session, LoadPlan& plan);
-
 // Reads the settings of the file once more, those of `plan` that failed left out, and gives those
 // that are not as the file says: one setting may have moved another.
 std::vector<Change> FindDeviations(Session& session, const SettingsFile& file, const LoadPlan& plan);

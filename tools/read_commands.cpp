@@ -143,9 +143,11 @@ ExitStatus RunList(const ReadOptions& options, const CommonOptions& common) {
 
 void AddStatusCommand(CLI::App& app, Invocation& invocation) {
   auto options = std::make_shared<ReadOptions>();
-  CLI::App* const command = NewCommand(app, "status", "Show everything that can be read from the board",
-                                       "  rolu status\n  rolu status battery ignition\n  rolu status --json "
-                                       "| jq '.\"battery.voltage\".value'");
+  CLI::App* const command =
+      NewCommand(app, "status", "Show everything that can be read from the board",
+                 "  rolu status\n  rolu status battery ignition\n  rolu status --json "
+                 "| jq '.\"battery.voltage\".value'\n"
+                 "The G-sensor is switched on for its readings, and off again with its alarm.");
   command->add_option("NAME", options->names, "Only these settings or groups");
   OnRun(command, invocation, [options](const CommonOptions& common) { return RunStatus(*options, common); });
 }

@@ -56,7 +56,7 @@ bool IsNamed(const std::vector<Change>& changes, std::string_view name) {
 
 // A change of the battery mode leaves behind it what this says.
 void RemindOfProtections(const std::vector<Change>& changes) {
-  if (!IsNamed(changes, "battery.mode")) return;
+  if (!IsNamed(changes, kBatteryMode)) return;
   std::string left_off;
   for (const std::string_view name : {"battery.preboot", "battery.lbp"}) {
     if (!IsNamed(changes, name)) left_off += fmt::format(" {}=on", name);
@@ -78,9 +78,7 @@ ExitStatus RunSet(const std::vector<std::string>& assignments, const CommonOptio
   Session session(common);
   Outcome outcome;
   Document document = Document::object();
-  for (Change& change : changes) {
-    interrupt::ThrowIfRequested();
-    Apply(session, change);
+  ApplyAll(session, changes, [&](const Change& change) {
     if (change.problem.empty()) {
       outcome.Done();
     } else {
@@ -88,9 +86,10 @@ ExitStatus RunSet(const std::vector<std::string>& assignments, const CommonOptio
     }
     document[std::string(change.setting->name)] = ChangeAsJson(change);
     if (!common.json || !change.problem.empty()) PrintChange(change);
-  }
+  });
   if (common.json) PrintJson(document);
   RemindOfProtections(changes);
+  interrupt::ThrowIfRequested();
   return outcome.Result();
 }
 

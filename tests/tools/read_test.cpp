@@ -13,7 +13,6 @@ using rolu_sim::kEveryTime;
 using rolu_sim::Reply;
 using std::chrono::seconds;
 using testing::AllOf;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;

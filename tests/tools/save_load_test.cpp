@@ -12,7 +12,6 @@ namespace {
 using rolu_sim::BatteryMode;
 using rolu_sim::CommandMatch;
 using rolu_sim::kEveryTime;
-using rolu_sim::Protection;
 using rolu_sim::Reply;
 using testing::AllOf;
 using testing::Contains;
@@ -54,7 +53,7 @@ class SaveLoadTest : public RoluTest {
 
   // A file with these settings.
   std::string FileWith(const nlohmann::json& settings) {
-    const std::string path = directory.File("unit.json");
+    std::string path = directory.File("unit.json");
     WriteFile(path,
               nlohmann::json({{"format", "rolu-settings"}, {"version", 1}, {"settings", settings}}).dump());
     return path;
@@ -180,7 +179,7 @@ TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
       {"[1, 2]", "is no file of settings"},
       {with("rolu-settings", "other"), "is no file of settings"},
       {with("\"version\":1", "\"version\":2"), "is of version 2; this program knows version 1"},
-      {with("\"version\":1", "\"version\":1,\"later\":1"), "has an unknown part 'later'"},
+      {with("\"version\":1", R"("version":1,"later":1)"), "has an unknown part 'later'"},
       {with("\"settings\":", "\"settinks\":"), "has no settings"},
       {with("watchdog.time", "watchdog.tine"),
        "there is no setting 'watchdog.tine'; did you mean 'watchdog.time'?"},
@@ -188,14 +187,14 @@ TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
       {with("\"value\":7", "\"value\":70000"),
        "watchdog.time must be a whole number from 1 to 65535, not 70000"},
       {with("\"value\":7", "\"value\":7.5"), "not 7.5"},
-      {with("\"value\":7", "\"value\":\"7\""), "not \"7\""},
+      {with("\"value\":7", R"("value":"7")"), "not \"7\""},
       {with("\"value\":7", "\"value\":null"), "not null"},
       {with("\"value\":7", "\"valeu\":7"), "watchdog.time has no value"},
       {with("MCU units", "hours"), "watchdog.time is in \"hours\", not in 'MCU units'"},
-      {with("\"watchdog.time\":", "\"watchdog.time\":{\"value\":6},\"watchdog.time\":"),
+      {with("\"watchdog.time\":", R"("watchdog.time":{"value":6},"watchdog.time":)"),
        "'watchdog.time' is there twice"},
       {with("\"watchdog.time\":",
-            "\"ignition.on-delay\":{\"value\":9},\"no.such\":{\"value\":1},\"watchdog.time\":"),
+            R"("ignition.on-delay":{"value":9},"no.such":{"value":1},"watchdog.time":)"),
        "there is no setting 'no.such'"},
   };
   const std::string path = directory.File("wrong.json");

@@ -12,7 +12,6 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 
 TEST_F(RoluTest, every_writable_setting_can_be_set_to_what_it_takes_and_reads_back) {

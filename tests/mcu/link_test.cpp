@@ -131,7 +131,7 @@ TEST(Link, RefusedOpenLeavesNothingBehind) {
     ASSERT_EQ(taken.back().get(), FD_SETSIZE);
     refuses(port, taken.size());
   }
-  SetDefaultStack(SIZE_MAX / 2 & ~size_t{0xFFFF});
+  SetDefaultStack(SIZE_MAX / 16 * 15 & ~size_t{0xFFFF});
   refuses(port);
   SetDefaultStack(8 << 20);
 

@@ -107,6 +107,16 @@ TEST_F(ExamplesTest, I2cRegisterReadsOne) {
   EXPECT_EQ(Example("i2c_register 0x80 0").ExitStatus(), 2);
 }
 
+TEST_F(ExamplesTest, TourAsksEveryFamily) {
+  Example example("tour");
+  for (const char* family :
+       {"VPM ", "WD ", "GSENSOR ", "PERIPHERALCTRL ", "DISPLAY ", "LIGHTSENSOR ", "DIO ", "IIC "}) {
+    EXPECT_THAT(example.LineWith(family), testing::StartsWith(family));
+  }
+  EXPECT_EQ(example.Line(), "TEMPERATURESENSOR, EEPROM: not provided by this board");
+  EXPECT_EQ(example.ExitStatus(), 0);
+}
+
 // Without a board every example says what it could not do, and fails.
 TEST(ExamplesWithoutABoard, FailWithASentence) {
   for (const char* name :

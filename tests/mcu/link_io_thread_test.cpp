@@ -237,6 +237,24 @@ TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   EXPECT_EQ(TakeReply(0), "none");
 }
 
+bool IsCallerWaiting() {
+  const ScopedLock lock(*io_op_lock);
+  return vpm_resp_waiters == 1;
+}
+
+TEST(ReplyStore, WakeUpWithoutAReplyWaitsOn) {
+  PausedLink link;
+  std::thread caller([] { EXPECT_EQ(TakeReply(kGenerousMs), "OK"); });
+  EXPECT_TRUE(WaitUntil(IsCallerWaiting));
+  {
+    const ScopedLock lock(*io_op_lock);
+    pthread_cond_signal(vpm_resp_event);
+  }
+  link.Send("OK\r");
+  link.Resume();
+  caller.join();
+}
+
 // The caller's thread is kept in a signal handler, from before the first line arrives until the link
 // has had both.
 int gate[2];
@@ -256,10 +274,7 @@ TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
   std::thread caller([&replies] {
     for (int i = 0; i < 2; ++i) replies.push_back(TakeReply(kGenerousMs));
   });
-  EXPECT_TRUE(WaitUntil([] {
-    const ScopedLock lock(*io_op_lock);
-    return vpm_resp_waiters == 1;
-  }));
+  EXPECT_TRUE(WaitUntil(IsCallerWaiting));
   pthread_kill(caller.native_handle(), SIGUSR1);
   link.Send("ONE\r\nTWO\r\n");
   link.Resume();

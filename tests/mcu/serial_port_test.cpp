@@ -5,8 +5,9 @@
 #include <termios.h>
 
 #include <cerrno>
-#include <cstring>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "simulator/mcu/pseudo_terminal.h"
 #include "simulator/unique_fd.h"
@@ -34,6 +35,19 @@ class CookedPort : public testing::Test {
     return attributes;
   }
 
+  // Whether a terminal here can be set to this speed at all.
+  static bool PlatformKeeps(speed_t constant) {
+    const rolu_sim::PseudoTerminal other;
+    const rolu_sim::UniqueFd port(open(other.device_path().c_str(), O_RDWR | O_NOCTTY));
+    termios attributes{};
+    tcgetattr(port.get(), &attributes);
+    cfsetispeed(&attributes, constant);
+    cfsetospeed(&attributes, constant);
+    tcsetattr(port.get(), TCSANOW, &attributes);
+    tcgetattr(port.get(), &attributes);
+    return cfgetospeed(&attributes) == constant;
+  }
+
   rolu_sim::PseudoTerminal line;
   rolu_sim::UniqueFd port;
 };
@@ -45,13 +59,18 @@ TEST_F(CookedPort, TakesTheListedSpeedsAndRawMode) {
   } speeds[] = {{300, B300},       {600, B600},       {1800, B1800},    {2400, B2400},   {4800, B4800},
                 {9600, B9600},     {19200, B19200},   {38400, B38400},  {57600, B57600}, {115200, B115200},
                 {230400, B230400}, {460800, B460800}, {921600, B921600}};
+  size_t kept = 0;
   for (const auto& speed : speeds) {
     SCOPED_TRACE(speed.bits_per_second);
+    // The emulator of the board's processor does not know the fastest one.
+    if (!PlatformKeeps(speed.constant)) continue;
+    ++kept;
     EXPECT_EQ(Tovi_SetCommState(port.get(), speed.bits_per_second), 1);
     const termios attributes = Attributes();
     EXPECT_EQ(cfgetispeed(&attributes), speed.constant);
     EXPECT_EQ(cfgetospeed(&attributes), speed.constant);
   }
+  EXPECT_GE(kept, std::size(speeds) - 1);
   const termios raw = Attributes();
   EXPECT_EQ(raw.c_iflag & static_cast<tcflag_t>(ICRNL | IXON | BRKINT | ISTRIP | INLCR | IGNCR), 0U);
   EXPECT_EQ(raw.c_oflag & static_cast<tcflag_t>(OPOST), 0U);
@@ -60,12 +79,19 @@ TEST_F(CookedPort, TakesTheListedSpeedsAndRawMode) {
   EXPECT_EQ(raw.c_cflag & (CSTOPB | CRTSCTS), CSTOPB | CRTSCTS) << "nothing else changes";
 }
 
+std::vector<unsigned int> Settings(const termios& attributes) {
+  std::vector<unsigned int> all{attributes.c_iflag, attributes.c_oflag,       attributes.c_cflag,
+                                attributes.c_lflag, cfgetispeed(&attributes), cfgetospeed(&attributes)};
+  all.insert(all.end(), std::begin(attributes.c_cc), std::end(attributes.c_cc));
+  return all;
+}
+
 TEST_F(CookedPort, RefusedSpeedLeavesThePortAsItWas) {
   const termios before = Attributes();
   for (const unsigned long speed : {0UL, 1200UL, 115201UL}) {
     EXPECT_EQ(Tovi_SetCommState(port.get(), speed), 0) << speed;
     const termios after = Attributes();
-    EXPECT_EQ(memcmp(&before, &after, sizeof before), 0) << speed;
+    EXPECT_EQ(Settings(after), Settings(before)) << speed;
   }
 }
 

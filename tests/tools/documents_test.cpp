@@ -1,0 +1,79 @@
+// --help, the man page and the completion.
+
+#include <stdio.h>
+
+#include <fstream>
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr const char* kCommands[] = {
+    "status",        "get",          "set",          "list",      "save",        "load",
+    "watch",         "doctor",       "clock show",   "clock set", "clock sync",  "alarm show",
+    "alarm daily",   "alarm hourly", "alarm weekly", "alarm off", "watchdog on", "watchdog off",
+    "watchdog feed", "i2c read",     "i2c write",    "i2c dump",  "pins read",   "pins drive",
+    "pins prepare",  "light",        "backlight",    "defaults",  "reset",       "force-shutdown",
+};
+
+TEST(RoluDocuments, every_command_has_help_and_a_place_in_the_man_page) {
+  const std::string page = Rolu("--generate-man").out;
+  for (const char* const command : kCommands) {
+    const Ended help = Rolu(std::string(command) + " --help");
+    EXPECT_EQ(help.status, 0) << command;
+    EXPECT_THAT(help.out, HasSubstr(std::string("Usage: rolu ") + command)) << command;
+    std::string heading = std::string("\n.SS rolu ") + command + " ";
+    for (std::size_t at = 0; (at = heading.find('-', at)) != std::string::npos; at += 2)
+      heading.insert(at, "\\");
+    EXPECT_THAT(page, HasSubstr(heading)) << command;
+  }
+}
+
+TEST(RoluDocuments, help_and_man_page_tell_the_exit_statuses_and_the_settings) {
+  const Ended help = Rolu("--help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_THAT(help.out, HasSubstr("  5         busy: another process holds the MCU's port\n"));
+  const std::string page = Rolu("--generate-man").out;
+  EXPECT_THAT(page, StartsWith(".TH ROLU 1"));
+  EXPECT_THAT(page, HasSubstr("\\fBbattery.12v.lbp\\-threshold\\fR\n"));
+  EXPECT_THAT(page, HasSubstr(".SH EXIT STATUS\n"));
+  EXPECT_THAT(Rolu("--version").out, StartsWith("rolu "));
+}
+
+// What bash offers for the last of `words`.
+std::vector<std::string> Completions(const std::string& words) {
+  TemporaryDirectory directory;
+  WriteFile(directory.File("rolu"), Rolu("--generate-completion").out);
+  WriteFile(directory.File("unit-17.json"), "");
+  WriteFile(directory.File("ask"), "cd " + directory.File("") + " && source ./rolu\nCOMP_WORDS=(" + words +
+                                       ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_rolu\nprintf '%s\\n' "
+                                       "\"${COMPREPLY[@]}\"\n");
+  FILE* const bash = popen(("env -u LD_PRELOAD bash --norc " + directory.File("ask") + " 2>&1").c_str(), "r");
+  std::string output;
+  for (int character = 0; (character = fgetc(bash)) != EOF;) output += static_cast<char>(character);
+  EXPECT_EQ(pclose(bash), 0) << output;
+  return Words(output);
+}
+
+TEST(RoluDocuments, bash_completes_commands_settings_values_events_and_files) {
+  EXPECT_THAT(Completions("rolu sta"), ElementsAre("status"));
+  EXPECT_THAT(Completions("rolu alarm ''"), ElementsAre("show", "hourly", "daily", "weekly", "off"));
+  EXPECT_THAT(Completions("rolu --json get battery.l"),
+              ElementsAre("battery.low-event-delay", "battery.low-hard-off-delay", "battery.lbp"));
+  EXPECT_THAT(Completions("rolu set battery.v"), IsEmpty()) << "it cannot be set";
+  EXPECT_THAT(Completions("rolu set battery.m"), ElementsAre("battery.mode="));
+  EXPECT_THAT(Completions("rolu set battery.mode ="), ElementsAre("12V", "24V"));
+  EXPECT_THAT(Completions("rolu set battery.lbp = of"), ElementsAre("off"));
+  EXPECT_THAT(Completions("rolu watch --on ign"), ElementsAre("ignition-on", "ignition-off"));
+  EXPECT_THAT(Completions("rolu load unit"), ElementsAre("unit-17.json"));
+  EXPECT_THAT(Completions("rolu load --d"), ElementsAre("--dry-run"));
+}
+
+}  // namespace
+}  // namespace rolu_test

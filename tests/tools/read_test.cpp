@@ -1,0 +1,202 @@
+// status, get, list and doctor; and what every command owes its user.
+
+#include <signal.h>
+#include <unistd.h>
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::CommandMatch;
+using rolu_sim::kEveryTime;
+using rolu_sim::Reply;
+using std::chrono::seconds;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+rolu_sim::DeviceFaults Missing() {
+  rolu_sim::DeviceFaults faults;
+  faults.missing = true;
+  return faults;
+}
+
+TEST_F(RoluTest, status_as_json_has_every_listed_setting_with_its_unit) {
+  board.gpio().SetInput(36, true);
+  EXPECT_EQ(Rolu("pins prepare").status, 0);
+  board.mcu().WithModel([](auto& mcu) { mcu.SetBatteryVolts(11.0); });
+  const Ended status = Rolu("status --json");
+  EXPECT_EQ(status.status, 0) << status.err;
+  EXPECT_THAT(status.err, IsEmpty());
+  const nlohmann::json fields = status.Json();
+  for (const nlohmann::json& setting : Rolu("list --json").Json()) {
+    const auto field = fields.find(setting["name"].get<std::string>());
+    ASSERT_NE(field, fields.end()) << setting["name"];
+    EXPECT_TRUE(field->contains("value")) << setting["name"];
+    EXPECT_EQ(field->value("unit", ""), setting.value("unit", "")) << setting["name"];
+  }
+  EXPECT_EQ(fields["battery.voltage"], nlohmann::json({{"value", 11.0}, {"unit", "V"}}));
+  EXPECT_EQ(fields["battery.mode"]["value"], "12V");
+  EXPECT_EQ(fields["ignition.state"]["value"], true);
+  EXPECT_EQ(fields["gsensor.sample"]["value"], nlohmann::json({0, 0, 1000}));
+  EXPECT_EQ(fields["pins.inputs"]["value"], nlohmann::json({0, 1}));
+}
+
+TEST_F(RoluTest, status_says_in_words_why_a_part_cannot_be_read) {
+  board.mcu().Script(CommandMatch::Exactly("WKSG"), Reply::Line("22"), kEveryTime);
+  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  const Ended status = Rolu("status");
+  EXPECT_EQ(status.status, 1);
+  EXPECT_THAT(status.out,
+              AllOf(HasSubstr("Car battery\n"), HasSubstr("battery.voltage                  12.600 V\n"),
+                    HasSubstr("- the MCU reported a value that the library does not know (0xC043)\n"),
+                    HasSubstr("light.level                      - the device cannot be opened (0xC00B)\n"),
+                    HasSubstr("'rolu pins prepare' does it"), Not(HasSubstr("\033"))));
+}
+
+TEST_F(RoluTest, standard_output_carries_nothing_but_results) {
+  const Ended get = Rolu("get -n battery.voltage board.machine");
+  EXPECT_EQ(get.out, "12.600\narmv7l\n");
+  EXPECT_EQ(get.status, 0);
+  EXPECT_EQ(Rolu("get battery.voltage").out, "battery.voltage  12.600 V\n");
+}
+
+TEST_F(RoluTest, a_silent_mcu_is_given_up_soon) {
+  board.mcu().SetSilent(true);
+  const auto start = std::chrono::steady_clock::now();
+  const Ended status = Rolu("status --json");
+  EXPECT_EQ(status.status, 4);
+  EXPECT_EQ(status.Json()["battery.voltage"]["status"], "0xC048");
+  EXPECT_EQ(status.Json()["board.machine"]["value"], "armv7l");
+  EXPECT_THAT(status.err, HasSubstr("rolu: the MCU did not answer in time"));
+  // Two questions of 3 s each, of the sixty that it has.
+  EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("Hello", "ATF0"));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, seconds(6));
+}
+
+TEST_F(RoluTest, a_missing_port_is_no_answer) {
+  board.RemoveSerialDevice();
+  for (const char* const command : {"get battery.voltage", "set watchdog.time=5", "watch", "watchdog feed",
+                                    "clock show", "alarm daily 07:30", "doctor"}) {
+    const Ended ended = Rolu(command);
+    EXPECT_EQ(ended.status, 4) << command;
+    EXPECT_THAT(ended.out + ended.err,
+                testing::AnyOf(HasSubstr("port cannot be opened"), HasSubstr("No such file")))
+        << command;
+  }
+}
+
+TEST_F(RoluTest, another_owner_of_the_port_is_named_and_respected) {
+  RoluProcess owner(Words("watch --json --interval 1h"));
+  ASSERT_TRUE(owner.WaitForOutput("state"));
+  const std::size_t asked = Received("WDT").size();
+  for (const char* const command : {"get watchdog.time", "set watchdog.time=5", "doctor", "watchdog feed"}) {
+    const Ended ended = Rolu(command);
+    EXPECT_EQ(ended.status, 5) << command;
+    EXPECT_THAT(ended.out + ended.err, HasSubstr("process " + std::to_string(owner.pid()))) << command;
+  }
+  EXPECT_EQ(Received("WDT").size(), asked);
+  EXPECT_EQ(Rolu("light").status, 0) << "the light sensor is not the MCU's";
+  owner.Signal(SIGSTOP);
+  EXPECT_EQ(Rolu("get watchdog.time --force").status, 0);
+  owner.Signal(SIGCONT);
+  owner.Signal(SIGINT);
+  EXPECT_EQ(owner.Wait(), 0);
+  EXPECT_EQ(Rolu("get watchdog.time").status, 0);
+}
+
+TEST_F(RoluTest, wrong_use_names_the_nearest_and_sends_nothing) {
+  const struct {
+    const char* command_line;
+    const char* message;
+  } kCases[] = {
+      {"", "a command is missing"},
+      {"stauts", "there is no command 'stauts'; did you mean 'status'?"},
+      {"alarm dayly 07:30", "there is no command 'dayly'; did you mean 'daily'?"},
+      {"get battery.votlage",
+       "there is no setting or group 'battery.votlage'; did you mean 'battery.voltage'?"},
+      {"get", "NAME is required"},
+      {"status --jsn", "there is no option '--jsn'; did you mean '--json'?"},
+      {"light now", "'now' is one word too many"},
+      {"set battery.lbp", "'battery.lbp' is not NAME=VALUE"},
+      {"set battery.lpb=on", "there is no setting 'battery.lpb'; did you mean 'battery.lbp'?"},
+      {"set battery.voltage=12", "battery.voltage can only be read"},
+      {"set watchdog.time=5 watchdog.time=6", "watchdog.time is given twice"},
+      {"set ignition.on-delay=0", "must be a whole number from 1 to 65535, not '0'"},
+      {"set ignition.on-delay=65536", "must be a whole number from 1 to 65535, not '65536'"},
+      {"set ignition.on-delay=5s", "must be a whole number from 1 to 65535, not '5s'"},
+      {"set ignition.on-delay=99999999999999999999", "must be a whole number from 1 to 65535"},
+      {"set watchdog.time=5 battery.lbp=yes", "battery.lbp must be on or off, not 'yes'"},
+      {"set battery.mode=12", "battery.mode must be 12V or 24V, not '12'"},
+      {"set battery.12v.lbp-threshold=1e1", "must be volts from 0 to 100"},
+      {"set battery.12v.lbp-threshold=-11", "must be volts from 0 to 100"},
+      {"set alarm.time=7:30", "must be a time of day from 00:00 to 23:59, not '7:30'"},
+      {"set alarm.time=24:00", "must be a time of day from 00:00 to 23:59, not '24:00'"},
+      {"set gsensor.alarm-threshold=1999", "must be a whole number from 2000 to 15000"},
+      {"watch --for 20", "with its unit (ms, s, min, h), like 20s, not '20'"},
+      {"watch --for 0s", "with its unit"},
+      {"watch --on ignition-of true", "there is no event 'ignition-of'; did you mean 'ignition-off'?"},
+      {"clock set 2026-02-30T10:00:00", "must be a time that exists"},
+      {"clock set 1999-01-01T10:00:00", "must be from the years 2000 to 2099"},
+      {"alarm weekly mnday 07:30", "there is no day 'mnday'; did you mean 'monday'?"},
+      {"alarm hourly 60", "must be a minute from 00 to 59, not '60'"},
+      {"watchdog on --time 0", "0"},
+      {"i2c read 0x80", "must be from 0x03 to 0x7f"},
+      {"i2c write 0x50 256", "must be from 0x00 to 0xff"},
+      {"backlight 11", "must be a whole number from 0 to 10, not '11'"},
+      {"pins drive high", "LEVEL"},
+      {"load /nonexistent", "could not open /nonexistent: No such file or directory"},
+  };
+  for (const auto& wrong : kCases) {
+    const Ended ended = Rolu(wrong.command_line);
+    EXPECT_EQ(ended.status, 2) << wrong.command_line;
+    EXPECT_THAT(ended.err, AllOf(StartsWith("rolu: "), HasSubstr(wrong.message))) << wrong.command_line;
+    EXPECT_THAT(ended.out, IsEmpty()) << wrong.command_line;
+  }
+  EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(RoluTest, reading_leaves_a_gps_receiver_that_is_on_as_it_is) {
+  ASSERT_EQ(Rolu("set peripheral.gps=on").status, 0);
+  board.devices().ClearAccesses();
+  EXPECT_THAT(Rolu("status --json").Json()["peripheral.gps"]["skipped"], HasSubstr("GPS receiver is on"));
+  EXPECT_THAT(board.devices().Writes("/sys/class/gpio/gpio45/direction"), IsEmpty());
+  EXPECT_EQ(Rolu("get -n peripheral.gps").out, "on\n");
+  EXPECT_TRUE(board.gpio().Level(45));
+}
+
+TEST_F(RoluTest, doctor_measures_the_mcu_and_finds_missing_devices) {
+  Ended doctor = Rolu("doctor --json");
+  EXPECT_EQ(doctor.status, 0) << doctor.out;
+  const nlohmann::json found = doctor.Json();
+  EXPECT_EQ(found["in_order"], true);
+  EXPECT_EQ(found["latency"]["answered"], 50);
+  EXPECT_EQ(Received("ATF1").size(), 50);
+  EXPECT_LE(found["latency"]["minimum_ms"], found["latency"]["median_ms"]);
+  EXPECT_LE(found["latency"]["median_ms"], found["latency"]["p99_ms"]);
+  EXPECT_EQ(found["firmware"], Rolu("get -n mcu.firmware --json").Json()["mcu.firmware"]["value"]);
+
+  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  board.mcu().Script(CommandMatch::Exactly("ATF1"), Reply::Silence());
+  doctor = Rolu("doctor");
+  EXPECT_EQ(doctor.status, 1);
+  EXPECT_THAT(doctor.out, AllOf(HasSubstr("BAD   light sensor"), HasSubstr("49 of 50: "),
+                                HasSubstr("Verdict: the MCU answers, but something is missing.\n")));
+}
+
+TEST_F(RoluTest, a_reader_that_goes_away_ends_it_quietly) {
+  RoluProcess rolu(Words("watch --json --interval 10ms"));
+  ASSERT_TRUE(rolu.WaitForOutput("state"));
+  rolu.StopReading();
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  EXPECT_EQ(rolu.Wait(), 1);
+  EXPECT_THAT(rolu.err(), IsEmpty());
+  EXPECT_EQ(Received("GSF").size(), 1U) << "the G-sensor is taken down";
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -1,0 +1,229 @@
+// save and load: settings of a unit as a file.
+
+#include <signal.h>
+
+#include <thread>
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::BatteryMode;
+using rolu_sim::CommandMatch;
+using rolu_sim::kEveryTime;
+using rolu_sim::Reply;
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class SaveLoadTest : public RoluTest {
+ protected:
+  // The unit's settings, as `save` sees them.
+  nlohmann::json Settings() {
+    const Ended save = Rolu("save -");
+    EXPECT_EQ(save.status, 0) << save.err;
+    return save.Json()["settings"];
+  }
+
+  // Commands that set something: the setters end in S, of the switches those with a state.
+  std::vector<std::string> Setters() {
+    std::vector<std::string> setters;
+    for (const std::string& command : board.mcu().CommandsReceived()) {
+      const std::string code = command.substr(0, 4);
+      const bool sets = code.back() == 'S' || code == "ARGI" || code == "EEDF";
+      if (sets && command != "ARGI00") setters.push_back(command);
+    }
+    return setters;
+  }
+
+  void SetUpUnit() {
+    ASSERT_EQ(
+        Rolu("set -y alarm.mode=weekly alarm.weekday=3 alarm.time=05:45 alarm.active=on ignition.mode=2 "
+             "ignition.on-delay=7 mcu.at-mode=4 mcu.keep-alive-mode=2 wakeup.source-10=on "
+             "shutdown.source-1=off "
+             "battery.12v.lbp-threshold=10.9 gsensor.alarm-threshold=3000 watchdog.time=99 "
+             "display.backlight=4")
+            .status,
+        0);
+  }
+
+  // A file with these settings.
+  std::string FileWith(const nlohmann::json& settings) {
+    std::string path = directory.File("unit.json");
+    WriteFile(path,
+              nlohmann::json({{"format", "rolu-settings"}, {"version", 1}, {"settings", settings}}).dump());
+    return path;
+  }
+
+  TemporaryDirectory directory;
+};
+
+TEST_F(SaveLoadTest, a_unit_is_saved_and_made_so_again_after_everything_changed) {
+  SetUpUnit();
+  const std::string path = directory.File("unit.json");
+  const Ended save = Rolu("save " + path);
+  EXPECT_EQ(save.status, 0) << save.err;
+  EXPECT_THAT(directory.Names(), ElementsAre("unit.json"));
+  const nlohmann::json saved = nlohmann::json::parse(ReadFile(path));
+  EXPECT_EQ(saved["settings"]["battery.12v.lbp-threshold"]["unit"], "V");
+
+  ASSERT_EQ(Rolu("defaults -y").status, 0);
+  ASSERT_EQ(Rolu("set -y battery.mode=24V").status, 0);
+  ASSERT_EQ(Rolu("backlight 9").status, 0);
+  ASSERT_NE(Settings(), saved["settings"]);
+
+  const Ended load = Rolu("load -y " + path);
+  EXPECT_EQ(load.status, 0) << load.err;
+  EXPECT_THAT(load.out, AllOf(HasSubstr("battery.mode: 24V -> 12V\n"), HasSubstr("battery.lbp: off -> on\n"),
+                              HasSubstr("the unit is as the file says\n")));
+  EXPECT_EQ(Settings(), saved["settings"]);
+  board.mcu().Log().Clear();
+  EXPECT_THAT(Rolu("load " + path).out, HasSubstr("0 to set, "));
+  EXPECT_THAT(Setters(), IsEmpty()) << "what is as it should be is left alone";
+}
+
+TEST_F(SaveLoadTest, the_protections_end_as_the_file_says_whatever_the_mode_change_does) {
+  for (const char* const preboot : {"on", "off"}) {
+    for (const char* const lbp : {"on", "off", "as it was"}) {
+      board.mcu().WithModel([](auto& mcu) {
+        mcu.battery.mode = BatteryMode::k12V;
+        mcu.battery.protection_enabled = {true, true};
+      });
+      nlohmann::json settings = {{"battery.mode", {{"value", "24V"}}},
+                                 {"battery.preboot", {{"value", std::string(preboot) == "on"}}}};
+      if (std::string(lbp) != "as it was") settings["battery.lbp"]["value"] = std::string(lbp) == "on";
+      const std::string path = FileWith(settings);
+      const Ended load = Rolu("load -y " + path);
+      EXPECT_EQ(load.status, 0) << load.err;
+      const rolu_sim::BatteryState battery = board.mcu().WithModel([](auto& mcu) { return mcu.battery; });
+      EXPECT_EQ(battery.mode, BatteryMode::k24V);
+      EXPECT_THAT(battery.protection_enabled,
+                  ElementsAre(std::string(preboot) == "on", std::string(lbp) != "off"));
+    }
+  }
+}
+
+TEST_F(SaveLoadTest, an_end_between_mode_and_protections_leaves_no_protection_off) {
+  const std::string path =
+      FileWith({{"battery.mode", {{"value", "24V"}}}, {"watchdog.time", {{"value", 5}}}});
+  // The mode's answer takes its time, in which the signal comes.
+  board.mcu().Script(CommandMatch::Exactly("MCBS02"), Reply::Line("OK", std::chrono::seconds(2)));
+  RoluProcess load(Words("load -y " + path));
+  ASSERT_TRUE(board.mcu().WaitForCommand("MCBS02", kAmple));
+  load.Signal(SIGINT);
+  EXPECT_EQ(load.Wait(), 128 + SIGINT);
+  EXPECT_THAT(load.err(), HasSubstr("watchdog.time = 5 was not set, as a signal asked for an end"));
+  EXPECT_THAT(Received("WDTS"), IsEmpty());
+  EXPECT_THAT(board.mcu().WithModel([](auto& mcu) { return mcu.battery.protection_enabled; }),
+              ElementsAre(true, true));
+}
+
+TEST_F(SaveLoadTest, a_dry_run_shows_the_difference_and_sets_nothing) {
+  const std::string path = FileWith({{"battery.mode", {{"value", "24V"}}},
+                                     {"ignition.on-delay", {{"value", 77}, {"unit", "MCU units"}}},
+                                     {"watchdog.time", {{"value", 60}}}});
+  const Ended text = Rolu("load --dry-run " + path);
+  EXPECT_EQ(text.status, 0) << text.err;
+  EXPECT_THAT(text.out,
+              AllOf(HasSubstr("battery.mode: 12V -> 24V\n"), HasSubstr("ignition.on-delay: 5 -> 77\n"),
+                    HasSubstr("battery.lbp: on -> on (the change of battery.mode switches it off)\n"),
+                    Not(HasSubstr("watchdog.time"))));
+  const nlohmann::json plan = Rolu("load --dry-run --json " + path).Json();
+  EXPECT_EQ(plan["dry_run"], true);
+  EXPECT_EQ(plan["changes"]["ignition.on-delay"],
+            nlohmann::json({{"before", 5}, {"wanted", 77}, {"unit", "MCU units"}}));
+  EXPECT_THAT(plan["unchanged"], Contains("watchdog.time"));
+  EXPECT_THAT(Setters(), IsEmpty());
+}
+
+TEST_F(SaveLoadTest, what_could_not_be_set_is_named_and_the_rest_is_done) {
+  const std::string path = FileWith({{"ignition.mode", {{"value", 2}}}, {"watchdog.time", {{"value", 7}}}});
+  board.mcu().Script(CommandMatch::StartingWith("IGMS"), Reply::Line("ERR-M08"), kEveryTime);
+  const Ended load = Rolu("load " + path);
+  EXPECT_EQ(load.status, 1);
+  EXPECT_THAT(load.err, HasSubstr("rolu: ignition.mode = 2 could not be set: the board refused the value"));
+  EXPECT_EQ(Rolu("get -n watchdog.time").out, "7\n");
+}
+
+TEST_F(SaveLoadTest, a_setting_that_another_one_moved_is_found_at_the_end) {
+  const std::string path = FileWith({{"ignition.mode", {{"value", 2}}}, {"watchdog.time", {{"value", 7}}}});
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.mode = 2; });
+  board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("2"));
+  board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("1"));
+  const Ended load = Rolu("load " + path);
+  EXPECT_EQ(load.status, 1);
+  EXPECT_THAT(load.err, HasSubstr("ignition.mode = 2 is in the file, but the unit ends with 1"));
+}
+
+TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
+  const std::string good = FileWith({{"watchdog.time", {{"value", 7}, {"unit", "MCU units"}}}});
+  const std::string text = ReadFile(good);
+  const auto with = [&](const std::string& from, const std::string& to) {
+    std::string changed = text;
+    const std::size_t at = changed.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return changed.replace(at, from.size(), to);
+  };
+  const struct {
+    std::string content;
+    const char* message;
+  } kCases[] = {
+      {"", "is empty or cannot be read"},
+      {text.substr(0, text.size() / 2), "is broken: parse error at line 1"},
+      {text + "}", "is broken: parse error"},
+      {std::string(2'000'000, ' '), "is too large"},
+      {"[1, 2]", "is no file of settings"},
+      {with("rolu-settings", "other"), "is no file of settings"},
+      {with("\"version\":1", "\"version\":2"), "is of version 2; this program knows version 1"},
+      {with("\"version\":1", R"("version":1,"later":1)"), "has an unknown part 'later'"},
+      {with("\"settings\":", "\"settinks\":"), "has no settings"},
+      {with("watchdog.time", "watchdog.tine"),
+       "there is no setting 'watchdog.tine'; did you mean 'watchdog.time'?"},
+      {with("watchdog.time", "battery.voltage"), "battery.voltage is not a setting to load"},
+      {with("\"value\":7", "\"value\":70000"),
+       "watchdog.time must be a whole number from 1 to 65535, not 70000"},
+      {with("\"value\":7", "\"value\":7.5"), "not 7.5"},
+      {with("\"value\":7", R"("value":"7")"), "not \"7\""},
+      {with("\"value\":7", "\"value\":null"), "not null"},
+      {with("\"value\":7", "\"valeu\":7"), "watchdog.time has no value"},
+      {with("MCU units", "hours"), "watchdog.time is in \"hours\", not in 'MCU units'"},
+      {with("\"watchdog.time\":", R"("watchdog.time":{"value":6},"watchdog.time":)"),
+       "'watchdog.time' is there twice"},
+      {with("\"watchdog.time\":",
+            R"("ignition.on-delay":{"value":9},"no.such":{"value":1},"watchdog.time":)"),
+       "there is no setting 'no.such'"},
+  };
+  const std::string path = directory.File("wrong.json");
+  for (const auto& wrong : kCases) {
+    WriteFile(path, wrong.content);
+    const Ended load = Rolu("load -y " + path);
+    EXPECT_EQ(load.status, 2) << wrong.message;
+    EXPECT_THAT(load.err, AllOf(HasSubstr(path), HasSubstr(wrong.message), HasSubstr("Nothing was changed")));
+  }
+  EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(SaveLoadTest, save_names_what_is_not_in_the_file_and_asks_before_it_replaces_one) {
+  const std::string path = directory.File("unit.json");
+  board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("ERR-C01"), kEveryTime);
+  const Ended save = Rolu("save " + path);
+  EXPECT_EQ(save.status, 1);
+  EXPECT_THAT(save.err,
+              AllOf(HasSubstr("ignition.mode is not in the file: the MCU answered with an error"),
+                    HasSubstr("alarm.mode is not in the file: it is none, which cannot be set again")));
+  EXPECT_FALSE(nlohmann::json::parse(ReadFile(path))["settings"].contains("ignition.mode"));
+  const std::string before = ReadFile(path);
+  EXPECT_EQ(Rolu("save " + path, "n\n").status, 1);
+  EXPECT_EQ(ReadFile(path), before);
+  board.mcu().SetSilent(true);
+  EXPECT_EQ(Rolu("save -y " + path).status, 4);
+  EXPECT_EQ(ReadFile(path), before) << "a silent MCU empties no file";
+  EXPECT_THAT(directory.Names(), ElementsAre("unit.json"));
+}
+
+}  // namespace
+}  // namespace rolu_test

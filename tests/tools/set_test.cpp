@@ -1,0 +1,142 @@
+// set: what is checked, asked, sent and read back.
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::CommandMatch;
+using rolu_sim::kEveryTime;
+using rolu_sim::Reply;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+TEST_F(RoluTest, every_writable_setting_can_be_set_to_what_it_takes_and_reads_back) {
+  // One process for all, as a commissioning script would.
+  std::vector<std::string> arguments = {"set", "-y", "--json"};
+  for (const nlohmann::json& setting : Rolu("list --json").Json()) {
+    if (setting["writable"] == false) continue;
+    const std::string name = setting["name"];
+    std::string value = "on";
+    if (setting.contains("maximum")) value = std::to_string(setting["maximum"].get<int>());
+    if (setting.contains("choices")) value = setting["choices"].back();
+    if (name == "alarm.time") value = "23:59";
+    if (name.rfind("battery.12v.", 0) == 0) value = "11.7";
+    if (name.rfind("battery.24v.", 0) == 0) value = "21.5";
+    arguments.push_back(name + "=" + value);
+  }
+  const Ended set = Rolu(arguments);
+  EXPECT_EQ(set.status, 0) << set.err;
+  EXPECT_EQ(set.Json().size(), arguments.size() - 3);
+  EXPECT_EQ(Rolu("get -n alarm").out, "weekly\n6\n23:59\non\n");
+  EXPECT_EQ(Rolu("get -n battery.mode battery.preboot battery.lbp").out, "24V\non\non\n");
+  EXPECT_TRUE(board.gpio().Level(45));
+  EXPECT_TRUE(board.wireless().IsUp());
+}
+
+TEST_F(RoluTest, the_order_on_the_wire_is_that_of_the_table) {
+  ASSERT_EQ(
+      Rolu("set -y battery.lbp=on battery.preboot=on battery.24v.lbp-threshold=22 battery.mode=24V").status,
+      0);
+  EXPECT_THAT(Received("MCBS"), ElementsAre("MCBS02"));
+  EXPECT_THAT(Received("MCPS"), ElementsAre("MCPS21056F"));
+  EXPECT_THAT(Received("MCCS"), ElementsAre("MCCS00", "MCCS10", "MCCS11"));
+}
+
+TEST_F(RoluTest, a_value_that_the_mcu_rounds_is_told_as_it_became) {
+  const Ended set = Rolu("set -y battery.12v.lbp-threshold=11 gsensor.alarm-threshold=2062");
+  EXPECT_EQ(set.status, 0);
+  EXPECT_THAT(set.out, HasSubstr("battery.12v.lbp-threshold = 11.000 V (was 11.493)\n"));
+  EXPECT_THAT(set.out,
+              HasSubstr("gsensor.alarm-threshold = 2000 sensor units, the nearest to 2062 that the MCU "
+                        "holds (was 2000)\n"));
+}
+
+TEST_F(RoluTest, what_weakens_a_guard_asks_first) {
+  const struct {
+    const char* command_line;
+    const char* consequence;
+    const char* setter;  // what is sent once the answer is yes
+  } kCases[] = {
+      {"set battery.mode=24V", "switches the pre-boot and the low-battery protection off", "MCBS02"},
+      {"set battery.lbp=off", "switches the low-battery protection off", "MCCS10"},
+      {"set battery.preboot=off", "switches the pre-boot protection off", "MCCS01"},
+      {"set battery.12v.preboot-threshold=11", "moves a threshold", "MCPS3002CB"},
+      {"set poweroff.warning=off", "switches the warning before a power-off off", "MPAS0"},
+      {"set shutdown.forced=on", "switches the forced shutdown on", "MSSS1"},
+      {"watchdog off", "switches the watchdog off", "WDTD"},
+      {"watchdog on", "lets the watchdog reset the computer", "WDTE"},
+      {"defaults", "replaces all settings of the MCU", "EEDF"},
+      {"force-shutdown", "cuts the computer's power at once", "ATPO"},
+  };
+  for (const auto& risky : kCases) {
+    for (const char* const answer : {"", "n\n", "\n", "yellow\n"}) {
+      board.mcu().Log().Clear();
+      const Ended asked = Rolu(risky.command_line, answer);
+      EXPECT_EQ(asked.status, 1) << risky.command_line;
+      EXPECT_THAT(asked.err, AllOf(HasSubstr(risky.consequence), HasSubstr("go on? [y/N]"),
+                                   HasSubstr("nothing was done")));
+      EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty()) << risky.command_line;
+    }
+    const rolu_sim::BatteryState before = board.mcu().WithModel([](auto& mcu) { return mcu.battery; });
+    for (const bool by_option : {false, true}) {
+      board.mcu().WithModel([&](auto& mcu) { mcu.battery = before; });
+      board.mcu().Log().Clear();
+      const Ended done =
+          by_option ? Rolu(std::string(risky.command_line) + " -y") : Rolu(risky.command_line, "y\n");
+      EXPECT_EQ(done.status, 0) << risky.command_line << done.err;
+      EXPECT_EQ(done.err.find("go on?") == std::string::npos, by_option);
+      EXPECT_THAT(Received(risky.setter), ElementsAre(risky.setter)) << risky.command_line;
+    }
+    board.mcu().WithModel([&](auto& mcu) { mcu.battery = before; });
+  }
+}
+
+TEST_F(RoluTest, what_is_harmless_does_not_ask) {
+  const Ended set =
+      Rolu("set battery.lbp=on ignition.off-event-delay=20 poweroff.warning=on shutdown.forced=off");
+  EXPECT_EQ(set.status, 0);
+  EXPECT_THAT(set.err, IsEmpty());
+  EXPECT_THAT(set.out, HasSubstr("ignition.off-event-delay = 20 MCU units (was 30)\n"));
+}
+
+TEST_F(RoluTest, a_refused_value_is_named_with_the_mcus_range_and_the_rest_is_done) {
+  Ended set = Rolu("set -y battery.12v.lbp-threshold=50 watchdog.time=12");
+  EXPECT_EQ(set.status, 1);
+  EXPECT_EQ(set.out, "watchdog.time = 12 MCU units (was 60)\n");
+  EXPECT_THAT(set.err,
+              HasSubstr("rolu: battery.12v.lbp-threshold = 50.000 could not be set: the board refused the "
+                        "value (ROLU_STATUS_INVALID_PARAMETER, 0xC002)"));
+  EXPECT_THAT(set.err, HasSubstr("the MCU's range is 10.493 to 12.000 V"));
+
+  set = Rolu("set -y --json battery.12v.lbp-threshold=50");
+  EXPECT_EQ(set.status, 3);
+  EXPECT_EQ(set.Json()["battery.12v.lbp-threshold"]["before"], 11.493);
+  EXPECT_THAT(set.Json()["battery.12v.lbp-threshold"]["error"].get<std::string>(),
+              StartsWith("could not be set"));
+}
+
+TEST_F(RoluTest, a_setting_that_reads_back_differently_is_no_success) {
+  board.mcu().Script(CommandMatch::StartingWith("WDTS"), Reply::Line("OK"), kEveryTime);
+  const Ended set = Rolu("set watchdog.time=12");
+  EXPECT_EQ(set.status, 3);
+  EXPECT_THAT(set.err, HasSubstr("watchdog.time = 12 was set, but reads back as 60 MCU units"));
+}
+
+TEST_F(RoluTest, a_change_of_the_battery_mode_reminds_of_the_protections_that_it_leaves_off) {
+  EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on").err,
+              HasSubstr("'rolu set battery.preboot=on' switches"));
+  EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on battery.preboot=on").err, IsEmpty());
+}
+
+TEST_F(RoluTest, an_alarm_that_was_never_set_takes_its_time_once_it_has_a_mode) {
+  EXPECT_EQ(Rolu("set alarm.time=07:30").status, 3);
+  EXPECT_EQ(Rolu("set alarm.time=07:30 alarm.mode=daily").status, 0);
+  EXPECT_EQ(Rolu("get -n alarm").out, "daily\n0\n07:30\noff\n");
+}
+
+}  // namespace
+}  // namespace rolu_test

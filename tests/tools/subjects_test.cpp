@@ -1,0 +1,143 @@
+// The commands of single subjects: clock, alarm, watchdog, i2c, pins, light, backlight, reset.
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+// One command line after another on the same board.
+struct Step {
+  const char* command_line;
+  int status;
+  const char* out;  // part of what is printed on standard output
+  const char* err = "";
+};
+
+void RunSteps(const std::vector<Step>& steps) {
+  for (const Step& step : steps) {
+    const Ended ended = Rolu(step.command_line);
+    EXPECT_EQ(ended.status, step.status) << step.command_line << ": " << ended.err;
+    EXPECT_THAT(ended.out, HasSubstr(step.out)) << step.command_line;
+    EXPECT_THAT(ended.err, HasSubstr(step.err)) << step.command_line;
+  }
+}
+
+TEST_F(RoluTest, the_alarm_is_set_shown_and_switched_off) {
+  RunSteps({
+      {"alarm show", 0, "alarm.mode     none\n"},
+      {"alarm daily 07:30", 0,
+       "alarm.mode     daily\nalarm.weekday  0\nalarm.time     07:30\nalarm.active   on\n"},
+      {"alarm hourly 15", 0, "alarm.mode     hourly\nalarm.weekday  0\nalarm.time     00:15\n"},
+      {"alarm weekly sat 06:05", 0, "alarm.mode     weekly\nalarm.weekday  6\nalarm.time     06:05\n"},
+      {"alarm weekly 2 06:05", 0, "alarm.weekday  2\n"},
+      {"alarm off", 0, "alarm.time     06:05\nalarm.active   off\n"},
+  });
+  EXPECT_EQ(Rolu("alarm show --json").Json()["alarm.mode"]["value"], "weekly");
+}
+
+TEST_F(RoluTest, the_clock_is_set_to_a_time_and_to_the_systems) {
+  RunSteps({
+      {"clock set 2030-02-28T23:59:58", 0, "clock.time             2030-02-28 23:59:5"},
+      {"clock set 2030-02-28T10:00:00 --weekday 6", 0, "clock.weekday          6\n"},
+      {"clock show", 0, "clock.time             2030-02-28 10:00:0"},
+      {"clock sync", 0, "clock.ahead-of-system"},
+  });
+  const nlohmann::json clock = Rolu("clock show --json").Json();
+  EXPECT_LE(std::abs(clock["clock.ahead-of-system"]["value"].get<int>()), 1);
+  // 2030-02-28 is a Thursday, which is 4 when Sunday is 0.
+  EXPECT_THAT(Received("RTCS").front(), testing::EndsWith("3B3A"));
+}
+
+TEST_F(RoluTest, a_clock_that_does_not_take_the_time_is_no_success) {
+  board.mcu().Script(rolu_sim::CommandMatch::StartingWith("RTCS"), rolu_sim::Reply::Lines({"OK", "OK"}));
+  RunSteps({{"clock set 2030-02-28T10:00:00", 3, "",
+             "was set to 2030-02-28 10:00:00, but reads back as 2014-07-25"}});
+}
+
+TEST_F(RoluTest, the_watchdog_is_fed_while_the_command_runs_and_off_after) {
+  RoluProcess feeding(Words("watchdog on --time 2 --feed --every 50ms"));
+  ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kAmple, 5));
+  EXPECT_TRUE(board.mcu().WithModel([](auto& mcu) { return mcu.watchdog.enabled; }));
+  EXPECT_THAT(Received("WDTS"), ElementsAre("WDTS0002"));
+  feeding.Signal(SIGINT);
+  EXPECT_EQ(feeding.Wait(), 0);
+  EXPECT_THAT(feeding.out(),
+              AllOf(HasSubstr("the watchdog is on\n"), HasSubstr("times; the watchdog is off\n")));
+  EXPECT_FALSE(board.mcu().WithModel([](auto& mcu) { return mcu.watchdog.enabled; }));
+  RunSteps({
+      {"watchdog on -y --time 60", 0, "the watchdog is on\n"},
+      {"watchdog feed", 0, "the watchdog is fed\n"},
+      {"watchdog feed --for 100ms --every 10ms --json", 0, R"({"watchdog":"as it was","fed":)"},
+  });
+  EXPECT_TRUE(board.mcu().WithModel([](auto& mcu) { return mcu.watchdog.enabled; }))
+      << "feeding leaves it on";
+}
+
+TEST_F(RoluTest, i2c_devices_are_read_written_and_dumped) {
+  for (unsigned i = 0; i < 256; ++i) {
+    board.register_device().SetRegister(static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(255 - i));
+  }
+  RunSteps({
+      {"i2c read 0x50 --register 0x10 --count 3", 0, "ef ee ed\n"},
+      {"i2c read 80 --register 16", 0, "ef\n"},
+      {"i2c write 0x50 0x10 1 0x02 -y", 0, ""},
+      {"i2c read 0x50 --register 0x10 --count 3 --json", 0, "\"bytes\": [\n    1,\n    2,\n    237\n  ]"},
+      {"i2c dump 0x50", 0, "10: 01 02 ed ec eb ea e9 e8 e7 e6 e5 e4 e3 e2 e1 e0  ................\n20: df"},
+      {"i2c write 0x50 0x10 9", 1, "", "writes 10 09 to the device at address 0x50"},
+      {"i2c read 0x51", 3, "", "could not read from address 0x51: the device refused the transfer"},
+  });
+  EXPECT_EQ(Rolu("i2c dump 0x50 --json").Json()["bytes"].size(), 256U);
+  EXPECT_EQ(board.register_device().Register(0x10), 1) << "not confirmed, not written";
+  EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(RoluTest, devices_beside_the_mcu_are_read_and_set) {
+  board.gpio().SetInput(37, true);
+  board.light_sensor().SetNumber(421);
+  RunSteps({
+      {"light", 0, "light.level  421 lux\n"},
+      {"backlight", 0, "display.backlight  10\n"},
+      {"backlight 3", 0, "display.backlight = 3 (was 10)\n"},
+      {"backlight", 0, "display.backlight  3\n"},
+      {"pins read", 4, "", "could not read pins.inputs: the device cannot be opened"},
+      {"pins drive low high", 0, "pins.outputs  low high\n"},
+      {"pins read", 0, "pins.inputs  1 0\n"},
+  });
+  EXPECT_FALSE(board.gpio().Level(35));
+  EXPECT_TRUE(board.gpio().Level(34));
+  EXPECT_EQ(Rolu("pins drive 1 1 --json").Json()["pins.outputs"]["value"], nlohmann::json({1, 1}));
+  EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(RoluTest, a_reset_is_ordered_only_when_it_is_confirmed) {
+  EXPECT_EQ(Rolu("reset", "no\n").status, 1);
+  EXPECT_EQ(board.reset_controller().ResetCount(), 0);
+  EXPECT_EQ(Rolu("reset", "yes\n").status, 0);
+  EXPECT_EQ(board.reset_controller().ResetCount(), 1);
+}
+
+TEST_F(RoluTest, a_signal_at_a_question_ends_without_an_order) {
+  int never[2];
+  ASSERT_EQ(pipe2(never, O_CLOEXEC), 0);
+  RoluProcess reset({"reset"}, never[0]);
+  ASSERT_TRUE(reset.WaitForMessage("go on?"));
+  reset.Signal(SIGINT);
+  EXPECT_EQ(reset.Wait(), 128 + SIGINT);
+  EXPECT_EQ(board.reset_controller().ResetCount(), 0);
+  close(never[0]);
+  close(never[1]);
+}
+
+}  // namespace
+}  // namespace rolu_test

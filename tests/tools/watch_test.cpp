@@ -1,0 +1,148 @@
+// watch: events as they come, and an end that leaves nothing behind.
+
+#include <signal.h>
+
+#include <sstream>
+
+#include "tests/tools/rolu_process.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::PowerOffWarning;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class WatchTest : public RoluTest {
+ protected:
+  // A watch that has told how things are.
+  void Start(const std::string& options) {
+    rolu.emplace(Words("watch --interval 10ms " + options));
+    ASSERT_TRUE(rolu->WaitForOutput("12.6"));
+  }
+  void Start(std::vector<std::string> options) {
+    options.insert(options.begin(), {"watch", "--interval", "10ms"});
+    rolu.emplace(options);
+    ASSERT_TRUE(rolu->WaitForOutput("12.6"));
+  }
+
+  void ExpectTakenDown() {
+    EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
+    EXPECT_THAT(Received("GSF"), ElementsAre("GSF"));
+    EXPECT_FALSE(board.mcu().WithModel([](auto& mcu) { return mcu.gsensor.alarm_on; }));
+  }
+
+  std::optional<RoluProcess> rolu;
+};
+
+TEST_F(WatchTest, each_event_is_one_json_line_with_its_values) {
+  Start("--json");
+  const struct {
+    const char* name;
+    void (*happen)(rolu_sim::McuModel& mcu);
+    nlohmann::json values;
+  } kEvents[] = {
+      {"ignition-off", [](rolu_sim::McuModel& mcu) { mcu.ignition.on = false; }, nlohmann::json::object()},
+      {"ignition-on", [](rolu_sim::McuModel& mcu) { mcu.ignition.on = true; }, nlohmann::json::object()},
+      {"voltage", [](rolu_sim::McuModel& mcu) { mcu.SetBatteryVolts(11.0); }, {{"volts", 11.0}}},
+      {"power-off-ignition", [](rolu_sim::McuModel& mcu) { mcu.WarnOfPowerOff(PowerOffWarning::kIgnition); },
+       nlohmann::json::object()},
+      {"power-off-battery", [](rolu_sim::McuModel& mcu) { mcu.WarnOfPowerOff(PowerOffWarning::kLowVoltage); },
+       nlohmann::json::object()},
+      {"shock",
+       [](rolu_sim::McuModel& mcu) {
+         mcu.ShakeTo({2560, 0, 256});
+       },
+       {{"x", 10000}, {"y", 0}, {"z", 1000}}},
+      {"shock",
+       [](rolu_sim::McuModel& mcu) {
+         mcu.ShakeTo({0, 3000, 256});
+       },
+       {{"x", 0}, {"y", 11719}, {"z", 1000}}},
+  };
+  std::size_t line_start = rolu->out().find('\n') + 1;
+  for (const auto& event : kEvents) {
+    board.mcu().WithModel([&](auto& mcu) { event.happen(mcu); });
+    ASSERT_TRUE(rolu->WaitForOutput("\n", line_start)) << event.name;
+    const std::size_t line_end = rolu->out().find('\n', line_start);
+    nlohmann::json line = nlohmann::json::parse(rolu->out().substr(line_start, line_end - line_start));
+    EXPECT_EQ(line["event"], event.name);
+    EXPECT_THAT(line["time"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:..\\....[+-]..:.."));
+    line.erase("event");
+    line.erase("time");
+    EXPECT_EQ(line, event.values) << event.name;
+    line_start = line_end + 1;
+  }
+  rolu->Signal(SIGINT);
+  EXPECT_EQ(rolu->Wait(), 0);
+  EXPECT_EQ(rolu->out().size(), line_start) << "nothing is told twice: " << rolu->out();
+  EXPECT_THAT(rolu->err(), IsEmpty());
+  ExpectTakenDown();
+}
+
+TEST_F(WatchTest, text_tells_the_same_in_words) {
+  Start("--count 2");
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(rolu->WaitForOutput("ignition off\n"));
+  board.mcu().WithModel([](auto& mcu) { mcu.SetBatteryVolts(10.0); });
+  EXPECT_EQ(rolu->Wait(), 0) << "the second event ends it";
+  EXPECT_THAT(rolu->out(), AllOf(HasSubstr("watching: ignition on, car battery 12.600 V\n"),
+                                 HasSubstr("car battery: 10.000 V\n"), Not(HasSubstr("\033"))));
+  ExpectTakenDown();
+}
+
+TEST_F(WatchTest, a_silent_mcu_is_told_and_outlived) {
+  Start("--json");
+  board.mcu().SetSilent(true);
+  ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
+  board.mcu().SetSilent(false);
+  ASSERT_TRUE(rolu->WaitForOutput("mcu-back"));
+  board.mcu().WithModel([](auto& mcu) { mcu.WarnOfPowerOff(PowerOffWarning::kLowVoltage); });
+  ASSERT_TRUE(rolu->WaitForOutput("power-off-battery"));
+  rolu->Signal(SIGTERM);
+  EXPECT_EQ(rolu->Wait(), 0);
+  ExpectTakenDown();
+}
+
+TEST_F(WatchTest, an_end_while_the_mcu_is_silent_says_what_could_not_be_taken_down) {
+  Start("--json");
+  board.mcu().SetSilent(true);
+  ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
+  rolu->Signal(SIGINT);
+  EXPECT_EQ(rolu->Wait(), 4);
+  EXPECT_THAT(rolu->err(), HasSubstr("could not take down the G-sensor: the MCU did not answer in time"));
+  EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
+}
+
+TEST_F(WatchTest, it_ends_after_its_time) {
+  const auto start = std::chrono::steady_clock::now();
+  const Ended watch = Rolu("watch --for 700ms");
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
+  EXPECT_EQ(watch.status, 0);
+  ExpectTakenDown();
+}
+
+TEST_F(WatchTest, commands_run_at_their_event_beside_the_watching) {
+  TemporaryDirectory directory;
+  const std::string marker = directory.File("seen");
+  Start({"--on", "ignition-off", "echo $ROLU_EVENT >> " + marker, "--on", "ignition-off",
+         "echo noise; exit 3", "--on", "ignition-on", "echo never >> " + marker, "--on", "shock",
+         "sleep 1000"});
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(rolu->WaitForOutput("ignition off"));
+  board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
+  ASSERT_TRUE(rolu->WaitForOutput("G-sensor alarm"));
+  ASSERT_TRUE(rolu->WaitForMessage("'echo noise; exit 3' ended with status 3"));
+  rolu->Signal(SIGINT);
+  EXPECT_EQ(rolu->Wait(), 0) << "a command that goes on is ended";
+  EXPECT_EQ(ReadFile(marker), "ignition-off\n");
+  EXPECT_THAT(rolu->out(), Not(HasSubstr("noise")));
+  EXPECT_THAT(rolu->err(), AllOf(HasSubstr("noise\n"), HasSubstr("'sleep 1000' was ended by signal 15")));
+  ExpectTakenDown();
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -1,0 +1,183 @@
+#include "tools/board_watcher.h"
+
+#include <fmt/format.h>
+#include <time.h>
+
+#include <cmath>
+
+#include "kavo_rolu.h"
+#include "tools/messages.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+double Thousandths(float volts) {
+  return std::round(static_cast<double>(volts) * 1000.0) / 1000.0;
+}
+
+std::string VoltsText(double volts) {
+  return fmt::format("{:.3f} V", volts);
+}
+
+timespec FromNow(std::chrono::milliseconds time) {
+  timespec deadline{};
+  clock_gettime(CLOCK_REALTIME, &deadline);
+  const std::int64_t nanoseconds = deadline.tv_nsec + (time.count() % 1000) * 1'000'000;
+  deadline.tv_sec += static_cast<time_t>(time.count() / 1000 + nanoseconds / 1'000'000'000);
+  deadline.tv_nsec = static_cast<long>(nanoseconds % 1'000'000'000);
+  return deadline;
+}
+
+}  // namespace
+
+SignalWaiter::SignalWaiter(EventQueue& queue, EventKind kind) : queue_(queue), kind_(kind) {
+  thread_ = std::thread([this] { Run(); });
+  pthread_mutex_lock(&mutex_);
+  while (!waiting_) pthread_cond_wait(&waiting_changed_, &mutex_);
+  pthread_mutex_unlock(&mutex_);
+}
+
+SignalWaiter::~SignalWaiter() {
+  Stop();
+  pthread_cond_destroy(&waiting_changed_);
+  pthread_cond_destroy(&condition_);
+  pthread_mutex_destroy(&mutex_);
+}
+
+// No time-out: between two waits a signal would be lost. glibc ends this wait only when it is
+// signalled.
+void SignalWaiter::Run() {
+  pthread_mutex_lock(&mutex_);
+  waiting_ = true;
+  pthread_cond_signal(&waiting_changed_);
+  while (true) {
+    pthread_cond_wait(&condition_, &mutex_);
+    if (stopping_) break;
+    queue_.Put(kind_);
+  }
+  pthread_mutex_unlock(&mutex_);
+}
+
+void SignalWaiter::Stop() {
+  if (!thread_.joinable()) return;
+  pthread_mutex_lock(&mutex_);
+  stopping_ = true;
+  pthread_cond_signal(&condition_);
+  pthread_mutex_unlock(&mutex_);
+  thread_.join();
+}
+
+BoardWatcher::BoardWatcher(EventQueue& queue, const WatchSettings& settings)
+    : queue_(queue),
+      settings_(settings),
+      ignition_warning_(queue, EventKind::kIgnitionWarning),
+      battery_warning_(queue, EventKind::kBatteryWarning) {}
+
+ROLU_STATUS BoardWatcher::Start() {
+  ThrowUnlessDone(KAVO_ROLU_VPM_SetIgnPowerOffEvent(ignition_warning_.condition()), "watch the warnings");
+  ThrowUnlessDone(KAVO_ROLU_VPM_SetLBPPowerOffEvent(battery_warning_.condition()), "watch the warnings");
+  ThrowUnlessDone(KAVO_ROLU_GSENSOR_SetAlarmEvent(&shock_), "watch the G-sensor");
+  const ROLU_STATUS alarm = KAVO_ROLU_GSENSOR_AlarmEnabled(true);
+  poller_ = std::thread([this] { Poll(); });
+  shock_taker_ = std::thread([this] { TakeShocks(); });
+  return alarm;
+}
+
+void BoardWatcher::Stop() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    stopping_ = true;
+  }
+  stop_asked_.notify_all();
+  if (poller_.joinable()) poller_.join();
+  if (shock_taker_.joinable()) shock_taker_.join();
+  ignition_warning_.Stop();
+  battery_warning_.Stop();
+}
+
+bool BoardWatcher::WaitUnlessStopped(std::chrono::milliseconds time) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return !stop_asked_.wait_for(lock, time, [this] { return stopping_; });
+}
+
+void BoardWatcher::Poll() {
+  do {
+    const bool first = !ignition_ && !told_volts_;
+    if (LookAtIgnition()) LookAtVoltage();
+    if (first && (ignition_ || told_volts_)) TellState();
+  } while (WaitUnlessStopped(settings_.interval));
+}
+
+void BoardWatcher::TellState() {
+  Document values = Document::object();
+  std::string detail;
+  if (ignition_) {
+    values["ignition"] = *ignition_;
+    detail = *ignition_ ? "ignition on" : "ignition off";
+  }
+  if (told_volts_) {
+    values["volts"] = *told_volts_;
+    detail += fmt::format("{}car battery {}", detail.empty() ? "" : ", ", VoltsText(*told_volts_));
+  }
+  queue_.Put(EventKind::kState, std::move(values), std::move(detail));
+}
+
+bool BoardWatcher::NoteAnswer(ROLU_STATUS status, const char* subject) {
+  const bool answered = status != ROLU_STATUS_VPM_NO_REPLY && status != ROLU_STATUS_VPM_SEND_FAILED;
+  if (answered == silent_) {
+    silent_ = !answered;
+    queue_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
+  }
+  if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
+    SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
+  }
+  return answered;
+}
+
+bool BoardWatcher::LookAtIgnition() {
+  char on = 0;
+  const ROLU_STATUS status = KAVO_ROLU_VPM_GetIgnitionStatus(&on);
+  if (status == ROLU_STATUS_SUCCESS) {
+    const bool is_on = on == 1;
+    if (ignition_ && *ignition_ != is_on) {
+      queue_.Put(is_on ? EventKind::kIgnitionOn : EventKind::kIgnitionOff);
+    }
+    ignition_ = is_on;
+  }
+  return NoteAnswer(status, "the ignition");
+}
+
+bool BoardWatcher::LookAtVoltage() {
+  float measured = 0;
+  const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&measured);
+  if (status == ROLU_STATUS_SUCCESS) {
+    const double volts = Thousandths(measured);
+    const bool is_first = !told_volts_;
+    if (is_first || std::abs(volts - *told_volts_) >= settings_.volts_step) {
+      told_volts_ = volts;
+      if (!is_first) queue_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts));
+    }
+  }
+  return NoteAnswer(status, "the car battery");
+}
+
+// A signal that came while nobody waited is made good by looking at the queue now and then.
+void BoardWatcher::TakeShocks() {
+  constexpr std::chrono::milliseconds kLookAgain{200};
+  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+  pthread_mutex_lock(&mutex);
+  while (WaitUnlessStopped(std::chrono::milliseconds(0))) {
+    ROLU_GSENSOR_DATA sample{};
+    while (KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS) {
+      queue_.Put(EventKind::kShock, {{"x", sample.x}, {"y", sample.y}, {"z", sample.z}},
+                 fmt::format("x {} y {} z {}", sample.x, sample.y, sample.z));
+    }
+    const timespec deadline = FromNow(kLookAgain);
+    pthread_cond_timedwait(&shock_, &mutex, &deadline);
+  }
+  pthread_mutex_unlock(&mutex);
+  pthread_mutex_destroy(&mutex);
+}
+
+}  // namespace rolu

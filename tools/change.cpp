@@ -1,0 +1,100 @@
+#include "tools/change.h"
+
+#include <fmt/format.h>
+
+#include "tools/interrupt.h"
+#include "tools/messages.h"
+#include "tools/output.h"
+#include "tools/settings_table.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+std::string WithUnit(const Setting& setting, const Value& value) {
+  const std::string text = ValueText(setting, value);
+  return setting.unit.empty() ? text : fmt::format("{} {}", text, setting.unit);
+}
+
+// "; the MCU's range is 10.492 to 12.000 V" for a threshold, which only the MCU can judge.
+std::string McuRange(const Setting& setting) {
+  const std::string_view system = setting.name.substr(0, setting.name.rfind('.'));
+  const Setting* const range = FindSetting(fmt::format("{}.range", system));
+  Value limits;
+  if (range == nullptr || range->read(limits) != ROLU_STATUS_SUCCESS) return "";
+  return fmt::format("; the MCU's range is {:.3f} to {:.3f} V", limits.front().get<double>(),
+                     limits.back().get<double>());
+}
+
+void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
+  change.result = WordsOf(status).exit_status;
+  change.problem = doing + ": " + DescribeWithHint(status);
+  const bool refused = status == ROLU_STATUS_INVALID_PARAMETER;
+  if (refused && change.setting->kind == Kind::kVolts) change.problem += McuRange(*change.setting);
+}
+
+void GiveUp(Change& change) {
+  change.result = kPartlyDone;
+  change.problem = "was not set, as a signal asked for an end";
+}
+
+}  // namespace
+
+bool IsProtection(const Setting& setting) {
+  return setting.name == "battery.preboot" || setting.name == "battery.lbp";
+}
+
+void Apply(Session& session, Change& change) {
+  const Setting& setting = *change.setting;
+  Value value;
+  if (!change.before && session.Read(setting, value) == ROLU_STATUS_SUCCESS) change.before = value;
+  ROLU_STATUS status = session.Write(setting, change.wanted);
+  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "could not be set");
+  status = session.Read(setting, value);
+  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "was set, but could not be read back");
+  change.read_back = value;
+  if (IsSame(change.wanted, value, setting.rounding)) return;
+  change.result = kRefused;
+  change.problem = fmt::format("was set, but reads back as {}", WithUnit(setting, value));
+}
+
+void ApplyAll(Session& session, std::vector<Change>& changes,
+              const std::function<void(const Change&)>& tell) {
+  bool protections_are_off = false;
+  for (Change& change : changes) {
+    const bool must_be_done = protections_are_off && IsProtection(*change.setting);
+    if (interrupt::Signal() != 0 && !must_be_done) {
+      GiveUp(change);
+    } else {
+      if (must_be_done) session.AskAgain();
+      Apply(session, change);
+      if (change.setting->name == kBatteryMode) protections_are_off = true;
+    }
+    tell(change);
+  }
+}
+
+void PrintChange(const Change& change) {
+  const Setting& setting = *change.setting;
+  if (!change.problem.empty()) {
+    SayProblem(fmt::format("{} = {} {}", setting.name, ValueText(setting, change.wanted), change.problem));
+    return;
+  }
+  const std::string before =
+      change.before ? fmt::format(" (was {})", ValueText(setting, *change.before)) : "";
+  const bool rounded = !IsSame(*change.read_back, change.wanted);
+  const std::string asked =
+      rounded ? fmt::format(", the nearest to {} that the MCU holds", ValueText(setting, change.wanted)) : "";
+  Out(fmt::format("{} = {}{}{}\n", setting.name, WithUnit(setting, *change.read_back), asked, before));
+}
+
+Document ChangeAsJson(const Change& change) {
+  Document document = {{"wanted", change.wanted}};
+  if (change.before) document["before"] = *change.before;
+  if (change.read_back) document["value"] = *change.read_back;
+  if (!change.setting->unit.empty()) document["unit"] = change.setting->unit;
+  if (!change.problem.empty()) document["error"] = change.problem;
+  return document;
+}
+
+}  // namespace rolu

@@ -1,0 +1,45 @@
+#include "tools/confirm.h"
+
+#include <fmt/format.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+
+#include "tools/interrupt.h"
+#include "tools/messages.h"
+
+namespace rolu {
+namespace {
+
+// A line of standard input without its end; nothing when a signal or the end of the input came
+// before. Byte by byte, so that what follows the line stays for others.
+std::optional<std::string> ReadAnswer() {
+  std::string answer;
+  pollfd descriptors[] = {{STDIN_FILENO, POLLIN, 0}, {interrupt::Descriptor(), POLLIN, 0}};
+  while (interrupt::Signal() == 0) {
+    if (poll(descriptors, 2, -1) < 0 || interrupt::Signal() != 0) continue;
+    char character = 0;
+    if (read(STDIN_FILENO, &character, 1) != 1) return std::nullopt;
+    if (character == '\n') return answer;
+    answer += character;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void Confirm(const CommonOptions& options, const std::vector<std::string>& consequences) {
+  if (options.yes || consequences.empty()) return;
+  for (const std::string& consequence : consequences) Say("this " + consequence);
+  fmt::print(stderr, "rolu: go on? [y/N] ");
+  const std::optional<std::string> answer = ReadAnswer();
+  if (!answer) fmt::print(stderr, "\n");
+  interrupt::ThrowIfRequested();
+  if (answer == "y" || answer == "Y" || answer == "yes") return;
+  throw CommandError(kPartlyDone, answer ? "nothing was done, as the answer was not yes"
+                                         : "nothing was done, as nobody answered; -y goes on without asking");
+}
+
+}  // namespace rolu

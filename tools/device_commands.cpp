@@ -1,0 +1,115 @@
+// pins, light and backlight: devices beside the MCU.
+
+#include <fmt/format.h>
+
+#include <array>
+
+#include "tools/change.h"
+#include "tools/command.h"
+#include "tools/messages.h"
+#include "tools/output.h"
+#include "tools/report.h"
+#include "tools/session.h"
+#include "tools/settings_table.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+ExitStatus Show(const char* name, const CommonOptions& common) {
+  const Setting& setting = SettingNamed(name);
+  Session session(common);
+  Value value;
+  ThrowUnlessDone(session.Read(setting, value), fmt::format("read {}", name));
+  Report report;
+  report.AddValue(setting, value);
+  report.Print(common.json);
+  return kDone;
+}
+
+ExitStatus SetBacklight(const std::string& level, const CommonOptions& common) {
+  Change change;
+  change.setting = &SettingNamed("display.backlight");
+  try {
+    change.wanted = ParseValue(*change.setting, level);
+  } catch (const std::invalid_argument& problem) {
+    throw CommandError(kWrongUse, fmt::format("the level {}", problem.what()));
+  }
+  Session session(common);
+  Apply(session, change);
+  if (common.json) PrintJson({{std::string(change.setting->name), ChangeAsJson(change)}});
+  if (!common.json || !change.problem.empty()) PrintChange(change);
+  return change.result;
+}
+
+// Reading needs the lines to be there; preparing them gives them their directions anew, after which
+// the outputs are low. So nothing but these two prepares them.
+void PreparePins() {
+  ThrowUnlessDone(KAVO_ROLU_DIO_Initialize(), "prepare the lines");
+}
+
+ExitStatus RunPrepare(const CommonOptions& common) {
+  Session session(common);
+  session.Require(Family::kCore);
+  PreparePins();
+  KAVO_ROLU_DIO_Deinitialize();
+  if (!common.json) Out("the lines are prepared, both outputs are low\n");
+  if (common.json) PrintJson({{"pins.prepared", true}});
+  return kDone;
+}
+
+ExitStatus RunDrive(const std::vector<std::string>& levels, const CommonOptions& common) {
+  std::array<unsigned char, 2> pins{};
+  for (std::size_t i = 0; i < pins.size(); ++i) pins[i] = levels[i] == "high" || levels[i] == "1" ? 1 : 0;
+  Session session(common);
+  session.Require(Family::kCore);
+  ROLU_STATUS status = KAVO_ROLU_DIO_WriteDOPin(pins.data());
+  if (status == ROLU_STATUS_DEVICE_OPEN_FAILED) {
+    PreparePins();
+    status = KAVO_ROLU_DIO_WriteDOPin(pins.data());
+    KAVO_ROLU_DIO_Deinitialize();
+  }
+  ThrowUnlessDone(status, "drive the outputs");
+  Report report;
+  const auto word = [&](std::size_t i) { return pins[i] == 1 ? "high" : "low"; };
+  report.AddValue("pins.outputs", Value(pins), fmt::format("{} {}", word(0), word(1)));
+  report.Print(common.json);
+  return kDone;
+}
+
+}  // namespace
+
+void AddPinsCommand(CLI::App& app, Invocation& invocation) {
+  auto levels = std::make_shared<std::vector<std::string>>();
+  CLI::App* const pins = NewCommand(app, "pins", "Read the digital inputs and drive the outputs",
+                                    "  rolu pins read\n  rolu pins drive high low");
+  pins->require_subcommand(1);
+  OnRun(NewCommand(*pins, "read", "Read the two inputs", ""), invocation,
+        [](const CommonOptions& common) { return Show("pins.inputs", common); });
+  OnRun(NewCommand(*pins, "prepare", "Make the lines available; both outputs go low", ""), invocation,
+        RunPrepare);
+  CLI::App* const drive = NewCommand(*pins, "drive", "Drive the two outputs, which keep their levels",
+                                     "  rolu pins drive high low");
+  drive->add_option("LEVEL", *levels, "Of output 1 and of output 2")
+      ->required()
+      ->expected(2)
+      ->check(CLI::IsMember({"high", "low", "1", "0"}));
+  OnRun(drive, invocation, [levels](const CommonOptions& common) { return RunDrive(*levels, common); });
+}
+
+void AddLightCommand(CLI::App& app, Invocation& invocation) {
+  OnRun(NewCommand(app, "light", "Read the ambient light", "  rolu light --json"), invocation,
+        [](const CommonOptions& common) { return Show("light.level", common); });
+}
+
+void AddBacklightCommand(CLI::App& app, Invocation& invocation) {
+  auto level = std::make_shared<std::string>();
+  CLI::App* const command =
+      NewCommand(app, "backlight", "Show or set the backlight", "  rolu backlight\n  rolu backlight 7");
+  command->add_option("LEVEL", *level, "0 to 10; without it the level is shown");
+  OnRun(command, invocation, [level](const CommonOptions& common) {
+    return level->empty() ? Show("display.backlight", common) : SetBacklight(*level, common);
+  });
+}
+
+}  // namespace rolu

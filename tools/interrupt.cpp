@@ -1,0 +1,80 @@
+#include "tools/interrupt.h"
+
+#include <errno.h>
+#include <poll.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+
+#include "tools/messages.h"
+
+namespace rolu::interrupt {
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<int> requested{0};
+int wakeup = -1;
+
+// Does only what a signal handler may.
+void Request(int number) {
+  const int error = errno;
+  requested = number;
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(wakeup, &one, sizeof one);
+  errno = error;
+}
+
+}  // namespace
+
+void Watch() {
+  wakeup = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  struct sigaction action {};
+  action.sa_handler = Request;
+  // Without SA_RESTART, so that a question at the terminal ends as well.
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigemptyset(&action.sa_mask);
+  for (const int number : kSignals) {
+    struct sigaction before {};
+    sigaction(number, nullptr, &before);
+    // What nohup and background shells ignore stays ignored.
+    if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
+  }
+  // A reader that goes away must not leave the board initialised.
+  signal(SIGPIPE, SIG_IGN);
+}
+
+int Signal() {
+  return requested;
+}
+
+void ThrowIfRequested() {
+  const int number = requested;
+  if (number == 0) return;
+  throw CommandError(
+      static_cast<ExitStatus>(kSignalBase + number),
+      std::string("stopped by a signal: ") + strsignal(number));  // NOLINT(concurrency-mt-unsafe)
+}
+
+int Descriptor() {
+  return wakeup;
+}
+
+bool SleepFor(std::chrono::milliseconds time) {
+  const auto deadline = std::chrono::steady_clock::now() + time;
+  while (requested == 0) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return true;
+    pollfd stop{wakeup, POLLIN, 0};
+    poll(&stop, 1, static_cast<int>(std::min<std::int64_t>(left.count(), 60'000)));
+  }
+  return false;
+}
+
+}  // namespace rolu::interrupt

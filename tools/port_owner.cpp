@@ -1,0 +1,124 @@
+#include "tools/port_owner.h"
+
+#include <errno.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+
+namespace rolu {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kShownCommandLength = 60;
+
+bool IsSameFile(const struct stat& port, const struct stat& file) {
+  if (port.st_dev == file.st_dev && port.st_ino == file.st_ino) return true;
+  return S_ISCHR(port.st_mode) && S_ISCHR(file.st_mode) && port.st_rdev == file.st_rdev;
+}
+
+// The number N of a pseudo-terminal's device /dev/pts/N; Linux gives them these majors.
+std::optional<unsigned> PseudoTerminalNumber(const struct stat& port) {
+  constexpr unsigned kFirstMajor = 136;
+  constexpr unsigned kLastMajor = 143;
+  const unsigned device_major = major(port.st_rdev);
+  if (!S_ISCHR(port.st_mode) || device_major < kFirstMajor || device_major > kLastMajor) return std::nullopt;
+  return (device_major - kFirstMajor) * 256 + minor(port.st_rdev);
+}
+
+std::string Link(const fs::path& link) {
+  std::error_code error;
+  const fs::path target = fs::read_symlink(link, error);
+  return error ? "" : target.string();
+}
+
+// Whether the descriptor is the other end of pseudo-terminal `number`.
+bool IsMasterOf(const fs::path& process, const fs::path& descriptor, unsigned number) {
+  std::ifstream info(process / "fdinfo" / descriptor.filename());
+  std::string key;
+  unsigned index = 0;
+  while (info >> key) {
+    if (key == "tty-index:" && info >> index) return index == number;
+  }
+  return false;
+}
+
+enum class Holding { kNothing, kPort, kFarEnd, kUnknown };
+
+Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
+  const std::optional<unsigned> number = PseudoTerminalNumber(port);
+  std::error_code error;
+  Holding holding = Holding::kNothing;
+  fs::directory_iterator descriptors(process / "fd", error);
+  if (error) return error == std::errc::permission_denied ? Holding::kUnknown : Holding::kNothing;
+  for (; descriptors != fs::directory_iterator(); descriptors.increment(error)) {
+    const fs::path& descriptor = descriptors->path();
+    const std::string target = Link(descriptor);
+    // Files elsewhere are not asked: they may be on a server that is not there.
+    if (target.rfind("/dev/", 0) != 0 && target.rfind("/proc/", 0) != 0) continue;
+    if (number && target == "/dev/ptmx" && IsMasterOf(process, descriptor, *number)) return Holding::kFarEnd;
+    struct stat file {};
+    if (stat(descriptor.c_str(), &file) == 0 && IsSameFile(port, file)) holding = Holding::kPort;
+  }
+  return holding;
+}
+
+std::string CommandOf(const fs::path& process) {
+  std::ifstream file(process / "cmdline", std::ios::binary);
+  std::string command{std::istreambuf_iterator<char>(file), {}};
+  while (!command.empty() && command.back() == '\0') command.pop_back();
+  for (char& character : command) {
+    const bool prints = character >= ' ' && character <= '~';
+    if (!prints) character = character == '\0' ? ' ' : '?';
+  }
+  if (command.size() > kShownCommandLength) command = command.substr(0, kShownCommandLength) + "...";
+  return command;
+}
+
+std::optional<pid_t> ProcessNumber(const std::string& name) {
+  pid_t pid = 0;
+  const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+  if (error != std::errc() || end != name.data() + name.size() || pid == getpid()) return std::nullopt;
+  return pid;
+}
+
+}  // namespace
+
+PortSearch FindPortOwner() {
+  PortSearch search;
+  struct stat port {};
+  if (stat(kMcuPort, &port) != 0) return search;
+  std::error_code error;
+  for (fs::directory_iterator processes("/proc", error); !error && processes != fs::directory_iterator();
+       processes.increment(error)) {
+    const fs::path& process = processes->path();
+    const std::optional<pid_t> pid = ProcessNumber(process.filename());
+    if (!pid) continue;
+    switch (WhatProcessHolds(process, port)) {
+      case Holding::kPort:
+        search.owner = PortOwner{*pid, CommandOf(process)};
+        return search;
+      case Holding::kUnknown:
+        ++search.hidden_processes;
+        break;
+      default:
+        break;
+    }
+  }
+  return search;
+}
+
+std::string OwnerText(const PortOwner& owner) {
+  return fmt::format("process {} ({})", owner.pid, owner.command.empty() ? "unknown command" : owner.command);
+}
+
+}  // namespace rolu

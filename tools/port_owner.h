@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+
+namespace rolu {
+
+// The MCU's port, as the library opens it.
+inline constexpr char kMcuPort[] = "/proc/vpm_serial";
+
+struct PortOwner {
+  pid_t pid = 0;
+  std::string command;  // its command line, shortened
+};
+
+struct PortSearch {
+  std::optional<PortOwner> owner;
+  // Processes whose descriptors this one may not see, as those of other users.
+  int hidden_processes = 0;
+};
+
+// Looks for another process that has the MCU's port open. When the port is a pseudo-terminal, the
+// process at its other end is no owner: it is the MCU.
+PortSearch FindPortOwner();
+
+// "process 1234 (vehicle-app --verbose)".
+std::string OwnerText(const PortOwner& owner);
+
+}  // namespace rolu

@@ -1,0 +1,87 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "tools/command.h"
+#include "tools/confirm.h"
+#include "tools/interrupt.h"
+#include "tools/messages.h"
+#include "tools/output.h"
+#include "tools/session.h"
+#include "tools/settings_file.h"
+#include "tools/settings_table.h"
+#include "tools/status_words.h"
+#include "tools/wall_time.h"
+
+namespace rolu {
+namespace {
+
+bool CanBeSetAgain(const Setting& setting, const Value& value) {
+  try {
+    CheckValue(setting, value);
+    return true;
+  } catch (const std::invalid_argument&) {
+    return false;
+  }
+}
+
+SettingsFile ReadUnit(Session& session, Outcome& outcome) {
+  SettingsFile file;
+  file.saved_at = TimeStamp();
+  for (const Setting& setting : Settings()) {
+    if (!setting.IsSaved()) continue;
+    interrupt::ThrowIfRequested();
+    Value value;
+    const ROLU_STATUS status = session.Read(setting, value);
+    if (status != ROLU_STATUS_SUCCESS) {
+      outcome.Failed(WordsOf(status).exit_status);
+      SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status)));
+    } else if (CanBeSetAgain(setting, value)) {
+      outcome.Done();
+      file.settings.push_back({&setting, value});
+    } else {
+      Say(fmt::format("{} is not in the file: it is {}, which cannot be set again", setting.name,
+                      ValueText(setting, value)));
+    }
+  }
+  Value firmware;
+  const bool known = session.Read(SettingNamed("mcu.firmware"), firmware) == ROLU_STATUS_SUCCESS;
+  if (known) file.firmware = firmware.get<std::string>();
+  return file;
+}
+
+ExitStatus RunSave(const std::string& path, const CommonOptions& common) {
+  const bool replaces = path != "-" && access(path.c_str(), F_OK) == 0;
+  if (replaces) Confirm(common, {fmt::format("replaces the file {}", path)});
+  Session session(common);
+  Outcome outcome;
+  const SettingsFile file = ReadUnit(session, outcome);
+  const ROLU_STATUS problem = session.McuProblem();
+  session.Close();
+  if (problem != ROLU_STATUS_SUCCESS) {
+    throw CommandError(kNoAnswer, fmt::format("nothing was saved: {}", DescribeWithHint(problem)));
+  }
+  if (file.settings.empty()) throw CommandError(outcome.Result(), "nothing was saved");
+  WriteSettingsFile(path, file);
+  if (common.json && path != "-") {
+    PrintJson({{"file", path}, {"saved", file.settings.size()}});
+  } else if (path != "-") {
+    Out(fmt::format("{} settings saved in {}\n", file.settings.size(), path));
+  }
+  return outcome.Result();
+}
+
+}  // namespace
+
+void AddSaveCommand(CLI::App& app, Invocation& invocation) {
+  auto path = std::make_shared<std::string>();
+  CLI::App* const command =
+      NewCommand(app, "save", "Write all settings of the unit into a file",
+                 "  rolu save unit-17.json\n  rolu save - | ssh depot 'cat > unit-17.json'");
+  command->add_option("FILE", *path, "The file, written whole or not at all; - is standard output")
+      ->required();
+  OnRun(command, invocation, [path](const CommonOptions& common) { return RunSave(*path, common); });
+}
+
+}  // namespace rolu

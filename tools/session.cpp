@@ -1,0 +1,152 @@
+#include "tools/session.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "tools/common_options.h"
+#include "tools/gpio_lines.h"
+#include "tools/messages.h"
+#include "tools/port_owner.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+struct FamilyWords {
+  const char* name;
+  ROLU_STATUS (*take_down)();
+};
+
+// By Family.
+constexpr FamilyWords kFamilyWords[kFamilies] = {
+    {"the core", KAVO_ROLU_CORE_DeInit},
+    {"the vehicle power management", KAVO_ROLU_VPM_Deinitialize},
+    {"the watchdog", KAVO_ROLU_WD_Deinitialize},
+    {"the G-sensor", KAVO_ROLU_GSENSOR_Deinitialize},
+    {"the peripherals", KAVO_ROLU_PERIPHERALCTRL_Deinitialize},
+};
+
+std::size_t IndexOf(Family family) {
+  return static_cast<std::size_t>(family);
+}
+
+// What the library prints on standard output while this lives goes nowhere: this program's output
+// is read by other programs.
+class SilencedOutput {
+ public:
+  SilencedOutput() {
+    std::fflush(stdout);
+    saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (saved_ >= 0 && nowhere >= 0) dup2(nowhere, STDOUT_FILENO);
+    if (nowhere >= 0) close(nowhere);
+  }
+  ~SilencedOutput() {
+    std::fflush(stdout);
+    if (saved_ < 0) return;
+    dup2(saved_, STDOUT_FILENO);
+    close(saved_);
+  }
+  SilencedOutput(const SilencedOutput&) = delete;
+  SilencedOutput& operator=(const SilencedOutput&) = delete;
+
+ private:
+  int saved_ = -1;
+};
+
+ROLU_STATUS BringUpVpm() {
+  const SilencedOutput silenced;
+  return KAVO_ROLU_VPM_Initialize(0);
+}
+
+}  // namespace
+
+ROLU_STATUS Session::Use(Family family) {
+  std::optional<ROLU_STATUS>& state = states_[IndexOf(family)];
+  if (!state) {
+    if (family != Family::kCore) EnsurePortIsOurs();
+    state = BringUp(family);
+  }
+  return *state;
+}
+
+void Session::Require(Family family) {
+  ThrowUnlessDone(Use(family), fmt::format("bring up {}", kFamilyWords[IndexOf(family)].name));
+}
+
+void Session::EnsurePortIsOurs() {
+  if (port_checked_) return;
+  port_checked_ = true;
+  if (options_.force) return;
+  const PortSearch search = FindPortOwner();
+  if (!search.owner) return;
+  throw CommandError(kBusy, fmt::format("the MCU's port {} is in use by {}; two programs would take each "
+                                        "other's answers. End that process, or go on with --force",
+                                        kMcuPort, OwnerText(*search.owner)));
+}
+
+ROLU_STATUS Session::BringUp(Family family) {
+  if (family != Family::kCore && McuIsSilent()) return ROLU_STATUS_VPM_NO_REPLY;
+  switch (family) {
+    case Family::kCore:
+      return KAVO_ROLU_CORE_Init();
+    case Family::kVpm: {
+      const ROLU_STATUS status = BringUpVpm();
+      // The greeting went unanswered before.
+      if (status == ROLU_STATUS_VPM_NO_REPLY) unanswered_ = kSilence;
+      return status;
+    }
+    case Family::kWatchdog:
+      return KAVO_ROLU_WD_Initialize(0);
+    case Family::kGsensor:
+      return KAVO_ROLU_GSENSOR_Initialize(0);
+    default:
+      return BringUpPeripherals();
+  }
+}
+
+ROLU_STATUS Session::McuProblem() const {
+  if (McuIsSilent()) return ROLU_STATUS_VPM_NO_REPLY;
+  for (const std::optional<ROLU_STATUS>& state : states_) {
+    if (state == ROLU_STATUS_VPM_OPEN_FAILED) return ROLU_STATUS_VPM_OPEN_FAILED;
+  }
+  return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS Session::Noted(ROLU_STATUS status) {
+  unanswered_ = status == ROLU_STATUS_VPM_NO_REPLY ? unanswered_ + 1 : 0;
+  return status;
+}
+
+ROLU_STATUS Session::Read(const Setting& setting, Value& value) {
+  const ROLU_STATUS up = Use(setting.family);
+  if (up != ROLU_STATUS_SUCCESS) return up;
+  if (setting.family == Family::kCore) return setting.read(value);
+  return McuIsSilent() ? ROLU_STATUS{ROLU_STATUS_VPM_NO_REPLY} : Noted(setting.read(value));
+}
+
+ROLU_STATUS Session::Write(const Setting& setting, const Value& value) {
+  const ROLU_STATUS up = Use(setting.family);
+  if (up != ROLU_STATUS_SUCCESS) return up;
+  if (setting.family == Family::kCore) return setting.write(value);
+  return McuIsSilent() ? ROLU_STATUS{ROLU_STATUS_VPM_NO_REPLY} : Noted(setting.write(value));
+}
+
+ExitStatus Session::Close() {
+  ExitStatus result = kDone;
+  for (std::size_t i = kFamilies; i-- > 0;) {
+    const bool is_up = states_[i] == ROLU_STATUS_SUCCESS;
+    states_[i].reset();
+    if (!is_up) continue;
+    const ROLU_STATUS status = kFamilyWords[i].take_down();
+    if (status == ROLU_STATUS_SUCCESS) continue;
+    SayProblem(fmt::format("could not take down {}: {}", kFamilyWords[i].name, Describe(status)));
+    result = WordsOf(status).exit_status;
+  }
+  return result;
+}
+
+}  // namespace rolu

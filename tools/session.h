@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "tools/exit_status.h"
+#include "tools/family.h"
+#include "tools/setting.h"
+
+namespace rolu {
+
+struct CommonOptions;
+
+// This program's use of the board: brings the families up as they are needed, and takes down what
+// it brought up, on every way out.
+//
+// An MCU that has stopped answering is not asked again and again: after two questions in a row
+// without an answer the rest is answered with ROLU_STATUS_VPM_NO_REPLY at once.
+class Session {
+ public:
+  explicit Session(const CommonOptions& options) : options_(options) {}
+  ~Session() { Close(); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // Brings a family up, unless this was tried before: the status of the attempt. Throws
+  // CommandError(kBusy) when another process holds the MCU's port and --force is not given.
+  ROLU_STATUS Use(Family family);
+
+  // The same; throws CommandError when the family did not come up.
+  void Require(Family family);
+
+  // Read and write one setting, with its family brought up.
+  ROLU_STATUS Read(const Setting& setting, Value& value);
+  ROLU_STATUS Write(const Setting& setting, const Value& value);
+
+  // Whether the MCU is silent: no question of this session that was asked lately had an answer.
+  bool McuIsSilent() const { return unanswered_ >= kSilence; }
+
+  // Silent, or its port could not be opened; and the status that says which.
+  bool McuIsUnreachable() const { return McuProblem() != ROLU_STATUS_SUCCESS; }
+  ROLU_STATUS McuProblem() const;
+
+  // The next question goes out although the MCU was silent.
+  void AskAgain() { unanswered_ = 0; }
+
+  // Takes everything down, in the reverse order. Says on standard error what could not be, and gives
+  // its exit status; else kDone.
+  ExitStatus Close();
+
+ private:
+  static constexpr int kSilence = 2;
+
+  void EnsurePortIsOurs();
+  ROLU_STATUS BringUp(Family family);
+  ROLU_STATUS Noted(ROLU_STATUS status);
+
+  const CommonOptions& options_;
+  std::array<std::optional<ROLU_STATUS>, kFamilies> states_;
+  bool port_checked_ = false;
+  int unanswered_ = 0;
+};
+
+}  // namespace rolu

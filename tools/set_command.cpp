@@ -1,0 +1,113 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "tools/change.h"
+#include "tools/command.h"
+#include "tools/confirm.h"
+#include "tools/interrupt.h"
+#include "tools/messages.h"
+#include "tools/nearest.h"
+#include "tools/settings_table.h"
+
+namespace rolu {
+namespace {
+
+Change ParseAssignment(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos) {
+    throw CommandError(kWrongUse, fmt::format("'{}' is not NAME=VALUE", text));
+  }
+  const Setting& setting = SettingNamed(text.substr(0, equals));
+  if (!setting.IsWritable()) {
+    throw CommandError(kWrongUse, fmt::format("{} can only be read", setting.name));
+  }
+  Change change;
+  change.setting = &setting;
+  try {
+    change.wanted = ParseValue(setting, text.substr(equals + 1));
+  } catch (const std::invalid_argument& problem) {
+    throw CommandError(kWrongUse, fmt::format("{} {}", setting.name, problem.what()));
+  }
+  return change;
+}
+
+// In the order of the table, whose rows depend on earlier ones only.
+std::vector<Change> ParseAssignments(const std::vector<std::string>& texts) {
+  std::vector<Change> changes;
+  for (const std::string& text : texts) changes.push_back(ParseAssignment(text));
+  // All settings are rows of one vector, so their places are their order.
+  std::sort(changes.begin(), changes.end(),
+            [](const Change& left, const Change& right) { return left.setting < right.setting; });
+  const auto twice = std::adjacent_find(
+      changes.begin(), changes.end(),
+      [](const Change& left, const Change& right) { return left.setting == right.setting; });
+  if (twice != changes.end()) {
+    throw CommandError(kWrongUse, fmt::format("{} is given twice", twice->setting->name));
+  }
+  return changes;
+}
+
+bool IsNamed(const std::vector<Change>& changes, std::string_view name) {
+  return std::any_of(changes.begin(), changes.end(),
+                     [&](const Change& change) { return change.setting->name == name; });
+}
+
+// A change of the battery mode leaves behind it what this says.
+void RemindOfProtections(const std::vector<Change>& changes) {
+  if (!IsNamed(changes, kBatteryMode)) return;
+  std::string left_off;
+  for (const std::string_view name : {"battery.preboot", "battery.lbp"}) {
+    if (!IsNamed(changes, name)) left_off += fmt::format(" {}=on", name);
+  }
+  if (left_off.empty()) return;
+  Say(fmt::format("the change of battery.mode switches protections off; 'rolu set{}' switches on again",
+                  left_off));
+}
+
+ExitStatus RunSet(const std::vector<std::string>& assignments, const CommonOptions& common) {
+  std::vector<Change> changes = ParseAssignments(assignments);
+  std::vector<std::string> consequences;
+  for (const Change& change : changes) {
+    if (!MustAsk(*change.setting, change.wanted)) continue;
+    consequences.push_back(fmt::format("{} ({}={})", change.setting->consequence, change.setting->name,
+                                       ValueText(*change.setting, change.wanted)));
+  }
+  Confirm(common, consequences);
+  Session session(common);
+  Outcome outcome;
+  Document document = Document::object();
+  ApplyAll(session, changes, [&](const Change& change) {
+    if (change.problem.empty()) {
+      outcome.Done();
+    } else {
+      outcome.Failed(change.result);
+    }
+    document[std::string(change.setting->name)] = ChangeAsJson(change);
+    if (!common.json || !change.problem.empty()) PrintChange(change);
+  });
+  if (common.json) PrintJson(document);
+  RemindOfProtections(changes);
+  interrupt::ThrowIfRequested();
+  return outcome.Result();
+}
+
+}  // namespace
+
+void AddSetCommand(CLI::App& app, Invocation& invocation) {
+  auto assignments = std::make_shared<std::vector<std::string>>();
+  CLI::App* const command =
+      NewCommand(app, "set", "Set settings, read them back and compare",
+                 "  rolu set ignition.off-event-delay=20\n"
+                 "  rolu set -y battery.mode=24V battery.24v.lbp-threshold=22.5 battery.lbp=on\n"
+                 "Every value is checked before the first is sent. What moves a threshold, switches a\n"
+                 "protection off or cuts the power asks first, unless -y is given.");
+  command
+      ->add_option("NAME=VALUE", *assignments, "Settings with their new values; 'rolu list' tells the ranges")
+      ->required();
+  OnRun(command, invocation,
+        [assignments](const CommonOptions& common) { return RunSet(*assignments, common); });
+}
+
+}  // namespace rolu

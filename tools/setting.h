@@ -1,0 +1,78 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kavo_rolu.h"
+#include "tools/family.h"
+
+namespace rolu {
+
+// A setting's value, as JSON has it: number, boolean, text, or a list of numbers.
+using Value = nlohmann::json;
+
+enum class Kind {
+  kNumber,     // a whole number
+  kVolts,      // rounded to three decimals
+  kCelsius,    // rounded to one decimal
+  kFlag,       // on or off
+  kChoice,     // one of a few words
+  kTimeOfDay,  // HH:MM
+  kText,
+  kList,  // numbers
+};
+
+// When a change must be confirmed first.
+enum class AsksFirst { kNever, kAlways, kSwitchingOff, kSwitchingOn };
+
+// One thing that can be read from the board, and perhaps written: a row of the one table that
+// help, man page, completion and all commands share.
+struct Setting {
+  std::string_view name;
+  std::string_view help;
+  Family family = Family::kVpm;
+  Kind kind = Kind::kNumber;
+  std::string_view unit{};
+  double minimum = 0;
+  double maximum = 0;
+  std::vector<std::string_view> choices{};
+  // How far a value that was set may be from what reads back: the step to which the MCU rounds.
+  double rounding = 0;
+
+  ROLU_STATUS (*read)(Value& value) = nullptr;
+  ROLU_STATUS (*write)(const Value& value) = nullptr;  // null: cannot be written
+
+  // Part of `save` and `load`; the momentary switches of peripherals are not.
+  bool saved = true;
+  AsksFirst asks = AsksFirst::kNever;
+  std::string_view consequence{};  // what a change that is asked about does
+
+  bool IsWritable() const { return write != nullptr; }
+  bool IsSaved() const { return IsWritable() && saved; }
+};
+
+// The part of the name before the first dot.
+std::string_view GroupOf(const Setting& setting);
+
+// What may be set: "1 to 65535", "on or off", "12V or 24V"; what is read, for one that is read only.
+std::string RangeText(const Setting& setting);
+
+// The whole of `text` as a value that the setting takes. Throws std::invalid_argument with the
+// reason ("must be a whole number from 1 to 65535, not '0x'").
+Value ParseValue(const Setting& setting, std::string_view text);
+
+// Whether a value out of a file is one that the setting takes; the same throw.
+void CheckValue(const Setting& setting, const Value& value);
+
+// For people and scripts: "12.600", "on", "07:30", "1 0". The unit is not part of it.
+std::string ValueText(const Setting& setting, const Value& value);
+
+// Equal; numbers also when they are no more than `allowance` (as a rule the setting's rounding) apart.
+bool IsSame(const Value& wanted, const Value& found, double allowance = 0);
+
+// Whether setting it to `value` must be confirmed.
+bool MustAsk(const Setting& setting, const Value& value);
+
+}  // namespace rolu

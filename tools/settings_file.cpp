@@ -1,0 +1,207 @@
+#include "tools/settings_file.h"
+
+#include <errno.h>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <set>
+#include <stdexcept>
+
+#include "tools/messages.h"
+#include "tools/nearest.h"
+#include "tools/output.h"
+#include "tools/settings_table.h"
+
+namespace rolu {
+namespace {
+
+constexpr char kFormat[] = "rolu-settings";
+constexpr int kVersion = 1;
+constexpr std::size_t kLargestFile = 1024 * 1024;
+
+using Problems = std::vector<std::string>;
+
+[[noreturn]] void Refuse(const std::string& path, const Problems& problems) {
+  throw CommandError(kWrongUse,
+                     fmt::format("{}: {}\nNothing was changed.", path, fmt::join(problems, "\n  ")));
+}
+
+std::string ReadWhole(const std::string& path) {
+  std::ifstream file;
+  if (path != "-") {
+    errno = 0;
+    file.open(path, std::ios::binary);
+    if (!file) throw CommandError(kWrongUse, fmt::format("could not open {}: {}", path, ErrnoText(errno)));
+  }
+  std::istream& source = path == "-" ? std::cin : file;
+  std::string text(kLargestFile + 1, '\0');
+  source.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(source.gcount()));
+  if (source.bad() || text.empty()) Refuse(path, {"is empty or cannot be read"});
+  if (text.size() > kLargestFile) Refuse(path, {"is too large for a file of settings"});
+  return text;
+}
+
+// The parser keeps the last of two equal keys; a file that says two things says none.
+Value ParseJson(const std::string& path, const std::string& text) {
+  std::vector<std::set<std::string>> keys;
+  Problems twice;
+  const auto watch_keys = [&](int /*depth*/, Value::parse_event_t event, Value& parsed) {
+    if (event == Value::parse_event_t::object_start) keys.emplace_back();
+    if (event == Value::parse_event_t::object_end) keys.pop_back();
+    if (event == Value::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
+      twice.push_back(fmt::format("'{}' is there twice", parsed.get<std::string>()));
+    }
+    return true;
+  };
+  try {
+    Value document = Value::parse(text, watch_keys);
+    if (!twice.empty()) Refuse(path, twice);
+    return document;
+  } catch (const Value::exception& error) {
+    const std::string what = error.what();
+    Refuse(path, {"is broken: " + what.substr(what.find("] ") + 2)});
+  }
+}
+
+std::string TextMember(const Value& document, const char* key) {
+  const auto member = document.find(key);
+  return member != document.end() && member->is_string() ? member->get<std::string>() : "";
+}
+
+void CheckFrame(const std::string& path, const Value& document) {
+  if (!document.is_object() || TextMember(document, "format") != kFormat) {
+    Refuse(path, {"is no file of settings that 'rolu save' wrote"});
+  }
+  const auto version = document.find("version");
+  if (version == document.end() || *version != kVersion) {
+    Refuse(path, {fmt::format("is of version {}; this program knows version {}",
+                              version == document.end() ? "none" : version->dump(), kVersion)});
+  }
+  static const std::set<std::string> known = {"format", "version", "saved_at", "firmware", "settings"};
+  Problems problems;
+  for (const auto& [key, value] : document.items()) {
+    if (known.count(key) == 0) problems.push_back(fmt::format("has an unknown part '{}'", key));
+  }
+  const auto settings = document.find("settings");
+  if (settings == document.end() || !settings->is_object()) problems.emplace_back("has no settings");
+  if (!problems.empty()) Refuse(path, problems);
+}
+
+// An empty text, or what is wrong with the entry.
+std::string ProblemWith(const std::string& name, const Value& entry) {
+  const Setting* const setting = FindSetting(name);
+  if (setting == nullptr)
+    return fmt::format("there is no setting '{}'{}", name, Suggestion(name, SettingNames()));
+  if (!setting->IsSaved()) return fmt::format("{} is not a setting to load", name);
+  if (!entry.is_object() || !entry.contains("value")) return fmt::format("{} has no value", name);
+  for (const auto& [key, value] : entry.items()) {
+    if (key != "value" && key != "unit") return fmt::format("{} has an unknown part '{}'", name, key);
+  }
+  const auto unit = entry.find("unit");
+  if (unit != entry.end() && *unit != setting->unit) {
+    return fmt::format("{} is in {}, not in '{}'", name, unit->dump(), setting->unit);
+  }
+  try {
+    CheckValue(*setting, entry["value"]);
+  } catch (const std::invalid_argument& problem) {
+    return fmt::format("{} {}", name, problem.what());
+  }
+  return "";
+}
+
+Document AsJson(const SettingsFile& file) {
+  Document settings = Document::object();
+  for (const SavedSetting& saved : file.settings) {
+    Document entry = {{"value", saved.value}};
+    if (!saved.setting->unit.empty()) entry["unit"] = saved.setting->unit;
+    settings[std::string(saved.setting->name)] = std::move(entry);
+  }
+  return {{"format", kFormat},
+          {"version", kVersion},
+          {"saved_at", file.saved_at},
+          {"firmware", file.firmware},
+          {"settings", std::move(settings)}};
+}
+
+// A new file beside `path`, which takes its place once it is complete; removed otherwise.
+class Replacement {
+ public:
+  explicit Replacement(const std::string& path) : path_(path), name_(path + ".XXXXXX") {
+    file_ = mkstemp(name_.data());
+    if (file_ < 0) Fail();
+  }
+  ~Replacement() {
+    if (file_ < 0) return;
+    close(file_);
+    unlink(name_.c_str());
+  }
+  Replacement(const Replacement&) = delete;
+  Replacement& operator=(const Replacement&) = delete;
+
+  void Write(std::string_view text) const {
+    while (!text.empty()) {
+      const ssize_t written = write(file_, text.data(), text.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) Fail();
+      text.remove_prefix(static_cast<std::size_t>(written));
+    }
+  }
+
+  void TakePlace() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    if (fchmod(file_, 0666 & ~mask) != 0 || fsync(file_) != 0) Fail();
+    if (rename(name_.c_str(), path_.c_str()) != 0) Fail();
+    close(file_);
+    file_ = -1;
+  }
+
+ private:
+  [[noreturn]] void Fail() const {
+    throw CommandError(kWrongUse, fmt::format("could not write {}: {}", path_, ErrnoText(errno)));
+  }
+
+  std::string path_;
+  std::string name_;
+  int file_ = -1;
+};
+
+}  // namespace
+
+SettingsFile ReadSettingsFile(const std::string& path) {
+  const Value document = ParseJson(path, ReadWhole(path));
+  CheckFrame(path, document);
+  SettingsFile file{TextMember(document, "saved_at"), TextMember(document, "firmware"), {}};
+  const Value& entries = document["settings"];
+  Problems problems;
+  for (const auto& [name, entry] : entries.items()) {
+    const std::string problem = ProblemWith(name, entry);
+    if (!problem.empty()) problems.push_back(problem);
+  }
+  if (!problems.empty()) Refuse(path, problems);
+  for (const Setting& setting : Settings()) {
+    const auto entry = entries.find(setting.name);
+    if (entry != entries.end()) file.settings.push_back({&setting, (*entry)["value"]});
+  }
+  if (file.settings.empty()) Refuse(path, {"has no settings"});
+  return file;
+}
+
+void WriteSettingsFile(const std::string& path, const SettingsFile& file) {
+  if (path == "-") {
+    PrintJson(AsJson(file));
+    return;
+  }
+  Replacement replacement(path);
+  replacement.Write(AsJson(file).dump(2) + "\n");
+  replacement.TakePlace();
+}
+
+}  // namespace rolu

@@ -1,0 +1,145 @@
+#include <fmt/format.h>
+
+#include "tools/change.h"
+#include "tools/command.h"
+#include "tools/confirm.h"
+#include "tools/interrupt.h"
+#include "tools/messages.h"
+#include "tools/output.h"
+#include "tools/report.h"
+#include "tools/session.h"
+#include "tools/settings_table.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+struct WatchdogOptions {
+  unsigned time = 0;  // 0: as it is
+  bool feed = false;
+  std::chrono::milliseconds every{500};
+  std::chrono::milliseconds duration{0};  // 0: until a signal
+};
+
+void Tell(const CommonOptions& common, const char* state) {
+  if (common.json) {
+    PrintJsonLine({{"watchdog", state}});
+  } else {
+    OutNow(fmt::format("the watchdog is {}\n", state));
+  }
+}
+
+struct Feeding {
+  unsigned long fed = 0;
+  Outcome outcome;
+};
+
+// A question that is lost now and then does not end the feeding.
+Feeding FeedUntilEnd(const WatchdogOptions& options) {
+  const Clock::time_point start = Clock::now();
+  Feeding feeding;
+  while (true) {
+    const ROLU_STATUS status = KAVO_ROLU_WD_Trigger();
+    if (status == ROLU_STATUS_SUCCESS) {
+      ++feeding.fed;
+      feeding.outcome.Done();
+    } else {
+      feeding.outcome.Failed(WordsOf(status).exit_status);
+      SayProblem("could not feed the watchdog: " + Describe(status));
+    }
+    const bool is_over = options.duration.count() > 0 && Clock::now() - start >= options.duration;
+    if (is_over || !interrupt::SleepFor(options.every)) return feeding;
+  }
+}
+
+void TellFeeding(const CommonOptions& common, const char* state, const Feeding& feeding) {
+  if (common.json) {
+    PrintJsonLine({{"watchdog", state}, {"fed", feeding.fed}});
+  } else {
+    OutNow(fmt::format("fed {} times; the watchdog is {}\n", feeding.fed, state));
+  }
+}
+
+void SetTime(Session& session, unsigned time) {
+  Change change;
+  change.setting = &SettingNamed("watchdog.time");
+  change.wanted = time;
+  Apply(session, change);
+  if (!change.problem.empty()) {
+    throw CommandError(change.result, fmt::format("watchdog.time = {} {}", time, change.problem));
+  }
+}
+
+ExitStatus RunOn(const WatchdogOptions& options, const CommonOptions& common) {
+  if (!options.feed) {
+    Confirm(common, {"lets the watchdog reset the computer unless some program feeds it from now on"});
+  }
+  Session session(common);
+  session.Require(Family::kWatchdog);
+  if (options.time > 0) SetTime(session, options.time);
+  ThrowUnlessDone(KAVO_ROLU_WD_Enabled(true), "switch the watchdog on");
+  Tell(common, "on");
+  if (!options.feed) return kDone;
+  const Feeding feeding = FeedUntilEnd(options);
+  // Nobody feeds it from here on.
+  ThrowUnlessDone(KAVO_ROLU_WD_Enabled(false), "switch the watchdog off again");
+  TellFeeding(common, "off", feeding);
+  return feeding.outcome.Result();
+}
+
+ExitStatus RunOff(const CommonOptions& common) {
+  Confirm(common, {"switches the watchdog off, which guards the computer against hanging"});
+  Session session(common);
+  session.Require(Family::kWatchdog);
+  ThrowUnlessDone(KAVO_ROLU_WD_Enabled(false), "switch the watchdog off");
+  Tell(common, "off");
+  return kDone;
+}
+
+ExitStatus RunFeed(const WatchdogOptions& options, const CommonOptions& common) {
+  Session session(common);
+  session.Require(Family::kWatchdog);
+  if (options.duration.count() > 0) {
+    const Feeding feeding = FeedUntilEnd(options);
+    TellFeeding(common, "as it was", feeding);
+    return feeding.outcome.Result();
+  }
+  ThrowUnlessDone(KAVO_ROLU_WD_Trigger(), "feed the watchdog");
+  Tell(common, "fed");
+  return kDone;
+}
+
+}  // namespace
+
+void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
+  auto options = std::make_shared<WatchdogOptions>();
+  CLI::App* const watchdog =
+      NewCommand(app, "watchdog", "Switch the watchdog on and off, and feed it",
+                 "  rolu watchdog on --time 60 --feed\n  rolu watchdog feed\n  rolu watchdog off\n"
+                 "'rolu get watchdog.time' tells its time. Whether it is on cannot be read.");
+  watchdog->require_subcommand(1);
+
+  CLI::App* const on =
+      NewCommand(*watchdog, "on", "Switch the watchdog on",
+                 "  rolu watchdog on --time 60 --feed\n"
+                 "A watchdog that is on resets the computer unless it is fed. With --feed this\n"
+                 "program feeds it until Ctrl-C, and switches it off at its end.");
+  on->add_option("--time", options->time, "The time in which it must be fed, 1 to 65535 MCU units")
+      ->check(CLI::Range(1, 65535));
+  on->add_flag("--feed", options->feed, "Feed it until Ctrl-C, then switch it off");
+  AddDurationOption(on, "--every", options->every, "Time between two feedings, 500ms unless given");
+  AddDurationOption(on, "--for", options->duration, "With --feed: end after this time");
+  OnRun(on, invocation, [options](const CommonOptions& common) { return RunOn(*options, common); });
+
+  OnRun(NewCommand(*watchdog, "off", "Switch the watchdog off", ""), invocation, RunOff);
+
+  CLI::App* const feed = NewCommand(*watchdog, "feed", "Feed the watchdog once, or for a time",
+                                    "  rolu watchdog feed\n  rolu watchdog feed --for 10min --every 1s");
+  AddDurationOption(feed, "--for", options->duration, "Feed it again and again for this time");
+  AddDurationOption(feed, "--every", options->every, "Time between two feedings, 500ms unless given");
+  OnRun(feed, invocation, [options](const CommonOptions& common) { return RunFeed(*options, common); });
+}
+
+}  // namespace rolu

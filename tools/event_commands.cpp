@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "tools/interrupt.h"
 #include "tools/messages.h"
@@ -27,7 +28,9 @@ std::vector<std::string> KnownEvents() {
 // The environment of this process and two variables more.
 std::vector<std::string> EnvironmentOf(const Event& event, std::string_view name) {
   std::vector<std::string> environment;
-  for (char** variable = environ; *variable != nullptr; ++variable) environment.emplace_back(*variable);
+  char** end = environ;
+  while (*end != nullptr) ++end;
+  environment.assign(environ, end);
   environment.push_back(fmt::format("ROLU_EVENT={}", name));
   environment.push_back(fmt::format("ROLU_TIME={}", event.time));
   return environment;
@@ -65,8 +68,8 @@ int StartShell(const std::string& command, std::vector<std::string> environment,
 
 }  // namespace
 
-EventCommands::EventCommands(const std::vector<std::pair<std::string, std::string>>& commands)
-    : commands_(commands) {
+EventCommands::EventCommands(std::vector<std::pair<std::string, std::string>> commands)
+    : commands_(std::move(commands)) {
   const std::vector<std::string> known = KnownEvents();
   for (const auto& [name, command] : commands_) {
     if (std::find(known.begin(), known.end(), name) != known.end()) continue;

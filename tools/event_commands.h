@@ -15,7 +15,7 @@ namespace rolu {
 class EventCommands {
  public:
   // Throws CommandError(kWrongUse) when an event has another name than those of EventNames.
-  explicit EventCommands(const std::vector<std::pair<std::string, std::string>>& commands);
+  explicit EventCommands(std::vector<std::pair<std::string, std::string>> commands);
 
   // Starts the commands for an event, with ROLU_EVENT and ROLU_TIME in their environment.
   void Start(const Event& event, std::string_view name);

@@ -36,6 +36,7 @@ Change ParseAssignment(const std::string& text) {
 // In the order of the table, whose rows depend on earlier ones only.
 std::vector<Change> ParseAssignments(const std::vector<std::string>& texts) {
   std::vector<Change> changes;
+  changes.reserve(texts.size());
   for (const std::string& text : texts) changes.push_back(ParseAssignment(text));
   // All settings are rows of one vector, so their places are their order.
   std::sort(changes.begin(), changes.end(),

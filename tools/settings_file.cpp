@@ -23,7 +23,7 @@ namespace {
 
 constexpr char kFormat[] = "rolu-settings";
 constexpr int kVersion = 1;
-constexpr std::size_t kLargestFile = 1024 * 1024;
+constexpr std::size_t kLargestFile = std::size_t{1024} * 1024;
 
 using Problems = std::vector<std::string>;
 

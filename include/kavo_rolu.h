@@ -135,28 +135,35 @@ typedef struct VPM_FIRMWARE_INFO {
 } VPM_FIRMWARE_INFO;
 
 /** The vehicle's battery system. The values 0 and 1 exist only for KAVO_ROLU_VPM_GetLBPThresholdInfo. */
-KAVO_ROLU_ENUM(CAR_BATTERY_MODE){CAR_BATTERY_MODE_24V = 2, CAR_BATTERY_MODE_12V = 3};
+KAVO_ROLU_ENUM(CAR_BATTERY_MODE){CAR_BATTERY_MODE_24V = 2, /**< A battery of 24 V. */
+                                 CAR_BATTERY_MODE_12V = 3 /**< A battery of 12 V. */};
 
 /** The MCU's battery range of one battery system, in volts; what the limits mean is the MCU's definition. */
 typedef struct BATTERY_INFO {
-  float range_end;
-  float range_start;
-  float range_mid;
+  float range_end;      /**< The range's end. */
+  float range_start;    /**< The range's start. */
+  float range_mid;      /**< The range's middle. */
   float range_mid_copy; /**< The same value as range_mid. */
 } BATTERY_INFO;
 
 /** Ignition mode; what the two modes do is the MCU's definition. */
-KAVO_ROLU_ENUM(IGNITION_MODE){IGNITION_MODE_1 = 1, IGNITION_MODE_2 = 2};
+KAVO_ROLU_ENUM(IGNITION_MODE){IGNITION_MODE_1 = 1, /**< Mode 1. */
+                              IGNITION_MODE_2 = 2 /**< Mode 2. */};
 
 /** A cause of shutdown that can be switched on and off; the MCU defines what each one is. */
-KAVO_ROLU_ENUM(SHUTDOWN_SOURCE){SHUTDOWN_SOURCE_0 = 0, SHUTDOWN_SOURCE_1 = 1};
+KAVO_ROLU_ENUM(SHUTDOWN_SOURCE){SHUTDOWN_SOURCE_0 = 0, /**< Source 0. */
+                                SHUTDOWN_SOURCE_1 = 1 /**< Source 1. */};
 
 /** A cause of wake-up; the MCU defines what each one is, except the clock's alarm. */
 KAVO_ROLU_ENUM(WAKEUP_SOURCE){WAKEUP_SOURCE_NONE = -1, /**< No wake-up is recorded; only ever an output. */
-                              WAKEUP_SOURCE_0 = 0,         WAKEUP_SOURCE_1 = 1, WAKEUP_SOURCE_2 = 2,
-                              WAKEUP_SOURCE_3 = 3,         WAKEUP_SOURCE_4 = 4, WAKEUP_SOURCE_5 = 5,
+                              WAKEUP_SOURCE_0 = 0,     /**< Source 0. */
+                              WAKEUP_SOURCE_1 = 1,     /**< Source 1. */
+                              WAKEUP_SOURCE_2 = 2,     /**< Source 2. */
+                              WAKEUP_SOURCE_3 = 3,     /**< Source 3. */
+                              WAKEUP_SOURCE_4 = 4,     /**< Source 4. */
+                              WAKEUP_SOURCE_5 = 5,     /**< Source 5. */
                               WAKEUP_SOURCE_RTC_ALARM = 6, /**< The wake-up alarm of the MCU's clock. */
-                              WAKEUP_SOURCE_10 = 10};
+                              WAKEUP_SOURCE_10 = 10 /**< Source 10. */};
 
 /** A time of the MCU's clock; plain numbers, not BCD. */
 typedef struct VPM_RTC_TIME {
@@ -200,14 +207,16 @@ typedef struct BACKUP_BATTERY_INFO {
 
 /** A G-sensor sample. */
 typedef struct ROLU_GSENSOR_DATA {
-  int32_t x;
-  int32_t y;
-  int32_t z;
+  int32_t x; /**< Along the x axis. */
+  int32_t y; /**< Along the y axis. */
+  int32_t z; /**< Along the z axis. */
 } ROLU_GSENSOR_DATA;
 
 /** The G-sensor's resolution code, 0 to 3; what the codes mean is the MCU's definition. */
-KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, ROLU_GSENSOR_RES_1 = 1, ROLU_GSENSOR_RES_2 = 2,
-                                 ROLU_GSENSOR_RES_3 = 3};
+KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, /**< Code 0. */
+                                 ROLU_GSENSOR_RES_1 = 1, /**< Code 1. */
+                                 ROLU_GSENSOR_RES_2 = 2, /**< Code 2. */
+                                 ROLU_GSENSOR_RES_3 = 3 /**< Code 3. */};
 
 /** A switched peripheral. The values 3 to 9 are valid, but nothing answers to them. */
 KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch that the MCU holds. */
@@ -216,9 +225,9 @@ KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch th
 
 /** Where KAVO_ROLU_DISPLAY_GetBrightRange writes; all three must be given. */
 typedef struct ROLU_BRIGHT_RANGE {
-  unsigned char* min;
-  unsigned char* max;
-  unsigned char* step;
+  unsigned char* min;  /**< Receives the lowest level. */
+  unsigned char* max;  /**< Receives the highest level. */
+  unsigned char* step; /**< Receives the distance of two levels. */
 } ROLU_BRIGHT_RANGE;
 
 /** One transfer on the I2C bus. */
@@ -231,7 +240,10 @@ typedef struct ROLU_IIC_TRANSFER {
   uint32_t read_length;     /**< Bytes at `read_data`. */
 } ROLU_IIC_TRANSFER;
 
-/* ---- CORE: the library's switch, platform facts, reset of the board ------------------------- */
+/**
+ * @name CORE: the library's switch, platform facts, reset of the board
+ * @{
+ */
 
 /**
  * Switches the core on, for the families that have no Initialize of their own.
@@ -332,7 +344,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistrySave(void);
 /** Not provided by this board. @retval ROLU_STATUS_NOT_SUPPORTED Always. Does not block. */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
 
-/* ---- VPM: vehicle power management, life and identity --------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: vehicle power management, life and identity
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU, reads its
@@ -400,7 +417,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLibVersion(unsigned char* version);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPlatformName(char* name);
 
-/* ---- VPM: car battery ------------------------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: car battery
+ * @{
+ */
 
 /**
  * Hands out the battery range that Initialize read for one battery system. Sends nothing, and works
@@ -554,7 +576,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 
-/* ---- VPM: power-off delays and forced shutdown ---------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: power-off delays and forced shutdown
+ * @{
+ */
 
 /**
  * Sets the delay from the ignition going off to the power-off warning. The MCU stores it.
@@ -808,7 +835,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDown(char* enabled);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void);
 
-/* ---- VPM: ignition and operating modes ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: ignition and operating modes
+ * @{
+ */
 
 /**
  * Tells whether the ignition is on.
@@ -986,7 +1018,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event);
 
-/* ---- VPM: shutdown and wake-up sources ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: shutdown and wake-up sources
+ * @{
+ */
 
 /**
  * Switches a cause of shutdown on or off.
@@ -1061,7 +1098,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOUR
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* source);
 
-/* ---- VPM: clock and wake-up alarm ----------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: clock and wake-up alarm
+ * @{
+ */
 
 /**
  * Sets the MCU's clock.
@@ -1145,7 +1187,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time);
 
-/* ---- VPM: backup battery -------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: backup battery
+ * @{
+ */
 
 /**
  * Measures the backup battery's voltage. An answer without a number counts as 0.
@@ -1242,7 +1289,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info);
 
-/* ---- WD: the MCU's watchdog ------------------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name WD: the MCU's watchdog
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet) and greets the MCU, whose
@@ -1336,7 +1388,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_SetTime(unsigned short time);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned long* maximum);
 
-/* ---- GSENSOR: the MCU's acceleration sensor ------------------------------------------------- */
+/** @} */
+
+/**
+ * @name GSENSOR: the MCU's acceleration sensor
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU and switches
@@ -1523,7 +1580,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetWakeupThreshold(int* threshold);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
 
-/* ---- PERIPHERALCTRL: switched peripherals --------------------------------------------------- */
+/** @} */
+
+/**
+ * @name PERIPHERALCTRL: switched peripherals
+ * @{
+ */
 
 /**
  * Brings the family up: prepares the GPIO line of the GPS power (failures show when it is used), opens
@@ -1644,7 +1706,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetAutoRearView(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetAutoRearView(char* enabled);
 
-/* ---- DISPLAY: backlight --------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name DISPLAY: backlight
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1723,7 +1790,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOn(void);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOff(void);
 
-/* ---- DIO: digital pins ---------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name DIO: digital pins
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1845,7 +1917,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetVoiceModuleSelectPin(uint32_t unused)
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_SetVoiceModuleSelectPin(uint32_t unused);
 
-/* ---- TEMPERATURESENSOR ---------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name TEMPERATURESENSOR: temperatures of the processor and the board
+ * @{
+ */
 
 /**
  * Not provided by this board.
@@ -1895,7 +1972,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore2Temperature(uin
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetSystem1Temperature(uint32_t unused);
 
-/* ---- LIGHTSENSOR ---------------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name LIGHTSENSOR: ambient light
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1921,7 +2003,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* ver
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetStatus(unsigned short* reading);
 
-/* ---- IIC: raw transfers on the I2C bus ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name IIC: raw transfers on the I2C bus
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1983,7 +2070,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_WriteReadCombine(ROLU_IIC_TRANSFER* transfer);
 
-/* ---- EEPROM --------------------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name EEPROM: non-volatile memory
+ * @{
+ */
 
 /**
  * Not provided by this board.
@@ -2072,6 +2164,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_ReadMultiByte(uint8_t address, uint8_
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_WriteMultiByte(uint8_t address, uint8_t length, uint32_t unused1,
                                                           uint32_t unused2);
+
+/** @} */
 
 #ifdef __cplusplus
 }

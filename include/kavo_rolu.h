@@ -31,14 +31,34 @@
  * "MCU statuses" below stands for these four. After any of them the call can simply be repeated.
  *
  * @par How long a call blocks
- * One command is pending at the MCU at a time, in the whole process. A call that sends a command
- * first waits for its turn, without a limit of its own, behind the calls of other threads; then at
- * most 3000 ms for the answer; then it sleeps its post-delay, if it has one, while it keeps the other
- * threads' commands back. "Blocks: 1 command" stands for the turn plus at most 3000 ms. A call that
- * says "does not block" takes no lock and waits for nothing.
+ * Each function says behind "Blocks:" how long it may take, in these terms; where it says "Does not
+ * block" it takes no lock and waits for nothing.
+ * - "1 command": a turn, then at most 3000 ms for the MCU's answer (for each line of it, where it has
+ *   several). With a post-delay the call then sleeps, while it keeps the other threads' commands back.
+ *   Of n commands each one has its own turn; those of other threads may run in between.
+ * - A turn has no limit of its own: one command is pending at the MCU at a time, in the whole process, and a
+ *   turn lasts as long as the commands of other threads that go first, with their post-delays. Turns are
+ *   not given in the order in which they were asked for.
+ * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
+ * - "a closing": a turn; the last family to go down then waits until the I/O thread has ended, which it
+ *   does at once on a quiet line and after the line in hand otherwise, at most 1000 ms.
+ * - "the inner lock": held by others for moments, never while they wait for the MCU.
+ * - "device files" and "bus transfers": as long as the kernel's driver takes.
+ * - "the shell command": until it has ended, without a limit.
  *
- * The waits end at a time of the system's wall clock (CLOCK_REALTIME). If the clock is set while a
- * call waits, that one wait is shortened or lengthened by as much; the next call is whole again.
+ * A signal ends none of the library's own waits early. What a thread waits for a processor comes on top.
+ *
+ * The waits for an answer, for the link and for the inner lock end at a time of the system's wall clock
+ * (CLOCK_REALTIME). A clock that is set forward by more than is left of such a wait ends it: the call
+ * answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED or #ROLU_STATUS_TIMEOUT although the
+ * MCU may be about to answer. A clock that is set back lengthens the wait by as much, unless the answer
+ * comes. Either concerns the wait in hand only; the next one is whole again. Post-delays do not follow
+ * the wall clock.
+ *
+ * @par Late answers
+ * The wire does not say which command an answer is for. An answer that comes after its call gave up is
+ * thrown away, unless the next command is already on its way: then it is taken for that one's answer.
+ * The commands after it are right again.
  *
  * @par Thread safety
  * Any function may run at the same time as any other on any thread, with these exceptions:
@@ -309,7 +329,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The I2C bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The controller could not be addressed; nothing was written.
  *
- * Blocks for the length of one I2C transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_Reset(void);
 
@@ -351,8 +371,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
- * Blocks: at most 2000 ms for the link, then 6 commands, one after the other; a failed start-up then
- * also closes the link, as KAVO_ROLU_VPM_Deinitialize does.
+ * Blocks: the link, then 6 commands, then a closing (after a failed start-up).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
 
@@ -362,9 +381,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: until its turn behind the commands of other threads, without a limit of its own, then until
- * the I/O thread has ended, which is at once on an idle link and after the line in hand otherwise (at
- * most about 1 s).
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void);
 
@@ -428,7 +445,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE mod
  * @retval ROLU_STATUS_VPM_ERROR_REPLY The MCU reports a battery mode other than 2 or 3.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands (the battery mode, then the voltage); another thread's command may run between.
+ * Blocks: 2 commands (the battery mode, then the voltage).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCarBatteryVoltage(float* volts);
 
@@ -490,33 +507,57 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem(float volts)
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The same.
+/**
+ * As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor24VSystem(float* volts);
 
 /**
  * Sets the voltage below which the pre-boot protection keeps the computer from starting, for a 12 V
- * system. Range, rounding, statuses and blocking as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
+ * system. Range, rounding and statuses as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
  * @param volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem(float volts);
 
 /**
  * Reads the pre-boot threshold of a 12 V system; else as KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem.
  * @param[out] volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return
- * The same. */
+/**
+ * As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem(float* volts);
 
 /**
@@ -547,10 +588,21 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPStatus(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPStatus(char* enabled);
 
-/** As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection. @param enable 0 is off. @return The same. */
+/**
+ * As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection.
+ *
+ * @param enable 0 is off. @return The same.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable);
 
-/** As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection. @param[out] enabled 1 or 0. @return The same.
+/**
+ * As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection.
+ *
+ * @param[out] enabled 1 or 0. @return The same.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 
@@ -887,8 +939,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 
@@ -916,8 +969,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 
@@ -942,7 +996,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 1 command with a post-delay of 1250 ms, which keeps every other thread's commands back.
+ * Blocks: 1 command with a post-delay of 1250 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
 
@@ -962,7 +1016,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
 
@@ -982,7 +1036,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event);
 
@@ -1072,8 +1126,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
  * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range; nothing was sent.
  * @return or one of the MCU statuses.
  *
- * Blocks: as 1 command, but the MCU answers with two lines and each may take 3000 ms; with a post-
- * delay of 50 ms.
+ * Blocks: 1 command with 2 answer lines and a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time);
 
@@ -1238,7 +1291,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
  * @retval ROLU_STATUS_INVALID_PARAMETER `info` is null.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands; another thread's command may run between.
+ * Blocks: 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info);
 
@@ -1253,7 +1306,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
 
@@ -1264,7 +1317,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Deinitialize(void);
 
@@ -1347,7 +1400,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 2 commands.
+ * Blocks: the link, then 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
 
@@ -1361,7 +1414,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands, then as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: 2 commands, then a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Deinitialize(void);
 
@@ -1449,7 +1502,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
 
@@ -1465,7 +1518,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
  * @retval ROLU_STATUS_GSENSOR_NO_ALARM_DATA No sample is queued.
  * @retval ROLU_STATUS_TIMEOUT The link's inner lock was not free within 1000 ms.
  *
- * Blocks: at most 1000 ms.
+ * Blocks: the inner lock, at most 1000 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmData(ROLU_GSENSOR_DATA* sample);
 
@@ -1534,7 +1587,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPIO line is prepared all
  *        the same.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: device files, the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
 
@@ -1544,7 +1597,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Deinitialize(void);
 
@@ -1575,8 +1628,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface until the
- * command has ended, without a limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface the shell
+ * command, without a limit; the GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
 
@@ -1595,8 +1648,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHER
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command; the wireless interface until the command has ended, without a
- * limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command; the wireless interface the shell command, without a limit; the
+ * GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE type, char* state);
 
@@ -1688,7 +1741,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* ra
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  * @retval ROLU_STATUS_FILE_ACCESS_FAILED It holds no number.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
 
@@ -1701,7 +1754,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
  * @retval ROLU_STATUS_NOT_SUPPORTED `level` is above 10.
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_SetBright(unsigned char level);
 
@@ -1742,7 +1795,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
  * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
  *
- * Blocks for the accesses to the GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Initialize(void);
 
@@ -1766,7 +1819,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        byte was written.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
 
@@ -1781,7 +1834,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        output was set.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_WriteDOPin(const unsigned char* pins);
 
@@ -1917,7 +1970,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* ver
  * @retval ROLU_STATUS_NULL_POINTER `reading` is null.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The sensor is not there.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetStatus(unsigned short* reading);
 
@@ -1952,7 +2005,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Available(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
 
@@ -1965,7 +2018,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
 
@@ -1979,7 +2032,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for two bus transfers and 100 ms.
+ * Blocks: bus transfers (two), and 100 ms between them.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_WriteReadCombine(ROLU_IIC_TRANSFER* transfer);
 

@@ -36,8 +36,12 @@ bool Parse(int argc, char** argv, CommandLine& parsed, int& exit_status) {
   const std::map<std::string, double> units = {{"s", 1}, {"m", 60}, {"min", 60}, {"h", 3600}};
   app.add_option("--time", seconds, "How long: 90s (the default is 60s), 30m, 8h")
       ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_SENSITIVE, "TIME"))
-      ->check(CLI::Range(1.0, 7 * 24 * 3600.0));
-  app.add_option("--seed", parsed.soak.seed, "Repeats the faults of a run; without it each run has its own");
+      ->check(CLI::Range(1.0, 7 * 24 * 3600.0))
+      ->option_text("TIME");
+  app.add_option(
+         "--seed", parsed.soak.seed,
+         "Of all that is drawn; without it each run has its own. How the threads interleave remains chance")
+      ->option_text("N");
   app.add_flag("--promises", parsed.list, "Only lists the calls with what they promise");
   try {
     app.parse(argc, argv);

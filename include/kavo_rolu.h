@@ -31,14 +31,34 @@
  * "MCU statuses" below stands for these four. After any of them the call can simply be repeated.
  *
  * @par How long a call blocks
- * One command is pending at the MCU at a time, in the whole process. A call that sends a command
- * first waits for its turn, without a limit of its own, behind the calls of other threads; then at
- * most 3000 ms for the answer; then it sleeps its post-delay, if it has one, while it keeps the other
- * threads' commands back. "Blocks: 1 command" stands for the turn plus at most 3000 ms. A call that
- * says "does not block" takes no lock and waits for nothing.
+ * Each function says behind "Blocks:" how long it may take, in these terms; where it says "Does not
+ * block" it takes no lock and waits for nothing.
+ * - "1 command": a turn, then at most 3000 ms for the MCU's answer (for each line of it, where it has
+ *   several). With a post-delay the call then sleeps, while it keeps the other threads' commands back.
+ *   Of n commands each one has its own turn; those of other threads may run in between.
+ * - A turn has no limit of its own: one command is pending at the MCU at a time, in the whole process, and a
+ *   turn lasts as long as the commands of other threads that go first, with their post-delays. Turns are
+ *   not given in the order in which they were asked for.
+ * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
+ * - "a closing": a turn; the last family to go down then waits until the I/O thread has ended, which it
+ *   does at once on a quiet line and after the line in hand otherwise, at most 1000 ms.
+ * - "the inner lock": held by others for moments, never while they wait for the MCU.
+ * - "device files" and "bus transfers": as long as the kernel's driver takes.
+ * - "the shell command": until it has ended, without a limit.
  *
- * The waits end at a time of the system's wall clock (CLOCK_REALTIME). If the clock is set while a
- * call waits, that one wait is shortened or lengthened by as much; the next call is whole again.
+ * A signal ends none of the library's own waits early. What a thread waits for a processor comes on top.
+ *
+ * The waits for an answer, for the link and for the inner lock end at a time of the system's wall clock
+ * (CLOCK_REALTIME). A clock that is set forward by more than is left of such a wait ends it: the call
+ * answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED or #ROLU_STATUS_TIMEOUT although the
+ * MCU may be about to answer. A clock that is set back lengthens the wait by as much, unless the answer
+ * comes. Either concerns the wait in hand only; the next one is whole again. Post-delays do not follow
+ * the wall clock.
+ *
+ * @par Late answers
+ * The wire does not say which command an answer is for. An answer that comes after its call gave up is
+ * thrown away, unless the next command is already on its way: then it is taken for that one's answer.
+ * The commands after it are right again.
  *
  * @par Thread safety
  * Any function may run at the same time as any other on any thread, with these exceptions:
@@ -321,7 +341,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The I2C bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The controller could not be addressed; nothing was written.
  *
- * Blocks for the length of one I2C transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_Reset(void);
 
@@ -368,8 +388,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
- * Blocks: at most 2000 ms for the link, then 6 commands, one after the other; a failed start-up then
- * also closes the link, as KAVO_ROLU_VPM_Deinitialize does.
+ * Blocks: the link, then 6 commands, then a closing (after a failed start-up).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
 
@@ -379,9 +398,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: until its turn behind the commands of other threads, without a limit of its own, then until
- * the I/O thread has ended, which is at once on an idle link and after the line in hand otherwise (at
- * most about 1 s).
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void);
 
@@ -450,7 +467,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE mod
  * @retval ROLU_STATUS_VPM_ERROR_REPLY The MCU reports a battery mode other than 2 or 3.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands (the battery mode, then the voltage); another thread's command may run between.
+ * Blocks: 2 commands (the battery mode, then the voltage).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCarBatteryVoltage(float* volts);
 
@@ -512,33 +529,57 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem(float volts)
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The same.
+/**
+ * As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor24VSystem(float* volts);
 
 /**
  * Sets the voltage below which the pre-boot protection keeps the computer from starting, for a 12 V
- * system. Range, rounding, statuses and blocking as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
+ * system. Range, rounding and statuses as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
  * @param volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem(float volts);
 
 /**
  * Reads the pre-boot threshold of a 12 V system; else as KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem.
  * @param[out] volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return
- * The same. */
+/**
+ * As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem(float* volts);
 
 /**
@@ -569,10 +610,21 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPStatus(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPStatus(char* enabled);
 
-/** As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection. @param enable 0 is off. @return The same. */
+/**
+ * As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection.
+ *
+ * @param enable 0 is off. @return The same.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable);
 
-/** As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection. @param[out] enabled 1 or 0. @return The same.
+/**
+ * As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection.
+ *
+ * @param[out] enabled 1 or 0. @return The same.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 
@@ -919,8 +971,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 
@@ -948,8 +1001,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 
@@ -974,7 +1028,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 1 command with a post-delay of 1250 ms, which keeps every other thread's commands back.
+ * Blocks: 1 command with a post-delay of 1250 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
 
@@ -994,7 +1048,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
 
@@ -1014,7 +1068,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event);
 
@@ -1114,8 +1168,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
  * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range; nothing was sent.
  * @return or one of the MCU statuses.
  *
- * Blocks: as 1 command, but the MCU answers with two lines and each may take 3000 ms; with a post-
- * delay of 50 ms.
+ * Blocks: 1 command with 2 answer lines and a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time);
 
@@ -1285,7 +1338,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
  * @retval ROLU_STATUS_INVALID_PARAMETER `info` is null.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands; another thread's command may run between.
+ * Blocks: 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info);
 
@@ -1305,7 +1358,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
 
@@ -1316,7 +1369,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Deinitialize(void);
 
@@ -1404,7 +1457,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 2 commands.
+ * Blocks: the link, then 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
 
@@ -1418,7 +1471,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands, then as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: 2 commands, then a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Deinitialize(void);
 
@@ -1506,7 +1559,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
 
@@ -1522,7 +1575,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
  * @retval ROLU_STATUS_GSENSOR_NO_ALARM_DATA No sample is queued.
  * @retval ROLU_STATUS_TIMEOUT The link's inner lock was not free within 1000 ms.
  *
- * Blocks: at most 1000 ms.
+ * Blocks: the inner lock, at most 1000 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmData(ROLU_GSENSOR_DATA* sample);
 
@@ -1596,7 +1649,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPIO line is prepared all
  *        the same.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: device files, the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
 
@@ -1606,7 +1659,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Deinitialize(void);
 
@@ -1637,8 +1690,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface until the
- * command has ended, without a limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface the shell
+ * command, without a limit; the GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
 
@@ -1657,8 +1710,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHER
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command; the wireless interface until the command has ended, without a
- * limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command; the wireless interface the shell command, without a limit; the
+ * GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE type, char* state);
 
@@ -1755,7 +1808,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* ra
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  * @retval ROLU_STATUS_FILE_ACCESS_FAILED It holds no number.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
 
@@ -1768,7 +1821,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
  * @retval ROLU_STATUS_NOT_SUPPORTED `level` is above 10.
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_SetBright(unsigned char level);
 
@@ -1814,7 +1867,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
  * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
  *
- * Blocks for the accesses to the GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Initialize(void);
 
@@ -1838,7 +1891,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        byte was written.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
 
@@ -1853,7 +1906,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        output was set.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_WriteDOPin(const unsigned char* pins);
 
@@ -1999,7 +2052,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* ver
  * @retval ROLU_STATUS_NULL_POINTER `reading` is null.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The sensor is not there.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetStatus(unsigned short* reading);
 
@@ -2039,7 +2092,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Available(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
 
@@ -2052,7 +2105,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
 
@@ -2066,7 +2119,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for two bus transfers and 100 ms.
+ * Blocks: bus transfers (two), and 100 ms between them.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_WriteReadCombine(ROLU_IIC_TRANSFER* transfer);
 

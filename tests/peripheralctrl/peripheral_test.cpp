@@ -1,4 +1,8 @@
+#include <signal.h>
+#include <unistd.h>
+
 #include <cerrno>
+#include <fstream>
 
 #include "kavo_rolu.h"
 #include "tests/support/call_table.h"
@@ -119,6 +123,29 @@ TEST_F(PeripheralTest, WirelessInterfaceIsSwitchedByTheSystem) {
        {"is up", Get(1), {}, kDone, State(1)},
        {"only 1 is up", Set(1, 3), {}, kDone},
        {"is down", Get(1), {}, kDone, State(0)}});
+}
+
+// Sends signals to a process while it waits for the output.
+constexpr char kInterruptingIfconfig[] = R"(#!/bin/sh
+for i in 1 2 3 4 5; do kill -USR1 %PID%; sleep 0.02; done
+echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'
+)";
+
+TEST_F(PeripheralTest, SignalsDoNotCutTheWirelessQueryShort) {
+  static volatile sig_atomic_t handled = 0;
+  handled = 0;
+  struct sigaction action {};
+  action.sa_handler = [](int) { handled = handled + 1; };  // without SA_RESTART
+  struct sigaction before {};
+  ASSERT_EQ(sigaction(SIGUSR1, &action, &before), 0);
+
+  std::string script = kInterruptingIfconfig;
+  script.replace(script.find("%PID%"), 5, std::to_string(getpid()));
+  std::ofstream(board().root().CommandDirectory() + "/ifconfig") << script;
+  BringUp();
+  Run({{"is up", Get(1), {}, kDone, State(1)}});
+  EXPECT_GT(handled, 0);
+  sigaction(SIGUSR1, &before, nullptr);
 }
 
 }  // namespace

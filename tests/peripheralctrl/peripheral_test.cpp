@@ -1,6 +1,7 @@
 #include <cerrno>
 
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {
@@ -50,24 +51,19 @@ TEST_F(PeripheralTest, FamilyComesUpAndGoesDown) {
 
 TEST_F(PeripheralTest, DownFamilyRefusesEveryCall) {
   Run(RearView(kDown));
-  Run({{"set", Set(0, 1), {}, kDown},
-       {"set 10", Set(10, 1), {}, kDown},
-       {"get", Get(0), {}, kDown},
-       {"get, null", Get(0), {}, kDown, {}, "", 0, true}});
+  Run({{"set 10", Set(10, 1), {}, kDown}, {"get, null", Get(0), {}, kDown, {}, "", 0, true}});
+  Run(Refused(PeripheralOperations(), kDown));
 }
 
 TEST_F(PeripheralTest, McuSwitch) {
   BringUp();
   Run(RearView(kNotSupported));
+  Run(PeripheralOperations());
   Run({
-      {"on", Set(0, 1), {"OK"}, kDone, {}, "MCS01\r", 500},
       {"a state goes out as it is", Set(0, 12), {"OK"}, kDone, {}, "MCS012\r", 500},
       {"as unsigned", Set(0, -1), {"OK"}, kDone, {}, "MCS0255\r", 500},
-      {"refused", Set(0, 1), {"ERR-M08"}, ROLU_STATUS_INVALID_PARAMETER, {}, "MCS01\r"},
-      {"is on", Get(0), {"1"}, kDone, State(1), "MCG\r"},
       {"is off", Get(0), {"0"}, kDone, State(0), "MCG\r"},
       {"is neither", Get(0), {"2"}, ROLU_STATUS_FILE_ACCESS_FAILED, {}, "MCG\r"},
-      {"fails", Get(0), {"ERR-L01"}, ROLU_STATUS_VPM_ERROR_REPLY, {}, "MCG\r"},
   });
 }
 

@@ -1,5 +1,3 @@
-#include <cerrno>
-
 #include "kavo_rolu.h"
 #include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
@@ -91,16 +89,6 @@ TEST_F(PeripheralTest, GpsPowerIsAGpioLine) {
        {"only 1 is on", Set(2, 2), {}, kDone},
        {"is off", Get(2), {}, kDone, State(0)}});
   EXPECT_EQ(board().devices().Writes(kValueFile), (std::vector<std::string>{"1", "0"}));
-  rolu_sim::DeviceFaults faults;
-  faults.read_errno = EIO;
-  faults.write_errno = EIO;
-  board().devices().SetFaults(kValueFile, faults);
-  Run({{"a failed write is not told", Set(2, 1), {}, kDone},
-       {"unreadable is off", Get(2), {}, kDone, State(0)}});
-  faults.missing = true;
-  board().devices().SetFaults(kValueFile, faults);
-  Run({{"missing, set", Set(2, 1), {}, ROLU_STATUS_DEVICE_OPEN_FAILED},
-       {"missing, get", Get(2), {}, ROLU_STATUS_DEVICE_OPEN_FAILED}});
 }
 
 TEST_F(PeripheralTest, GpsLineIsPreparedEvenWithoutAnMcu) {

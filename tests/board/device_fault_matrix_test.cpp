@@ -176,8 +176,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     const char* file = GetParam().files[index];
     SCOPED_TRACE(std::string(file) + ": " + fault);
     const Made made = Make({"", GetParam().call});
-    EXPECT_EQ(StatusText(made.status), StatusText(status));
-    EXPECT_EQ(BytesText(made.output, output.size()), BytesText(MemoryWith(output), output.size()));
+    EXPECT_EQ(FaultOf(made, status, output, ""), "");
     EXPECT_TRUE(WaitUntil([&] { return board().devices().OpenCount(file) == 0; }));
     Restore();
     CallTable::Run({{"the next call", GetParam().call, {}, kDone, GetParam().output}});

@@ -1,8 +1,6 @@
 #include "tests/support/call_table.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
 
 namespace rolu_test {
 namespace {
@@ -12,35 +10,7 @@ using rolu_sim::Direction;
 using rolu_sim::WireEvent;
 using std::chrono::steady_clock;
 
-constexpr unsigned char kUnwritten = 0xA5;
-
-std::string Hexadecimal(unsigned int value, int digits) {
-  char text[16];
-  snprintf(text, sizeof text, "%0*X", digits, value);
-  return text;
-}
 }  // namespace
-
-std::string StatusText(ROLU_STATUS status) {
-  return "0x" + Hexadecimal(status, 4);
-}
-
-std::string BytesText(const OutputMemory& memory, size_t length) {
-  const auto last =
-      std::find_if(memory.rbegin(), memory.rend(), [](unsigned char byte) { return byte != kUnwritten; });
-  const auto end = std::max(memory.begin() + static_cast<std::ptrdiff_t>(length), last.base());
-  std::string text;
-  for (auto byte = memory.begin(); byte < end; ++byte) text += Hexadecimal(*byte, 2) + " ";
-  return text;
-}
-
-OutputMemory MemoryWith(const Bytes& bytes) {
-  OutputMemory memory;
-  memory.fill(kUnwritten);
-  EXPECT_LT(bytes.size(), memory.size());
-  std::copy(bytes.begin(), bytes.end(), memory.begin());
-  return memory;
-}
 
 std::vector<CallRow> Refused(const std::vector<CallRow>& operations, ROLU_STATUS status) {
   std::vector<CallRow> rows;
@@ -99,9 +69,7 @@ Made CallTable::Make(const CallRow& row) {
 void CallTable::RunRow(const CallRow& row) {
   SCOPED_TRACE("row: " + row.name);
   const Made made = Make(row);
-  EXPECT_EQ(StatusText(made.status), StatusText(row.status));
-  EXPECT_EQ(BytesText(made.output, row.output.size()), BytesText(MemoryWith(row.output), row.output.size()));
-  EXPECT_EQ(made.traffic, row.wire);
+  EXPECT_EQ(FaultOf(made, row.status, row.output, row.wire), "");
   EXPECT_GE(made.duration.count(), row.post_delay_ms);
 }
 

@@ -4,13 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <chrono>
 #include <string>
 #include <vector>
 
 #include "simulator/board.h"
-#include "tests/support/call_row.h"
+#include "tests/support/made_call.h"
 
 namespace rolu_test {
 
@@ -20,26 +18,6 @@ namespace rolu_test {
 std::vector<CallRow> Refused(const std::vector<CallRow>& operations, ROLU_STATUS status);
 // The same for a null output, of the operations that have one.
 std::vector<CallRow> RefusedForNullOutput(const std::vector<CallRow>& operations, ROLU_STATUS status);
-
-// The memory that a call is given: room for any result, filled so that a byte that was written
-// shows, and so does one too many.
-using OutputMemory = std::array<unsigned char, 96>;
-
-// Memory that holds these bytes, and otherwise what it held before the call.
-OutputMemory MemoryWith(const Bytes& bytes);
-
-// The memory in hexadecimal up to the last byte that was written, at least `length` bytes.
-std::string BytesText(const OutputMemory& memory, size_t length);
-
-std::string StatusText(ROLU_STATUS status);
-
-// What came of one call.
-struct Made {
-  ROLU_STATUS status;
-  OutputMemory output;
-  std::string traffic;
-  std::chrono::milliseconds duration;
-};
 
 // A board of its own, and one family, which is down at the start.
 class CallTable {

@@ -13,6 +13,7 @@
 #include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"
 #include "simulator/program/exit_status.h"
+#include "simulator/program/served_directory.h"
 #include "simulator/scenario/scenario_files.h"
 #include "simulator/trace/trace_record.h"
 
@@ -36,7 +37,7 @@ class CtlCommand {
     if (word == "get" || word == "show") return Get(word == "show" ? std::vector<std::string>() : rest);
     if (word == "wait") return Wait(rest);
     if (word == "play") return Play(rest);
-    if (word == "stop") return Report(Ask({{"stop", true}}));
+    if (word == "stop") return Stop();
     return Perform();
   }
 
@@ -79,6 +80,14 @@ class CtlCommand {
     if (!answer["ok"].get<bool>()) return Report(answer);
     std::cout << (json_ ? answer["board"].dump(2) + '\n' : ReadingsAsText(answer["board"]));
     return 0;
+  }
+
+  // A served board has left its directory when this comes back.
+  int Stop() {
+    const BoardEnd end(BoardDirectory(options_.board.directory));
+    const int status = Report(Ask({{"stop", true}}));
+    end.Wait();
+    return status;
   }
 
   int Play(const std::vector<std::string>& rest) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "tests/desk/tool.h"
@@ -163,8 +164,29 @@ TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
     EXPECT_EQ(killed.tool().Wait(), 128 + SIGKILL);
   }
   EXPECT_THAT(directory.Contents(), ElementsAre("board"));
-  const ServedBoard board(directory);
-  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 12.60"));
+  Tool one(directory, {"serve", directory.path() + "/board"});
+  Tool other(directory, {"serve", directory.path() + "/board"});
+  EXPECT_NE(one.WaitForOutput("rolu-sim join"), other.WaitForOutput("rolu-sim join"));
+  EXPECT_THAT(one.errors() + other.errors(), HasSubstr("already"));
+  EXPECT_THAT(RunTool(directory, {"join", directory.path() + "/board", "--", DESK_CLIENT, "voltage"}).output,
+              HasSubstr("voltage C000 12.60"));
+}
+
+TEST(ServedBoard, has_left_its_directory_when_it_was_stopped) {
+  const Directory directory;
+  for (int round = 0; round < 5; ++round) {
+    const ServedBoard board(directory);
+    EXPECT_EQ(board.Ctl({"stop"}).status, 0);
+    EXPECT_THAT(directory.Contents(), ElementsAre());
+  }
+}
+
+TEST(ServedBoard, takes_nothing_away_that_is_not_of_a_board) {
+  const Directory directory;
+  std::filesystem::create_directory(directory.path() + "/bin");
+  directory.Write("bin/tool", "mine");
+  EXPECT_EQ(RunTool(directory, {"serve", directory.path()}).status, 2);
+  EXPECT_EQ(directory.Read("bin/tool"), "mine");
 }
 
 // The signal comes at any moment from the first instruction on.

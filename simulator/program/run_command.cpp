@@ -57,7 +57,7 @@ int Serve(const ServeOptions& options) {
                    "To run a program on it, put one of these lines in front:\n"
                    "  rolu-sim join {0} --\n"
                    "  {1}\n",
-                   directory, ShellAssignments(directory))
+                   ShellWord(directory), ShellAssignments(directory))
             << std::flush;
   int number = 0;
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {

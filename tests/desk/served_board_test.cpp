@@ -106,6 +106,26 @@ TEST(ServedBoard, says_that_the_watchdog_bit) {
   EXPECT_THAT(board.tool().errors(), HasSubstr("*** WATCHDOG BITE"));
 }
 
+// The trigger cannot come through a port that is gone.
+TEST(ServedBoard, is_bitten_by_the_watchdog_while_its_port_is_hung_up) {
+  const Directory directory;
+  ServedBoard board(directory, {"--fail-on-bite"});
+  board.Client({"watchdog"});
+  EXPECT_EQ(board.Ctl({"fault-hang-up"}).status, 0);
+  EXPECT_EQ(board.Ctl({"wait", "WATCHDOG BITE"}).status, 0);
+}
+
+TEST(ServedBoard, survives_what_the_system_refuses_to_one_who_steers_it) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  std::filesystem::rename(board.path() + "/proc", board.path() + "/elsewhere");
+  const Result refused = board.Ctl({"replug"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_THAT(refused.errors, HasSubstr("cannot create symlink"));
+  EXPECT_EQ(board.Get("ignition")["on"], true);
+  std::filesystem::remove_all(board.path() + "/elsewhere");
+}
+
 TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
   const Directory directory;
   const ServedBoard board(directory);

@@ -18,7 +18,7 @@ namespace rolu_sim {
 struct BoardOptions {
   McuSerialOptions serial;
   KernelIdentity kernel;
-  std::string root_directory{};  // empty: a private one
+  std::string root_directory{};  // one that is there; empty: a private one
 };
 
 // A whole simulated board. A test program holds one in its own process:

@@ -4,8 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -20,8 +20,19 @@ constexpr std::string_view kNamePattern = "/rolu-XXXXXX";
 
 constexpr std::size_t kMaxParentLength = BoardRoot::kMaxPathLength - kNamePattern.size();
 
-// What a board has in its directory, whoever makes it.
-constexpr std::array<const char*, 5> kParts = {"/proc", "/bin", kDeviceSocketName, "/control", "/wlan0-up"};
+struct Part {
+  const char* name;
+  std::filesystem::file_type type;
+};
+
+// What a board has in its directory, whoever makes it; what is in a directory stands before it.
+constexpr std::array<Part, 7> kParts = {{{kSerialLinkName, std::filesystem::file_type::symlink},
+                                         {"/proc", std::filesystem::file_type::directory},
+                                         {"/bin/ifconfig", std::filesystem::file_type::regular},
+                                         {"/bin", std::filesystem::file_type::directory},
+                                         {kDeviceSocketName, std::filesystem::file_type::socket},
+                                         {"/control", std::filesystem::file_type::socket},
+                                         {"/wlan0-up", std::filesystem::file_type::regular}}};
 
 std::string ParentDirectory() {
   const char* const configured = getenv("TMPDIR");
@@ -37,32 +48,37 @@ BoardRoot::BoardRoot(const std::string& directory)
     : path_(directory.empty() ? ParentDirectory().append(kNamePattern) : directory),
       is_private_(directory.empty()),
       owner_(getpid()) {
-  if (is_private_) {
-    if (mkdtemp(path_.data()) == nullptr) ThrowErrno("making a directory for the board, " + path_);
-  } else {
-    is_made_here_ = mkdir(path_.c_str(), 0700) == 0;
-    if (!is_made_here_ && errno != EEXIST) ThrowErrno("making a directory for the board, " + path_);
+  if (is_private_ && mkdtemp(path_.data()) == nullptr) {
+    ThrowErrno("making a directory for the board, " + path_);
   }
-  // It fails for all but one of several boards that are to be in the same directory.
-  const std::string first_part = path_ + kParts[0];
-  if (mkdir(first_part.c_str(), 0700) != 0) ThrowErrno("making " + first_part);
-  std::filesystem::create_directory(CommandDirectory());
+  for (const std::string& part : {path_ + "/proc", CommandDirectory()}) {
+    if (mkdir(part.c_str(), 0700) != 0) ThrowErrno("making " + part);
+  }
 }
 
 BoardRoot::~BoardRoot() {
   if (getpid() != owner_) return;
-  std::error_code ignored;
   if (is_private_) {
+    std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
-    return;
+  } else {
+    RemoveParts(path_);
   }
-  RemoveParts(path_);
-  if (is_made_here_) rmdir(path_.c_str());
+}
+
+bool BoardRoot::HoldsOnlyParts(const std::string& directory) {
+  const std::filesystem::recursive_directory_iterator entries(directory);
+  return std::all_of(begin(entries), end(entries), [&](const std::filesystem::directory_entry& entry) {
+    const std::string name = entry.path().string().substr(directory.size());
+    return std::any_of(kParts.begin(), kParts.end(), [&](const Part& part) {
+      return part.name == name && part.type == entry.symlink_status().type();
+    });
+  });
 }
 
 void BoardRoot::RemoveParts(const std::string& directory) {
   std::error_code ignored;
-  for (const char* const part : kParts) std::filesystem::remove_all(directory + part, ignored);
+  for (const Part& part : kParts) std::filesystem::remove(directory + part.name, ignored);
 }
 
 std::string BoardRoot::SerialLinkPath() const {

@@ -9,15 +9,14 @@ namespace rolu_sim {
 
 // The directory that holds what the board shows: proc/vpm_serial (a link to the MCU's port), bin/
 // (commands that stand in for the system's) and sockets. A private one is removed with everything in
-// it on destruction, by the process that made it and no other; in a named one the board's parts are,
-// and the directory itself if it was made here and nothing else is in it.
+// it on destruction, by the process that made it and no other; in a named one only the board's parts are.
 class BoardRoot {
  public:
   // The longest path of a directory in which the sockets' paths fit the system's limit.
   static constexpr std::size_t kMaxPathLength = 90;
 
-  // Private when `directory` is empty. Throws std::system_error when it cannot be made, or when
-  // another board's parts are in it.
+  // Private when `directory` is empty, else one that is there. Throws std::system_error when it cannot
+  // be made, or when another board's parts are in it.
   explicit BoardRoot(const std::string& directory = {});
   ~BoardRoot();
   BoardRoot(const BoardRoot&) = delete;
@@ -32,13 +31,14 @@ class BoardRoot {
   void LinkSerialPort(const std::string& device_path) const;
   void UnlinkSerialPort() const;
 
-  // Removes what a board has put into a directory.
+  // What a board has put into a directory: whether nothing else is there, and its removal, which leaves
+  // all else as it is.
+  static bool HoldsOnlyParts(const std::string& directory);
   static void RemoveParts(const std::string& directory);
 
  private:
   std::string path_;
   const bool is_private_;
-  bool is_made_here_ = true;
   pid_t owner_;
 };
 

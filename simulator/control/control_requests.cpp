@@ -9,7 +9,6 @@ namespace rolu_sim {
 namespace {
 
 constexpr char kUsage[] = "usage";
-constexpr char kRefused[] = "refused";
 
 }  // namespace
 
@@ -29,14 +28,10 @@ Json AnswerDo(Desk& desk, const Json& request) {
   std::vector<Problem> problems;
   const Arguments arguments = CheckArguments(*verb, request, {"do"}, problems);
   if (!problems.empty()) return RefuseRequest(problems.front().text, kUsage);
-  try {
-    Json answer = AcceptRequest();
-    const std::string remark = desk.Apply({verb, arguments});
-    if (!remark.empty()) answer["remark"] = remark;
-    return answer;
-  } catch (const UsageError& problem) {
-    return RefuseRequest(problem.what(), kRefused);
-  }
+  Json answer = AcceptRequest();
+  const std::string remark = desk.Apply({verb, arguments});
+  if (!remark.empty()) answer["remark"] = remark;
+  return answer;
 }
 
 Json AnswerGet(Desk& desk, const Json& names) {

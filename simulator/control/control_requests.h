@@ -5,7 +5,7 @@
 
 namespace rolu_sim {
 
-// Carries out the requests "do" and "get" and gives their answers.
+// Carries out the requests "do" and "get" and gives their answers. AnswerDo throws what the verb throws.
 Json AnswerDo(Desk& desk, const Json& request);
 Json AnswerGet(Desk& desk, const Json& names);
 

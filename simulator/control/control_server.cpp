@@ -62,9 +62,9 @@ void ControlServer::Run() {
     sources = {{wakeup_->fd(), POLLIN, 0}, {listener_.get(), POLLIN, 0}};
     for (Connection& connection : connections_) {
       if (connection.next_record) FollowTrace(connection);
-      const bool has_unsent = !connection.unsent.empty();
+      const bool is_to_send = !connection.unsent.empty() || connection.ends_when_sent;
       sources.push_back(
-          {connection.socket.get(), static_cast<short>(has_unsent ? POLLIN | POLLOUT : POLLIN), 0});
+          {connection.socket.get(), static_cast<short>(is_to_send ? POLLIN | POLLOUT : POLLIN), 0});
     }
     poll(sources.data(), sources.size(), -1);
     wakeup_->Take();
@@ -115,27 +115,29 @@ bool ControlServer::Send(Connection& connection) {
   return !connection.ends_when_sent;
 }
 
+// What the system refuses to one who asks is no reason for the others to lose their board.
 void ControlServer::Answer(Connection& connection, const std::string& line) {
-  const Json request = Json::parse(line, nullptr, false);
   Json answer;
-  if (!request.is_object()) {
-    answer = RefuseRequest("a request is an object in one line of JSON", "usage");
-  } else if (request.contains("do")) {
-    answer = AnswerDo(desk_, request);
-  } else if (request.contains("get")) {
-    answer = AnswerGet(desk_, request["get"]);
-  } else if (request.contains("trace")) {
-    answer = AnswerTrace(connection, request["trace"]);
-  } else if (request.contains("play")) {
-    answer = AnswerPlay(request["play"]);
-  } else if (request.contains("stop")) {
-    answer = AcceptRequest();
-    on_stop_();
-  } else {
-    answer = RefuseRequest("a request has \"do\", \"get\", \"trace\", \"play\" or \"stop\"", "usage");
+  try {
+    answer = AnswerTo(connection, Json::parse(line, nullptr, false));
+  } catch (const std::exception& problem) {
+    answer = RefuseRequest(problem.what(), "refused");
   }
   // Nobody but a client that writes no UTF-8 sees a replacement.
   connection.unsent += answer.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+Json ControlServer::AnswerTo(Connection& connection, const Json& request) {
+  if (!request.is_object()) return RefuseRequest("a request is an object in one line of JSON", "usage");
+  if (request.contains("do")) return AnswerDo(desk_, request);
+  if (request.contains("get")) return AnswerGet(desk_, request["get"]);
+  if (request.contains("trace")) return AnswerTrace(connection, request["trace"]);
+  if (request.contains("play")) return AnswerPlay(request["play"]);
+  if (!request.contains("stop")) {
+    return RefuseRequest("a request has \"do\", \"get\", \"trace\", \"play\" or \"stop\"", "usage");
+  }
+  on_stop_();
+  return AcceptRequest();
 }
 
 Json ControlServer::AnswerPlay(const Json& scenario) {

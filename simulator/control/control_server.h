@@ -41,6 +41,7 @@ class ControlServer {
   bool Receive(Connection& connection);
   bool Send(Connection& connection);
   void Answer(Connection& connection, const std::string& line);
+  Json AnswerTo(Connection& connection, const Json& request);
   Json AnswerPlay(const Json& scenario);
   Json AnswerTrace(Connection& connection, const Json& extent);
   void FollowTrace(Connection& connection);

@@ -16,7 +16,7 @@
 namespace rolu_sim {
 
 struct DeskOptions {
-  std::string root_directory;  // empty: a private one
+  std::string root_directory;  // one that is there; empty: a private one
   bool paced = false;
   std::uint32_t seed = 0;        // of random faults
   std::optional<Replay> replay;  // answers in place of the model where it can

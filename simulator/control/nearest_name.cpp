@@ -5,21 +5,27 @@
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
+#include <utility>
 
 namespace rolu_sim {
 namespace {
 
-// How many characters must be inserted, deleted or exchanged to make one of the other.
+// How many characters must be inserted, deleted or exchanged, or swapped with their neighbours, to make
+// one of the other.
 std::size_t EditDistance(std::string_view one, std::string_view other) {
   std::vector<std::size_t> row(other.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t at = 0; at < one.size(); ++at) {
-    std::size_t diagonal = row[0];
-    row[0] = at + 1;
-    for (std::size_t column = 0; column < other.size(); ++column) {
-      const std::size_t exchanged = diagonal + (one[at] == other[column] ? 0 : 1);
-      diagonal = row[column + 1];
-      row[column + 1] = std::min({exchanged, row[column] + 1, diagonal + 1});
+  std::vector<std::size_t> above;
+  std::vector<std::size_t> two_above;
+  for (std::size_t at = 1; at <= one.size(); ++at) {
+    two_above = std::exchange(above, row);
+    row[0] = at;
+    for (std::size_t column = 1; column <= other.size(); ++column) {
+      const std::size_t exchanged = above[column - 1] + (one[at - 1] == other[column - 1] ? 0 : 1);
+      row[column] = std::min({exchanged, row[column - 1] + 1, above[column] + 1});
+      const bool is_swapped =
+          at > 1 && column > 1 && one[at - 1] == other[column - 2] && one[at - 2] == other[column - 1];
+      if (is_swapped) row[column] = std::min(row[column], two_above[column - 2] + 1);
     }
   }
   return row.back();

@@ -100,27 +100,31 @@ void McuSerial::StopReading(bool stopped) {
   wakeup_.Signal();
 }
 
+// The thread rests meanwhile: it must not wait for a descriptor that is another file's already.
 void McuSerial::HangUp() {
   StopThread();
-  const std::lock_guard<std::mutex> lock(mutex_);
-  terminal_.Close();
-  received_.clear();
-  command_.clear();
-  scheduled_.clear();
-  outgoing_.clear();
-  sent_line_.clear();
-  port_full_ = false;
-  host_open_ = false;
-  host_closed_.notify_all();
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    terminal_.Close();
+    received_.clear();
+    command_.clear();
+    scheduled_.clear();
+    outgoing_.clear();
+    sent_line_.clear();
+    port_full_ = false;
+    host_open_ = false;
+    host_closed_.notify_all();
+  }
+  StartThread();
 }
 
 void McuSerial::Reopen() {
-  if (thread_.joinable()) return;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
+    if (terminal_.master() >= 0) return;
     terminal_ = PseudoTerminal();
   }
-  StartThread();
+  wakeup_.Signal();
 }
 
 std::vector<McuEvent> McuSerial::Events() const {
@@ -144,18 +148,17 @@ McuSerial::ModelAccess::ModelAccess(McuSerial& serial) : serial_(serial), lock_(
 
 McuSerial::ModelAccess::~ModelAccess() {
   serial_.FollowModel();
-  if (serial_.terminal_.master() >= 0) serial_.SendFromOtherThread();
+  serial_.SendFromOtherThread();
 }
 
 bool McuSerial::IsOpenByHost() const {
   const std::lock_guard<std::mutex> lock(mutex_);
-  return terminal_.master() >= 0 && terminal_.IsOpenByHost();
+  return terminal_.IsOpenByHost();
 }
 
 bool McuSerial::WaitForHostClosed(std::chrono::milliseconds timeout) {
   std::unique_lock<std::mutex> lock(mutex_);
   return host_closed_.wait_for(lock, timeout, [this] {
-    if (terminal_.master() < 0) return true;
     FollowHost();
     if (host_open_) wakeup_.Signal();
     return !host_open_;

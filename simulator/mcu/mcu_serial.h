@@ -98,7 +98,8 @@ class McuSerial {
   // Bytes that piled up are read once reading goes on.
   void StopReading(bool stopped);
 
-  // The port dies: open descriptors read end of file and fail to write, the device path is gone.
+  // The port dies: open descriptors read end of file and fail to write, the device path is gone. The
+  // MCU lives on: its watchdog bites, its alarm comes.
   void HangUp();
 
   // After HangUp: a new port, with the model, the script and the log as they were.

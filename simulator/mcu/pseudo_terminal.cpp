@@ -47,7 +47,7 @@ bool PseudoTerminal::WatchDevice() {
 
 bool PseudoTerminal::IsOpenByHost() const {
   pollfd hang_up{master(), 0, 0};
-  return poll(&hang_up, 1, 0) == 0;
+  return master_ && poll(&hang_up, 1, 0) == 0;
 }
 
 // The kernel merges equal events that follow one another, so the count of openers can fall short
@@ -89,6 +89,7 @@ void PseudoTerminal::DiscardUnreadBytes() {
 void PseudoTerminal::Close() {
   master_.Reset();
   watch_.Reset();
+  openers_ = 0;
 }
 
 }  // namespace rolu_sim

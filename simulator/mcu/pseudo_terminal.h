@@ -28,6 +28,7 @@ class PseudoTerminal {
   // Drops the bytes that no program has read.
   void DiscardUnreadBytes();
 
+  // Nothing is received or sent any more, and no program has it open.
   void Close();
 
  private:

@@ -2,6 +2,7 @@
 
 #include "simulator/control/readings.h"
 #include "simulator/program/control_words.h"
+#include "simulator/program/help_text.h"
 #include "simulator/program/manual.h"
 #include "simulator/scenario/scenario_files.h"
 
@@ -17,11 +18,7 @@ std::string ValuesOf(const Verb& verb) {
 }
 
 std::string OptionsOf(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::Option* const option : app.get_options()) {
-    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-  }
-  return fmt::format("{}", fmt::join(names, " "));
+  return fmt::format("{}", fmt::join(LongOptions(app), " "));
 }
 
 template <typename Named>

@@ -38,9 +38,18 @@ void MeetBoard(const std::string& board_directory) {
   AddCommandDirectory(CommandDirectoryOf(board_directory));
 }
 
+std::string ShellWord(const std::string& text) {
+  constexpr char kPlain[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+:,@%";
+  if (text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string quoted = "'";
+  for (const char character : text) quoted += character == '\'' ? "'\\''" : std::string(1, character);
+  return quoted + '\'';
+}
+
 std::string ShellAssignments(const std::string& board_directory) {
-  return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, board_directory, kPreloadVariable,
-                     PreloadList(), CommandDirectoryOf(board_directory));
+  return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, ShellWord(board_directory),
+                     kPreloadVariable, ShellWord(PreloadList()),
+                     ShellWord(CommandDirectoryOf(board_directory)));
 }
 
 std::string BoardDirectory(const std::string& named) {

@@ -8,7 +8,10 @@ namespace rolu_sim {
 // variables: call it while no other thread reads any.
 void MeetBoard(const std::string& board_directory);
 
-// The same as assignments for a shell.
+// As one word for a shell, in quotes if it must.
+std::string ShellWord(const std::string& text);
+
+// What MeetBoard does, as assignments for a shell.
 std::string ShellAssignments(const std::string& board_directory);
 
 // The board that a command is for: the one that the user named, else the one that this process

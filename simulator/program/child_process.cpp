@@ -21,6 +21,12 @@ int ReportFailedStart(const std::string& program, int error) {
   return error == ENOENT ? kNotFound : kNotExecutable;
 }
 
+bool IsIgnored(int number) {
+  struct sigaction present {};
+  sigaction(number, nullptr, &present);
+  return present.sa_handler == SIG_IGN;
+}
+
 // The terminal sends its signals to the program as well; only those that another process sent to
 // this one are passed on.
 bool CameFromProcess(const siginfo_t& signal) {
@@ -67,7 +73,10 @@ HeldSignals::HeldSignals() {
   pipe_was_default_ = signal(SIGPIPE, SIG_IGN) == SIG_DFL;
   sigemptyset(&watched_);
   sigaddset(&watched_, SIGCHLD);
-  for (const int number : kHeld) sigaddset(&watched_, number);
+  for (const int number : kHeld) {
+    // Under nohup the end of the terminal ends neither the board nor its program.
+    if (number != SIGHUP || !IsIgnored(number)) sigaddset(&watched_, number);
+  }
   pthread_sigmask(SIG_BLOCK, &watched_, &mask_before_);
 }
 

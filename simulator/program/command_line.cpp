@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -67,7 +69,8 @@ void AddBoardSettings(CLI::App& app, BoardSettings& settings) {
       ->allow_extra_args(false)
       ->check(CheckedBy(ParseFault, "fault"));
   app.add_option("--seed", settings.seed, "What random faults start from; without it, another one each time")
-      ->type_name("NUMBER");
+      ->type_name("NUMBER")
+      ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
   app.add_option("--battery", settings.battery,
                  "Voltage of the car battery over time, linear between the points: \"0s=12.6 2s=11.0\"")
       ->type_name("CURVE")
@@ -90,6 +93,20 @@ void AddBoardChoice(CLI::App& app, BoardChoice& board) {
                  "The board's directory; else the board that this program runs on")
       ->type_name("DIR");
   AddDuration(app, "--wait", board.patience, "Wait so long for the board to come up");
+}
+
+// The options of ctl may stand behind its words too, where the parser leaves what begins with a hyphen
+// alone: it may be a negative number.
+void BringOptionsForward(std::vector<std::string>& words) {
+  auto front = words.begin() + 1;
+  for (auto word = front; word != words.end();) {
+    const bool takes_next = *word == "--board" || *word == "--wait";
+    const bool is_option =
+        takes_next || *word == "--json" || word->rfind("--board=", 0) == 0 || word->rfind("--wait=", 0) == 0;
+    const auto end = word + (takes_next && word + 1 != words.end() ? 2 : 1);
+    if (is_option) front = std::rotate(front, word, end);
+    word = end;
+  }
 }
 
 }  // namespace
@@ -121,6 +138,7 @@ int CommandLine::Execute(std::vector<std::string> words) {
   short_form_ = !is_about_all && (words.empty() || FindSubcommand(words[0]) == nullptr);
   if (short_form_) words.insert(words.begin(), "run");
   TakeMarkedWords(words);
+  if (words[0] == "ctl") BringOptionsForward(words);
   try {
     app_.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     for (const auto& [subcommand, work] : works_) {
@@ -130,7 +148,7 @@ int CommandLine::Execute(std::vector<std::string> words) {
   } catch (const CLI::ParseError& stop) {
     if (stop.get_exit_code() == 0) return app_.exit(stop);
     const std::string of = short_form_ ? "" : words[0] + ' ';
-    std::cerr << fmt::format("rolu-sim: {}\nTry 'rolu-sim {}--help'.\n", stop.what(), of);
+    std::cerr << fmt::format("rolu-sim: {}\nTry 'rolu-sim {}--help'.\n", ProblemOf(stop, words[0]), of);
     return kWrongUse;
   }
 }
@@ -142,6 +160,16 @@ void CommandLine::TakeMarkedWords(std::vector<std::string>& words) {
   if (subcommand == nullptr || !subcommand->get_prefix_command() || mark == words.end()) return;
   marked_words_.assign(mark, words.end());
   words.erase(mark, words.end());
+}
+
+std::string CommandLine::ProblemOf(const CLI::ParseError& stop, const std::string& subcommand) const {
+  const CLI::App* const app = FindSubcommand(subcommand);
+  const std::vector<std::string> rest = app_.remaining(true);
+  const bool has_extras = stop.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
+  if (!has_extras || app == nullptr || rest.empty()) return stop.what();
+  if (rest.front().substr(0, 1) != "-") return fmt::format("\"{}\" is one word too many", rest.front());
+  return fmt::format("there is no option \"{}\"{}", rest.front(),
+                     DidYouMean(rest.front(), LongOptions(*app)));
 }
 
 // The words that are not options. The parser takes an option that it does not know for one of them.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "simulator/control/nearest_name.h"
 #include "simulator/control/readings.h"
 
 namespace rolu_sim {
@@ -57,9 +58,17 @@ const std::vector<Verb>& ControlWords() {
   return words;
 }
 
-const Verb& WaitWord() {
+const Verb& ControlWord(std::string_view name) {
   return *std::find_if(ControlWords().begin(), ControlWords().end(),
-                       [](const Verb& word) { return word.name == "wait"; });
+                       [&](const Verb& word) { return word.name == name; });
+}
+
+std::string UnknownWord(std::string_view word) {
+  std::vector<std::string> names;
+  for (const auto* const some : {&ControlWords(), &Verbs()}) {
+    for (const Verb& verb : *some) names.push_back(verb.name);
+  }
+  return fmt::format("there is no verb \"{}\"{}", word, DidYouMean(word, names));
 }
 
 std::string ControlHelp() {

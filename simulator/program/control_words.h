@@ -9,7 +9,10 @@ namespace rolu_sim {
 
 // What rolu-sim ctl does beside the verbs; these have no `apply`.
 const std::vector<Verb>& ControlWords();
-const Verb& WaitWord();
+const Verb& ControlWord(std::string_view name);
+
+// A sentence about a word that is neither one of these nor a verb.
+std::string UnknownWord(std::string_view word);
 
 // All words and verbs, one a line, by subject.
 std::string ControlHelp();

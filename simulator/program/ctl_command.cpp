@@ -13,6 +13,7 @@
 #include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"
 #include "simulator/program/exit_status.h"
+#include "simulator/program/served_directory.h"
 #include "simulator/scenario/scenario_files.h"
 #include "simulator/trace/trace_record.h"
 
@@ -21,22 +22,19 @@ namespace {
 
 class CtlCommand {
  public:
-  explicit CtlCommand(const CtlOptions& options) : options_(options), words_(options.words) {
-    const auto is_json_flag = [](const std::string& word) { return word == "--json"; };
-    json_ = options.json || std::any_of(words_.begin(), words_.end(), is_json_flag);
-    words_.erase(std::remove_if(words_.begin(), words_.end(), is_json_flag), words_.end());
-    if (words_.empty()) throw UsageError("what is to be done? rolu-sim ctl --help lists it");
-  }
+  explicit CtlCommand(const CtlOptions& options)
+      : options_(options), words_(options.words), json_(options.json) {}
 
   int Do() {
     const bool asks_for_help = std::find(words_.begin(), words_.end(), "--help") != words_.end();
     if (asks_for_help || words_.front() == "help") return Help();
     const std::vector<std::string> rest(words_.begin() + 1, words_.end());
     const std::string& word = words_.front();
-    if (word == "get" || word == "show") return Get(word == "show" ? std::vector<std::string>() : rest);
+    if (word == "show" || word == "stop") MembersFromWords(ControlWord(word), rest);
+    if (word == "get" || word == "show") return Get(rest);
     if (word == "wait") return Wait(rest);
     if (word == "play") return Play(rest);
-    if (word == "stop") return Report(Ask({{"stop", true}}));
+    if (word == "stop") return Stop();
     return Perform();
   }
 
@@ -81,6 +79,14 @@ class CtlCommand {
     return 0;
   }
 
+  // A served board has left its directory when this comes back.
+  int Stop() {
+    const BoardEnd end(BoardDirectory(options_.board.directory));
+    const int status = Report(Ask({{"stop", true}}));
+    end.Wait();
+    return status;
+  }
+
   int Play(const std::vector<std::string>& rest) {
     if (rest.size() != 1) throw UsageError("play takes one scenario, a file or a name");
     const ScenarioFile file = ReadScenarioFile(rest.front());
@@ -88,6 +94,7 @@ class CtlCommand {
   }
 
   int Perform() {
+    if (FindVerb(words_.front()) == nullptr) throw UsageError(UnknownWord(words_.front()));
     const Action action = ParseAction(words_);
     Json request = {{"do", action.verb->name}};
     request.update(action.arguments.values());
@@ -96,7 +103,7 @@ class CtlCommand {
 
   int Wait(const std::vector<std::string>& rest) {
     std::vector<Problem> problems;
-    const Verb& wait = WaitWord();
+    const Verb& wait = ControlWord("wait");
     const Arguments arguments = CheckArguments(wait, MembersFromWords(wait, rest), {}, problems);
     if (!problems.empty()) throw UsageError(problems.front().text);
     ControlClient client(BoardDirectory(options_.board.directory), options_.board.patience);
@@ -122,8 +129,8 @@ class CtlCommand {
   }
 
   const CtlOptions& options_;
-  std::vector<std::string> words_;
-  bool json_ = false;
+  const std::vector<std::string>& words_;
+  const bool json_;
 };
 
 }  // namespace

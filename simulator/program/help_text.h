@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace rolu_sim {
 
@@ -20,6 +21,15 @@ class HelpText : public CLI::Formatter {
  private:
   const std::string usage_;
 };
+
+// "--help", "--json" and so on.
+inline std::vector<std::string> LongOptions(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
 
 // Of an app whose formatter is a HelpText.
 inline const std::string& UsageOf(const CLI::App& app) {

@@ -4,17 +4,15 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <iostream>
 
-#include "simulator/board_root.h"
 #include "simulator/control/control_client.h"
 #include "simulator/control/control_server.h"
-#include "simulator/control/control_socket.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/commands.h"
 #include "simulator/program/exit_status.h"
+#include "simulator/program/served_directory.h"
 
 namespace rolu_sim {
 namespace {
@@ -33,22 +31,6 @@ int Conclude(Desk& desk, const BoardSettings& settings, int status) {
   return kBitten;
 }
 
-// A board that was killed leaves its parts behind; they are taken away. Anything else stays.
-void PrepareDirectory(const std::string& directory) {
-  if (directory.size() > BoardRoot::kMaxPathLength) {
-    throw UsageError(fmt::format("{} is too long a path for the board's sockets: {} characters, at most {}",
-                                 directory, directory.size(), BoardRoot::kMaxPathLength));
-  }
-  if (ConnectTo(ControlSocketPath(directory))) {
-    throw UsageError(fmt::format("a board is up at {} already", directory));
-  }
-  if (!std::filesystem::exists(directory)) return;
-  BoardRoot::RemoveParts(directory);
-  if (!std::filesystem::is_directory(directory) || !std::filesystem::is_empty(directory)) {
-    throw UsageError(fmt::format("{} is not an empty directory", directory));
-  }
-}
-
 }  // namespace
 
 int Run(const RunOptions& options) {
@@ -64,9 +46,9 @@ int Run(const RunOptions& options) {
 
 int Serve(const ServeOptions& options) {
   const HeldSignals signals;
+  const ServedDirectory served(BoardDirectory(options.directory));
+  const std::string& directory = served.path();
   PreparedBoard prepared(options.board);
-  const std::string directory = BoardDirectory(options.directory);
-  PrepareDirectory(directory);
   Desk desk(prepared.TakeDeskOptions(directory));
   ControlServer server(desk, EndThisProcess);
   server.Play(prepared.Start(desk));
@@ -75,7 +57,7 @@ int Serve(const ServeOptions& options) {
                    "To run a program on it, put one of these lines in front:\n"
                    "  rolu-sim join {0} --\n"
                    "  {1}\n",
-                   directory, ShellAssignments(directory))
+                   ShellWord(directory), ShellAssignments(directory))
             << std::flush;
   int number = 0;
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {

@@ -40,7 +40,7 @@ int ShowTrace(const TraceOptions& options) {
   const TraceFormat format = options.json ? TraceFormat::kJson : TraceFormat::kText;
   while (const auto line = client.ReadLine(deadline)) {
     std::cout << FormatLine(TraceRecordFromJson(Json::parse(*line)), format) << std::flush;
-    if (!std::cout) throw std::runtime_error("the trace cannot be written to standard output");
+    if (!std::cout) return kRefused;
   }
   if (options.follow && !client.TimedOut()) {
     std::cerr << fmt::format("rolu-sim: the board at {} went down\n", directory);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "tests/desk/tool.h"
@@ -105,6 +106,26 @@ TEST(ServedBoard, says_that_the_watchdog_bit) {
   EXPECT_THAT(board.tool().errors(), HasSubstr("*** WATCHDOG BITE"));
 }
 
+// The trigger cannot come through a port that is gone.
+TEST(ServedBoard, is_bitten_by_the_watchdog_while_its_port_is_hung_up) {
+  const Directory directory;
+  ServedBoard board(directory, {"--fail-on-bite"});
+  board.Client({"watchdog"});
+  EXPECT_EQ(board.Ctl({"fault-hang-up"}).status, 0);
+  EXPECT_EQ(board.Ctl({"wait", "WATCHDOG BITE"}).status, 0);
+}
+
+TEST(ServedBoard, survives_what_the_system_refuses_to_one_who_steers_it) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  std::filesystem::rename(board.path() + "/proc", board.path() + "/elsewhere");
+  const Result refused = board.Ctl({"replug"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_THAT(refused.errors, HasSubstr("cannot create symlink"));
+  EXPECT_EQ(board.Get("ignition")["on"], true);
+  std::filesystem::remove_all(board.path() + "/elsewhere");
+}
+
 TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
   const Directory directory;
   const ServedBoard board(directory);
@@ -163,8 +184,29 @@ TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
     EXPECT_EQ(killed.tool().Wait(), 128 + SIGKILL);
   }
   EXPECT_THAT(directory.Contents(), ElementsAre("board"));
-  const ServedBoard board(directory);
-  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 12.60"));
+  Tool one(directory, {"serve", directory.path() + "/board"});
+  Tool other(directory, {"serve", directory.path() + "/board"});
+  EXPECT_NE(one.WaitForOutput("rolu-sim join"), other.WaitForOutput("rolu-sim join"));
+  EXPECT_THAT(one.errors() + other.errors(), HasSubstr("already"));
+  EXPECT_THAT(RunTool(directory, {"join", directory.path() + "/board", "--", DESK_CLIENT, "voltage"}).output,
+              HasSubstr("voltage C000 12.60"));
+}
+
+TEST(ServedBoard, has_left_its_directory_when_it_was_stopped) {
+  const Directory directory;
+  for (int round = 0; round < 5; ++round) {
+    const ServedBoard board(directory);
+    EXPECT_EQ(board.Ctl({"stop"}).status, 0);
+    EXPECT_THAT(directory.Contents(), ElementsAre());
+  }
+}
+
+TEST(ServedBoard, takes_nothing_away_that_is_not_of_a_board) {
+  const Directory directory;
+  std::filesystem::create_directory(directory.path() + "/bin");
+  directory.Write("bin/tool", "mine");
+  EXPECT_EQ(RunTool(directory, {"serve", directory.path()}).status, 2);
+  EXPECT_EQ(directory.Read("bin/tool"), "mine");
 }
 
 // The signal comes at any moment from the first instruction on.

@@ -68,6 +68,7 @@ std::vector<nlohmann::json> Records(const std::string& text) {
 TEST(Trace, is_shown_of_a_served_board_as_text_and_as_json) {
   const Directory directory;
   ServedBoard board(directory);
+  EXPECT_EQ(RunTool(directory, {"trace", "--board", board.path()}).output, "");
   Tool following(directory, {"trace", "--board", board.path(), "--follow"});
   board.Client({"voltage"});
   board.Ctl({"send", "[0000]"});

@@ -1,0 +1,228 @@
+// Any calls of the families that talk to the MCU, one after another, while the MCU answers mostly as
+// it should, and now and then with anything: each status, the callers' memory, what the MCU is sent,
+// the post-delays, that nothing hangs, and that nothing is left open at the end.
+#include <pthread.h>
+
+#include <atomic>
+#include <chrono>
+
+#include "fuzz/hurried_time.h"
+#include "fuzz/input.h"
+#include "mcu/link.h"
+#include "mcu/link_state.h"
+#include "simulator/board.h"
+#include "simulator/preloaded.h"
+#include "tests/operations/operations.h"
+#include "tests/support/made_call.h"
+#include "tests/support/process_state.h"
+#include "tests/support/wire_model.h"
+
+namespace {
+
+using rolu_fuzz::FailIf;
+using rolu_fuzz::Input;
+using rolu_fuzz::Require;
+using rolu_sim::CommandMatch;
+using rolu_sim::Reply;
+using rolu_test::Bytes;
+using rolu_test::CallRow;
+using rolu_test::Made;
+using rolu_test::OddAnswer;
+
+constexpr size_t kMostCalls = 16;
+
+struct Operation {
+  size_t family;
+  CallRow row;
+  bool takes_down;
+};
+
+bool EndsWith(const std::string& text, const std::string& end) {
+  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+std::vector<Operation> AllOperations() {
+  constexpr char kDown[] = "_Deinitialize";
+  std::vector<Operation> operations;
+  const std::vector<rolu_test::McuFamily>& families = rolu_test::McuFamilies();
+  for (size_t i = 0; i < families.size(); ++i) {
+    for (const CallRow& row : families[i].operations) {
+      operations.push_back({i, row, EndsWith(row.name, kDown)});
+    }
+    for (const CallRow& row : rolu_test::SilentOperations()) {
+      if (row.name == families[i].prefix + (kDown + 1)) operations.push_back({i, row, true});
+    }
+  }
+  return operations;
+}
+
+bool IsReplyStored() {
+  const ScopedLock lock(*io_op_lock);
+  return last_command_valid;
+}
+
+bool IsLinkOpen() {
+  const ScopedLock lock(*io_op_lock);
+  return vpm_ref_count > 0;
+}
+
+// How many more commands the MCU receives until the library's wait for an answer is over.
+std::atomic<int> commands_until_time_is_up{0};
+
+void HearLine(const rolu_sim::WireEvent& line) {
+  if (line.direction != rolu_sim::Direction::kToMcu || commands_until_time_is_up == 0) return;
+  if (--commands_until_time_is_up > 0) return;
+  rolu_fuzz::time_is_up = true;
+  const ScopedLock lock(*io_op_lock);
+  if (vpm_resp_event != nullptr) pthread_cond_signal(vpm_resp_event);
+}
+
+// The board, the library, and what is known of the families' states.
+class Session {
+ public:
+  explicit Session(rolu_sim::Board& board) : board_(board) {}
+
+  void Step(Input& input) {
+    static const std::vector<Operation> operations = AllOperations();
+    const Operation& operation = operations[input.Below(operations.size())];
+    const CallRow& row = operation.row;
+    if (up_[operation.family] == row.brings_up) {
+      ExpectRefusal(row, row.brings_up ? ROLU_STATUS_ALREADY_INITIALIZED : ROLU_STATUS_NOT_INITIALIZED);
+    } else if (row.answers.empty()) {
+      FailIf(row.name, FaultOf(Make(row), row.status, row.output, row.wire));
+      up_[operation.family] = !operation.takes_down;
+    } else {
+      const ROLU_STATUS status = CallWithOddAnswer(row, input);
+      if (status == ROLU_STATUS_SUCCESS && row.brings_up) up_[operation.family] = true;
+      if (status == ROLU_STATUS_SUCCESS && operation.takes_down) up_[operation.family] = false;
+    }
+  }
+
+  // Each family still works, and goes down.
+  void End() {
+    for (size_t i = 0; i < rolu_test::McuFamilies().size(); ++i) {
+      const rolu_test::McuFamily& family = rolu_test::McuFamilies()[i];
+      if (!up_[i]) continue;
+      const CallRow& row = family.operations.back();
+      FailIf(row.name + " at the end", FaultOf(Make(row), row.status, row.output, row.wire));
+      board_.mcu().ClearScript();
+      if (family.switches.deinitialize() != ROLU_STATUS_SUCCESS) FailIf(family.prefix, "does not go down");
+    }
+  }
+
+ private:
+  static void FailIf(const std::string& where, const std::string& wrong) {
+    if (!wrong.empty()) rolu_fuzz::FailIf(where + ": " + wrong);
+  }
+
+  Made Make(const CallRow& row) {
+    board_.mcu().Log().Clear();
+    board_.mcu().ClearScript();
+    for (const rolu_test::Answer& answer : row.answers) {
+      board_.mcu().Script(CommandMatch::Any(), answer.reply);
+    }
+    rolu_fuzz::slept_ms = 0;
+    alignas(std::max_align_t) rolu_test::OutputMemory output = rolu_test::MemoryWith({});
+    const auto start = std::chrono::steady_clock::now();
+    Made made;
+    made.status = row.call(row.output_is_null ? nullptr : output.data());
+    // A call that hangs, on however busy a machine.
+    if (std::chrono::steady_clock::now() - start > kGenerous) FailIf(row.name, "took too long");
+    made.output = output;
+    for (const rolu_sim::WireEvent& chunk : board_.mcu().Log().Chunks()) {
+      if (chunk.direction == rolu_sim::Direction::kToMcu) made.traffic += chunk.bytes;
+    }
+    return made;
+  }
+
+  void ExpectRefusal(const CallRow& row, ROLU_STATUS status) {
+    FailIf(row.name + " in the wrong state", FaultOf(Make(row), status, {}, ""));
+  }
+
+  // A missing output is refused, too, and nothing is sent.
+  bool ExpectNullRefusal(CallRow row) {
+    if (row.output.empty()) return false;
+    row.output_is_null = true;
+    const Made made = Make(row);
+    const bool is_refused =
+        made.status == ROLU_STATUS_INVALID_PARAMETER || made.status == ROLU_STATUS_NULL_POINTER;
+    FailIf(row.name, is_refused && made.traffic.empty() ? "" : "takes a null output");
+    return true;
+  }
+
+  ROLU_STATUS CallWithOddAnswer(const CallRow& row, Input& input) {
+    constexpr size_t kNull = 9;
+    constexpr size_t kLate = 10;
+    const size_t kind = input.Below(16);
+    if (kind == kNull && ExpectNullRefusal(row)) return ROLU_STATUS_INVALID_PARAMETER;
+
+    const size_t command = input.Below(row.answers.size());
+    const std::string healthy = BytesOf(row.answers[command]);
+    OddAnswer odd = {&row, command, kind == kLate ? "" : AnswerOf(kind, healthy, input)};
+    // Of two lines that are waited for, one alone would come when nobody waits for it any more.
+    if (odd.Status() == ROLU_STATUS_VPM_NO_REPLY) odd.sent = "";
+    CallRow faulty = row;
+    faulty.answers[command] = odd.sent.empty() ? Reply::Silence() : Reply::Bytes(odd.sent);
+    commands_until_time_is_up = odd.sent.empty() ? static_cast<int>(command) + 1 : 0;
+    const Made made = Make(faulty);
+    FailIf(row.name + " answered '" + odd.sent + "'", FaultOf(made, odd));
+    if (made.status == ROLU_STATUS_SUCCESS && rolu_fuzz::slept_ms != row.post_delay_ms) {
+      FailIf(row.name, "has another post-delay");
+    }
+    if (kind == kLate && IsLinkOpen()) {
+      board_.mcu().SendRaw(healthy);
+      Require(WaitUntil(IsReplyStored), "the late answer was not received");
+    }
+    return made.status;
+  }
+
+  // All whole lines; what did not end would be the beginning of the next answer.
+  static std::string AnswerOf(size_t kind, const std::string& healthy, Input& input) {
+    switch (kind) {
+      case 11:
+        return std::string(rolu_test::kErrorReplies[input.Below(rolu_test::kErrorReplies.size())]) + "\r\n";
+      case 12:
+        return input.Text(input.Below(70)) + "\r\n" + input.Text(input.Below(70)) + "\r\n";
+      case 13:
+        return input.Text(input.Byte()) + "\n" + healthy;
+      case 14:
+        return healthy + healthy + input.Text(input.Below(70)) + "\r\n";
+      case 15:
+        return "[GI:0001FFFF8000]\r\n" + healthy + "[0000]\r\n[0001]\r\n";
+      default:
+        return healthy;
+    }
+  }
+
+  rolu_sim::Board& board_;
+  bool up_[4] = {};
+};
+
+rolu_sim::Board& TheBoard() {
+  static rolu_sim::Board board([] {
+    rolu_sim::BoardOptions options;
+    options.serial.line_listener = HearLine;
+    return options;
+  }());
+  return board;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  rolu_sim::EnsurePreloaded(*argc, *argv);
+  TheBoard().AttachThisProcess();
+  // The power manager prints a line whenever it comes up.
+  Require(freopen("/dev/null", "w", stdout) != nullptr, "no /dev/null");
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const ProcessState before;
+  Input input(data, size);
+  Session session(TheBoard());
+  for (size_t calls = 0; calls < kMostCalls && !input.empty(); ++calls) session.Step(input);
+  session.End();
+  Require(WaitUntil([&] { return ProcessState() == before; }), "something is still open, or runs");
+  return 0;
+}

@@ -1,0 +1,59 @@
+// What a fuzzer's bytes mean: numbers and texts, taken from the front; behind the end all is zero.
+#ifndef FUZZ_INPUT_H
+#define FUZZ_INPUT_H
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace rolu_fuzz {
+
+class Input {
+ public:
+  Input(const uint8_t* bytes, size_t size) : bytes_(bytes), left_(size) {}
+
+  bool empty() const { return left_ == 0; }
+  size_t left() const { return left_; }
+
+  uint8_t Byte() {
+    if (left_ == 0) return 0;
+    --left_;
+    return *bytes_++;
+  }
+  size_t Below(size_t limit) { return Byte() % limit; }
+
+  std::string Text(size_t length) {
+    std::string text;
+    for (length = std::min(length, left_); length > 0; --length) text += static_cast<char>(Byte());
+    return text;
+  }
+
+  template <typename Number>
+  Number Raw() {
+    Number number{};
+    auto* bytes = reinterpret_cast<uint8_t*>(&number);
+    for (size_t i = 0; i < sizeof number; ++i) bytes[i] = Byte();
+    return number;
+  }
+
+ private:
+  const uint8_t* bytes_;
+  size_t left_;
+};
+
+// Ends the process with what is wrong, as fuzzers find it; does nothing for an empty text.
+inline void FailIf(const std::string& wrong) {
+  if (wrong.empty()) return;
+  fprintf(stderr, "WRONG: %s\n", wrong.c_str());
+  abort();
+}
+
+inline void Require(bool holds, const char* what) {
+  if (!holds) FailIf(what);
+}
+
+}  // namespace rolu_fuzz
+
+#endif  // FUZZ_INPUT_H

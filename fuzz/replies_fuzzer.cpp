@@ -1,0 +1,169 @@
+// Any reply line, and any numbers: what the parsers of the fields make of them, compared with what the
+// interface promises, told in the plainest way.
+#include <cctype>
+#include <cmath>
+#include <cstring>
+#include <ctime>
+#include <limits>
+#include <memory>
+
+#include "fuzz/input.h"
+#include "mcu/error_reply.h"
+#include "mcu/line_assembler.h"
+#include "mcu/reply_fields.h"
+#include "tests/support/wire_model.h"
+#include "vpm/clock_fields.h"
+#include "vpm/voltage_scale.h"
+#include "vpm/vpm_manager.h"
+
+namespace {
+
+using rolu_fuzz::Input;
+using rolu_fuzz::Require;
+
+int DigitOf(char character) {
+  if (character >= '0' && character <= '9') return character - '0';
+  const int lower = tolower(static_cast<unsigned char>(character));
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
+}
+
+// strtol where long has 32 bits.
+int32_t NumberOf(const std::string& text, int base) {
+  size_t at = text.find_first_not_of(" \t\n\v\f\r");
+  if (at == text.npos) return 0;
+  const bool negative = text[at] == '-';
+  if (negative || text[at] == '+') ++at;
+  const auto digit_at = [&](size_t place) { return place < text.size() ? DigitOf(text[place]) : 99; };
+  if (base == 16 && digit_at(at) == 0 && at + 1 < text.size() && tolower(text[at + 1]) == 'x' &&
+      digit_at(at + 2) < base) {
+    at += 2;
+  }
+  double value = 0;  // exact as far as it matters, and without an end
+  for (; digit_at(at) < base; ++at) value = value * base + digit_at(at);
+  if (negative) value = -value;
+  if (value > 2147483647.0) return std::numeric_limits<int32_t>::max();
+  if (value < -2147483648.0) return std::numeric_limits<int32_t>::min();
+  return static_cast<int32_t>(value);
+}
+
+void CheckNumbers(const std::string& reply, size_t position, size_t width) {
+  Require(ReadHexadecimal(reply.c_str()) == NumberOf(reply, 16), "another hexadecimal number");
+  Require(ReadBinary(reply.c_str()) == NumberOf(reply, 2), "another binary number");
+  const std::string field = position < reply.size() ? reply.substr(position, std::min<size_t>(width, 8)) : "";
+  Require(ReadHexadecimalField(reply.c_str(), position, width) == NumberOf(field, 16), "another field");
+}
+
+void CheckCharacter(const std::string& reply, int32_t position) {
+  const bool within = position >= 0 && static_cast<size_t>(position) < reply.size();
+  const char expected = within ? reply[static_cast<size_t>(position)] : '\0';
+  Require(CharacterAt(reply.c_str(), position) == expected, "another character");
+}
+
+// The plain decimal form at the start of the text; empty if there is none.
+std::string DecimalOf(const std::string& text) {
+  const auto digits_from = [&text](size_t at) {
+    size_t end = at;
+    while (end < text.size() && isdigit(static_cast<unsigned char>(text[end])) != 0) ++end;
+    return end;
+  };
+  const size_t start = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
+  const size_t sign = start < text.size() && (text[start] == '-' || text[start] == '+') ? 1 : 0;
+  const size_t whole_end = digits_from(start + sign);
+  size_t end = whole_end;
+  size_t digits = whole_end - (start + sign);
+  if (end < text.size() && text[end] == '.') {
+    const size_t fraction_end = digits_from(end + 1);
+    digits += fraction_end - (end + 1);
+    end = fraction_end;
+  }
+  return digits > 0 ? text.substr(start, end - start) : "";
+}
+
+void CheckFloat(const std::string& reply) {
+  constexpr float kUntouched = -77.0F;
+  float value = kUntouched;
+  const bool read = ReadFloat(reply.c_str(), &value);
+  if (!read) Require(value == kUntouched, "a float was written, though none was read");
+  // Exponents, hexadecimal floats, infinities and the like are left to the C library.
+  if (reply.find_first_of("eExXnN") != reply.npos) return;
+  const std::string decimal = DecimalOf(reply);
+  Require(read == !decimal.empty(), "a float where none is, or none where one is");
+  if (read) Require(value == strtof(decimal.c_str(), nullptr), "another float");
+}
+
+void CheckError(const std::string& reply) {
+  static const std::unique_ptr<ErrorReplyEntry[]> table(NewErrorTable());
+  const int32_t number = FindErrorReply(table.get(), reply.c_str());
+  Require(StatusOfErrorNumber(number) == rolu_test::StatusOfReply(reply), "another status of a reply");
+}
+
+// As the board's processor converts: towards zero, and what does not fit saturates at 32 bits.
+void CheckVolts(float volts, float scale) {
+  const double units = std::floor(static_cast<double>(volts / scale) + 0.5);
+  uint16_t expected = 0;
+  if (units >= 4294967295.0) {
+    expected = 0xFFFF;
+  } else if (units > 0) {
+    expected = static_cast<uint16_t>(std::fmod(units, 65536.0));
+  }
+  Require(VoltsToRaw(volts, scale) == expected, "another raw voltage");
+}
+
+void CheckClock(Input& input) {
+  const unsigned char year = input.Byte();
+  const unsigned char month = input.Byte();
+  const unsigned char day = input.Byte();
+  const unsigned char weekday = input.Byte();
+  const unsigned char hour = input.Byte();
+  const unsigned char minute = input.Byte();
+  const unsigned char second = input.Byte();
+  tm time{};
+  time.tm_year = 100 + year;
+  time.tm_mon = month - 1;
+  time.tm_mday = day;
+  time.tm_hour = hour;
+  time.tm_min = minute;
+  time.tm_sec = second;
+  const tm asked = time;
+  timegm(&time);  // moves what is out of range
+  const bool stays = time.tm_year == asked.tm_year && time.tm_mon == asked.tm_mon &&
+                     time.tm_mday == asked.tm_mday && time.tm_hour == asked.tm_hour &&
+                     time.tm_min == asked.tm_min && time.tm_sec == asked.tm_sec;
+  const bool valid = stays && year < 100 && weekday < 7;
+  Require(CheckRTCRange(year, month, day, weekday, hour, minute, second) == (valid ? 1 : 0),
+          "a time is judged otherwise");
+}
+
+void CheckAlarmField(unsigned char value) {
+  // Sums of the weights of the byte's bits, and back.
+  const unsigned char raw = CVPMMgr::TimeToRAW(value);
+  if (value < 80) Require(CVPMMgr::RAWToTime(raw) == value, "an alarm field does not come back");
+  constexpr int kWeights[] = {0, 40, 20, 10, 8, 4, 2, 1};
+  int sum = 0;
+  for (unsigned int bit = 0; bit < 8; ++bit) sum += (value >> bit & 1U) != 0 ? kWeights[bit] : 0;
+  Require(CVPMMgr::RAWToTime(value) == sum, "another alarm field");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input(data, size);
+  CheckVolts(input.Raw<float>(), input.Raw<float>());
+  CheckClock(input);
+  CheckAlarmField(input.Byte());
+  const size_t position = input.Byte() % 80U;
+  const size_t width = input.Byte() % 12U;
+  const auto character = input.Raw<int32_t>();
+  std::string reply = input.Text(kLineCapacity - 1);
+  reply.resize(strlen(reply.c_str()));
+  CheckNumbers(reply, position, width);
+  CheckCharacter(reply, character);
+  CheckCharacter(reply, static_cast<int32_t>(position));
+  CheckFloat(reply);
+  CheckError(reply);
+  return 0;
+}

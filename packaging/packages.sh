@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the Debian packages for the desk and the board into build/packages, has lintian judge them,
-# builds them a second time elsewhere to compare the bytes, then installs those of this machine, uses
-# them as their users do, and purges them.
+# runs the board's under an emulator, builds all a second time elsewhere to compare the bytes, then
+# installs those of this machine, uses them as their users do, and purges them.
 # usage: packages.sh [--once] [--no-install]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -22,6 +22,9 @@ done
 [[ $(dpkg --print-architecture) == amd64 ]] || die "the packages are made on an amd64 machine"
 [[ $install == no ]] || packaging/install_test.sh --may-install
 
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
 built() { find "$1" -maxdepth 1 -name '*.deb' -printf '%f\n' | sort; }
 
 build() {
@@ -33,17 +36,35 @@ build() {
 # What both architectures' packages put at the same place must be the same, so that they can be
 # installed side by side.
 compare_architectures() {
-  local package work
-  work=$(mktemp -d)
+  local package architecture
+  mkdir "$work/shared"
   for package in libkavo-rolu3 libkavo-rolu-dev; do
     for architecture in "${architectures[@]}"; do
-      dpkg-deb -x "$out/$architecture/${package}"_*.deb "$work/$architecture"
-      rm -rf "$work/$architecture"/usr/lib
+      dpkg-deb -x "$out/$architecture/${package}"_*.deb "$work/shared/$architecture"
+      rm -rf "$work/shared/$architecture/usr/lib"
     done
   done
-  diff -r "$work/${architectures[0]}" "$work/${architectures[1]}" >&2 ||
-    { rm -rf "$work"; die "the packages of the architectures differ in files that they share (see above)"; }
-  rm -rf "$work"
+  diff -r "$work/shared/amd64" "$work/shared/armhf" >&2 ||
+    die "the packages of the architectures differ in files that they share (see above)"
+}
+
+# The board's command and a program that is compiled with its packages, on the desk's simulated board.
+use_emulated() {
+  local package files=$work/armhf library=$work/armhf/usr/lib/arm-linux-gnueabihf program
+  for package in libkavo-rolu3 libkavo-rolu-dev rolu-tools; do
+    dpkg-deb -x "$out/armhf/${package}"_*.deb "$files"
+  done
+  dpkg-deb -x "$out"/amd64/rolu-tools_*.deb "$work/amd64"
+  arm-linux-gnueabihf-gcc examples/battery.c -I"$files/usr/include" -L"$library" -lkavo_rolu -o "$work/battery" ||
+    die "a program cannot be compiled with the packages for armhf"
+  # The emulator itself runs natively: only the emulated program gets the preloaded object.
+  for program in "$files/usr/bin/rolu get battery.voltage" "$work/battery 1"; do
+    # shellcheck disable=SC2086 # a program and its arguments
+    "$work/amd64/usr/bin/rolu-sim" --battery 0s=12.6 -- env -u LD_PRELOAD qemu-arm -L /usr/arm-linux-gnueabihf \
+      -E LD_PRELOAD="$library/rolu-sim/librolu-sim-preload.so" -E LD_LIBRARY_PATH="$library" $program |
+      tee "$work/log" >&2
+    grep -q '\<12\.[56]' "$work/log" || die "$program did not read the simulated board's 12.6 V"
+  done
 }
 
 rm -rf "$out"
@@ -53,6 +74,7 @@ for architecture in "${architectures[@]}"; do
     die "lintian found something in the packages for $architecture (see above)"
 done
 compare_architectures
+use_emulated
 
 if [[ $twice == yes ]]; then
   for architecture in "${architectures[@]}"; do

@@ -104,7 +104,7 @@ std::string FaultIn(const CallFacts& facts) {
   }
   const ROLU_STATUS expected = ExpectedStatus(facts);
   if (facts.status != expected) {
-    return fmt::format("\"{}\", not \"{}\"; commands: {}", StatusText(facts.status), StatusText(expected),
+    return fmt::format(R"("{}", not "{}"; commands: {})", StatusText(facts.status), StatusText(expected),
                        Commands(facts.exchanges));
   }
   if (facts.status == ROLU_STATUS_SUCCESS && !facts.right) {

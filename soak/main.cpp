@@ -95,19 +95,19 @@ int Run(const rolu_soak::SoakOptions& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CommandLine command_line;
-  int exit_status = 0;
-  if (!Parse(argc, argv, command_line, exit_status)) return exit_status;
-  if (command_line.list) {
-    fmt::print("{}", rolu_soak::ListOfPromises());
-    return 0;
-  }
-  rolu_soak::CountHeapExactly();
-  rolu_sim::EnsurePreloaded(argc, argv);
   try {
+    CommandLine command_line;
+    int exit_status = 0;
+    if (!Parse(argc, argv, command_line, exit_status)) return exit_status;
+    if (command_line.list) {
+      fmt::print("{}", rolu_soak::ListOfPromises());
+      return 0;
+    }
+    rolu_soak::CountHeapExactly();
+    rolu_sim::EnsurePreloaded(argc, argv);
     return Run(command_line.soak);
   } catch (const std::exception& error) {
-    fmt::print(stderr, "rolu-soak: {}\n", error.what());
+    std::fprintf(stderr, "rolu-soak: %s\n", error.what());
     return kViolated;
   }
 }

@@ -27,9 +27,9 @@ inline constexpr Promise kCommand150{"1 command with a post-delay of 150 ms", kC
 inline constexpr Promise kCommand500{"1 command with a post-delay of 500 ms", kCommandMs + 500};
 inline constexpr Promise kCommand1250{"1 command with a post-delay of 1250 ms", kCommandMs + 1250};
 inline constexpr Promise kTwoCommands{"2 commands", 2 * kCommandMs};
-inline constexpr Promise kTwoCommands50{"2 commands, the second with a post-delay of 50 ms", 2 * kCommandMs + 50};
-inline constexpr Promise kTwoCommands100{"2 commands, each with a post-delay of 50 ms",
-                                         2 * kCommandMs + 100};
+inline constexpr Promise kTwoCommands50{"2 commands, the second with a post-delay of 50 ms",
+                                        2 * kCommandMs + 50};
+inline constexpr Promise kTwoCommands100{"2 commands, each with a post-delay of 50 ms", 2 * kCommandMs + 100};
 inline constexpr Promise kClockSetting{"1 command with 2 answer lines and a post-delay of 50 ms",
                                        2 * kCommandMs + 50};
 inline constexpr Promise kLinkAndCommand{"the link, then 1 command", kLinkMs + kCommandMs};

@@ -24,8 +24,8 @@ struct SoakOptions {
 };
 
 // What the simulated board lives in this process for: its lists are not always equally full.
-inline constexpr std::size_t kHeapTolerance = 64 * 1024;
-inline constexpr std::size_t kResidentTolerance = 4 * 1024 * 1024;
+inline constexpr std::size_t kHeapTolerance = 65536;
+inline constexpr std::size_t kResidentTolerance = 4194304;
 
 // Eight threads call the four families of one simulated board. From time to time they rest: then a call
 // is driven alone to its longest time, and what the process holds is compared.

@@ -41,7 +41,7 @@ Call ChangesBit(ROLU_STATUS (*set)(char), unsigned int bit) {
 
 Call ChangesMode(ROLU_STATUS (*set)(char), bool first) {
   return [=](Lane& lane) {
-    const std::uint32_t mode = lane.Draw(10);
+    const std::uint64_t mode = lane.Draw(10);
     const ROLU_STATUS status = set(static_cast<char>(mode));
     const std::uint64_t modes = lane.Number("MCAG");
     const std::uint64_t expected = first ? mode * 10 + modes % 10 : modes / 10 * 10 + mode;

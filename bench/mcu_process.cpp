@@ -47,20 +47,48 @@ void WriteAll(int fd, std::string_view bytes) {
   }
 }
 
+// A request to read registers is eight bytes long, and its first byte, the address, begins no command.
+constexpr std::size_t kModbusRequestLength = 8;
+
+bool IsModbusRequest(std::string_view bytes) {
+  return !bytes.empty() && bytes.front() == kModbusUnit;
+}
+
+std::string WithModbusChecksum(std::string frame) {
+  unsigned checksum = 0xFFFF;
+  for (const char byte : frame) {
+    checksum ^= static_cast<unsigned char>(byte);
+    for (int bit = 0; bit < 8; ++bit)
+      checksum = (checksum & 1U) != 0 ? checksum >> 1U ^ 0xA001U : checksum >> 1U;
+  }
+  frame += static_cast<char>(checksum & 0xFFU);
+  frame += static_cast<char>(checksum >> 8U);
+  return frame;
+}
+
+// The unit, the function "read holding registers", two bytes of data.
+std::string ModbusAnswer() {
+  return WithModbusChecksum({kModbusUnit, 3, 2, kWatchdogTime >> 8, kWatchdogTime & 0xFF});
+}
+
 [[noreturn]] void AnswerCommands(int master) {
   const std::array<Answer, 3> answers = {{
       {"Hello", "OK\r\n"},
       {"WDTG", "003C\r\n"},
       {"WDTR", MessagesThenOk()},
   }};
+  const std::string modbus_answer = ModbusAnswer();
   std::array<char, 64> bytes{};
   std::string command;
   for (;;) {
     const ssize_t count = read(master, bytes.data(), bytes.size());
     if (count <= 0) _exit(1);
     for (const char byte : std::string_view(bytes.data(), static_cast<std::size_t>(count))) {
-      if (byte != '\r') {
+      if (byte != '\r' || IsModbusRequest(command)) {
         command += byte;
+        if (!IsModbusRequest(command) || command.size() < kModbusRequestLength) continue;
+        WriteAll(master, modbus_answer);
+        command.clear();
         continue;
       }
       for (const Answer& answer : answers) {

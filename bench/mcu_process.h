@@ -14,10 +14,14 @@ inline constexpr int kMessagesBeforeTriggerAnswer = 20;
 // The watchdog time that the MCU answers, in the MCU's own unit.
 inline constexpr unsigned short kWatchdogTime = 0x003C;
 
+// As a Modbus RTU device it has this address, and the watchdog time in every register.
+inline constexpr int kModbusUnit = 1;
+
 // The MCU at the far end of a pseudo-terminal, in a process of its own that is pinned to no
-// processor. It knows three commands, answers each at once and does nothing else: whatever it did
-// besides (the simulated board's MCU keeps a log and follows who opens the port) would count as the
-// wire's time in each figure. Construct it while no other thread runs.
+// processor. It knows three commands, and the reading of one Modbus register, answers each at once
+// and does nothing else: whatever it did besides (the simulated board's MCU keeps a log and follows
+// who opens the port) would count as the wire's time in each figure. Construct it while no other
+// thread runs.
 class McuProcess {
  public:
   // Throws std::system_error.

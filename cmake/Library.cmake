@@ -50,8 +50,9 @@ target_include_directories(kavo_rolu_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJ
 target_link_libraries(kavo_rolu_objects PRIVATE rolu_flags Threads::Threads)
 
 add_library(kavo_rolu SHARED)
+add_library(kavo_rolu::kavo_rolu ALIAS kavo_rolu)
 target_link_libraries(kavo_rolu PRIVATE kavo_rolu_objects Threads::Threads)
-target_include_directories(kavo_rolu INTERFACE ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(kavo_rolu INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 set_target_properties(kavo_rolu PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_link_options(kavo_rolu PRIVATE
   LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map LINKER:-z,relro LINKER:-z,now)

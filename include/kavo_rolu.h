@@ -31,14 +31,34 @@
  * "MCU statuses" below stands for these four. After any of them the call can simply be repeated.
  *
  * @par How long a call blocks
- * One command is pending at the MCU at a time, in the whole process. A call that sends a command
- * first waits for its turn, without a limit of its own, behind the calls of other threads; then at
- * most 3000 ms for the answer; then it sleeps its post-delay, if it has one, while it keeps the other
- * threads' commands back. "Blocks: 1 command" stands for the turn plus at most 3000 ms. A call that
- * says "does not block" takes no lock and waits for nothing.
+ * Each function says behind "Blocks:" how long it may take, in these terms; where it says "Does not
+ * block" it takes no lock and waits for nothing.
+ * - "1 command": a turn, then at most 3000 ms for the MCU's answer (for each line of it, where it has
+ *   several). With a post-delay the call then sleeps, while it keeps the other threads' commands back.
+ *   Of n commands each one has its own turn; those of other threads may run in between.
+ * - A turn has no limit of its own: one command is pending at the MCU at a time, in the whole process, and a
+ *   turn lasts as long as the commands of other threads that go first, with their post-delays. Turns are
+ *   not given in the order in which they were asked for.
+ * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
+ * - "a closing": a turn; the last family to go down then waits until the I/O thread has ended, which it
+ *   does at once on a quiet line and after the line in hand otherwise, at most 1000 ms.
+ * - "the inner lock": held by others for moments, never while they wait for the MCU.
+ * - "device files" and "bus transfers": as long as the kernel's driver takes.
+ * - "the shell command": until it has ended, without a limit.
  *
- * The waits end at a time of the system's wall clock (CLOCK_REALTIME). If the clock is set while a
- * call waits, that one wait is shortened or lengthened by as much; the next call is whole again.
+ * A signal ends none of the library's own waits early. What a thread waits for a processor comes on top.
+ *
+ * The waits for an answer, for the link and for the inner lock end at a time of the system's wall clock
+ * (CLOCK_REALTIME). A clock that is set forward by more than is left of such a wait ends it: the call
+ * answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED or #ROLU_STATUS_TIMEOUT although the
+ * MCU may be about to answer. A clock that is set back lengthens the wait by as much, unless the answer
+ * comes. Either concerns the wait in hand only; the next one is whole again. Post-delays do not follow
+ * the wall clock.
+ *
+ * @par Late answers
+ * The wire does not say which command an answer is for. An answer that comes after its call gave up is
+ * thrown away, unless the next command is already on its way: then it is taken for that one's answer.
+ * The commands after it are right again.
  *
  * @par Thread safety
  * Any function may run at the same time as any other on any thread, with these exceptions:
@@ -135,28 +155,35 @@ typedef struct VPM_FIRMWARE_INFO {
 } VPM_FIRMWARE_INFO;
 
 /** The vehicle's battery system. The values 0 and 1 exist only for KAVO_ROLU_VPM_GetLBPThresholdInfo. */
-KAVO_ROLU_ENUM(CAR_BATTERY_MODE){CAR_BATTERY_MODE_24V = 2, CAR_BATTERY_MODE_12V = 3};
+KAVO_ROLU_ENUM(CAR_BATTERY_MODE){CAR_BATTERY_MODE_24V = 2, /**< A battery of 24 V. */
+                                 CAR_BATTERY_MODE_12V = 3 /**< A battery of 12 V. */};
 
 /** The MCU's battery range of one battery system, in volts; what the limits mean is the MCU's definition. */
 typedef struct BATTERY_INFO {
-  float range_end;
-  float range_start;
-  float range_mid;
+  float range_end;      /**< The range's end. */
+  float range_start;    /**< The range's start. */
+  float range_mid;      /**< The range's middle. */
   float range_mid_copy; /**< The same value as range_mid. */
 } BATTERY_INFO;
 
 /** Ignition mode; what the two modes do is the MCU's definition. */
-KAVO_ROLU_ENUM(IGNITION_MODE){IGNITION_MODE_1 = 1, IGNITION_MODE_2 = 2};
+KAVO_ROLU_ENUM(IGNITION_MODE){IGNITION_MODE_1 = 1, /**< Mode 1. */
+                              IGNITION_MODE_2 = 2 /**< Mode 2. */};
 
 /** A cause of shutdown that can be switched on and off; the MCU defines what each one is. */
-KAVO_ROLU_ENUM(SHUTDOWN_SOURCE){SHUTDOWN_SOURCE_0 = 0, SHUTDOWN_SOURCE_1 = 1};
+KAVO_ROLU_ENUM(SHUTDOWN_SOURCE){SHUTDOWN_SOURCE_0 = 0, /**< Source 0. */
+                                SHUTDOWN_SOURCE_1 = 1 /**< Source 1. */};
 
 /** A cause of wake-up; the MCU defines what each one is, except the clock's alarm. */
 KAVO_ROLU_ENUM(WAKEUP_SOURCE){WAKEUP_SOURCE_NONE = -1, /**< No wake-up is recorded; only ever an output. */
-                              WAKEUP_SOURCE_0 = 0,         WAKEUP_SOURCE_1 = 1, WAKEUP_SOURCE_2 = 2,
-                              WAKEUP_SOURCE_3 = 3,         WAKEUP_SOURCE_4 = 4, WAKEUP_SOURCE_5 = 5,
+                              WAKEUP_SOURCE_0 = 0,     /**< Source 0. */
+                              WAKEUP_SOURCE_1 = 1,     /**< Source 1. */
+                              WAKEUP_SOURCE_2 = 2,     /**< Source 2. */
+                              WAKEUP_SOURCE_3 = 3,     /**< Source 3. */
+                              WAKEUP_SOURCE_4 = 4,     /**< Source 4. */
+                              WAKEUP_SOURCE_5 = 5,     /**< Source 5. */
                               WAKEUP_SOURCE_RTC_ALARM = 6, /**< The wake-up alarm of the MCU's clock. */
-                              WAKEUP_SOURCE_10 = 10};
+                              WAKEUP_SOURCE_10 = 10 /**< Source 10. */};
 
 /** A time of the MCU's clock; plain numbers, not BCD. */
 typedef struct VPM_RTC_TIME {
@@ -200,14 +227,16 @@ typedef struct BACKUP_BATTERY_INFO {
 
 /** A G-sensor sample. */
 typedef struct ROLU_GSENSOR_DATA {
-  int32_t x;
-  int32_t y;
-  int32_t z;
+  int32_t x; /**< Along the x axis. */
+  int32_t y; /**< Along the y axis. */
+  int32_t z; /**< Along the z axis. */
 } ROLU_GSENSOR_DATA;
 
 /** The G-sensor's resolution code, 0 to 3; what the codes mean is the MCU's definition. */
-KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, ROLU_GSENSOR_RES_1 = 1, ROLU_GSENSOR_RES_2 = 2,
-                                 ROLU_GSENSOR_RES_3 = 3};
+KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, /**< Code 0. */
+                                 ROLU_GSENSOR_RES_1 = 1, /**< Code 1. */
+                                 ROLU_GSENSOR_RES_2 = 2, /**< Code 2. */
+                                 ROLU_GSENSOR_RES_3 = 3 /**< Code 3. */};
 
 /** A switched peripheral. The values 3 to 9 are valid, but nothing answers to them. */
 KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch that the MCU holds. */
@@ -216,9 +245,9 @@ KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch th
 
 /** Where KAVO_ROLU_DISPLAY_GetBrightRange writes; all three must be given. */
 typedef struct ROLU_BRIGHT_RANGE {
-  unsigned char* min;
-  unsigned char* max;
-  unsigned char* step;
+  unsigned char* min;  /**< Receives the lowest level. */
+  unsigned char* max;  /**< Receives the highest level. */
+  unsigned char* step; /**< Receives the distance of two levels. */
 } ROLU_BRIGHT_RANGE;
 
 /** One transfer on the I2C bus. */
@@ -231,7 +260,10 @@ typedef struct ROLU_IIC_TRANSFER {
   uint32_t read_length;     /**< Bytes at `read_data`. */
 } ROLU_IIC_TRANSFER;
 
-/* ---- CORE: the library's switch, platform facts, reset of the board ------------------------- */
+/**
+ * @name CORE: the library's switch, platform facts, reset of the board
+ * @{
+ */
 
 /**
  * Switches the core on, for the families that have no Initialize of their own.
@@ -309,7 +341,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The I2C bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The controller could not be addressed; nothing was written.
  *
- * Blocks for the length of one I2C transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_Reset(void);
 
@@ -332,7 +364,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistrySave(void);
 /** Not provided by this board. @retval ROLU_STATUS_NOT_SUPPORTED Always. Does not block. */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
 
-/* ---- VPM: vehicle power management, life and identity --------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: vehicle power management, life and identity
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU, reads its
@@ -351,8 +388,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
- * Blocks: at most 2000 ms for the link, then 6 commands, one after the other; a failed start-up then
- * also closes the link, as KAVO_ROLU_VPM_Deinitialize does.
+ * Blocks: the link, then 6 commands, then a closing (after a failed start-up).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
 
@@ -362,9 +398,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: until its turn behind the commands of other threads, without a limit of its own, then until
- * the I/O thread has ended, which is at once on an idle link and after the line in hand otherwise (at
- * most about 1 s).
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void);
 
@@ -400,7 +434,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLibVersion(unsigned char* version);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPlatformName(char* name);
 
-/* ---- VPM: car battery ------------------------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: car battery
+ * @{
+ */
 
 /**
  * Hands out the battery range that Initialize read for one battery system. Sends nothing, and works
@@ -428,7 +467,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE mod
  * @retval ROLU_STATUS_VPM_ERROR_REPLY The MCU reports a battery mode other than 2 or 3.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands (the battery mode, then the voltage); another thread's command may run between.
+ * Blocks: 2 commands (the battery mode, then the voltage).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCarBatteryVoltage(float* volts);
 
@@ -490,33 +529,57 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem(float volts)
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The same.
+/**
+ * As KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdFor24VSystem(float* volts);
 
 /**
  * Sets the voltage below which the pre-boot protection keeps the computer from starting, for a 12 V
- * system. Range, rounding, statuses and blocking as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
+ * system. Range, rounding and statuses as KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem.
  * @param volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem(float volts);
 
 /**
  * Reads the pre-boot threshold of a 12 V system; else as KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem.
  * @param[out] volts In volts. @return The same statuses.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem(float* volts);
 
-/** As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system. @param volts In volts. @return The
- * same. */
+/**
+ * As KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param volts In volts. @return The same.
+ *
+ * Blocks: 1 command with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootThresholdFor24VSystem(float volts);
 
-/** As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system. @param[out] volts In volts. @return
- * The same. */
+/**
+ * As KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, for a 24 V system.
+ *
+ * @param[out] volts In volts. @return The same.
+ *
+ * Blocks: 1 command.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem(float* volts);
 
 /**
@@ -547,14 +610,30 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPStatus(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPStatus(char* enabled);
 
-/** As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection. @param enable 0 is off. @return The same. */
+/**
+ * As KAVO_ROLU_VPM_SetLBPStatus, for the pre-boot protection.
+ *
+ * @param enable 0 is off. @return The same.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
+ */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrebootLBPStatus(char enable);
 
-/** As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection. @param[out] enabled 1 or 0. @return The same.
+/**
+ * As KAVO_ROLU_VPM_GetLBPStatus, for the pre-boot protection.
+ *
+ * @param[out] enabled 1 or 0. @return The same.
+ *
+ * Blocks: 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 
-/* ---- VPM: power-off delays and forced shutdown ---------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: power-off delays and forced shutdown
+ * @{
+ */
 
 /**
  * Sets the delay from the ignition going off to the power-off warning. The MCU stores it.
@@ -808,7 +887,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDown(char* enabled);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void);
 
-/* ---- VPM: ignition and operating modes ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: ignition and operating modes
+ * @{
+ */
 
 /**
  * Tells whether the ignition is on.
@@ -887,8 +971,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 
@@ -916,8 +1001,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * If the reading failed, nothing was written. Blocks: 2 commands, the second with a post-delay of 50
- * ms.
+ * If the reading failed, nothing was written.
+ *
+ * Blocks: 2 commands, the second with a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 
@@ -942,7 +1028,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 1 command with a post-delay of 1250 ms, which keeps every other thread's commands back.
+ * Blocks: 1 command with a post-delay of 1250 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
 
@@ -962,7 +1048,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
 
@@ -982,11 +1068,16 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event);
 
-/* ---- VPM: shutdown and wake-up sources ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name VPM: shutdown and wake-up sources
+ * @{
+ */
 
 /**
  * Switches a cause of shutdown on or off.
@@ -1061,7 +1152,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOUR
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* source);
 
-/* ---- VPM: clock and wake-up alarm ----------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: clock and wake-up alarm
+ * @{
+ */
 
 /**
  * Sets the MCU's clock.
@@ -1072,8 +1168,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
  * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range; nothing was sent.
  * @return or one of the MCU statuses.
  *
- * Blocks: as 1 command, but the MCU answers with two lines and each may take 3000 ms; with a post-
- * delay of 50 ms.
+ * Blocks: 1 command with 2 answer lines and a post-delay of 50 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time);
 
@@ -1145,7 +1240,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time);
 
-/* ---- VPM: backup battery -------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name VPM: backup battery
+ * @{
+ */
 
 /**
  * Measures the backup battery's voltage. An answer without a number counts as 0.
@@ -1238,11 +1338,16 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
  * @retval ROLU_STATUS_INVALID_PARAMETER `info` is null.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands; another thread's command may run between.
+ * Blocks: 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info);
 
-/* ---- WD: the MCU's watchdog ------------------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name WD: the MCU's watchdog
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet) and greets the MCU, whose
@@ -1253,7 +1358,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
 
@@ -1264,7 +1369,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was down before.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Deinitialize(void);
 
@@ -1336,7 +1441,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_SetTime(unsigned short time);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned long* maximum);
 
-/* ---- GSENSOR: the MCU's acceleration sensor ------------------------------------------------- */
+/** @} */
+
+/**
+ * @name GSENSOR: the MCU's acceleration sensor
+ * @{
+ */
 
 /**
  * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU and switches
@@ -1347,7 +1457,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetRange(unsigned long* minimum, unsigned
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize.
  *
- * Blocks: at most 2000 ms for the link, then 2 commands.
+ * Blocks: the link, then 2 commands.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
 
@@ -1361,7 +1471,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
- * Blocks: 2 commands, then as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: 2 commands, then a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Deinitialize(void);
 
@@ -1449,7 +1559,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
  * @retval ROLU_STATUS_NULL_POINTER `event` is null, whether or not the family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Sends nothing. Blocks only for the link's inner lock, which is held for moments.
+ * Sends nothing. Blocks: the inner lock.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
 
@@ -1465,7 +1575,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
  * @retval ROLU_STATUS_GSENSOR_NO_ALARM_DATA No sample is queued.
  * @retval ROLU_STATUS_TIMEOUT The link's inner lock was not free within 1000 ms.
  *
- * Blocks: at most 1000 ms.
+ * Blocks: the inner lock, at most 1000 ms.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmData(ROLU_GSENSOR_DATA* sample);
 
@@ -1523,7 +1633,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetWakeupThreshold(int* threshold);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
 
-/* ---- PERIPHERALCTRL: switched peripherals --------------------------------------------------- */
+/** @} */
+
+/**
+ * @name PERIPHERALCTRL: switched peripherals
+ * @{
+ */
 
 /**
  * Brings the family up: prepares the GPIO line of the GPS power (failures show when it is used), opens
@@ -1534,7 +1649,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
  * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPIO line is prepared all
  *        the same.
  *
- * Blocks: at most 2000 ms for the link, then 1 command.
+ * Blocks: device files, the link, then 1 command.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
 
@@ -1544,7 +1659,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Initialize(void);
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  *
- * Blocks: as KAVO_ROLU_VPM_Deinitialize.
+ * Blocks: a closing.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_Deinitialize(void);
 
@@ -1575,8 +1690,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface until the
- * command has ended, without a limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command with a post-delay of 500 ms; the wireless interface the shell
+ * command, without a limit; the GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
 
@@ -1595,8 +1710,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHER
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
- * Blocks: the MCU's switch 1 command; the wireless interface until the command has ended, without a
- * limit; the GPS power not.
+ * Blocks: the MCU's switch 1 command; the wireless interface the shell command, without a limit; the
+ * GPS power device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE type, char* state);
 
@@ -1644,7 +1759,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetAutoRearView(char enable);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetAutoRearView(char* enabled);
 
-/* ---- DISPLAY: backlight --------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name DISPLAY: backlight
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1688,7 +1808,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* ra
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  * @retval ROLU_STATUS_FILE_ACCESS_FAILED It holds no number.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
 
@@ -1701,7 +1821,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
  * @retval ROLU_STATUS_NOT_SUPPORTED `level` is above 10.
  * @retval ROLU_STATUS_FILE_OPEN_FAILED The display driver's attribute cannot be opened.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_SetBright(unsigned char level);
 
@@ -1723,7 +1843,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOn(void);
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOff(void);
 
-/* ---- DIO: digital pins ---------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name DIO: digital pins
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1742,7 +1867,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
  * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
  *
- * Blocks for the accesses to the GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Initialize(void);
 
@@ -1766,7 +1891,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        byte was written.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
 
@@ -1781,7 +1906,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A line could not be opened; if it is the second, the first
  *        output was set.
  *
- * Blocks for the accesses to two GPIO files.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_WriteDOPin(const unsigned char* pins);
 
@@ -1845,7 +1970,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetVoiceModuleSelectPin(uint32_t unused)
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_SetVoiceModuleSelectPin(uint32_t unused);
 
-/* ---- TEMPERATURESENSOR ---------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name TEMPERATURESENSOR: temperatures of the processor and the board
+ * @{
+ */
 
 /**
  * Not provided by this board.
@@ -1895,7 +2025,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore2Temperature(uin
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_TEMPERATURESENSOR_GetSystem1Temperature(uint32_t unused);
 
-/* ---- LIGHTSENSOR ---------------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name LIGHTSENSOR: ambient light
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1917,11 +2052,16 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* ver
  * @retval ROLU_STATUS_NULL_POINTER `reading` is null.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The sensor is not there.
  *
- * Blocks for the access to one attribute file.
+ * Blocks: device files.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetStatus(unsigned short* reading);
 
-/* ---- IIC: raw transfers on the I2C bus ------------------------------------------------------ */
+/** @} */
+
+/**
+ * @name IIC: raw transfers on the I2C bus
+ * @{
+ */
 
 /**
  * Not provided: the library's version comes from KAVO_ROLU_CORE_GetLibVersion.
@@ -1952,7 +2092,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Available(void);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
 
@@ -1965,7 +2105,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for one bus transfer.
+ * Blocks: bus transfers (one).
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
 
@@ -1979,11 +2119,16 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
  *
- * Blocks for two bus transfers and 100 ms.
+ * Blocks: bus transfers (two), and 100 ms between them.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_WriteReadCombine(ROLU_IIC_TRANSFER* transfer);
 
-/* ---- EEPROM --------------------------------------------------------------------------------- */
+/** @} */
+
+/**
+ * @name EEPROM: non-volatile memory
+ * @{
+ */
 
 /**
  * Not provided by this board.
@@ -2072,6 +2217,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_ReadMultiByte(uint8_t address, uint8_
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_EEPROM_WriteMultiByte(uint8_t address, uint8_t length, uint32_t unused1,
                                                           uint32_t unused2);
+
+/** @} */
 
 #ifdef __cplusplus
 }

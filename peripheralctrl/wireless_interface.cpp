@@ -1,5 +1,6 @@
 #include "peripheralctrl/wireless_interface.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -11,6 +12,20 @@ FILE* StartCommand(const char* line) {
   FILE* command = popen(line, "r");
   if (command != nullptr) SetCloseOnExec(fileno(command));
   return command;
+}
+
+// Reads on after a signal: its handler interrupts the wait for the command, and an interface that is up
+// would count as down.
+void ReadOutput(FILE* command, char* output, size_t size) {
+  size_t count = 0;
+  while (count < size) {
+    errno = 0;
+    const size_t more = fread(output + count, 1, size - count, command);
+    count += more;
+    if (more > 0) continue;
+    if (ferror(command) == 0 || errno != EINTR) return;
+    clearerr(command);
+  }
 }
 
 }  // namespace
@@ -27,7 +42,7 @@ bool GetWirelessInterface(bool& up) {
   FILE* command = StartCommand("ifconfig | grep wlan0");
   if (command == nullptr) return false;
   char output[sizeof kName] = {};
-  [[maybe_unused]] const size_t count = fread(output, 1, sizeof kName - 1, command);
+  ReadOutput(command, output, sizeof kName - 1);
   pclose(command);
   up = strcmp(output, kName) == 0;
   return true;

@@ -4,10 +4,12 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
+
+#include "simulator/preload_list.h"
 
 namespace rolu_sim {
 namespace {
@@ -15,21 +17,6 @@ namespace {
 // Set for the second start, so that an object that cannot be loaded does not make a program start
 // itself for ever.
 constexpr char kSecondStartVariable[] = "ROLU_SIM_SECOND_START";
-
-bool IsSanitizerRuntime(std::string_view object) {
-  static constexpr std::array<std::string_view, 5> kNames = {"libasan.", "libtsan.", "libubsan.", "liblsan.",
-                                                             "libclang_rt."};
-  const std::string_view name = object.substr(object.rfind('/') + 1);
-  for (const std::string_view runtime : kNames) {
-    if (name.substr(0, runtime.size()) == runtime) return true;
-  }
-  return false;
-}
-
-void Append(std::string& list, std::string_view object) {
-  if (!list.empty()) list += ':';
-  list += object;
-}
 
 [[noreturn]] void GiveUp(const char* program, const std::string& why) {
   std::fprintf(stderr, "%s: the simulated board needs %s loaded before it: %s\n", program,
@@ -41,20 +28,6 @@ void Append(std::string& list, std::string_view object) {
 
 bool IsPreloaded() {
   return dlsym(RTLD_DEFAULT, "rolu_sim_preload_version") != nullptr;
-}
-
-std::string PreloadListWith(std::string_view present, std::string_view object) {
-  std::string runtimes;
-  std::string others;
-  while (!present.empty()) {
-    const std::size_t end = present.find_first_of(": ");
-    const std::string_view entry = present.substr(0, end);
-    if (!entry.empty() && entry != object) Append(IsSanitizerRuntime(entry) ? runtimes : others, entry);
-    present.remove_prefix(end == std::string_view::npos ? present.size() : end + 1);
-  }
-  Append(runtimes, object);
-  if (!others.empty()) Append(runtimes, others);
-  return runtimes;
 }
 
 void EnsurePreloaded(int /*argc*/, char** argv) {

@@ -8,6 +8,7 @@
 #include "simulator/command_path.h"
 #include "simulator/control/parameter.h"
 #include "simulator/installed_files.h"
+#include "simulator/preload_list.h"
 #include "simulator/preloaded.h"
 #include "simulator/system_error.h"
 

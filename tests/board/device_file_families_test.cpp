@@ -1,8 +1,7 @@
 // The families that work on device files: the board's log of the files takes the place of the wire.
-#include <cerrno>
-
 #include "kavo_rolu.h"
 #include "tests/support/call_table.h"
+#include "tests/support/text_node.h"
 
 namespace rolu_test {
 namespace {
@@ -20,36 +19,6 @@ constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
 constexpr char kLux[] =
     "/sys/devices/platform/ehci-omap.0/usb1/1-2/1-2.4/1-2.4:1.3/ttyUSB3/tty/ttyUSB3/serio1/lux";
 constexpr char kBrightness[] = "/sys/devices/omapdss/display0/backlight/vorn512p/brightness";
-
-// A node that shows any text and keeps what is written to it.
-class TextNode : public rolu_sim::Device {
- public:
-  explicit TextNode(std::string text) : text_(std::move(text)) {}
-  rolu_sim::NodeStat Stat() const override { return {}; }
-  rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
-                              std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
-    opened = std::make_unique<Descriptor>(text_);
-    return 0;
-  }
-
- private:
-  class Descriptor : public rolu_sim::OpenDevice {
-   public:
-    explicit Descriptor(std::string rest) : rest_(std::move(rest)) {}
-    rolu_sim::DeviceResult Read(std::string& bytes, size_t capacity) override {
-      bytes = rest_.substr(0, capacity);
-      rest_.erase(0, bytes.size());
-      return static_cast<rolu_sim::DeviceResult>(bytes.size());
-    }
-    rolu_sim::DeviceResult Write(std::string_view bytes) override {
-      return static_cast<rolu_sim::DeviceResult>(bytes.size());
-    }
-
-   private:
-    std::string rest_;
-  };
-  const std::string text_;
-};
 
 class DeviceFileTest : public CallTableTest {
  protected:
@@ -196,9 +165,6 @@ TEST_F(DeviceFileTest, Backlight) {
       Run({{row.text, kGetBright, {}, kDone, Byte(row.level)}});
     }
   }
-  SetMissing(kBrightness);
-  Run({{"missing, get", kGetBright, {}, ROLU_STATUS_FILE_OPEN_FAILED},
-       {"missing, set", SetBright(1), {}, ROLU_STATUS_FILE_OPEN_FAILED}});
 }
 
 TEST_F(DeviceFileTest, LightSensor) {
@@ -213,12 +179,6 @@ TEST_F(DeviceFileTest, LightSensor) {
     Show(kLux, row.text);
     Run({{row.text, kGetLux, {}, kDone, Short(row.lux)}, {"null", kGetLux, {}, kNull, {}, "", 0, true}});
   }
-  DeviceFaults faults;
-  faults.read_errno = EIO;
-  board().devices().SetFaults(kLux, faults);
-  Run({{"unreadable", kGetLux, {}, kDone, Short(0)}});
-  SetMissing(kLux);
-  Run({{"missing", kGetLux, {}, kNoDevice}});
 }
 
 constexpr char kPrepared[] =
@@ -243,10 +203,8 @@ TEST_F(DeviceFileTest, PinsAreExportedOnceAndReadAndDriven) {
   Show("/sys/class/gpio/gpio37/value", "");
   Show("/sys/class/gpio/gpio36/value", "1");
   Run({{"nothing to read, high", kReadPins, {}, kDone, TwoBytes(0, 1)}});
-  SetMissing("/sys/class/gpio/gpio36/value");
   SetMissing("/sys/class/gpio/gpio34/value");
-  Run({{"second input missing", kReadPins, {}, kNoDevice, Byte(0)},
-       {"second output missing", WritePins(1, 1), {}, kNoDevice, {}, "gpio35/value=1 "}});
+  Run({{"second output missing", WritePins(1, 1), {}, kNoDevice, {}, "gpio35/value=1 "}});
 }
 
 TEST_F(DeviceFileTest, PinsNeedNoCoreToBePrepared) {
@@ -259,8 +217,6 @@ TEST_F(DeviceFileTest, PinsNeedNoCoreToBePrepared) {
         {},
         "gpio/export=37 gpio/export=36 gpio/export=35 gpio/export=34 gpio37/direction=in "
         "gpio36/direction=in "}});
-  SetMissing("/sys/class/gpio/export");
-  Run({{"no export", Plain(KAVO_ROLU_DIO_Initialize), {}, kNoDevice}});
 }
 
 }  // namespace

@@ -97,12 +97,7 @@ TEST_F(I2cTest, MissingPointersAreRefusedBeforeTheBusIsOpened) {
 }
 
 TEST_F(I2cTest, RefusalsAndFailures) {
-  const std::vector<CallRow> transfers = {
-      {"read", Read(kShifted, 2)}, {"write", Write(kShifted, {7})}, {"combine", Combine(kShifted, 7, 2)}};
   Run({{"nobody there", Read(0x22, 1), {}, kFailed, {}, "11r0 "}});
-  board().i2c().RefuseSelection(kAddress, EBUSY);
-  Run(Refused(transfers, kFailed));
-  board().i2c().RefuseSelection(kAddress, 0);
   board().i2c().RefuseTransfers(kAddress, EIO);
   Run({{"read fails", Read(kShifted, 2), {}, kFailed, {}, "51r0 "},
        {"first phase fails", Combine(kShifted, 7, 2), {}, kFailed, {}, "51w07 "}});
@@ -115,10 +110,6 @@ TEST_F(I2cTest, RefusalsAndFailures) {
   faults.read_errno = EIO;
   board().devices().SetFaults("/dev/i2c-3", faults);
   Run({{"second phase fails", Combine(kShifted, 7, 2), {}, kFailed, {}, "51w07 ", 100}});
-  faults = {};
-  faults.missing = true;
-  board().devices().SetFaults("/dev/i2c-3", faults);
-  Run(Refused(transfers, ROLU_STATUS_DEVICE_OPEN_FAILED));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {
@@ -39,29 +40,9 @@ Bytes Number(int32_t number) {
   return Written(number);
 }
 
-// But for switching the alarm on, which depends on what came before.
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      {"sample", kGetData, {"V0001FFFF0100"}, kDone, Sample(4, -3, 1000), "GSV\r"},
-      {"get resolution", kGetResolution, {"02"}, kDone, Number(2), "GSRG\r"},
-      {"set resolution", SetResolution(3), {"OK"}, kDone, {}, "GSRS03\r", 50},
-      {"alarm off", SwitchAlarm(false), {"OK"}, kDone, {}, "ARGI00\r"},
-      {"get alarm threshold", kGetAlarmThreshold, {"21"}, kDone, Number(2063), "GSIG\r"},
-      {"set alarm threshold", SetAlarmThreshold(2000), {"OK"}, kDone, {}, "GSIS20\r", 50},
-      {"get wake-up threshold",
-       Into(KAVO_ROLU_GSENSOR_GetWakeupThreshold),
-       {"FF"},
-       kDone,
-       Number(15938),
-       "GSWG\r"},
-      {"set wake-up threshold", SetWakeupThreshold(63), {"OK"}, kDone, {}, "GSWS01\r", 50},
-  };
-  return operations;
-}
-
 TEST_F(GSensorTest, DownFamilyRefusesEveryCall) {
-  Run(Refused(Operations(), kDown));
-  Run(RefusedForNullOutput(Operations(), kDown));
+  Run(Refused(GSensorOperations(), kDown));
+  Run(RefusedForNullOutput(GSensorOperations(), kDown));
   Run({{"alarm on", SwitchAlarm(true), {}, kDown},
        {"down", Plain(KAVO_ROLU_GSENSOR_Deinitialize), {}, kDown},
        {"bad resolution while down", SetResolution(4), {}, kDown},
@@ -74,9 +55,8 @@ TEST_F(GSensorTest, DownFamilyRefusesEveryCall) {
 
 TEST_F(GSensorTest, CallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), kNull));
-  Run(WithErrorReplies(Operations()));
+  Run(GSensorOperations());
+  Run(RefusedForNullOutput(GSensorOperations(), kNull));
   Run({{"alarm data, null", kGetAlarmData, {}, kNull, {}, "", 0, true},
        {"event, null", With(KAVO_ROLU_GSENSOR_SetAlarmEvent, nullptr), {}, kNull},
        {"no alarm data", kGetAlarmData, {}, ROLU_STATUS_GSENSOR_NO_ALARM_DATA}});

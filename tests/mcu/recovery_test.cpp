@@ -65,32 +65,10 @@ const Fault kFaults[] = {
        board.mcu().Script(CommandMatch::Exactly("ATF0"), rolu_sim::Reply::Line("ERR-C01"));
        EXPECT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_VPM_ERROR_REPLY);
      }},
-    {"SilentMcu", true,
-     [](Board& board) {
-       board.mcu().SetSilent(true);
-       EXPECT_EQ(AskTime(), ROLU_STATUS_VPM_NO_REPLY);
-       board.mcu().SetSilent(false);
-     }},
-    {"LateAnswer", true,
-     [](Board& board) {
-       AnswerTimeWith(board, rolu_sim::Reply::Silence());
-       EXPECT_EQ(AskTime(), ROLU_STATUS_VPM_NO_REPLY);
-       board.mcu().SendRaw("0001\r\n");
-       EXPECT_TRUE(WaitUntil(IsReplyStored));
-     }},
     {"SingleBytes", true,
      [](Board& board) {
        AnswerTimeWith(board, rolu_sim::Reply::Trickle("003C\r\n", microseconds(300)));
        EXPECT_EQ(AskTime(), ROLU_STATUS_SUCCESS);
-     }},
-    {"Noise", true,
-     [](Board& board) {
-       const std::string noise("\x00\xff\x80[\x1b]\x7f", 7);
-       AnswerTimeWith(board,
-                      rolu_sim::Reply::Bytes(noise + "]\n" + std::string(1000, '\xaa') + "\r003C\r\n"));
-       EXPECT_EQ(AskTime(), ROLU_STATUS_SUCCESS);
-       board.mcu().SendRaw(noise + "x\r");
-       EXPECT_TRUE(WaitUntil(IsReplyStored));
      }},
     {"FullQueue", true,
      [](Board&) {

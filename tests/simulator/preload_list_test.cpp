@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "simulator/preloaded.h"
+#include "simulator/preload_list.h"
 
 namespace rolu_sim {
 namespace {

@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -16,39 +17,15 @@ Bytes Number(int number) {
   return Written(number);
 }
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      {"volts", kGetVolts, {"1068"}, kDone, Written(4.2F), "B04\r"},
-      {"capacity",
-       Into(KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity),
-       {"07D0"},
-       kDone,
-       Number(2000),
-       "B08\r"},
-      {"charge", kGetPercent, {"64"}, kDone, Number(100), "B22\r"},
-      {"temperature", kGetCelsius, {"0BA6"}, kDone, Written(25.05F), "B03\r"},
-      {"time left",
-       Into(KAVO_ROLU_VPM_GetBackupBatteryRemainingTime),
-       {"FFFF"},
-       kDone,
-       Number(65535),
-       "B11\r"},
-      {"time to full", Into(KAVO_ROLU_VPM_GetBackupBatteryTimeToFull), {"3C"}, kDone, Number(60), "B12\r"},
-  };
-  return operations;
-}
-
 TEST_F(VpmTest, DownFamilyRefusesEveryBackupBatteryCall) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run({{"information", Into(KAVO_ROLU_VPM_GetBackupBatteryInfo), {}, ROLU_STATUS_NOT_INITIALIZED}});
+  Run(Refused(BackupBatteryOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(BackupBatteryOperations(), ROLU_STATUS_NOT_INITIALIZED));
 }
 
 TEST_F(VpmTest, BackupBatteryCallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_INVALID_PARAMETER));
-  Run(WithErrorReplies(Operations()));
+  Run(BackupBatteryOperations());
+  Run(RefusedForNullOutput(BackupBatteryOperations(), ROLU_STATUS_INVALID_PARAMETER));
   Run({
       {"4 V", kGetVolts, {"0FA0"}, kDone, Written(4.0F), "B04\r"},
       {"no number", kGetVolts, {"OK"}, kDone, Written(0.0F), "B04\r"},
@@ -91,15 +68,6 @@ TEST_F(VpmTest, BackupBatteryInfoSetsFlags) {
     EXPECT_EQ(memcmp(&info, &expected, sizeof info), 0);
     EXPECT_EQ(Traffic(), "B09\rB05\r");
   }
-  const Call get = Into(KAVO_ROLU_VPM_GetBackupBatteryInfo);
-  Run({{"null", get, {}, ROLU_STATUS_INVALID_PARAMETER, {}, "", 0, true},
-       {"first question fails", get, {"ERR-B01"}, ROLU_STATUS_VPM_ERROR_REPLY, {}, "B09\r"},
-       {"second question fails",
-        get,
-        {"1F", "ERR-B02"},
-        ROLU_STATUS_VPM_ERROR_REPLY,
-        Number(31),
-        "B09\rB05\r"}});
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -37,51 +38,18 @@ Bytes Flag(char flag) {
 
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      Orders("set LBP 12 V", SetThreshold(11.5F), {"OK"}, "MCPS3102EB\r"),
-      Orders("set LBP 24 V", With(KAVO_ROLU_VPM_SetLBPThresholdFor24VSystem, 23.5F), {"OK"}, "MCPS2105CD\r"),
-      Orders("set pre-boot 12 V", With(KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem, 11.0F), {"OK"},
-             "MCPS3002CB\r"),
-      Orders("set pre-boot 24 V", With(KAVO_ROLU_VPM_SetPrebootThresholdFor24VSystem, 23.0F), {"OK"},
-             "MCPS2005AE\r"),
-      Gives("get LBP 12 V", kGetThreshold, {"02EB"}, Written(747 * k12V), "MCPG31\r"),
-      Gives("get LBP 24 V", Into(KAVO_ROLU_VPM_GetLBPThresholdFor24VSystem), {"05AE"}, Written(1454 * k24V),
-            "MCPG21\r"),
-      Gives("get pre-boot 12 V", Into(KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem), {"02EC"},
-            Written(748 * k12V), "MCPG30\r"),
-      Gives("get pre-boot 24 V", Into(KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem), {"05AF"},
-            Written(1455 * k24V), "MCPG20\r"),
-      Gives("get voltage, 12 V", kGetVoltage, {"03", "0333"}, Written(819 * k12V), "MCBG\rMCVG\r"),
-      Gives("get voltage, 24 V", kGetVoltage, {"2", "05AE"}, Written(1454 * k24V), "MCBG\rMCVG\r"),
-      Orders("set mode 12 V", SetMode(3), {"OK", "OK"}, "MCCS00\rMCBS03\r", 100),
-      Orders("set mode 24 V", SetMode(2), {"OK", "OK"}, "MCCS00\rMCBS02\r", 100),
-      Gives("get mode", kGetMode, {"3"}, Written(CAR_BATTERY_MODE_12V), "MCBG\r"),
-      Orders("switch LBP on", SetFlag(1), {"10", "OK"}, "MCCG\rMCCS11\r"),
-      Orders("switch pre-boot off", SetPrebootFlag(0), {"11", "OK"}, "MCCG\rMCCS01\r"),
-      Gives("get LBP flag", kGetFlag, {"01"}, Flag(1), "MCCG\r"),
-      Gives("get pre-boot flag", kGetPrebootFlag, {"01"}, Flag(0), "MCCG\r"),
-  };
-  return operations;
-}
-
 const std::string kLongFlags = "01" + std::string(61, 'x');
 
 TEST_F(VpmTest, DownFamilyRefusesEveryBatteryCall) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(Refused(CarBatteryOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(CarBatteryOperations(), ROLU_STATUS_NOT_INITIALIZED));
   Run({Fails("unknown mode", SetMode(4), {}, ROLU_STATUS_NOT_INITIALIZED)});
 }
 
 TEST_F(VpmTest, BatteryCallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_INVALID_PARAMETER));
-}
-
-TEST_F(VpmTest, ErrorRepliesEndABatteryCall) {
-  BringUp();
-  Run(WithErrorReplies(Operations()));
+  Run(CarBatteryOperations());
+  Run(RefusedForNullOutput(CarBatteryOperations(), ROLU_STATUS_INVALID_PARAMETER));
 }
 
 TEST_F(VpmTest, OddThresholdsAndReadings) {
@@ -127,13 +95,6 @@ TEST_F(VpmTest, ProtectionFlagsAreChangedInPlace) {
       Gives("get LBP of a short answer", kGetFlag, {"1"}, Flag(0), "MCCG\r"),
       Gives("only '1' is on", kGetPrebootFlag, {"21"}, Flag(0), "MCCG\r"),
   });
-}
-
-TEST_F(VpmTest, SilenceEndsABatteryCallAndTheNextOneIsWhole) {
-  BringUp();
-  Run({Fails("silence", kGetVoltage, {"3", rolu_sim::Reply::Silence()}, ROLU_STATUS_VPM_NO_REPLY,
-             "MCBG\rMCVG\r"),
-       Gives("after it", kGetVoltage, {"3", "02EB"}, Written(747 * k12V), "MCBG\rMCVG\r")});
 }
 
 TEST_F(VpmTest, McuKeepsThresholdsOfBothSystemsApart) {

@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -34,33 +35,21 @@ Bytes AlarmIs(ALARM_MODE mode, VPM_ALARM_TIME time) {
   return Written(mode, time);
 }
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      {"get clock", kGetClock, {"0E0719050D2D1E"}, kDone, Written(kTime), "RTCG\r"},
-      {"set alarm", SetAlarm(1, {5, 13, 30}), {"OK"}, kDone, {}, "RTASA0CB0D\r", 150},
-      {"get alarm", GetAlarm, {"A0CB0D"}, kDone, AlarmIs(ALARM_MODE_DAILY, {5, 13, 30}), "RTAG\r"},
-  };
-  return operations;
-}
-
 TEST_F(VpmTest, DownFamilyRefusesEveryClockCall) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run({{"set clock", SetClock(kTime), {}, ROLU_STATUS_NOT_INITIALIZED},
-       {"bad clock while down", SetClock({}), {}, ROLU_STATUS_NOT_INITIALIZED}});
+  Run(Refused(ClockOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(ClockOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run({{"bad clock while down", SetClock({}), {}, ROLU_STATUS_NOT_INITIALIZED}});
 }
 
 TEST_F(VpmTest, ClockCallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), kBad));
-  Run(WithErrorReplies(Operations()));
+  Run(ClockOperations());
+  Run(RefusedForNullOutput(ClockOperations(), kBad));
 }
 
 TEST_F(VpmTest, SettingTheClockTakesTwoLines) {
   BringUp();
   Run({
-      {"together", SetClock(kTime), {Reply::Lines({"OK", "OK"})}, kDone, {}, kSetWire, 50},
       {"apart",
        SetClock(kTime),
        {Reply::Line("OK").Then("OK\r\n", std::chrono::milliseconds(200))},

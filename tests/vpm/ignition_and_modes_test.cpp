@@ -1,6 +1,7 @@
 #include <pthread.h>
 
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -26,51 +27,16 @@ Call SetKeepAlive(int mode) {
 Bytes Char(int value) {
   return Written(static_cast<char>(value));
 }
-Bytes Mode(int32_t value) {
-  return Written(value);
-}
-
-// But for the restoring of defaults, whose delay is long.
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      {"ignition on", kGetIgnition, {"ON"}, kDone, Char(1), "IGNG\r"},
-      {"ignition off", kGetIgnition, {"OFF"}, kDone, Char(0), "IGNG\r"},
-      {"set mode 1", SetMode(1), {"OK"}, kDone, {}, "IGMS1\r", 50},
-      {"set mode 2", SetMode(2), {"OK"}, kDone, {}, "IGMS2\r", 50},
-      {"get mode", kGetMode, {"2"}, kDone, Mode(2), "IGMG\r"},
-      {"warning on", With(KAVO_ROLU_VPM_SetPrePowerOffAlarm, 7), {"OK"}, kDone, {}, "MPAS1\r", 50},
-      {"warning off", With(KAVO_ROLU_VPM_SetPrePowerOffAlarm, 0), {"OK"}, kDone, {}, "MPAS0\r", 50},
-      {"get warning", Into(KAVO_ROLU_VPM_GetPrePowerOffAlarm), {"1"}, kDone, Char(1), "MPAG\r"},
-      {"set keep-alive", SetKeepAlive(1), {"01", "OK"}, kDone, {}, "MCAG\rMCAS11\r", 50},
-      {"set AT", SetAt(0), {"01", "OK"}, kDone, {}, "MCAG\rMCAS00\r", 50},
-      {"get keep-alive", kGetKeepAlive, {"10"}, kDone, Char(1), "MCAG\r"},
-      {"get AT", kGetAt, {"10"}, kDone, Char(0), "MCAG\r"},
-  };
-  return operations;
-}
-
 TEST_F(VpmTest, DownFamilyRefusesEveryModeCall) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run({{"defaults", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {}, ROLU_STATUS_NOT_INITIALIZED},
-       {"mode 3 while down", SetMode(3), {}, ROLU_STATUS_NOT_INITIALIZED}});
+  Run(Refused(IgnitionAndModeOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(IgnitionAndModeOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run({{"mode 3 while down", SetMode(3), {}, ROLU_STATUS_NOT_INITIALIZED}});
 }
 
 TEST_F(VpmTest, ModeCallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_INVALID_PARAMETER));
-}
-
-TEST_F(VpmTest, ErrorRepliesEndAModeCall) {
-  BringUp();
-  Run(WithErrorReplies(Operations()));
-}
-
-TEST_F(VpmTest, RestoringTheDefaultsHasItsTime) {
-  BringUp();
-  Run({{"defaults", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {"OK"}, kDone, {}, "EEDF\r", 1250},
-       {"refused", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {"ERR-E01"}, kUnknown, {}, "EEDF\r"}});
+  Run(IgnitionAndModeOperations());
+  Run(RefusedForNullOutput(IgnitionAndModeOperations(), ROLU_STATUS_INVALID_PARAMETER));
 }
 
 TEST_F(VpmTest, OddModesAndAnswers) {

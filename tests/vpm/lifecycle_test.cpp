@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -12,16 +13,6 @@ constexpr ROLU_STATUS kDown = ROLU_STATUS_NOT_INITIALIZED;
 
 const Call kGetPlatformName = Into(KAVO_ROLU_VPM_GetPlatformName);
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      Gives("firmware version", Into(KAVO_ROLU_VPM_GetFWVersion), {},
-            Characters(rolu_sim::IdentityState().firmware, 32)),
-      Gives("platform name", kGetPlatformName, {"*PLT:ABCDEFGHIJKL*"}, Characters("ABCDEFGHIJKL", 13),
-            "ATF1\r"),
-  };
-  return operations;
-}
-
 // What answers the same whether the family is up or down.
 const std::vector<CallRow>& StatelessRows() {
   static const std::vector<CallRow> rows = {
@@ -32,20 +23,19 @@ const std::vector<CallRow>& StatelessRows() {
 }
 
 TEST_F(VpmTest, FamilyComesUpAndGoesDown) {
-  RunLifecycle(kStartUpWire);
+  RunLifecycle(kVpmStartUpWire);
 }
 
 TEST_F(VpmTest, DownFamilyRefusesToTellWhoItIs) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(Refused(IdentityOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(IdentityOperations(), ROLU_STATUS_NOT_INITIALIZED));
   Run(StatelessRows());
 }
 
 TEST_F(VpmTest, UpFamilyTellsWhoItIs) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_INVALID_PARAMETER));
-  Run(WithErrorReplies(Operations()));
+  Run(IdentityOperations());
+  Run(RefusedForNullOutput(IdentityOperations(), ROLU_STATUS_INVALID_PARAMETER));
   Run(StatelessRows());
   Run({
       Gives("shorter than the name", kGetPlatformName, {"*PLT:ABC"}, Characters("ABC", 13), "ATF1\r"),
@@ -111,7 +101,7 @@ constexpr char kFirmwareWire[] = "Hello\rATF0\r";
 CallRow ComesUp(std::string name, std::vector<Answer> answers, float scale_12v, float scale_24v) {
   answers.insert(answers.end(), {k12VUnits, k24VUnits});
   const Bytes output = StartedUp(Range(scale_12v, 1, 2, 3), Range(scale_24v, 4, 5, 6), kVersion);
-  return Gives(std::move(name), StartUp, std::move(answers), output, kStartUpWire);
+  return Gives(std::move(name), StartUp, std::move(answers), output, kVpmStartUpWire);
 }
 
 // A start-up that fails after it has read these ranges.
@@ -131,11 +121,11 @@ TEST_F(VpmStartUpTest, ReadsFirmwareScalesAndRanges) {
       ComesUp("scales without a number", {"OK", kVersion, "volts", "-"}, 0.0625F, 0.125F),
       ComesUp("scales with more than a number", {"OK", kVersion, " 15e-1V", "0.75,1"}, 0.75F, 1.5F),
       Gives("short ranges", StartUp, {"OK", kVersion, "0.5", "0.25", "00010002", "4"},
-            StartedUp(Range(0.25F, 1, 2, 0), Range(0.5F, 4, 0, 0), kVersion), kStartUpWire),
+            StartedUp(Range(0.25F, 1, 2, 0), Range(0.5F, 4, 0, 0), kVersion), kVpmStartUpWire),
       Gives("odd ranges", StartUp, {"OK", kVersion, "0.5", "0.25", "0x1F -2GFFFFF", "xxxxxxxx"},
-            StartedUp(Range(0.25F, 31, -2, 65535), Range(0.5F, 0, 0, 0), kVersion), kStartUpWire),
+            StartedUp(Range(0.25F, 31, -2, 65535), Range(0.5F, 0, 0, 0), kVersion), kVpmStartUpWire),
       Gives("long firmware", StartUp, {"OK", std::string(63, 'v'), "0.5", "0.25", k12VUnits, "4"},
-            StartedUp(k12VRange, Range(0.5F, 4, 0, 0), std::string(31, 'v')), kStartUpWire),
+            StartedUp(k12VRange, Range(0.5F, 4, 0, 0), std::string(31, 'v')), kVpmStartUpWire),
   });
 }
 
@@ -146,7 +136,7 @@ TEST_F(VpmStartUpTest, FailsWithItsFirmwareOrARange) {
       StaysDown("12 V range", {"OK", "*", "0.5", "0.25", "ERR-Q02"}, ROLU_STATUS_VPM_ERROR_REPLY,
                 "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\r"),
       StaysDown("24 V range", {"OK", "*", "0.5", "0.25", k12VUnits, "ERR-M08"}, ROLU_STATUS_INVALID_PARAMETER,
-                kStartUpWire, Range(0.25F, 1, 2, 3)),
+                kVpmStartUpWire, Range(0.25F, 1, 2, 3)),
   });
 }
 
@@ -162,7 +152,7 @@ TEST_F(VpmStartUpTest, FailsWithoutAnAnswerToTheFirmwareOrARange) {
   RunStartUps({
       StaysDown("firmware", {"OK", Reply::Silence()}, ROLU_STATUS_VPM_NO_REPLY, kFirmwareWire),
       StaysDown("24 V range", {"OK", "*", "0.5", "0.25", k12VUnits, Reply::Silence()},
-                ROLU_STATUS_VPM_NO_REPLY, kStartUpWire, Range(0.25F, 1, 2, 3)),
+                ROLU_STATUS_VPM_NO_REPLY, kVpmStartUpWire, Range(0.25F, 1, 2, 3)),
   });
 }
 

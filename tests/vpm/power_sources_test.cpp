@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -31,44 +32,20 @@ Call GetWakeup(int source) {
 }
 const Call kGetLast = Into(KAVO_ROLU_VPM_GetLastWakeupSource);
 
-Bytes Switch(int on) {
-  return Written(static_cast<char>(on));
-}
 Bytes Source(int32_t source) {
   return Written(source);
 }
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      {"shutdown 1 on", SetShutdown(1, 7), {"OK"}, kDone, {}, "SDMS11\r", 50},
-      {"shutdown 0 off", SetShutdown(0, 0), {"OK"}, kDone, {}, "SDMS00\r", 50},
-      {"get shutdown 1", GetShutdown(1), {"10"}, kDone, Switch(0), "SDMG\r"},
-      {"get shutdown 0", GetShutdown(0), {"10"}, kDone, Switch(1), "SDMG\r"},
-      {"wake-up 3 on", SetWakeup(3, 1), {"OK"}, kDone, {}, "WKMS31\r", 50},
-      {"wake-up 10 on", SetWakeup(10, 1), {"OK"}, kDone, {}, "WKMS101\r", 50},
-      {"get wake-up 6", GetWakeup(6), {"0000001"}, kDone, Switch(1), "WKMG\r"},
-      {"last wake-up", kGetLast, {"30"}, kDone, Source(WAKEUP_SOURCE_RTC_ALARM), "WKSG\r"},
-      {"alarm on", With(KAVO_ROLU_VPM_SetAlarmActive, 1), {"OK"}, kDone, {}, "WKMS61\r", 50},
-      {"get alarm", Into(KAVO_ROLU_VPM_GetAlarmActive), {"11111101111"}, kDone, Switch(0), "WKMG\r"},
-  };
-  return operations;
-}
-
 TEST_F(VpmTest, DownFamilyRefusesEverySourceCall) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(Refused(PowerSourceOperations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(RefusedForNullOutput(PowerSourceOperations(), ROLU_STATUS_NOT_INITIALIZED));
   Run({{"bad source while down", SetShutdown(2, 1), {}, ROLU_STATUS_NOT_INITIALIZED}});
 }
 
 TEST_F(VpmTest, SourceCallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
-  Run(RefusedForNullOutput(Operations(), kBad));
-}
-
-TEST_F(VpmTest, ErrorRepliesEndASourceCall) {
-  BringUp();
-  Run(WithErrorReplies(Operations()));
+  Run(PowerSourceOperations());
+  Run(RefusedForNullOutput(PowerSourceOperations(), kBad));
 }
 
 TEST_F(VpmTest, OddSourcesAndAnswers) {

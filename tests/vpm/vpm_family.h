@@ -11,9 +11,6 @@ class VpmTest : public CallTableTest {
   VpmTest() : CallTableTest({[] { return KAVO_ROLU_VPM_Initialize(0); }, KAVO_ROLU_VPM_Deinitialize}) {}
 };
 
-// What Initialize asks, in its order.
-inline constexpr char kStartUpWire[] = "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\rMCPR2\r";
-
 }  // namespace rolu_test
 
 #endif  // TESTS_VPM_VPM_FAMILY_H

@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {
@@ -32,17 +33,6 @@ Bytes Time(unsigned short time) {
   return Written(time);
 }
 
-const std::vector<CallRow>& Operations() {
-  static const std::vector<CallRow> operations = {
-      Orders("enable", With(KAVO_ROLU_WD_Enabled, true), {"OK"}, "WDTE\r", 0),
-      Orders("disable", With(KAVO_ROLU_WD_Enabled, false), {"OK"}, "WDTD\r", 0),
-      Orders("trigger", Plain(KAVO_ROLU_WD_Trigger), {"OK"}, "WDTR\r", 0),
-      Orders("set time", SetTime(300), {"OK"}, "WDTS012C\r"),
-      Gives("get time", kGetTime, {"012C"}, Time(300), "WDTG\r"),
-  };
-  return operations;
-}
-
 // What answers the same whether the family is up or down.
 const std::vector<CallRow>& StatelessRows() {
   static const std::vector<CallRow> rows = {
@@ -68,17 +58,17 @@ TEST_F(WatchdogTest, AnswerToTheGreetingDoesNotMatter) {
 }
 
 TEST_F(WatchdogTest, DownFamilyRefusesEverythingElse) {
-  Run(Refused(Operations(), ROLU_STATUS_NOT_INITIALIZED));
+  Run(Refused(WatchdogOperations(), ROLU_STATUS_NOT_INITIALIZED));
   Run({Fails("time 0", SetTime(0), {}, ROLU_STATUS_NOT_INITIALIZED)});
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NULL_POINTER));
+  Run(RefusedForNullOutput(WatchdogOperations(), ROLU_STATUS_NULL_POINTER));
   Run(StatelessRows());
 }
 
 TEST_F(WatchdogTest, CallsSayWhatTheyMean) {
   BringUp();
-  Run(Operations());
+  Run(WatchdogOperations());
   Run(StatelessRows());
-  Run(RefusedForNullOutput(Operations(), ROLU_STATUS_NULL_POINTER));
+  Run(RefusedForNullOutput(WatchdogOperations(), ROLU_STATUS_NULL_POINTER));
   Run({
       Orders("smallest time", SetTime(1), {"OK"}, "WDTS0001\r"),
       Orders("largest time", SetTime(65535), {"OK"}, "WDTSFFFF\r"),
@@ -92,17 +82,6 @@ TEST_F(WatchdogTest, CallsSayWhatTheyMean) {
       Gives("no number", kGetTime, {"OK"}, Time(0), "WDTG\r"),
       Gives("unknown error", kGetTime, {"-ERR-W09"}, Time(0xFFF2), "WDTG\r"),
   });
-}
-
-TEST_F(WatchdogTest, ErrorRepliesEndTheCall) {
-  BringUp();
-  Run(WithErrorReplies(Operations()));
-}
-
-TEST_F(WatchdogTest, SilenceEndsTheCallAndTheNextOneIsWhole) {
-  BringUp();
-  Run({Fails("silence", kGetTime, {rolu_sim::Reply::Silence()}, ROLU_STATUS_VPM_NO_REPLY, "WDTG\r"),
-       Gives("after it", kGetTime, {"012C"}, Time(300), "WDTG\r")});
 }
 
 TEST_F(WatchdogTest, McuKeepsWhatItIsTold) {

@@ -1,0 +1,105 @@
+#include "bench/peers/comparison.h"
+
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "bench/allocation_counter.h"
+
+namespace rolu_bench {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+double Microseconds(clockid_t clock) {
+  timespec time{};
+  clock_gettime(clock, &time);
+  return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
+}
+
+// Longer than the library's 10 ms of quiet, each time another phase of its 5 ms poll.
+void LeaveLineQuiet(int turn) {
+  std::this_thread::sleep_for(milliseconds(11) + turn % 8 * microseconds(700));
+}
+
+// Of the threads that a peer runs besides the one that asks.
+std::uint64_t WakeupsOfOtherThreads() {
+  const std::string key = "voluntary_ctxt_switches:";
+  std::uint64_t sum = 0;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (thread.path().filename() == std::to_string(getpid())) continue;
+    std::ifstream status(thread.path() / "status");
+    for (std::string line; std::getline(status, line);) {
+      if (line.compare(0, key.size(), key) == 0) sum += std::stoull(line.substr(key.size()));
+    }
+  }
+  return sum;
+}
+
+void AskOnQuietLine(Peer& peer, int count, Samples& samples) {
+  for (int turn = 0; turn < count; ++turn) {
+    LeaveLineQuiet(turn);
+    const double start = Microseconds(CLOCK_MONOTONIC);
+    peer.Ask();
+    samples.Add(Microseconds(CLOCK_MONOTONIC) - start);
+  }
+}
+
+void AskInABurst(Peer& peer, int count, PeerFigures& figures) {
+  const double processor_before = Microseconds(CLOCK_PROCESS_CPUTIME_ID);
+  for (int i = 0; i < count; ++i) {
+    const double start = Microseconds(CLOCK_MONOTONIC);
+    peer.Ask();
+    figures.burst_us_per_ask.Add(Microseconds(CLOCK_MONOTONIC) - start);
+  }
+  figures.processor_us_per_ask.Add((Microseconds(CLOCK_PROCESS_CPUTIME_ID) - processor_before) / count);
+}
+
+double AllocationsPerAsk(Peer& peer, int count) {
+  const std::uint64_t before = AllocationCount();
+  for (int i = 0; i < count; ++i) peer.Ask();
+  return static_cast<double>(AllocationCount() - before) / count;
+}
+
+double IdleWakeupsPerSecond(milliseconds duration) {
+  const std::uint64_t before = WakeupsOfOtherThreads();
+  const double start = Microseconds(CLOCK_MONOTONIC);
+  std::this_thread::sleep_for(duration);
+  const double seconds = (Microseconds(CLOCK_MONOTONIC) - start) / 1e6;
+  return static_cast<double>(WakeupsOfOtherThreads() - before) / seconds;
+}
+
+}  // namespace
+
+std::vector<PeerFigures> Compare(const ComparisonEffort& effort, const McuProcess& mcu,
+                                 const std::function<void(int done, int all)>& tell_progress) {
+  const std::vector<PeerKind>& kinds = PeerKinds();
+  std::vector<PeerFigures> found(kinds.size());
+  for (int round = 0; round < effort.rounds; ++round) {
+    tell_progress(round, effort.rounds);
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+      const std::unique_ptr<Peer> peer = kinds[i].open(mcu.device_path());
+      peer->Ask();
+      AskOnQuietLine(*peer, effort.quiet_asks_per_round, found[i].quiet_us);
+      AskInABurst(*peer, effort.asks_per_burst, found[i]);
+    }
+  }
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    const std::unique_ptr<Peer> peer = kinds[i].open(mcu.device_path());
+    peer->Ask();
+    found[i].name = kinds[i].name;
+    found[i].loaded_bytes = LoadedBytes(kinds[i].function_inside);
+    found[i].allocations_per_ask = AllocationsPerAsk(*peer, effort.asks_per_burst);
+    LeaveLineQuiet(0);
+    found[i].idle_wakeups_per_second = IdleWakeupsPerSecond(effort.idle_duration);
+  }
+  tell_progress(effort.rounds, effort.rounds);
+  return found;
+}
+
+}  // namespace rolu_bench

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace rolu_bench {
+
+// One way to ask the MCU for a number, with the port open.
+class Peer {
+ public:
+  virtual ~Peer() = default;
+  // Throws std::runtime_error when the answer is missing or wrong.
+  virtual void Ask() = 0;
+};
+
+// A way that an application developer could take.
+struct PeerKind {
+  std::string name;
+  // Opens the port: the device itself, or for this library the one that the board shows. Throws.
+  std::function<std::unique_ptr<Peer>(const std::string& device_path)> open;
+  // A function of the shared object that is linked for it; null when that is only the C library.
+  const void* function_inside;
+};
+
+const std::vector<PeerKind>& PeerKinds();
+
+// Memory that the segments of the shared object with this function take; 0 for null.
+std::size_t LoadedBytes(const void* function_inside);
+
+}  // namespace rolu_bench

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Compares the library's binary interface, on the desk and on the board, with the one that is recorded
+# in packaging/abi: its symbols, the types of its functions, and the values of the statuses.
+# usage: abi.sh [--record]
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+records=packaging/abi
+# Without -fno-ipa-icf functions of the same code are one, and the others have no types to compare.
+build_options=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=-g -fno-ipa-icf"
+  -DROLU_BUILD_TESTS=OFF -DROLU_BUILD_TOOLS=OFF -DROLU_BUILD_SIMULATOR=OFF --log-level=WARNING --no-warn-unused-cli)
+
+die() { printf 'abi: %s\n' "$*" >&2; exit 1; }
+
+[[ $# -eq 0 || ( $# -eq 1 && $1 == --record ) ]] || { echo "usage: $0 [--record]" >&2; exit 2; }
+[[ $(dpkg --print-architecture) == amd64 ]] || die "the records are compared on an amd64 machine"
+
+# interface_of ARCHITECTURE [CMAKE OPTIONS]: builds the library with what the comparison reads, and
+# writes down its interface.
+interface_of() {
+  local architecture=$1 build=build/abi-$1
+  shift
+  mkdir -p "$build"
+  { cmake -S . -B "$build" "${build_options[@]}" "$@" && cmake --build "$build" --target kavo_rolu; } \
+    >"$build/log" 2>&1 || { cat "$build/log" >&2; return 1; }
+  abidw --exported-interfaces-only --drop-undefined-syms --headers-dir include --drop-private-types \
+    --no-corpus-path --no-comp-dir-path --no-show-locs --out-file "$build/$architecture.abi" \
+    "$build/libkavo_rolu.so"
+}
+
+# The functions take a status as a plain number, so that its values are in no debug information.
+statuses() { sed -n 's/^ *\(ROLU_STATUS_[A-Z0-9_]* = 0x[0-9A-F]*\).*/\1/p' include/kavo_rolu.h; }
+
+interface_of amd64 || die "the library could not be built for amd64"
+interface_of armhf -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake || die "the library could not be built for armhf"
+
+if [[ ${1:-} == --record ]]; then
+  cp build/abi-amd64/amd64.abi build/abi-armhf/armhf.abi "$records"
+  statuses >"$records/statuses"
+  echo "abi: recorded in $records; commit it with the change that it belongs to" >&2
+  exit 0
+fi
+
+failed=0
+for architecture in amd64 armhf; do
+  echo "abi: the interface of $architecture against $records/$architecture.abi" >&2
+  abidiff --harmless "$records/$architecture.abi" "build/abi-$architecture/$architecture.abi" >&2 || failed=1
+done
+echo "abi: the values of the statuses against $records/statuses" >&2
+diff -u "$records/statuses" <(statuses) >&2 || failed=1
+[[ $failed -eq 0 ]] || die "the binary interface is not the recorded one (see above). Programs that were built" \
+  "with the released library must go on working: if the change is meant and keeps them working, renew" \
+  "the record with ./run abi --record and commit it; if not, the library needs a new soname."
+echo "abi: nothing has changed" >&2

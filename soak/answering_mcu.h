@@ -1,0 +1,75 @@
+#ifndef SOAK_ANSWERING_MCU_H
+#define SOAK_ANSWERING_MCU_H
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "simulator/faults/answer_faults.h"
+#include "simulator/mcu/reply_script.h"
+#include "soak/lane.h"
+#include "soak/violations.h"
+
+namespace rolu_soak {
+
+using Lanes = std::array<std::unique_ptr<Lane>, kLanes>;
+
+// What answers in place of the MCU's model: numbers of its own, and the desk's faults at random from
+// the seed. Any thread may call any member.
+//
+// The wire does not say which command a line answers. A line that comes while another command is
+// pending is taken for that one's answer, by any reader; so a late answer comes here right behind the
+// next command's, when nothing is pending: there it must be recognised and thrown away.
+class AnsweringMcu {
+ public:
+  AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Violations& violations);
+
+  rolu_sim::Reply Answer(std::string_view command);
+
+  // Random faults, or none.
+  void SetFaults(bool on) { faults_on_ = on; }
+
+  // The answers to the next commands of this code take so long; kNever is silence.
+  static constexpr std::chrono::milliseconds kNever{-1};
+  void Plan(const std::string& code, std::chrono::milliseconds delay);
+  void ForgetPlans();
+
+  // The port is a new one: what was late is lost.
+  void ForgetLateAnswer();
+
+  std::uint64_t commands() const { return commands_; }
+  std::uint64_t strikes(Strike strike) const { return strikes_.at(static_cast<std::size_t>(strike)); }
+  std::uint64_t late_answers_sent() const { return late_answers_sent_; }
+
+ private:
+  // With mutex_ held.
+  Strike DrawStrike(const WireCode& code);
+  rolu_sim::AnswerFault FaultOf(Exchange& exchange);
+  rolu_sim::Reply Send(const Exchange& exchange, std::string line, rolu_sim::AnswerFault fault);
+  rolu_sim::Reply SendUndisturbed(std::string line);
+  std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
+
+  const Lanes& lanes_;
+  Violations& violations_;
+  std::mutex mutex_;
+  std::mt19937 random_;
+  rolu_sim::AnswerFaults desk_faults_;
+  std::map<std::string, std::deque<std::chrono::milliseconds>, std::less<>> plans_;
+  std::string late_;
+  std::atomic<bool> faults_on_{false};
+  std::atomic<std::uint64_t> commands_{0};
+  std::atomic<std::uint64_t> late_answers_sent_{0};
+  std::array<std::atomic<std::uint64_t>, 8> strikes_{};
+};
+
+}  // namespace rolu_soak
+
+#endif  // SOAK_ANSWERING_MCU_H

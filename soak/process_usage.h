@@ -1,0 +1,37 @@
+#ifndef SOAK_PROCESS_USAGE_H
+#define SOAK_PROCESS_USAGE_H
+
+#include <cstddef>
+
+namespace rolu_soak {
+
+// A sanitizer's runtime manages memory in its own way, which says nothing about the library's.
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kMemoryIsMeasured = false;
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer) || __has_feature(address_sanitizer)
+inline constexpr bool kMemoryIsMeasured = false;
+#else
+inline constexpr bool kMemoryIsMeasured = true;
+#endif
+#else
+inline constexpr bool kMemoryIsMeasured = true;
+#endif
+
+// What this process holds.
+struct ProcessUsage {
+  std::size_t descriptors = 0;
+  std::size_t threads = 0;
+  std::size_t heap_bytes = 0;      // allocated and not freed
+  std::size_t resident_bytes = 0;  // memory pages in use
+};
+
+ProcessUsage MeasureProcess();
+
+// Sets the allocator's thread caches off for the program that this one runs next: what they hold would
+// count as allocated.
+void CountHeapExactly();
+
+}  // namespace rolu_soak
+
+#endif  // SOAK_PROCESS_USAGE_H

@@ -1,0 +1,190 @@
+#include "soak/soak.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+#include <thread>
+
+#include "soak/longest_calls.h"
+
+namespace rolu_soak {
+namespace {
+
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+// What an open link adds: the port, the wake-up event and the I/O thread.
+constexpr std::size_t kLinkDescriptors = 2;
+constexpr std::size_t kLinkThreads = 1;
+
+// The board's end of a connection closes a moment after the library's.
+constexpr std::chrono::seconds kGenerous{20};
+
+// A dead port holds each call for 3 s, one after another: a short run affords one.
+constexpr milliseconds kShortRun{30000};
+
+Lanes MakeLanes(std::uint32_t seed) {
+  Lanes lanes;
+  for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
+    lanes.at(lane) = std::make_unique<Lane>(seed * 100 + static_cast<std::uint32_t>(lane));
+  }
+  return lanes;
+}
+
+rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
+  rolu_sim::BoardOptions options;
+  options.serial.answer_route = [&mcu](std::string_view command, const rolu_sim::AskModel&) {
+    return mcu.Answer(command);
+  };
+  return options;
+}
+
+}  // namespace
+
+Soak::Soak(const SoakOptions& options)
+    : options_(options),
+      start_(steady_clock::now()),
+      lanes_(MakeLanes(options.seed)),
+      mcu_(options.seed, lanes_, violations_),
+      board_(AnsweredBy(mcu_)),
+      callers_((board_.AttachThisProcess(), lanes_), book_, violations_),
+      disturbances_(board_.mcu(), callers_.Threads(), options.seed) {}
+
+milliseconds Soak::elapsed() const {
+  return duration_cast<milliseconds>(steady_clock::now() - start_);
+}
+
+bool Soak::Run() {
+  before_ = MeasureProcess();
+  const milliseconds period = std::clamp(options_.time / 20, milliseconds(2000), milliseconds(20000));
+  const auto work = [&] { WorkFor(std::clamp(options_.time - elapsed(), milliseconds(0), period)); };
+  SwitchAll(true);
+  do {
+    work();
+    if (!Rest()) return false;
+    work();
+    if (hang_ups_ * 3 < driven_ && !HangUpAndReplug()) return false;
+  } while (elapsed() < options_.time);
+  if (!Rest()) return false;
+  SwitchAll(false);
+  return true;
+}
+
+void Soak::WorkFor(milliseconds time) {
+  const SteadyTime end = steady_clock::now() + time;
+  mcu_.SetFaults(true);
+  callers_.Work();
+  while (steady_clock::now() < end) {
+    std::this_thread::sleep_for(
+        std::min<steady_clock::duration>(end - steady_clock::now(), milliseconds(500)));
+    if (options_.show_progress) ShowProgress();
+  }
+}
+
+void Soak::SwitchAll(bool on) {
+  for (std::size_t family = 0; family < kFamilies; ++family) {
+    on ? callers_.BringUp(family) : callers_.TakeDown(family);
+  }
+}
+
+// Leaves the callers at rest and all families up.
+bool Soak::Rest() {
+  if (!callers_.Rest()) return false;
+  mcu_.SetFaults(false);
+  SwitchAll(true);
+  ExpectHeld("while all families are up", kLinkDescriptors, kLinkThreads);
+  DriveNextToTheLimit();
+  SwitchAll(false);
+  board_.mcu().Log().Clear();
+  board_.devices().ClearAccesses();
+  last_usage_ = ExpectHeld("while all families are down", 0, 0);
+  CompareMemory();
+  SwitchAll(true);
+  return true;
+}
+
+ProcessUsage Soak::ExpectHeld(const char* when, std::size_t more_descriptors, std::size_t more_threads) {
+  const std::size_t descriptors = before_.descriptors + more_descriptors;
+  const std::size_t threads = before_.threads + more_threads;
+  const SteadyTime end = steady_clock::now() + kGenerous;
+  ProcessUsage usage = MeasureProcess();
+  while ((usage.descriptors != descriptors || usage.threads != threads) && steady_clock::now() < end) {
+    std::this_thread::sleep_for(milliseconds(5));
+    usage = MeasureProcess();
+  }
+  if (usage.descriptors != descriptors || usage.threads != threads) {
+    violations_.Add(fmt::format("{}: {} descriptors and {} threads, not {} and {}", when, usage.descriptors,
+                                usage.threads, descriptors, threads));
+  }
+  return usage;
+}
+
+void Soak::CompareMemory() {
+  if (!kMemoryIsMeasured) return;
+  if (!first_usage_) first_usage_ = last_usage_;
+  const auto compare = [this](const char* what, std::size_t first, std::size_t now, std::size_t tolerance) {
+    if (now <= first + tolerance) return;
+    violations_.Add(fmt::format("{} grew from {} to {} KiB", what, first / 1024, now / 1024));
+  };
+  compare("the heap", first_usage_->heap_bytes, last_usage_.heap_bytes, kHeapTolerance);
+  compare("the resident memory", first_usage_->resident_bytes, last_usage_.resident_bytes,
+          kResidentTolerance);
+}
+
+// The next one of the list, unless it would outlast the run.
+void Soak::DriveNextToTheLimit() {
+  const LongestCall& call = LongestCalls().at(driven_ % LongestCalls().size());
+  ++driven_;
+  if (elapsed() + call.lasts > options_.time) return;
+  const FamilyCalls& family = Families().at(call.operation.family);
+  if (&call.operation == &family.initialize) callers_.TakeDown(call.operation.family);
+  for (const PlannedAnswer& answer : call.answers) mcu_.Plan(answer.code, answer.delay);
+  const SteadyTime start = steady_clock::now();
+  callers_.Call(call.operation);
+  const auto took = duration_cast<milliseconds>(steady_clock::now() - start);
+  if (took < call.lasts) {
+    violations_.Add(fmt::format("{} took {} ms alone; its answers make it last {} ms", call.operation.name,
+                                took.count(), call.lasts.count()));
+  }
+  mcu_.ForgetPlans();
+  SwitchAll(true);
+}
+
+// The G-sensor's family is down meanwhile: it goes down only with the MCU's consent, and a port that is
+// dead never brings it.
+bool Soak::HangUpAndReplug() {
+  if (!callers_.Rest()) return false;
+  mcu_.SetFaults(false);
+  SwitchAll(true);
+  callers_.TakeDown(kSensor);
+  callers_.FamiliesStay(true);
+  callers_.Work(options_.time < kShortRun ? 1 : Gate::kAll);
+  std::this_thread::sleep_for(milliseconds(30));
+
+  callers_.PortIsDead(true);
+  board_.RemoveSerialDevice();
+  board_.mcu().HangUp();
+  ++hang_ups_;
+  std::this_thread::sleep_for(milliseconds(30));
+  if (!callers_.Rest()) return false;
+  SwitchAll(false);
+  mcu_.ForgetLateAnswer();
+  board_.ReplugSerialPort();
+  ExpectHeld("after a hang-up", 0, 0);
+  callers_.PortIsDead(false);
+  callers_.FamiliesStay(false);
+  SwitchAll(true);
+  return true;
+}
+
+void Soak::ShowProgress() const {
+  const auto seconds = [](milliseconds time) { return duration_cast<std::chrono::seconds>(time).count(); };
+  fmt::print(stderr, "\r{:5} of {} s  {} calls  {} hang-ups  {} violations ", seconds(elapsed()),
+             seconds(options_.time), book_.calls(), hang_ups_, violations_.count());
+  std::fflush(stderr);
+}
+
+}  // namespace rolu_soak

@@ -1,0 +1,267 @@
+// Every fault of a device file at every file of every call that uses one: the status, what the
+// caller's memory holds, that nothing stays open and that the next call is whole.
+#include <cerrno>
+#include <cstring>
+#include <ostream>
+
+#include "kavo_rolu.h"
+#include "simulator/devices/board_paths.h"
+#include "tests/support/call_table.h"
+#include "tests/support/process_state.h"
+#include "tests/support/text_node.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::DeviceFaults;
+
+constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
+constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
+constexpr ROLU_STATUS kIoFailed = ROLU_STATUS_DEVICE_IO_FAILED;
+
+constexpr char kInput1[] = "/sys/class/gpio/gpio37/value";
+constexpr char kInput2[] = "/sys/class/gpio/gpio36/value";
+
+struct DeviceCall {
+  const char* name;
+  Call call;
+  // In the order of use; each file gives an equal part of the output.
+  std::vector<const char*> files;
+  Bytes output;
+  // What it answers when a file cannot be opened, its slave cannot be selected, a read fails, a write
+  // fails. Success: it takes no notice.
+  ROLU_STATUS unopened;
+  ROLU_STATUS unselected = kDone;
+  ROLU_STATUS unread = kDone;
+  ROLU_STATUS unwritten = kDone;
+  // The output when each read gives one byte.
+  Bytes short_output = output;
+  bool reads_text = false;
+};
+
+void PrintTo(const DeviceCall& device_call, std::ostream* stream) {
+  *stream << device_call.name;
+}
+
+unsigned char register_index = 7;
+
+ROLU_STATUS ReadI2c(void* output) {
+  ROLU_IIC_TRANSFER record = {0, 0xA2, static_cast<unsigned char*>(output), 2, nullptr, 0};
+  return KAVO_ROLU_IIC_Read(&record);
+}
+ROLU_STATUS WriteI2c(void*) {
+  ROLU_IIC_TRANSFER record = {0, 0xA2, &register_index, 1, nullptr, 0};
+  return KAVO_ROLU_IIC_Write(&record);
+}
+ROLU_STATUS CombineI2c(void* output) {
+  ROLU_IIC_TRANSFER record = {0, 0xA2, &register_index, 1, static_cast<unsigned char*>(output), 2};
+  return KAVO_ROLU_IIC_WriteReadCombine(&record);
+}
+ROLU_STATUS WritePins(void*) {
+  const unsigned char pins[] = {1, 0};
+  return KAVO_ROLU_DIO_WriteDOPin(pins);
+}
+ROLU_STATUS SetGps(void*) {
+  return KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE_GPS, 1);
+}
+ROLU_STATUS GetGps(void* output) {
+  return KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE_GPS, static_cast<char*>(output));
+}
+
+std::vector<DeviceCall> DeviceCalls() {
+  const char* gps = "/sys/class/gpio/gpio45/value";
+  DeviceCall get_bright = {"GetBright",
+                           Into(KAVO_ROLU_DISPLAY_GetBright),
+                           {rolu_sim::kBacklightPath},
+                           Written('\x07'),
+                           ROLU_STATUS_FILE_OPEN_FAILED};
+  get_bright.unread = ROLU_STATUS_FILE_ACCESS_FAILED;
+  DeviceCall get_lux = {"GetStatus",
+                        Into(KAVO_ROLU_LIGHTSENSOR_GetStatus),
+                        {rolu_sim::kLuxPath},
+                        Written(static_cast<unsigned short>(350)),
+                        kNoDevice};
+  get_lux.short_output = Written(static_cast<unsigned short>(3));
+  DeviceCall read_pins = {"ReadDIPin", Into(KAVO_ROLU_DIO_ReadDIPin), {kInput1, kInput2}, {1, 1}, kNoDevice};
+  DeviceCall get_gps = {"GetGps", GetGps, {gps}, {1}, kNoDevice};
+  for (DeviceCall* reads_text : {&get_bright, &get_lux, &read_pins, &get_gps}) reads_text->reads_text = true;
+  return {
+      get_bright,
+      {"SetBright",
+       With(KAVO_ROLU_DISPLAY_SetBright, 7),
+       {rolu_sim::kBacklightPath},
+       {},
+       ROLU_STATUS_FILE_OPEN_FAILED},
+      get_lux,
+      read_pins,
+      {"WriteDOPin",
+       WritePins,
+       {"/sys/class/gpio/gpio35/value", "/sys/class/gpio/gpio34/value"},
+       {},
+       kNoDevice},
+      {"PrepareDio",
+       Plain(KAVO_ROLU_DIO_Initialize),
+       {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio37/direction", "/sys/class/gpio/gpio36/direction",
+        "/sys/class/gpio/gpio35/direction", "/sys/class/gpio/gpio34/direction"},
+       {},
+       kNoDevice},
+      get_gps,
+      {"SetGps", SetGps, {gps}, {}, kNoDevice},
+      {"ReadI2c",
+       ReadI2c,
+       {rolu_sim::kI2cBusPath},
+       {0xAB, 0xCD},
+       kNoDevice,
+       kIoFailed,
+       kIoFailed,
+       kDone,
+       {0xAB}},
+      {"WriteI2c", WriteI2c, {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed, kDone, kIoFailed},
+      {"CombineI2c",
+       CombineI2c,
+       {rolu_sim::kI2cBusPath},
+       {0xAB, 0xCD},
+       kNoDevice,
+       kIoFailed,
+       kIoFailed,
+       kIoFailed,
+       {0xAB}},
+      {"ResetBoard", Plain(KAVO_ROLU_CORE_Reset), {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed},
+  };
+}
+
+class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected CallTable {
+ protected:
+  DeviceFaultMatrix()
+      : CallTable({KAVO_ROLU_PERIPHERALCTRL_Initialize, KAVO_ROLU_PERIPHERALCTRL_Deinitialize}) {}
+
+  void SetUp() override {
+    registers_->SetRegister(7, 0xAB);
+    registers_->SetRegister(8, 0xCD);
+    board().i2c().Attach(0xA2 >> 1, registers_);
+    BringUp();
+    KAVO_ROLU_CORE_Init();
+    KAVO_ROLU_DIO_Initialize();
+    Restore();
+  }
+  void TearDown() override {
+    KAVO_ROLU_CORE_DeInit();
+    family().deinitialize();
+    EXPECT_TRUE(WaitUntil([&] { return ProcessState() == before_; })) << "something is still open, or runs";
+  }
+
+  // The devices as they are when all is well.
+  void Restore() {
+    for (const char* file : GetParam().files) board().devices().SetFaults(file, {});
+    if (GetParam().reads_text) {
+      for (const char* file : GetParam().files) Show(file, "1\n");
+      Show(rolu_sim::kBacklightPath, "7\n");
+      Show(rolu_sim::kLuxPath, "350\n");
+    }
+    WriteI2c(nullptr);  // names the register that the next transfer reads
+  }
+  void Show(const char* file, const std::string& text, int end_errno = 0) {
+    board().devices().AddNode(file, std::make_shared<TextNode>(text, end_errno));
+  }
+
+  // The output, of which the part of the file at `index` is what is read from nothing.
+  static Bytes Blank(size_t index) {
+    Bytes output = GetParam().output;
+    const size_t part = output.size() / GetParam().files.size();
+    for (size_t i = 0; i < part; ++i) output[index * part + i] = 0;
+    return output;
+  }
+
+  void Expect(const char* fault, size_t index, ROLU_STATUS status, const Bytes& output) {
+    const char* file = GetParam().files[index];
+    SCOPED_TRACE(std::string(file) + ": " + fault);
+    const Made made = Make({"", GetParam().call});
+    EXPECT_EQ(FaultOf(made, status, output, ""), "");
+    EXPECT_TRUE(WaitUntil([&] { return board().devices().OpenCount(file) == 0; }));
+    Restore();
+    CallTable::Run({{"the next call", GetParam().call, {}, kDone, GetParam().output}});
+    Restore();
+  }
+
+  void Strike(const char* fault, size_t index, const DeviceFaults& faults, ROLU_STATUS status,
+              const Bytes& output) {
+    board().devices().SetFaults(GetParam().files[index], faults);
+    Expect(fault, index, status, output);
+  }
+
+  // A failure that the call tells leaves its memory alone.
+  static Bytes OutputOf(ROLU_STATUS status, const Bytes& of_success) {
+    return status == kDone ? of_success : Bytes{};
+  }
+
+  const ProcessState before_;
+  std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
+};
+
+DeviceFaults Failing(int DeviceFaults::*call, int error) {
+  DeviceFaults faults;
+  faults.*call = error;
+  return faults;
+}
+
+TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
+  const DeviceCall& call = GetParam();
+  DeviceFaults missing;
+  missing.missing = true;
+  DeviceFaults short_reads;
+  short_reads.max_read_bytes = 1;
+  for (size_t i = 0; i < call.files.size(); ++i) {
+    const size_t part = call.output.size() / call.files.size();
+    const Bytes before_file(call.output.begin(), call.output.begin() + static_cast<std::ptrdiff_t>(i * part));
+    Strike("missing", i, missing, call.unopened, before_file);
+    for (const int error : {EACCES, EBUSY, EMFILE}) {
+      Strike(strerrorname_np(error), i, Failing(&DeviceFaults::open_errno, error), call.unopened,
+             before_file);
+    }
+    for (const int error : {EIO, EINTR}) {
+      Strike("no ioctl", i, Failing(&DeviceFaults::ioctl_errno, error), call.unselected,
+             OutputOf(call.unselected, call.output));
+      Strike("no read", i, Failing(&DeviceFaults::read_errno, error), call.unread,
+             OutputOf(call.unread, Blank(i)));
+      Strike("no write", i, Failing(&DeviceFaults::write_errno, error), call.unwritten,
+             OutputOf(call.unwritten, call.output));
+    }
+    Strike("short reads", i, short_reads, kDone, call.short_output);
+  }
+}
+
+class DeviceText : public DeviceFaultMatrix {};
+
+TEST_P(DeviceText, ReadsWhatItCanOfATextThatIsNone) {
+  const DeviceCall& call = GetParam();
+  for (size_t i = 0; i < call.files.size(); ++i) {
+    using std::string_literals::operator""s;
+    for (const std::string& text : {""s, "\n"s, "\0\xff\x80"s, "garbage"s, std::string(8000, '.')}) {
+      Show(call.files[i], text);
+      Expect(text.c_str(), i, call.unread, OutputOf(call.unread, Blank(i)));
+    }
+    // Fails half way: what was read until then counts.
+    Bytes one = Blank(i);
+    one[i * one.size() / call.files.size()] = 1;
+    Show(call.files[i], "1", EIO);
+    Expect("fails half way", i, kDone, one);
+  }
+}
+
+std::vector<DeviceCall> TextCalls() {
+  std::vector<DeviceCall> calls;
+  for (const DeviceCall& call : DeviceCalls()) {
+    if (call.reads_text) calls.push_back(call);
+  }
+  return calls;
+}
+
+std::string NameOf(const testing::TestParamInfo<DeviceCall>& info) {
+  return info.param.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, DeviceFaultMatrix, testing::ValuesIn(DeviceCalls()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Each, DeviceText, testing::ValuesIn(TextCalls()), NameOf);
+
+}  // namespace
+}  // namespace rolu_test

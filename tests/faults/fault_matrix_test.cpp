@@ -1,0 +1,242 @@
+// Every fault of the MCU at every command of every operation: the status, what the caller's memory
+// holds, what the MCU was sent, that the next call is whole, and that nothing leaks. The operations
+// come from their table, the faults are made from what the healthy MCU answers.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "mcu/link.h"
+#include "mcu/link_state.h"
+#include "tests/operations/operations.h"
+#include "tests/support/call_table.h"
+#include "tests/support/process_state.h"
+#include "tests/support/wire_model.h"
+
+namespace rolu_test {
+namespace {
+
+using rolu_sim::Reply;
+
+constexpr std::chrono::milliseconds kReplyWait{3000};
+
+struct Fault {
+  std::string name;
+  std::string answer;      // what the MCU sends for the command
+  std::string afterwards;  // what it sends once the call has ended
+};
+
+// `healthy` is one answer, whose last line is the reply.
+std::vector<Fault> FaultsOf(const std::string& healthy) {
+  using std::string_literals::operator""s;
+  const std::string end = "\r\n";
+  const std::string noise = "\x00\xff\x80\x07[\x1b\x7f"s;
+  const std::string reply = WholeLines(healthy).back();
+  const std::string lines_before = healthy.substr(0, healthy.size() - end.size() - reply.size());
+  const std::string half = healthy.substr(0, healthy.size() - end.size() - 1);
+  const std::string too_long(64, 'F');
+  std::vector<Fault> faults = {
+      {"silence", "", ""},
+      {"late", "", healthy},
+      {"the rest late", half, healthy.substr(half.size())},
+      {"nothing whole", end + too_long + end + noise, ""},
+      {"shortened", half + end, ""},
+      {"longest line", lines_before + std::string(63, 'F') + end, ""},
+      {"noise for a line", lines_before + noise + end, ""},
+      {"unlisted error", lines_before + "ERR-M05" + end, ""},
+      {"error within a line", lines_before + "1ERR-W02." + end, ""},
+      {"empty lines before", "\r\n\n\r" + healthy, ""},
+      {"too long a line before", too_long + end + healthy, ""},
+      {"noise before", noise + "]\n" + std::string(1000, '\xaa') + '\r' + healthy, ""},
+      {"doubled", healthy + healthy, ""},
+      {"among messages", "[GI:0001FFFF8000]\r\n[0000]\r\n" + healthy + "[0001]\r\n", ""},
+  };
+  for (const std::string_view error : kErrorReplies) {
+    faults.push_back({std::string(error), lines_before + std::string(error) + end, ""});
+  }
+  return faults;
+}
+
+// One cell of the matrix: a fault at one command of an operation.
+struct Cell {
+  Fault fault;
+  OddAnswer odd;
+};
+
+// The cells of an operation, those that wait for a time-out first.
+std::vector<Cell> CellsOf(const CallRow& row) {
+  std::vector<Cell> cells;
+  for (size_t command = 0; command < row.answers.size(); ++command) {
+    for (const Fault& fault : FaultsOf(BytesOf(row.answers[command]))) {
+      cells.push_back({fault, {&row, command, fault.answer}});
+    }
+  }
+  std::stable_partition(cells.begin(), cells.end(),
+                        [](const Cell& cell) { return cell.odd.Status() == ROLU_STATUS_VPM_NO_REPLY; });
+  return cells;
+}
+
+bool IsReplyStored() {
+  const ScopedLock lock(*io_op_lock);
+  return last_command_valid;
+}
+
+// A board and a family that meet some cells one after another. The link is open all the time.
+class Lane : public CallTable {
+ public:
+  explicit Lane(const Family& family) : CallTable(family) {}
+
+  void Run(const std::vector<const Cell*>& cells) {
+    const ProcessState before;
+    ASSERT_EQ(VPMOpen("/proc/vpm_serial", O_RDWR), 0);
+    for (const Cell* cell : cells) RunCell(*cell);
+    family().deinitialize();
+    EXPECT_EQ(VPMClose(), 0);
+    EXPECT_TRUE(WaitUntil([&] { return ProcessState() == before; })) << "something is still open, or runs";
+  }
+
+ private:
+  void RunCell(const Cell& cell) {
+    const CallRow& row = *cell.odd.operation;
+    SCOPED_TRACE("command " + std::to_string(cell.odd.command) + ", " + cell.fault.name);
+    CallRow faulty = row;
+    faulty.answers[cell.odd.command] =
+        cell.fault.answer.empty() ? Reply::Silence() : Reply::Bytes(cell.fault.answer);
+    SwitchFor(row);
+    const Made made = Make(faulty);
+    EXPECT_EQ(FaultOf(made, cell.odd), "");
+    if (cell.odd.Status() == ROLU_STATUS_VPM_NO_REPLY) {
+      EXPECT_GE(made.duration, kReplyWait);
+    }
+    if (!cell.fault.afterwards.empty()) {
+      board().mcu().SendRaw(cell.fault.afterwards);
+      EXPECT_TRUE(WaitUntil(IsReplyStored));
+    }
+    SwitchFor(row);
+    SCOPED_TRACE("the next call");
+    CallTable::Run({row});
+  }
+
+  void SwitchFor(const CallRow& row) {
+    board().mcu().ClearScript();
+    if (row.brings_up) {
+      family().deinitialize();
+    } else {
+      family().initialize();
+    }
+  }
+};
+
+// Lanes are processes: the library is one for a process, and one command at a time waits for its
+// answer there. The system does not give the boards of all tests at once very many of them.
+size_t LanesFor(const CallRow& row) {
+  const bool is_slow = row.post_delay_ms >= 500 || row.answers.size() > 2;
+  return is_slow ? 12 : 4;
+}
+
+pid_t StartLane(const Family& family, const std::vector<const Cell*>& cells) {
+  const pid_t parent = getpid();
+  const pid_t child = fork();
+  if (child != 0) return child;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(2);
+  try {
+    Lane lane(family);
+    lane.Run(cells);
+  } catch (const std::exception& error) {
+    ADD_FAILURE() << error.what();
+  }
+  fflush(nullptr);
+  _exit(testing::Test::HasFailure() ? 1 : 0);
+}
+
+struct Operation {
+  const McuFamily* family;
+  const CallRow* row;
+};
+
+void PrintTo(const Operation& operation, std::ostream* stream) {
+  *stream << operation.row->name;
+}
+
+std::vector<Operation> AllOperations() {
+  std::vector<Operation> operations;
+  for (const McuFamily& family : McuFamilies()) {
+    for (const CallRow& row : family.operations) operations.push_back({&family, &row});
+  }
+  return operations;
+}
+
+class FaultMatrix : public testing::TestWithParam<Operation> {};
+
+TEST_P(FaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
+  const CallRow& row = *GetParam().row;
+  ASSERT_EQ(row.answers.size(), CommandsOf(row.wire).size()) << "one answer for each command";
+  const std::vector<Cell> cells = CellsOf(row);
+  std::vector<std::vector<const Cell*>> lanes(LanesFor(row));
+  for (size_t i = 0; i < cells.size(); ++i) lanes[i % lanes.size()].push_back(&cells[i]);
+  RecordProperty("cells", static_cast<int>(cells.size()));
+
+  fflush(nullptr);
+  std::vector<pid_t> children;
+  for (const auto& lane : lanes) children.push_back(StartLane(GetParam().family->switches, lane));
+  for (const pid_t child : children) {
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see above; wait status " << status;
+  }
+}
+
+std::string TestName(const testing::TestParamInfo<Operation>& info) {
+  std::string name;
+  for (const char character : info.param.row->name) {
+    name += isalnum(static_cast<unsigned char>(character)) != 0 ? character : '_';
+  }
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(EachFault, FaultMatrix, testing::ValuesIn(AllOperations()), TestName);
+
+std::string ExportOf(const CallRow& row) {
+  return row.name.substr(0, row.name.find(' '));
+}
+
+TEST(TableOfOperations, HoldsEveryExportOfTheFamiliesThatTalkToTheMcu) {
+  std::set<std::string> in_table;
+  for (const Operation& operation : AllOperations()) in_table.insert(ExportOf(*operation.row));
+  for (const CallRow& row : SilentOperations()) in_table.insert(ExportOf(row));
+
+  std::stringstream text;
+  text << std::ifstream(ROLU_HEADER).rdbuf();
+  const std::string header = text.str();
+  std::set<std::string> declared;
+  const std::regex declaration("KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_((VPM|WD|GSENSOR|PERIPHERALCTRL)_\\w+)");
+  for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match) {
+    declared.insert((*match)[1]);
+  }
+  EXPECT_EQ(in_table, declared);
+}
+
+TEST(TableOfOperations, SilentOperationsSendNothing) {
+  Lane lane(McuFamilies().front().switches);
+  const auto bring_all_up = [] {
+    for (const McuFamily& family : McuFamilies()) family.switches.initialize();
+  };
+  for (const CallRow& row : SilentOperations()) {
+    bring_all_up();
+    lane.CallTable::Run({row});
+  }
+  for (const McuFamily& family : McuFamilies()) family.switches.deinitialize();
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Installs a build tree into a staging directory, moves the result elsewhere and uses it there.
+# usage: installed_tree.sh BUILD_DIRECTORY LIBRARY_DIRECTORY VERSION; the second is relative to the prefix.
+set -euo pipefail
+build=$1 library_directory=$2 version=$3
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+source_directory=$(cd "$here/../.." && pwd)
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() { echo "installed_tree: $*" >&2; exit 1; }
+
+DESTDIR=$work/stage cmake --install "$build" --prefix /opt/kavo >"$work/log" || { cat "$work/log"; exit 1; }
+prefix=$work/moved
+mv "$work/stage/opt/kavo" "$prefix"
+strays=$(find "$work/stage" ! -type d)
+[[ -z $strays ]] || fail "installed outside the prefix: $strays"
+traces=$(grep -rlF -e "$build" -e "$source_directory/" -e "$work" "$prefix") || true
+[[ -z $traces ]] || fail "these name a directory of the build: $traces"
+
+library=$prefix/$library_directory
+for link in libkavo_rolu.so libkavo_rolu.so.3; do
+  [[ $(readlink -f "$library/$link") == "$library/libkavo_rolu.so.$version" ]] || fail "$link leads elsewhere"
+done
+mapfile -t functions < <(sed -n 's/^KAVO_ROLU_API ROLU_STATUS \(KAVO_ROLU_[A-Za-z0-9_]*\)(.*/\1/p' \
+  "$prefix/include/kavo_rolu.h")
+[[ ${#functions[@]} -gt 0 ]] || fail "the installed header declares nothing"
+pages=(man1/rolu.1 man1/rolu-sim.1 man7/kavo_rolu.7 "${functions[@]/%/.3}")
+for page in "${pages[@]/#KAVO/man3/KAVO}"; do
+  [[ -s $prefix/share/man/$page ]] || fail "there is no manual page $page"
+done
+for program in rolu rolu-sim; do
+  bash -n "$prefix/share/bash-completion/completions/$program"
+done
+
+export PATH=$prefix/bin:$PATH
+export PKG_CONFIG_PATH=$library/pkgconfig
+export CMAKE_PREFIX_PATH=$prefix
+# What pkg-config says of the linker's directories holds for the linking, not for the running.
+export LD_RUN_PATH=$library
+[[ $(command -v rolu-sim) == "$prefix/bin/rolu-sim" ]] || fail "another rolu-sim comes first"
+[[ $(pkg-config --modversion kavo_rolu) == "$version" ]] || fail "pkg-config names another version"
+
+mkdir "$work/later"
+cat >"$work/later/CMakeLists.txt" <<END
+cmake_minimum_required(VERSION 3.13)
+project(later C)
+find_package(kavo_rolu $((${version%%.*} + 1)) REQUIRED)
+END
+if cmake -S "$work/later" -B "$work/later/build" >"$work/log" 2>&1; then
+  fail "CMake takes this version for a later one"
+fi
+grep -q "version: $version" "$work/log" || { cat "$work/log"; fail "CMake did not look at the version"; }
+
+"$here/use_installed.sh"

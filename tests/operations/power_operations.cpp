@@ -1,0 +1,125 @@
+#include "tests/operations/operations.h"
+
+namespace rolu_test {
+namespace {
+
+struct Delay {
+  const char* subject;
+  ROLU_STATUS (*set)(unsigned short);
+  ROLU_STATUS (*get)(unsigned short*);
+  const char* set_code;  // followed by four digits
+  const char* get_command;
+};
+
+constexpr Delay kDelays[] = {
+    {"LBPLowDelay", KAVO_ROLU_VPM_SetLBPLowDelay, KAVO_ROLU_VPM_GetLBPLowDelay, "MCUS0", "MCUG0\r"},
+    {"LBPLowHardDelay", KAVO_ROLU_VPM_SetLBPLowHardDelay, KAVO_ROLU_VPM_GetLBPLowHardDelay, "MCUS1",
+     "MCUG1\r"},
+    {"IgnOnDelay", KAVO_ROLU_VPM_SetIgnOnDelay, KAVO_ROLU_VPM_GetIgnOnDelay, "MCUS2", "MCUG2\r"},
+    {"IgnOffEventDelay", KAVO_ROLU_VPM_SetIgnOffEventDelay, KAVO_ROLU_VPM_GetIgnOffEventDelay, "MCUS3",
+     "MCUG3\r"},
+    {"IgnHardOffDelay", KAVO_ROLU_VPM_SetIgnHardOffDelay, KAVO_ROLU_VPM_GetIgnHardOffDelay, "MCUS4",
+     "MCUG4\r"},
+    {"IgnSuspendHardOffDelay", KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay,
+     KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay, "MCUS6", "MCUG6\r"},
+    {"PrePowerOffAlarmDelay", KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay, KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay,
+     "MCUS7", "MCUG7\r"},
+    {"ForceShutDownDelay", KAVO_ROLU_VPM_SetForceShutDownDelay, KAVO_ROLU_VPM_GetForceShutDownDelay, "MSDS",
+     "MSDG\r"},
+};
+
+std::vector<CallRow> MakePowerOffDelayOperations() {
+  std::vector<CallRow> rows = {
+      Orders("VPM_SetForceShutDown on", With(KAVO_ROLU_VPM_SetForceShutDown, 1), {"OK"}, "MSSS1\r"),
+      Orders("VPM_SetForceShutDown off", With(KAVO_ROLU_VPM_SetForceShutDown, 0), {"OK"}, "MSSS0\r"),
+      Gives("VPM_GetForceShutDown", Into(KAVO_ROLU_VPM_GetForceShutDown), {"1"}, Written('\x01'), "MSSG\r"),
+      Orders("VPM_ForceShutdown", Plain(KAVO_ROLU_VPM_ForceShutdown), {"OK"}, "ATPO\r", 0),
+  };
+  for (const Delay& delay : kDelays) {
+    const std::string set_wire = std::string(delay.set_code) + "003C\r";
+    rows.push_back(Orders(std::string("VPM_Set") + delay.subject, With(delay.set, 60), {"OK"}, set_wire));
+    rows.push_back(Gives(std::string("VPM_Get") + delay.subject, Into(delay.get), {"012C"},
+                         Written(static_cast<unsigned short>(300)), delay.get_command));
+  }
+  return rows;
+}
+
+Bytes Char(int value) {
+  return Written(static_cast<char>(value));
+}
+
+// A source's switch, as the table's calls take it.
+template <typename Source>
+Call Set(ROLU_STATUS (*set)(Source, char), int source, int enable) {
+  return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };
+}
+template <typename Source>
+Call Get(ROLU_STATUS (*get)(Source, char*), int source) {
+  return [=](void* output) { return get(static_cast<Source>(source), static_cast<char*>(output)); };
+}
+Call SetShutdown(int source, int enable) {
+  return Set(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source, enable);
+}
+Call SetWakeup(int source, int enable) {
+  return Set(KAVO_ROLU_VPM_SetWakeupSourceControlStatus, source, enable);
+}
+
+// Asks for one of a line of switches.
+CallRow GivesSwitch(std::string name, Call call, const char* answer, int state, std::string wire) {
+  return OrUnreadable(Gives(std::move(name), std::move(call), {answer}, Char(state), std::move(wire)),
+                      ROLU_STATUS_VPM_INVALID_REPLY);
+}
+
+}  // namespace
+
+const std::vector<CallRow>& PowerOffDelayOperations() {
+  static const std::vector<CallRow> operations = MakePowerOffDelayOperations();
+  return operations;
+}
+
+const std::vector<CallRow>& IgnitionAndModeOperations() {
+  constexpr ROLU_STATUS kUnknown = ROLU_STATUS_VPM_ERROR_REPLY;
+  const Call get_ignition = Into(KAVO_ROLU_VPM_GetIgnitionStatus);
+  static const std::vector<CallRow> operations = {
+      OrUnreadable(Gives("VPM_GetIgnitionStatus on", get_ignition, {"ON"}, Char(1), "IGNG\r"), kUnknown),
+      OrUnreadable(Gives("VPM_GetIgnitionStatus off", get_ignition, {"OFF"}, Char(0), "IGNG\r"), kUnknown),
+      Orders("VPM_SetIgnitionMode 1", With(KAVO_ROLU_VPM_SetIgnitionMode, 1), {"OK"}, "IGMS1\r"),
+      Orders("VPM_SetIgnitionMode 2", With(KAVO_ROLU_VPM_SetIgnitionMode, 2), {"OK"}, "IGMS2\r"),
+      OrUnreadable(Gives("VPM_GetIgnitionMode", Into(KAVO_ROLU_VPM_GetIgnitionMode), {"2"},
+                         Written(IGNITION_MODE_2), "IGMG\r"),
+                   kUnknown),
+      Orders("VPM_SetPrePowerOffAlarm on", With(KAVO_ROLU_VPM_SetPrePowerOffAlarm, 7), {"OK"}, "MPAS1\r"),
+      Orders("VPM_SetPrePowerOffAlarm off", With(KAVO_ROLU_VPM_SetPrePowerOffAlarm, 0), {"OK"}, "MPAS0\r"),
+      Gives("VPM_GetPrePowerOffAlarm", Into(KAVO_ROLU_VPM_GetPrePowerOffAlarm), {"1"}, Char(1), "MPAG\r"),
+      Orders("VPM_SetKeepAliveMode", With(KAVO_ROLU_VPM_SetKeepAliveMode, 1), {"01", "OK"}, "MCAG\rMCAS11\r"),
+      Orders("VPM_SetATMode", With(KAVO_ROLU_VPM_SetATMode, 0), {"01", "OK"}, "MCAG\rMCAS00\r"),
+      Gives("VPM_GetKeepAliveMode", Into(KAVO_ROLU_VPM_GetKeepAliveMode), {"10"}, Char(1), "MCAG\r"),
+      Gives("VPM_GetATMode", Into(KAVO_ROLU_VPM_GetATMode), {"10"}, Char(0), "MCAG\r"),
+      // Restoring its defaults keeps the MCU busy.
+      Orders("VPM_LoadDefaultValue", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {"OK"}, "EEDF\r", 1250),
+  };
+  return operations;
+}
+
+const std::vector<CallRow>& PowerSourceOperations() {
+  static const std::vector<CallRow> operations = {
+      Orders("VPM_SetShutdownSourceControlStatus 1on", SetShutdown(1, 7), {"OK"}, "SDMS11\r"),
+      Orders("VPM_SetShutdownSourceControlStatus 0off", SetShutdown(0, 0), {"OK"}, "SDMS00\r"),
+      GivesSwitch("VPM_GetShutdownSourceControlStatus 1",
+                  Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, 1), "10", 0, "SDMG\r"),
+      GivesSwitch("VPM_GetShutdownSourceControlStatus 0",
+                  Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, 0), "10", 1, "SDMG\r"),
+      Orders("VPM_SetWakeupSourceControlStatus 3on", SetWakeup(3, 1), {"OK"}, "WKMS31\r"),
+      Orders("VPM_SetWakeupSourceControlStatus 10on", SetWakeup(10, 1), {"OK"}, "WKMS101\r"),
+      GivesSwitch("VPM_GetWakeupSourceControlStatus", Get(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, 6),
+                  "0000001", 1, "WKMG\r"),
+      OrUnreadable(Gives("VPM_GetLastWakeupSource", Into(KAVO_ROLU_VPM_GetLastWakeupSource), {"30"},
+                         Written(WAKEUP_SOURCE_RTC_ALARM), "WKSG\r"),
+                   ROLU_STATUS_VPM_UNKNOWN_VALUE),
+      Orders("VPM_SetAlarmActive", With(KAVO_ROLU_VPM_SetAlarmActive, 1), {"OK"}, "WKMS61\r"),
+      GivesSwitch("VPM_GetAlarmActive", Into(KAVO_ROLU_VPM_GetAlarmActive), "11111101111", 0, "WKMG\r"),
+  };
+  return operations;
+}
+
+}  // namespace rolu_test

@@ -1,0 +1,42 @@
+#include "tests/support/call_row.h"
+
+namespace rolu_test {
+
+CallRow Orders(std::string name, Call call, std::vector<Answer> answers, std::string wire,
+               int post_delay_ms) {
+  return {std::move(name), std::move(call), std::move(answers), ROLU_STATUS_SUCCESS, {},
+          std::move(wire), post_delay_ms};
+}
+
+CallRow Gives(std::string name, Call call, std::vector<Answer> answers, Bytes output, std::string wire) {
+  return {std::move(name),     std::move(call),   std::move(answers),
+          ROLU_STATUS_SUCCESS, std::move(output), std::move(wire)};
+}
+
+CallRow Fails(std::string name, Call call, std::vector<Answer> answers, ROLU_STATUS status,
+              std::string wire) {
+  return {std::move(name), std::move(call), std::move(answers), status, {}, std::move(wire)};
+}
+
+CallRow OrUnreadable(CallRow row, ROLU_STATUS status) {
+  row.unreadable = status;
+  return row;
+}
+
+Bytes Characters(std::string_view text, size_t size) {
+  Bytes bytes(text.begin(), text.end());
+  bytes.resize(size);
+  return bytes;
+}
+
+std::vector<std::string> CommandsOf(const std::string& wire) {
+  std::vector<std::string> commands;
+  for (size_t start = 0; start < wire.size();) {
+    const size_t end = wire.find('\r', start) + 1;
+    commands.push_back(wire.substr(start, end - start));
+    start = end;
+  }
+  return commands;
+}
+
+}  // namespace rolu_test

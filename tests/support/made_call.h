@@ -1,0 +1,55 @@
+// What came of a call, and how it has to end when the MCU answers one of its commands with anything.
+#ifndef TESTS_SUPPORT_MADE_CALL_H
+#define TESTS_SUPPORT_MADE_CALL_H
+
+#include <array>
+#include <chrono>
+#include <string>
+
+#include "tests/support/call_row.h"
+
+namespace rolu_test {
+
+// The memory that a call is given: room for any result, filled so that a byte that was written
+// shows, and so does one too many.
+using OutputMemory = std::array<unsigned char, 96>;
+
+// Memory that holds these bytes, and otherwise what it held before the call.
+OutputMemory MemoryWith(const Bytes& bytes);
+
+// The memory in hexadecimal up to the last byte that was written, at least `length` bytes.
+std::string BytesText(const OutputMemory& memory, size_t length);
+
+std::string StatusText(ROLU_STATUS status);
+
+struct Made {
+  ROLU_STATUS status = ROLU_STATUS_SUCCESS;
+  OutputMemory output = {};
+  std::string traffic = {};
+  std::chrono::milliseconds duration{0};
+};
+
+// All that an answer sent for one command of an operation may hold.
+std::string BytesOf(const Answer& answer);
+
+// An operation, of whose commands one is answered with `sent` and the others as in the table.
+struct OddAnswer {
+  const CallRow* operation;
+  size_t command;
+  std::string sent;
+
+  // The status of the command, by the rules of the wire.
+  ROLU_STATUS Status() const;
+};
+
+// What is wrong with a call that met an odd answer; empty if it ended as it has to. Where the odd
+// line is neither the healthy answer nor an error, the operation may find it unreadable or make
+// something of it, but not more.
+std::string FaultOf(const Made& made, const OddAnswer& answer);
+
+// What is wrong with a call that has to end with `status`, this output and these bytes on the wire.
+std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, const std::string& wire);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_SUPPORT_MADE_CALL_H

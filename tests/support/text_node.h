@@ -1,0 +1,49 @@
+#ifndef TESTS_SUPPORT_TEXT_NODE_H
+#define TESTS_SUPPORT_TEXT_NODE_H
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "simulator/devices/device.h"
+
+namespace rolu_test {
+
+// A node that shows any text, and takes but forgets what is written to it. Reading on behind the text
+// gives the end of the file, or `end_errno`.
+class TextNode : public rolu_sim::Device {
+ public:
+  explicit TextNode(std::string text, int end_errno = 0) : text_(std::move(text)), end_errno_(end_errno) {}
+  rolu_sim::NodeStat Stat() const override { return {}; }
+  rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
+                              std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
+    opened = std::make_unique<Descriptor>(text_, end_errno_);
+    return 0;
+  }
+
+ private:
+  class Descriptor : public rolu_sim::OpenDevice {
+   public:
+    Descriptor(std::string rest, int end_errno) : rest_(std::move(rest)), end_errno_(end_errno) {}
+    rolu_sim::DeviceResult Read(std::string& bytes, size_t capacity) override {
+      if (rest_.empty()) return -end_errno_;
+      bytes = rest_.substr(0, capacity);
+      rest_.erase(0, bytes.size());
+      return static_cast<rolu_sim::DeviceResult>(bytes.size());
+    }
+    rolu_sim::DeviceResult Write(std::string_view bytes) override {
+      return static_cast<rolu_sim::DeviceResult>(bytes.size());
+    }
+
+   private:
+    std::string rest_;
+    const int end_errno_;
+  };
+  const std::string text_;
+  const int end_errno_;
+};
+
+}  // namespace rolu_test
+
+#endif  // TESTS_SUPPORT_TEXT_NODE_H

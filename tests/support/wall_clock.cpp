@@ -1,0 +1,65 @@
+#include "tests/support/wall_clock.h"
+
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+namespace {
+
+constexpr long long kNsPerSecond = 1000000000;
+constexpr long long kSliceNs = 2000000;
+
+std::atomic<long long> moved_by_s{0};
+
+timespec MachineTime(clockid_t clock) {
+  timespec time{};
+  syscall(SYS_clock_gettime, clock, &time);
+  return time;
+}
+
+bool WallClockShows(const timespec& deadline) {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return now.tv_sec > deadline.tv_sec || (now.tv_sec == deadline.tv_sec && now.tv_nsec >= deadline.tv_nsec);
+}
+
+// Waits in slices of a clock that nobody moves, and looks at the wall clock in between.
+template <typename WaitUntil>
+int WaitInSlices(const timespec& deadline, WaitUntil wait_until) {
+  while (true) {
+    timespec end = MachineTime(CLOCK_MONOTONIC);
+    const long long ns = end.tv_nsec + kSliceNs;
+    end.tv_sec += static_cast<time_t>(ns / kNsPerSecond);
+    end.tv_nsec = static_cast<long>(ns % kNsPerSecond);
+    const int result = wait_until(end);
+    if (result != ETIMEDOUT || WallClockShows(deadline)) return result;
+  }
+}
+
+}  // namespace
+
+void rolu_test::MoveWallClock(std::chrono::seconds by) {
+  moved_by_s += by.count();
+}
+
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+  *time = MachineTime(clock);
+  if (clock == CLOCK_REALTIME) time->tv_sec += static_cast<time_t>(moved_by_s);
+  return 0;
+}
+
+extern "C" int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
+                                      const timespec* deadline) {
+  return WaitInSlices(*deadline, [=](const timespec& end) {
+    return pthread_cond_clockwait(condition, mutex, CLOCK_MONOTONIC, &end);
+  });
+}
+
+extern "C" int pthread_mutex_timedlock(pthread_mutex_t* mutex, const timespec* deadline) noexcept {
+  return WaitInSlices(
+      *deadline, [=](const timespec& end) { return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end); });
+}

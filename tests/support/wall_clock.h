@@ -1,0 +1,16 @@
+// A wall clock that a test sets, for this program and the library in it; the machine's clock stays as it
+// is. Linked into the program, it stands in for the C library's clock_gettime, pthread_cond_timedwait and
+// pthread_mutex_timedlock: as with a clock that is set, a wait ends when the clock shows its deadline.
+#ifndef TESTS_SUPPORT_WALL_CLOCK_H
+#define TESTS_SUPPORT_WALL_CLOCK_H
+
+#include <chrono>
+
+namespace rolu_test {
+
+// Sets the clock forward; back if `by` is negative. A wait learns of it within a few milliseconds.
+void MoveWallClock(std::chrono::seconds by);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_SUPPORT_WALL_CLOCK_H

@@ -21,10 +21,11 @@ struct Invocation {
 CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
                      const std::string& examples);
 
-// Runs `run(common options)` when `command` is the one that was given.
+// Runs `run(common options)` when `command` is the one that was given, and none of its subcommands.
 template <typename Run>
 void OnRun(CLI::App* command, Invocation& invocation, Run run) {
-  command->callback([&invocation, run] {
+  command->callback([command, &invocation, run] {
+    if (!command->get_subcommands().empty()) return;
     invocation.action = [&invocation, run] { return static_cast<int>(run(invocation.common)); };
   });
 }

@@ -82,10 +82,11 @@ ExitStatus RunDrive(const std::vector<std::string>& levels, const CommonOptions&
 void AddPinsCommand(CLI::App& app, Invocation& invocation) {
   auto levels = std::make_shared<std::vector<std::string>>();
   CLI::App* const pins = NewCommand(app, "pins", "Read the digital inputs and drive the outputs",
-                                    "  rolu pins read\n  rolu pins drive high low");
-  pins->require_subcommand(1);
-  OnRun(NewCommand(*pins, "read", "Read the two inputs", ""), invocation,
-        [](const CommonOptions& common) { return Show("pins.inputs", common); });
+                                    "  rolu pins\n  rolu pins drive high low");
+  pins->require_subcommand(0, 1);
+  const auto read = [](const CommonOptions& common) { return Show("pins.inputs", common); };
+  OnRun(pins, invocation, read);
+  OnRun(NewCommand(*pins, "read", "Read the two inputs, as 'rolu pins' does", ""), invocation, read);
   OnRun(NewCommand(*pins, "prepare", "Make the lines available; both outputs go low", ""), invocation,
         RunPrepare);
   CLI::App* const drive = NewCommand(*pins, "drive", "Drive the two outputs, which keep their levels",

@@ -26,7 +26,7 @@ inline constexpr ExitStatusText kExitStatusTexts[] = {
     {"3", "the board refused: an error of the MCU, a value it does not take, something it does not provide"},
     {"4", "no answer: the MCU is silent, its port cannot be opened, or a device is not there"},
     {"5", "busy: another process holds the MCU's port"},
-    {"130, 143", "stopped by Ctrl-C or by a termination signal before the work was done"},
+    {"129-143", "stopped by a signal (130: Ctrl-C) before the work was done: 128 and its number"},
 };
 
 }  // namespace rolu

@@ -77,7 +77,8 @@ ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
   Outcome outcome;
   Judge(plan.changes, outcome);
   Judge(deviations, outcome);
-  return outcome.Result();
+  // Whatever failed, the unit has become a part of what the file says.
+  return outcome.Result() == kDone ? kDone : kPartlyDone;
 }
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
@@ -107,7 +108,7 @@ void AddLoadCommand(CLI::App& app, Invocation& invocation) {
                  "  rolu load -y unit-17.json\n"
                  "The file is checked whole before anything is sent, and the difference is shown. The\n"
                  "battery mode is set first and the protections after it, so that they end as the file\n"
-                 "says. Everything is read back; what could not be set is named.");
+                 "says. Everything is read back; what could not be set is named, with exit status 1.");
   command->add_option("FILE", options->path, "A file that 'rolu save' wrote; - is standard input")
       ->required();
   command->add_flag("--dry-run", options->dry_run, "Only show the difference");

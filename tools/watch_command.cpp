@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "tools/board_watcher.h"
@@ -132,7 +133,8 @@ void AddWatchCommand(CLI::App& app, Invocation& invocation) {
                      "does not end the watching.");
   command->add_option("--on", options->commands, "Run COMMAND in a shell at each EVENT; may be repeated")
       ->type_name("EVENT COMMAND");
-  command->add_option("--count", options->count, "End after so many events")->check(CLI::PositiveNumber);
+  command->add_option("--count", options->count, "End after so many events")
+      ->check(CLI::Range(1U, std::numeric_limits<unsigned>::max()));
   AddDurationOption(command, "--for", options->time, "End after this time, like 20s");
   AddDurationOption(command, "--interval", options->settings.interval,
                     "Time between two looks at ignition and voltage");

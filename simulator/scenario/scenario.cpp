@@ -21,6 +21,11 @@ const std::vector<Parameter>& TimingParameters() {
   return parameters;
 }
 
+// A member's name may hold what separates names in a pointer.
+std::string PointerTo(const std::string& object, const std::string& member) {
+  return (Json::json_pointer(object) / member).to_string();
+}
+
 class ScenarioReader {
  public:
   ScenarioReader(const PositionedJson& json, std::string name) : json_(json), name_(std::move(name)) {}
@@ -56,7 +61,7 @@ class ScenarioReader {
   void CheckNames(const Json& root) {
     for (const auto& [name, value] : root.items()) {
       if (name == "description" || name == "events") continue;
-      Complain("/" + name,
+      Complain(PointerTo("", name),
                fmt::format("a scenario has no \"{}\"{}", name, DidYouMean(name, {"description", "events"})));
     }
   }
@@ -93,7 +98,7 @@ class ScenarioReader {
     std::vector<Problem> problems;
     const Arguments arguments = CheckArguments(*verb, event, {"do", "at", "every", "repeat"}, problems);
     for (const Problem& problem : problems) {
-      Complain(problem.member.empty() ? pointer : pointer + '/' + problem.member, problem.text);
+      Complain(problem.member.empty() ? pointer : PointerTo(pointer, problem.member), problem.text);
     }
     for (long time = 0; time < timing.Integer("repeat"); ++time) {
       const std::chrono::milliseconds at = timing.Duration("at") + time * timing.Duration("every");

@@ -36,6 +36,7 @@ TEST(Scenario, is_refused_with_the_place_and_what_would_be_right) {
       {"{\"description\": 1,\n \"events\": 2}",
        "f:1:17: ", "\"description\" must be a text\nf:2:12: \"events\" must be a list"},
       {"{\"events\": [],\n\n  \"evnts\": []}", "f:3:12: ", "no \"evnts\" (did you mean \"events\"?)"},
+      {"{\"events\": [],\n \"a/b~\": 1}", "f:2:10: ", "a scenario has no \"a/b~\""},
       {"{\"events\": [], \"events\": []}", "f:1:16: ", "\"events\" is given twice"},
       {"{\"events\": [\n3]}", "f:2:1: ", "an event is an object"},
       {"{\"events\": [{\"at\": 1}]}", "f:1:13: ", "\"do\" is missing"},

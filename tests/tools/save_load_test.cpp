@@ -147,6 +147,7 @@ TEST_F(SaveLoadTest, what_could_not_be_set_is_named_and_the_rest_is_done) {
   EXPECT_EQ(load.status, 1);
   EXPECT_THAT(load.err, HasSubstr("rolu: ignition.mode = 2 could not be set: the board refused the value"));
   EXPECT_EQ(Rolu("get -n watchdog.time").out, "7\n");
+  EXPECT_EQ(Rolu("load " + path).status, 1) << "also when nothing else is left to be set";
 }
 
 TEST_F(SaveLoadTest, a_setting_that_another_one_moved_is_found_at_the_end) {

@@ -29,7 +29,7 @@ void CallBook::Begin(std::size_t lane, const Operation& operation) {
   running_.at(lane) = {&operation, steady_clock::now()};
 }
 
-microseconds CallBook::End(std::size_t lane, ROLU_STATUS status, bool alone) {
+CallBook::Duration CallBook::End(std::size_t lane, ROLU_STATUS status, bool alone) {
   const SteadyTime end = steady_clock::now();
   const std::lock_guard<std::mutex> lock(mutex_);
   const Running call = running_.at(lane);
@@ -46,18 +46,18 @@ microseconds CallBook::End(std::size_t lane, ROLU_STATUS status, bool alone) {
   figures.longest = std::max(figures.longest, took);
   if (alone) figures.longest_alone = std::max(figures.longest_alone, took);
 
-  const bool limited = operation.promise.own_ms != kNoLimit;
-  if (limited && took > promised + kSchedulingSlack) {
+  Duration duration;
+  duration.took = took;
+  if (operation.promise.own_ms != kNoLimit && took > promised + kSchedulingSlack) {
     const microseconds others = TimeOfOthers(lane, call.start, end);
     if (took > promised + kSchedulingSlack + others) {
-      violations_.Add(fmt::format("{} took {} ms; it promises {} ms, and other calls account for {} ms",
-                                  operation.name, took.count() / 1000, promised.count(),
-                                  others.count() / 1000));
+      duration.excess = fmt::format("took {} ms; it promises {} ms, and other calls account for {} ms",
+                                    took.count() / 1000, promised.count(), others.count() / 1000);
     }
   }
   ended_.at(next_ended_) = {call.start, end, promised};
   next_ended_ = (next_ended_ + 1) % kRemembered;
-  return took;
+  return duration;
 }
 
 microseconds CallBook::TimeOfOthers(std::size_t lane, SteadyTime start, SteadyTime end) const {

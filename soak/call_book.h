@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "soak/operations.h"
-#include "soak/violations.h"
 
 namespace rolu_soak {
 
@@ -33,12 +32,13 @@ struct DurationFigures {
 // what it took. Any thread may call any member.
 class CallBook {
  public:
-  explicit CallBook(Violations& violations) : violations_(violations) {}
-
   // `lane` is the thread's own place.
   void Begin(std::size_t lane, const Operation& operation);
-  // Gives how long the call took.
-  std::chrono::microseconds End(std::size_t lane, ROLU_STATUS status, bool alone);
+  struct Duration {
+    std::chrono::microseconds took{0};
+    std::string excess;  // in words; empty when the promise is kept
+  };
+  Duration End(std::size_t lane, ROLU_STATUS status, bool alone);
 
   // The names of the calls that have not returned, with their ages.
   std::string Unfinished() const;
@@ -63,7 +63,6 @@ class CallBook {
   // With mutex_ held.
   std::chrono::microseconds TimeOfOthers(std::size_t lane, SteadyTime start, SteadyTime end) const;
 
-  Violations& violations_;
   mutable std::mutex mutex_;
   std::array<Running, kLanes> running_{};
   std::array<Ended, kRemembered> ended_{};

@@ -14,6 +14,10 @@ using std::chrono::milliseconds;
 // Eight calls, each of which finds its port dead, and a start-up among them, take less.
 constexpr std::chrono::seconds kPatience{120};
 
+// What a starved call left behind comes to light within this time: an answer of its own that came too
+// late, and perhaps to the next one.
+constexpr std::chrono::seconds kAftermath{5};
+
 bool IsStartUp(const Operation& operation) {
   return &operation == &Families().at(operation.family).initialize;
 }
@@ -118,22 +122,41 @@ void Callers::Call(const Operation& operation, bool alone) {
   facts.family_was_up = family.is_up || IsStartUp(operation) || !operation.has_state;
   facts.ignored_code = operation.ignored_code;
 
+  const ProcessorWaits waits_before = MeasureProcessorWaits();
+  const std::string uncalled = lane.TakeUncalled();
   lane.BeginCall();
   book_.Begin(operation.lane, operation);
   const Outcome outcome = operation.call(lane);
-  const auto took = book_.End(operation.lane, outcome.status, alone);
+  const CallBook::Duration duration = book_.End(operation.lane, outcome.status, alone);
   lane.EndCall();
 
   facts.status = outcome.status;
   facts.right = outcome.right;
   facts.exchanges = lane.Exchanges();
   facts.port_was_dead = changes_before % 2 == 1 || changes_before != port_changes_;
-  facts.link_was_busy = took >= milliseconds(kLinkMs);
-  const std::string fault = FaultIn(facts);
-  if (!fault.empty()) violations_.Add(fmt::format("{}: {}", operation.name, fault));
+  facts.link_was_busy = duration.took >= milliseconds(kLinkMs);
+  Report(operation, FaultIn(facts), waits_before);
+  Report(operation, duration.excess, waits_before);
+  if (!uncalled.empty()) {
+    Report(operation, fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled),
+           waits_before);
+  }
   if (outcome.status != ROLU_STATUS_SUCCESS) return;
   if (IsStartUp(operation)) family.is_up = true;
   if (&operation == &Families().at(operation.family).deinitialize) family.is_up = false;
+}
+
+// On a machine that gives the threads no processor calls miss their times, whatever the library does.
+void Callers::Report(const Operation& operation, const std::string& fault, const ProcessorWaits& before) {
+  if (fault.empty()) return;
+  const SteadyTime now = std::chrono::steady_clock::now();
+  const bool is_starved = LongestWait(before, MeasureProcessorWaits()) >= kStarved;
+  if (is_starved) last_starved_ = now;
+  if (is_starved || last_starved_.load() > now - kAftermath) {
+    ++starved_calls_;
+  } else {
+    violations_.Add(fmt::format("{}: {}", operation.name, fault));
+  }
 }
 
 void Callers::BringUp(std::size_t number, bool alone) {

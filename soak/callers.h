@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -15,6 +16,7 @@
 #include "soak/call_book.h"
 #include "soak/gate.h"
 #include "soak/operations.h"
+#include "soak/processor_waits.h"
 #include "soak/violations.h"
 
 namespace rolu_soak {
@@ -42,6 +44,7 @@ class Callers {
 
   std::vector<pthread_t> Threads();
   std::uint64_t openings() const { return openings_; }
+  std::uint64_t starved_calls() const { return starved_calls_; }
 
  private:
   struct Family {
@@ -53,6 +56,7 @@ class Callers {
   void CallAny(Lane& lane, const std::vector<const Operation*>& operations);
   void TurnOffAndOn(std::size_t family);
   bool Empty(Gate& gate);
+  void Report(const Operation& operation, const std::string& fault, const ProcessorWaits& before);
 
   const Lanes& lanes_;
   CallBook& book_;
@@ -63,6 +67,8 @@ class Callers {
   std::atomic<bool> families_stay_{false};
   std::atomic<std::uint64_t> port_changes_{0};  // odd while the port is dead
   std::atomic<std::uint64_t> openings_{0};
+  std::atomic<std::uint64_t> starved_calls_{0};
+  std::atomic<SteadyTime> last_starved_{SteadyTime::min()};
   std::vector<std::thread> threads_;
 };
 

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "include/kavo_rolu.h"
@@ -40,11 +41,19 @@ class Lane {
     calling_ = false;
   }
 
-  // False when no call runs: the command came by itself, or too late.
-  bool Record(Exchange exchange) {
+  // A command that comes while no call runs came by itself, or too late.
+  void Record(Exchange exchange) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (calling_) exchanges_.push_back(std::move(exchange));
-    return calling_;
+    if (calling_) {
+      exchanges_.push_back(std::move(exchange));
+    } else {
+      uncalled_ = exchange.command;
+    }
+  }
+  // The last such command since the last time; empty if there was none.
+  std::string TakeUncalled() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(uncalled_, {});
   }
 
   // The rest is the thread's own.
@@ -76,6 +85,7 @@ class Lane {
   mutable std::mutex mutex_;
   bool calling_ = false;
   std::vector<Exchange> exchanges_;
+  std::string uncalled_;
   std::mt19937 random_;
 };
 

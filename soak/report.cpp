@@ -62,9 +62,17 @@ std::string Held(const Soak& soak) {
   return text;
 }
 
-std::string Verdict(const Violations& violations) {
-  if (violations.count() == 0) return "no violation\n";
-  std::string text = fmt::format("{} violations, the first of them:\n", violations.count());
+std::string Verdict(const Soak& soak) {
+  const Violations& violations = soak.violations();
+  std::string starved;
+  if (soak.starved_calls() > 0) {
+    starved = fmt::format(
+        "{} calls not judged: a thread of theirs, or of a call just before, waited {} ms or more for a "
+        "processor\n",
+        soak.starved_calls(), kStarved.count());
+  }
+  if (violations.count() == 0) return starved + "no violation\n";
+  std::string text = starved + fmt::format("{} violations, the first of them:\n", violations.count());
   for (const std::string& violation : violations.Kept()) text += fmt::format("  {}\n", violation);
   return text;
 }
@@ -79,7 +87,7 @@ std::string Report(const Soak& soak) {
       soak.options().seed, duration_cast<std::chrono::seconds>(soak.elapsed()).count(), soak.book().calls(),
       soak.openings(), soak.hang_ups(), soak.disturbances().messages(), soak.disturbances().signals_sent(),
       Disturbances::SignalsHandled(), Faults(soak.mcu()), Endings(soak.book()), Durations(soak.book()),
-      Held(soak), Verdict(soak.violations()));
+      Held(soak), Verdict(soak));
 }
 
 std::string ListOfPromises() {

@@ -24,7 +24,7 @@ struct SoakOptions {
 };
 
 // What the simulated board lives in this process for: its lists are not always equally full.
-inline constexpr std::size_t kHeapTolerance = 65536;
+inline constexpr std::size_t kHeapTolerance = 32768;
 inline constexpr std::size_t kResidentTolerance = 4194304;
 
 // Eight threads call the four families of one simulated board. From time to time they rest: then a call
@@ -46,6 +46,7 @@ class Soak {
   const ProcessUsage& last_usage() const { return last_usage_; }
   std::uint64_t hang_ups() const { return hang_ups_; }
   std::uint64_t openings() const { return callers_.openings(); }
+  std::uint64_t starved_calls() const { return callers_.starved_calls(); }
   std::chrono::milliseconds elapsed() const;
 
  private:
@@ -61,7 +62,7 @@ class Soak {
   const SoakOptions options_;
   const SteadyTime start_;
   Violations violations_;
-  CallBook book_{violations_};
+  CallBook book_;
   const Lanes lanes_;
   AnsweringMcu mcu_;
   rolu_sim::Board board_;

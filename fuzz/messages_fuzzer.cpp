@@ -107,16 +107,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   set_gsensor_alarm_event(&alarm_event);
   set_ignition_poweroff_alarm_event(&ignition_event);
   set_lvp_poweroff_alarm_event(&battery_event);
-  // The bytes are lines; a line that is no message takes a sample out.
   while (!input.empty()) {
-    const std::vector<std::string> lines = rolu_test::WholeLines(input.Text(64) + '\n');
-    for (const std::string& line : lines) {
-      if (!rolu_test::IsBracketed(line)) {
-        model.ComparePop();
-        continue;
-      }
-      HandleBracketedMessage(line.c_str());
-      model.Take(line);
+    const size_t times = input.Below(40);
+    for (size_t pops = input.Below(40); pops > 0; --pops) model.ComparePop();
+    const std::vector<std::string> lines = rolu_test::WholeLines(input.Text(1 + input.Below(63)) + '\n');
+    if (lines.empty() || !rolu_test::IsBracketed(lines.front())) continue;
+    for (size_t i = 0; i < times; ++i) {
+      HandleBracketedMessage(lines.front().c_str());
+      model.Take(lines.front());
       model.CompareSignals();
     }
   }

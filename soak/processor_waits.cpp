@@ -1,25 +1,51 @@
 #include "soak/processor_waits.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <string>
-#include <system_error>
+
+#include "simulator/unique_fd.h"
 
 namespace rolu_soak {
+namespace {
+
+struct CloseDirectory {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
+// Opened by a call that the thread sanitizer follows: it would take the descriptor for its last owner's.
+std::unique_ptr<DIR, CloseDirectory> OpenTasks() {
+  const int descriptor = open("/proc/self/task", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  return std::unique_ptr<DIR, CloseDirectory>(descriptor < 0 ? nullptr : fdopendir(descriptor));
+}
+
+// False when the thread has ended.
+bool ReadWait(const char* thread, std::chrono::nanoseconds& waited) {
+  const std::string path = std::string("/proc/self/task/") + thread + "/schedstat";
+  const rolu_sim::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  char text[128] = {};
+  if (!file || read(file.get(), text, sizeof text - 1) <= 0) return false;
+  long long ran_ns = 0;
+  long long waited_ns = 0;
+  if (std::sscanf(text, "%lld %lld", &ran_ns, &waited_ns) != 2) return false;
+  waited = std::chrono::nanoseconds(waited_ns);
+  return true;
+}
+
+}  // namespace
 
 ProcessorWaits MeasureProcessorWaits() {
   ProcessorWaits waits;
-  // A thread may end meanwhile.
-  std::error_code error;
-  const std::filesystem::directory_iterator end;
-  for (std::filesystem::directory_iterator entry("/proc/self/task", error); !error && entry != end;
-       entry.increment(error)) {
-    long long ran_ns = 0;
-    long long waited_ns = 0;
-    if (std::ifstream(entry->path() / "schedstat") >> ran_ns >> waited_ns) {
-      waits[std::stoi(entry->path().filename())] = std::chrono::nanoseconds(waited_ns);
-    }
+  const auto tasks = OpenTasks();
+  while (const dirent* entry = tasks ? readdir(tasks.get()) : nullptr) {
+    std::chrono::nanoseconds waited{0};
+    if (entry->d_name[0] != '.' && ReadWait(entry->d_name, waited)) waits[std::atoi(entry->d_name)] = waited;
   }
   return waits;
 }

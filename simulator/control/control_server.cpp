@@ -134,7 +134,7 @@ Json ControlServer::AnswerTo(Connection& connection, const Json& request) {
   if (request.contains("trace")) return AnswerTrace(connection, request["trace"]);
   if (request.contains("play")) return AnswerPlay(request["play"]);
   if (!request.contains("stop")) {
-    return RefuseRequest("a request has \"do\", \"get\", \"trace\", \"play\" or \"stop\"", "usage");
+    return RefuseRequest(R"(a request has "do", "get", "trace", "play" or "stop")", "usage");
   }
   on_stop_();
   return AcceptRequest();
@@ -143,7 +143,7 @@ Json ControlServer::AnswerTo(Connection& connection, const Json& request) {
 Json ControlServer::AnswerPlay(const Json& scenario) {
   if (!scenario.is_object() || !scenario.contains("name") || !scenario.contains("text") ||
       !scenario["name"].is_string() || !scenario["text"].is_string()) {
-    return RefuseRequest("\"play\" is an object with \"name\" and \"text\"", "usage");
+    return RefuseRequest(R"("play" is an object with "name" and "text")", "usage");
   }
   try {
     Play(ParseScenario(scenario["text"].get<std::string>(), scenario["name"].get<std::string>()));
@@ -155,7 +155,7 @@ Json ControlServer::AnswerPlay(const Json& scenario) {
 
 Json ControlServer::AnswerTrace(Connection& connection, const Json& extent) {
   if (extent != "past" && extent != "follow") {
-    return RefuseRequest("\"trace\" is \"past\" or \"follow\"", "usage");
+    return RefuseRequest(R"("trace" is "past" or "follow")", "usage");
   }
   connection.next_record = 0;
   if (extent == "past") connection.end_of_trace = desk_.trace().Count();

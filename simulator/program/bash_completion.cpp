@@ -41,6 +41,12 @@ constexpr char kHead[] = R"(# bash completion for rolu-sim; written by `rolu-sim
 
 _rolu_sim_words() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"); }
 
+# Files, or directories with -d; a directory is gone on from.
+_rolu_sim_paths() {
+  mapfile -t COMPREPLY < <(compgen "$1" -- "$2")
+  compopt -o filenames 2>/dev/null
+}
+
 )";
 
 constexpr char kBody[] = R"(
@@ -67,8 +73,8 @@ _rolu_sim() {
     --fault) _rolu_sim_words "$_rolu_sim_faults" "$current" ;;
     --mode) _rolu_sim_words "12 24" "$current" ;;
     --trace-format) _rolu_sim_words "json text" "$current" ;;
-    --board | serve | join) mapfile -t COMPREPLY < <(compgen -d -- "$current") ;;
-    --replay | --trace | --check) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    --board | serve | join) _rolu_sim_paths -d "$current" ;;
+    --replay | --trace | --check) _rolu_sim_paths -f "$current" ;;
     *)
       if [[ $subcommand != ctl || $current == -* ]]; then
         _rolu_sim_words "${_rolu_sim_options[$subcommand]}" "$current"

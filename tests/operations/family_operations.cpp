@@ -1,19 +1,11 @@
 // The power manager's identity and clock, and the other families.
 #include "simulator/mcu/identity.h"
 #include "tests/operations/operations.h"
+#include "tests/operations/vpm_calls.h"
 
 namespace rolu_test {
 namespace {
 
-struct Alarm {
-  ALARM_MODE mode;
-  VPM_ALARM_TIME time;
-};
-ROLU_STATUS GetAlarm(void* output) {
-  auto* alarm = static_cast<Alarm*>(output);
-  return KAVO_ROLU_VPM_GetAlarmTime(alarm == nullptr ? nullptr : &alarm->mode,
-                                    alarm == nullptr ? nullptr : &alarm->time);
-}
 ROLU_STATUS SetAlarm(void*) {
   return KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, {5, 13, 30});
 }

@@ -1,4 +1,5 @@
 #include "tests/operations/operations.h"
+#include "tests/operations/vpm_calls.h"
 
 namespace rolu_test {
 namespace {
@@ -48,22 +49,6 @@ Bytes Char(int value) {
   return Written(static_cast<char>(value));
 }
 
-// A source's switch, as the table's calls take it.
-template <typename Source>
-Call Set(ROLU_STATUS (*set)(Source, char), int source, int enable) {
-  return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };
-}
-template <typename Source>
-Call Get(ROLU_STATUS (*get)(Source, char*), int source) {
-  return [=](void* output) { return get(static_cast<Source>(source), static_cast<char*>(output)); };
-}
-Call SetShutdown(int source, int enable) {
-  return Set(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source, enable);
-}
-Call SetWakeup(int source, int enable) {
-  return Set(KAVO_ROLU_VPM_SetWakeupSourceControlStatus, source, enable);
-}
-
 // Asks for one of a line of switches.
 CallRow GivesSwitch(std::string name, Call call, const char* answer, int state, std::string wire) {
   return OrUnreadable(Gives(std::move(name), std::move(call), {answer}, Char(state), std::move(wire)),
@@ -105,14 +90,11 @@ const std::vector<CallRow>& PowerSourceOperations() {
   static const std::vector<CallRow> operations = {
       Orders("VPM_SetShutdownSourceControlStatus 1on", SetShutdown(1, 7), {"OK"}, "SDMS11\r"),
       Orders("VPM_SetShutdownSourceControlStatus 0off", SetShutdown(0, 0), {"OK"}, "SDMS00\r"),
-      GivesSwitch("VPM_GetShutdownSourceControlStatus 1",
-                  Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, 1), "10", 0, "SDMG\r"),
-      GivesSwitch("VPM_GetShutdownSourceControlStatus 0",
-                  Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, 0), "10", 1, "SDMG\r"),
+      GivesSwitch("VPM_GetShutdownSourceControlStatus 1", GetShutdown(1), "10", 0, "SDMG\r"),
+      GivesSwitch("VPM_GetShutdownSourceControlStatus 0", GetShutdown(0), "10", 1, "SDMG\r"),
       Orders("VPM_SetWakeupSourceControlStatus 3on", SetWakeup(3, 1), {"OK"}, "WKMS31\r"),
       Orders("VPM_SetWakeupSourceControlStatus 10on", SetWakeup(10, 1), {"OK"}, "WKMS101\r"),
-      GivesSwitch("VPM_GetWakeupSourceControlStatus", Get(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, 6),
-                  "0000001", 1, "WKMG\r"),
+      GivesSwitch("VPM_GetWakeupSourceControlStatus", GetWakeup(6), "0000001", 1, "WKMG\r"),
       OrUnreadable(Gives("VPM_GetLastWakeupSource", Into(KAVO_ROLU_VPM_GetLastWakeupSource), {"30"},
                          Written(WAKEUP_SOURCE_RTC_ALARM), "WKSG\r"),
                    ROLU_STATUS_VPM_UNKNOWN_VALUE),

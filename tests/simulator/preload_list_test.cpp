@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "simulator/preload_list.h"
+
+#include <gtest/gtest.h>
 
 namespace rolu_sim {
 namespace {

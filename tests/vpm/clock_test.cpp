@@ -1,5 +1,6 @@
 #include "kavo_rolu.h"
 #include "tests/operations/operations.h"
+#include "tests/operations/vpm_calls.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -22,15 +23,6 @@ Call SetAlarm(int mode, VPM_ALARM_TIME time) {
   return [=](void*) { return KAVO_ROLU_VPM_SetAlarmTime(static_cast<ALARM_MODE>(mode), time); };
 }
 
-struct Alarm {
-  ALARM_MODE mode;
-  VPM_ALARM_TIME time;
-};
-ROLU_STATUS GetAlarm(void* output) {
-  auto* alarm = static_cast<Alarm*>(output);
-  return KAVO_ROLU_VPM_GetAlarmTime(alarm == nullptr ? nullptr : &alarm->mode,
-                                    alarm == nullptr ? nullptr : &alarm->time);
-}
 Bytes AlarmIs(ALARM_MODE mode, VPM_ALARM_TIME time) {
   return Written(mode, time);
 }

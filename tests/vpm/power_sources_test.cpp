@@ -1,5 +1,6 @@
 #include "kavo_rolu.h"
 #include "tests/operations/operations.h"
+#include "tests/operations/vpm_calls.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -9,27 +10,6 @@ constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kBad = ROLU_STATUS_INVALID_PARAMETER;
 constexpr ROLU_STATUS kInvalid = ROLU_STATUS_VPM_INVALID_REPLY;
 
-// A source's switch, as the table's calls take it.
-template <typename Source>
-Call Set(ROLU_STATUS (*set)(Source, char), int source, int enable) {
-  return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };
-}
-template <typename Source>
-Call Get(ROLU_STATUS (*get)(Source, char*), int source) {
-  return [=](void* output) { return get(static_cast<Source>(source), static_cast<char*>(output)); };
-}
-Call SetShutdown(int source, int enable) {
-  return Set(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source, enable);
-}
-Call GetShutdown(int source) {
-  return Get(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, source);
-}
-Call SetWakeup(int source, int enable) {
-  return Set(KAVO_ROLU_VPM_SetWakeupSourceControlStatus, source, enable);
-}
-Call GetWakeup(int source) {
-  return Get(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, source);
-}
 const Call kGetLast = Into(KAVO_ROLU_VPM_GetLastWakeupSource);
 
 Bytes Source(int32_t source) {

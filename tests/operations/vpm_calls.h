@@ -1,0 +1,45 @@
+// Calls of the power manager in a table's form that more than one table makes.
+#ifndef TESTS_OPERATIONS_VPM_CALLS_H
+#define TESTS_OPERATIONS_VPM_CALLS_H
+
+#include "kavo_rolu.h"
+#include "tests/support/call_row.h"
+
+namespace rolu_test {
+
+// The switch of a shutdown or wake-up source.
+template <typename Source>
+Call SetSwitch(ROLU_STATUS (*set)(Source, char), int source, int enable) {
+  return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };
+}
+template <typename Source>
+Call GetSwitch(ROLU_STATUS (*get)(Source, char*), int source) {
+  return [=](void* output) { return get(static_cast<Source>(source), static_cast<char*>(output)); };
+}
+inline Call SetShutdown(int source, int enable) {
+  return SetSwitch(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source, enable);
+}
+inline Call GetShutdown(int source) {
+  return GetSwitch(KAVO_ROLU_VPM_GetShutdownSourceControlStatus, source);
+}
+inline Call SetWakeup(int source, int enable) {
+  return SetSwitch(KAVO_ROLU_VPM_SetWakeupSourceControlStatus, source, enable);
+}
+inline Call GetWakeup(int source) {
+  return GetSwitch(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, source);
+}
+
+// What the wake-up alarm's query writes, one after the other.
+struct Alarm {
+  ALARM_MODE mode;
+  VPM_ALARM_TIME time;
+};
+inline ROLU_STATUS GetAlarm(void* output) {
+  auto* alarm = static_cast<Alarm*>(output);
+  return KAVO_ROLU_VPM_GetAlarmTime(alarm == nullptr ? nullptr : &alarm->mode,
+                                    alarm == nullptr ? nullptr : &alarm->time);
+}
+
+}  // namespace rolu_test
+
+#endif  // TESTS_OPERATIONS_VPM_CALLS_H

@@ -19,7 +19,6 @@
 
 namespace {
 
-using rolu_fuzz::FailIf;
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
 using rolu_sim::CommandMatch;

@@ -23,6 +23,9 @@ mkdir "$tree"
 git ls-files -z | tar -c --null -T - --mtime="@$(dpkg-parsechangelog -l "$changelog" -S Timestamp)" | tar -x -C "$tree"
 mv "$tree/packaging/debian" "$tree/debian"
 
+# A compiler cache gives objects other names of their sources, and one build's objects to the next.
+unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+
 cd "$tree"
 case $architecture in
   "$(dpkg --print-architecture)") options=(--build=full) ;;

@@ -219,8 +219,9 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Once: after an earlier input the board may still be closing its end of something.
-  static const ProcessState at_rest;
+  // Of this input: libFuzzer starts threads of its own after the first one. The earlier one ended with
+  // the board at rest, see Session::End.
+  const ProcessState at_rest;
   Input input(data, size);
   Session session(TheBoard());
   for (size_t calls = 0; calls < kMostCalls && !input.empty(); ++calls) session.Step(input);

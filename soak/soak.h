@@ -24,7 +24,7 @@ struct SoakOptions {
 };
 
 // What the simulated board lives in this process for: its lists are not always equally full.
-inline constexpr std::size_t kHeapTolerance = 32768;
+inline constexpr std::size_t kHeapTolerance = 65536;
 inline constexpr std::size_t kResidentTolerance = 4194304;
 
 // Eight threads call the four families of one simulated board. From time to time they rest: then a call

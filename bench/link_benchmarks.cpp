@@ -10,6 +10,8 @@
 
 #include "bench/allocation_counter.h"
 #include "bench/mcu_process.h"
+#include "bench/quiet_line.h"
+#include "bench/require.h"
 #include "bench/serial_client.h"
 #include "include/kavo_rolu.h"
 
@@ -19,10 +21,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
-
-void Require(bool condition, const char* what) {
-  if (!condition) throw std::runtime_error(what);
-}
 
 void OpenLink() {
   Require(KAVO_ROLU_WD_Initialize(0) == ROLU_STATUS_SUCCESS, "Initialize failed");
@@ -46,11 +44,9 @@ void QueryLibrary() {
   Require(KAVO_ROLU_WD_GetTime(&time) == ROLU_STATUS_SUCCESS && time == kWatchdogTime, "a query failed");
 }
 
-// More than 10 ms, each time another phase of the 5 ms poll.
-void LeaveLineQuiet() {
+void LeaveNextLineQuiet() {
   static int turn = 0;
-  turn = (turn + 1) % 8;
-  std::this_thread::sleep_for(milliseconds(11) + turn * microseconds(700));
+  LeaveLineQuiet(++turn);
 }
 
 void LeaveNoPause() {}
@@ -105,7 +101,7 @@ class LinkBenchmarks {
   void LastClose(benchmark::State& state) {
     for ([[maybe_unused]] auto iteration : state) {
       OpenLink();
-      LeaveLineQuiet();
+      LeaveNextLineQuiet();
       const double time_us = TimeOf(CloseLink);
       state.SetIterationTime(time_us / 1e6);
       found_.last_close.Add(time_us);
@@ -141,13 +137,13 @@ class LinkBenchmarks {
   void SampleBareRoundTrips() {
     const SerialClient client(mcu_.device_path());
     const auto ask = [&] { Require(client.AskWatchdogTime(), "the MCU did not answer"); };
-    Sample(found_.bare_round_trip, kSamplesPerRound, LeaveLineQuiet, ask);
+    Sample(found_.bare_round_trip, kSamplesPerRound, LeaveNextLineQuiet, ask);
     Sample(found_.bare_round_trip_back_to_back, kSamplesPerRound, LeaveNoPause, ask);
   }
 
   void SampleQueries() {
     const OnlyUser user;
-    Sample(found_.query_on_quiet_line, kSamplesPerRound, LeaveLineQuiet, QueryLibrary);
+    Sample(found_.query_on_quiet_line, kSamplesPerRound, LeaveNextLineQuiet, QueryLibrary);
     Sample(found_.query_back_to_back, kSamplesPerRound, LeaveNoPause, QueryLibrary);
   }
 
@@ -167,7 +163,7 @@ class LinkBenchmarks {
   }
 
   IoThreadLoad LoadOf(benchmark::State& state) const {
-    LeaveLineQuiet();
+    LeaveNextLineQuiet();
     IoThreadLoad load;
     for ([[maybe_unused]] auto iteration : state) load = MeasureIoThreadLoad(effort_.load_duration);
     state.counters["wakeups/s"] = load.wakeups_per_second;

@@ -1,43 +1,24 @@
 #include "bench/peers/comparison.h"
 
-#include <time.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "bench/allocation_counter.h"
+#include "bench/quiet_line.h"
+#include "bench/thread_counters.h"
 
 namespace rolu_bench {
 namespace {
 
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-
 double Microseconds(clockid_t clock) {
-  timespec time{};
-  clock_gettime(clock, &time);
-  return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_nsec) / 1e3;
-}
-
-// Longer than the library's 10 ms of quiet, each time another phase of its 5 ms poll.
-void LeaveLineQuiet(int turn) {
-  std::this_thread::sleep_for(milliseconds(11) + turn % 8 * microseconds(700));
+  return 1e6 * Seconds(clock);
 }
 
 // Of the threads that a peer runs besides the one that asks.
 std::uint64_t WakeupsOfOtherThreads() {
-  const std::string key = "voluntary_ctxt_switches:";
   std::uint64_t sum = 0;
-  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-    if (thread.path().filename() == std::to_string(getpid())) continue;
-    std::ifstream status(thread.path() / "status");
-    for (std::string line; std::getline(status, line);) {
-      if (line.compare(0, key.size(), key) == 0) sum += std::stoull(line.substr(key.size()));
-    }
-  }
+  for (const std::filesystem::path& thread : OtherThreads()) sum += VoluntarySwitches(thread);
   return sum;
 }
 
@@ -66,11 +47,11 @@ double AllocationsPerAsk(Peer& peer, int count) {
   return static_cast<double>(AllocationCount() - before) / count;
 }
 
-double IdleWakeupsPerSecond(milliseconds duration) {
+double IdleWakeupsPerSecond(std::chrono::milliseconds duration) {
   const std::uint64_t before = WakeupsOfOtherThreads();
-  const double start = Microseconds(CLOCK_MONOTONIC);
+  const double start = Seconds(CLOCK_MONOTONIC);
   std::this_thread::sleep_for(duration);
-  const double seconds = (Microseconds(CLOCK_MONOTONIC) - start) / 1e6;
+  const double seconds = Seconds(CLOCK_MONOTONIC) - start;
   return static_cast<double>(WakeupsOfOtherThreads() - before) / seconds;
 }
 

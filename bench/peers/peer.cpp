@@ -7,12 +7,12 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <stdexcept>
 #include <string_view>
 
 #include "bench/mcu_process.h"
 #include "bench/peers/listed_port.h"
+#include "bench/require.h"
 #include "bench/serial_client.h"
 #include "include/kavo_rolu.h"
 
@@ -21,10 +21,6 @@ namespace {
 
 constexpr int kBitsPerSecond = 115200;
 constexpr unsigned kPatienceMs = 1000;
-
-void Require(bool condition, const char* what) {
-  if (!condition) throw std::runtime_error(what);
-}
 
 // write, select, read: nothing between the program and the kernel.
 class BareTermios : public Peer {

@@ -35,12 +35,11 @@ run_fuzz() {
 # fuzz_target TARGET SECONDS: from the kept corpus and what earlier runs found; new inputs go to
 # build/fuzz/found, and so does one that finds a fault.
 fuzz_target() {
-  local target=$1 seconds=$2 found=build/fuzz/found/$1 launcher=()
+  local target=$1 seconds=$2 found=build/fuzz/found/$1
   mkdir -p "$found"
-  # See run_tests.
-  setarch "$(uname -m)" -R true 2>/dev/null && launcher=(setarch "$(uname -m)" -R)
   say "fuzzing $target for $seconds s"
-  "${launcher[@]}" "build/fuzz/fuzz/${target}_fuzzer" -max_total_time="$seconds" -max_len=400 -len_control=0 \
+  # shellcheck disable=SC2154 # run sets it
+  "${without_address_randomisation[@]}" "build/fuzz/fuzz/${target}_fuzzer" -max_total_time="$seconds" -max_len=400 -len_control=0 \
     -dict=fuzz/dictionary.txt -print_final_stats=1 -verbosity=0 -artifact_prefix="$found-" \
     "$found" "fuzz/corpus/$target" ||
     die "$target found a fault (see above). To see it again: build/fuzz/fuzz/${target}_fuzzer FILE, with the" \

@@ -6,8 +6,9 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 #include <fstream>
-#include <iostream>
 
 #include "bench/peers/comparison.h"
 #include "simulator/preloaded.h"
@@ -90,10 +91,7 @@ void Run(bool quick, const std::string& values_path) {
   if (!values_path.empty()) WriteValues(found, values_path);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  rolu_sim::EnsurePreloaded(argc, argv);
+int Execute(int argc, char** argv) {
   bool quick = false;
   std::string values_path;
   CLI::App app("Measures the library beside the other ways to ask a device on a serial line.", "rolu-peers");
@@ -101,12 +99,21 @@ int main(int argc, char** argv) {
   app.add_option("--values", values_path, "Write the figures to a file of comma-separated values as well");
   try {
     app.parse(argc, argv);
-    Run(quick, values_path);
-    return 0;
   } catch (const CLI::ParseError& stop) {
     return app.exit(stop) == 0 ? 0 : 2;
+  }
+  Run(quick, values_path);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  rolu_sim::EnsurePreloaded(argc, argv);
+  try {
+    return Execute(argc, argv);
   } catch (const std::exception& problem) {
-    std::cerr << "rolu-peers: " << problem.what() << '\n';
+    std::fprintf(stderr, "rolu-peers: %s\n", problem.what());
     return 1;
   }
 }

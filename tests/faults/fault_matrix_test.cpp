@@ -101,7 +101,7 @@ class Lane : public CallTable {
     for (const Cell* cell : cells) RunCell(*cell);
     family().deinitialize();
     EXPECT_EQ(VPMClose(), 0);
-    EXPECT_TRUE(WaitUntil([&] { return ProcessState() == before; })) << "something is still open, or runs";
+    EXPECT_EQ(LeftSince(before), "");
   }
 
  private:

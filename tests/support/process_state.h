@@ -3,8 +3,12 @@
 #define TESTS_SUPPORT_PROCESS_STATE_H
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <iterator>
+#include <map>
+#include <string>
+#include <system_error>
 #include <thread>
 
 // No machine is so loaded that something which happens at all takes this long.
@@ -21,18 +25,41 @@ bool WaitUntil(Condition condition) {
   return true;
 }
 
-inline std::ptrdiff_t CountEntries(const char* directory) {
-  return std::distance(std::filesystem::directory_iterator(directory), {});
+// What is open and what runs in this process.
+struct ProcessState {
+  ProcessState() {
+    for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
+      std::error_code closed_meanwhile;
+      const auto file = std::filesystem::read_symlink(descriptor.path(), closed_meanwhile);
+      if (!closed_meanwhile) ++descriptors[file.string()];
+    }
+  }
+
+  // How many there are of a file, a pipe, a device.
+  std::map<std::string, std::ptrdiff_t> descriptors;
+  std::ptrdiff_t threads = std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+};
+
+// What is open now and was not before, and how many threads more there are, in words; empty when all
+// that has been opened and started is gone again. What was there before for a moment only does not
+// count: the runtime of a sanitizer opens a pipe to look at memory, in any thread and at any time.
+inline std::string MoreThanBefore(const ProcessState& before) {
+  const ProcessState now;
+  std::string more;
+  for (const auto& [file, count] : now.descriptors) {
+    const auto found = before.descriptors.find(file);
+    const std::ptrdiff_t left = count - (found == before.descriptors.end() ? 0 : found->second);
+    if (left > 0) more += std::to_string(left) + " of " + file + "; ";
+  }
+  if (now.threads > before.threads) more += std::to_string(now.threads - before.threads) + " threads; ";
+  return more;
 }
 
-// What is open and what runs in this process. Let go of something, the count may fall a moment later:
-// compare with WaitUntil.
-struct ProcessState {
-  std::ptrdiff_t descriptors = CountEntries("/proc/self/fd");
-  std::ptrdiff_t threads = CountEntries("/proc/self/task");
-  bool operator==(const ProcessState& other) const {
-    return descriptors == other.descriptors && threads == other.threads;
-  }
-};
+// The same, when it has not gone in a generous time.
+inline std::string LeftSince(const ProcessState& before) {
+  std::string left;
+  WaitUntil([&] { return (left = MoreThanBefore(before)).empty(); });
+  return left;
+}
 
 #endif  // TESTS_SUPPORT_PROCESS_STATE_H

@@ -17,10 +17,12 @@ version=$(dpkg-parsechangelog -l "$changelog" -S Version)
 grep -q "^project(kavo_rolu VERSION $version " CMakeLists.txt ||
   die "CMakeLists.txt and $changelog (version $version) are not of the same version"
 
-# The files have the time of the release, whenever they were checked out.
+# The files have the time of the release and the usual modes, whenever and however they were checked out.
+umask 022
 tree=$directory/kavo-rolu-$version
 mkdir "$tree"
-git ls-files -z | tar -c --null -T - --mtime="@$(dpkg-parsechangelog -l "$changelog" -S Timestamp)" | tar -x -C "$tree"
+git ls-files -z | tar -c --null -T - --mode=u=rwX,go=rX \
+  --mtime="@$(dpkg-parsechangelog -l "$changelog" -S Timestamp)" | tar -x -C "$tree"
 mv "$tree/packaging/debian" "$tree/debian"
 
 # A compiler cache gives objects other names of their sources, and one build's objects to the next.

@@ -25,7 +25,8 @@ done
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-built() { find "$1" -maxdepth 1 -name '*.deb' -printf '%f\n' | sort; }
+# The packages in a directory, and the source package where there is one.
+built() { find "$1" -maxdepth 1 \( -name '*.deb' -o -name '*.dsc' -o -name '*.tar.xz' \) -printf '%f\n' | sort; }
 
 build() {
   local start=$SECONDS
@@ -80,7 +81,7 @@ if [[ $twice == yes ]]; then
   for architecture in "${architectures[@]}"; do
     # Another directory, mask, time zone and language.
     (
-      umask 0002
+      umask 0077
       export TZ=Pacific/Auckland LC_ALL=C.UTF-8
       build "$architecture" "$out/built-again/$architecture"
     )

@@ -226,6 +226,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Session session(TheBoard());
   for (size_t calls = 0; calls < kMostCalls && !input.empty(); ++calls) session.Step(input);
   session.End();
-  Require(WaitUntil([&] { return ProcessState() == at_rest; }), "something is still open, or runs");
+  Require(LeftSince(at_rest).empty(), "something is still open, or runs");
   return 0;
 }

@@ -10,12 +10,12 @@
 namespace rolu_sim {
 namespace {
 
-struct Unit {
+struct TimeUnit {
   std::string_view name;
   double seconds;
 };
 
-constexpr std::array<Unit, 4> kUnits = {{{"ms", 0.001}, {"s", 1}, {"min", 60}, {"h", 3600}}};
+constexpr std::array<TimeUnit, 4> kTimeUnits = {{{"ms", 0.001}, {"s", 1}, {"min", 60}, {"h", 3600}}};
 
 }  // namespace
 
@@ -25,9 +25,9 @@ std::optional<std::chrono::milliseconds> ParseDuration(std::string_view text) {
   const auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc{}) return std::nullopt;
   const std::string_view unit(stop, static_cast<std::size_t>(end - stop));
-  const auto* const known =
-      std::find_if(kUnits.begin(), kUnits.end(), [&](const Unit& entry) { return entry.name == unit; });
-  if (known == kUnits.end()) return std::nullopt;
+  const auto* const known = std::find_if(kTimeUnits.begin(), kTimeUnits.end(),
+                                         [&](const TimeUnit& entry) { return entry.name == unit; });
+  if (known == kTimeUnits.end()) return std::nullopt;
   return DurationFromSeconds(number * known->seconds);
 }
 

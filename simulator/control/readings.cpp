@@ -24,7 +24,7 @@ double SinceStart(Desk& desk, TimePoint time) {
   return Seconds(time - desk.start());
 }
 
-Json ReadBoardItself(Desk& desk) {
+Json DescribeBoardItself(Desk& desk) {
   return {{"directory", desk.board().root().path()},
           {"process", getpid()},
           {"up_s", SinceStart(desk, std::chrono::steady_clock::now())},
@@ -33,7 +33,7 @@ Json ReadBoardItself(Desk& desk) {
           {"seed", desk.faults().seed()}};
 }
 
-Json ReadBattery(Desk& desk) {
+Json DescribeBattery(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const TimePoint now = std::chrono::steady_clock::now();
     const auto threshold = [&](BatteryMode mode, Protection protection) {
@@ -53,7 +53,7 @@ Json ReadBattery(Desk& desk) {
   });
 }
 
-Json ReadIgnition(Desk& desk) {
+Json DescribeIgnition(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     return Json{{"on", mcu.ignition.on},
                 {"mode", mcu.ignition.mode},
@@ -63,7 +63,7 @@ Json ReadIgnition(Desk& desk) {
   });
 }
 
-Json ReadPowerOff(Desk& desk) {
+Json DescribePowerOff(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const PowerOffState& state = mcu.power_off;
     return Json{{"low_battery_delay_s", state.Delay(DelayType::kLowBattery)},
@@ -87,7 +87,7 @@ Json NumbersOf(const std::array<bool, N>& switches) {
   return numbers;
 }
 
-Json ReadSources(Desk& desk) {
+Json DescribeSources(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     return Json{{"shutdown_sources_on", NumbersOf(mcu.power_sources.shutdown_enabled)},
                 {"wakeup_sources_on", NumbersOf(mcu.power_sources.wakeup_enabled)},
@@ -95,7 +95,7 @@ Json ReadSources(Desk& desk) {
   });
 }
 
-Json ReadClock(Desk& desk) {
+Json DescribeClock(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const TimePoint now = std::chrono::steady_clock::now();
     const AlarmSetting& alarm = mcu.clock.alarm;
@@ -116,7 +116,7 @@ Json ReadClock(Desk& desk) {
   });
 }
 
-Json ReadBackupBattery(Desk& desk) {
+Json DescribeBackupBattery(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const BackupBatteryState& battery = mcu.backup_battery;
     return Json{{"voltage_v", battery.millivolts / 1000.0},
@@ -130,7 +130,7 @@ Json ReadBackupBattery(Desk& desk) {
   });
 }
 
-Json ReadWatchdog(Desk& desk) {
+Json DescribeWatchdog(Desk& desk) {
   const int bites = desk.BiteCount();
   return desk.board().mcu().WithModel([&](McuModel& mcu) {
     const auto due = mcu.watchdog.BiteDue();
@@ -142,7 +142,7 @@ Json ReadWatchdog(Desk& desk) {
   });
 }
 
-Json ReadGSensor(Desk& desk) {
+Json DescribeGSensor(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const GSensorState& sensor = mcu.gsensor;
     return Json{{"on", sensor.on},
@@ -156,7 +156,7 @@ Json ReadGSensor(Desk& desk) {
   });
 }
 
-Json ReadPins(Desk& desk) {
+Json DescribePins(Desk& desk) {
   constexpr std::array<int, 5> kLines = {34, 35, 36, 37, 45};
   const Gpio& gpio = desk.board().gpio();
   Json pins = Json::object();
@@ -168,11 +168,11 @@ Json ReadPins(Desk& desk) {
   return pins;
 }
 
-Json ReadBacklight(Desk& desk) {
+Json DescribeBacklight(Desk& desk) {
   return {{"level", desk.board().backlight().level()}};
 }
 
-Json ReadPeripherals(Desk& desk) {
+Json DescribePeripherals(Desk& desk) {
   constexpr int kGpsPowerLine = 45;
   const bool mcu_switch =
       desk.board().mcu().WithModel([](McuModel& mcu) { return mcu.peripheral_switch.on; });
@@ -181,7 +181,7 @@ Json ReadPeripherals(Desk& desk) {
           {"gps_power", desk.board().gpio().Level(kGpsPowerLine)}};
 }
 
-Json ReadRegisterDevices(Desk& desk) {
+Json DescribeRegisterDevices(Desk& desk) {
   constexpr unsigned kRow = 16;
   Json devices = Json::object();
   for (const auto& [address, device] : desk.register_devices()) {
@@ -198,7 +198,7 @@ Json ReadRegisterDevices(Desk& desk) {
   return devices;
 }
 
-Json ReadI2cTransfers(Desk& desk) {
+Json DescribeI2cTransfers(Desk& desk) {
   Json transfers = Json::array();
   for (const I2cTransfer& transfer : desk.board().i2c().Transfers()) {
     transfers.push_back({{"address", fmt::format("0x{:02X}", transfer.address)},
@@ -221,7 +221,7 @@ std::string_view NameOf(McuEventKind kind) {
   return "";
 }
 
-Json ReadEvents(Desk& desk) {
+Json DescribeEvents(Desk& desk) {
   Json events = Json::array();
   for (const McuEvent& event : desk.board().mcu().Events()) {
     events.push_back({{"t_s", SinceStart(desk, event.time)}, {"event", NameOf(event.kind)}});
@@ -229,7 +229,7 @@ Json ReadEvents(Desk& desk) {
   return events;
 }
 
-Json ReadFaults(Desk& desk) {
+Json DescribeFaults(Desk& desk) {
   constexpr std::array<std::string_view, 6> kNames = {"silence", "delay", "error",
                                                       "garble",  "drop",  "long-line"};
   Json faults = Json::array();
@@ -246,7 +246,7 @@ Json ReadFaults(Desk& desk) {
   return faults;
 }
 
-Json ReadCommands(Desk& desk) {
+Json DescribeCommands(Desk& desk) {
   Json commands = Json::array();
   for (const TraceRecord& record : desk.trace().From(0).records) {
     if (record.direction == TraceDirection::kToMcu) {
@@ -261,23 +261,23 @@ Json ReadCommands(Desk& desk) {
 
 const std::vector<Reading>& Readings() {
   static const std::vector<Reading> readings = {
-      {"board", "the board itself: its directory, its port", ReadBoardItself},
-      {"battery", "the car battery, its protections", ReadBattery},
-      {"ignition", "the ignition and its modes", ReadIgnition},
-      {"power-off", "the delays and the forced shutdown", ReadPowerOff},
-      {"sources", "shutdown and wake-up sources", ReadSources},
-      {"clock", "the MCU's clock and its wake-up alarm", ReadClock},
-      {"backup-battery", "the backup battery", ReadBackupBattery},
-      {"watchdog", "the watchdog: whether it is on, the time left, its bites", ReadWatchdog},
-      {"gsensor", "the G-sensor and its alarm", ReadGSensor},
-      {"pins", "the GPIO lines", ReadPins},
-      {"backlight", "the display's backlight", ReadBacklight},
-      {"peripherals", "the switched peripherals", ReadPeripherals},
-      {"events", "what the MCU did to the computer", ReadEvents},
-      {"faults", "the faults of answers", ReadFaults},
-      {"i2c-registers", "the registers of the devices on the I2C bus", ReadRegisterDevices},
-      {"i2c-transfers", "resets and transfers on the I2C bus", ReadI2cTransfers},
-      {"commands", "each command that the MCU received", ReadCommands},
+      {"board", "the board itself: its directory, its port", DescribeBoardItself},
+      {"battery", "the car battery, its protections", DescribeBattery},
+      {"ignition", "the ignition and its modes", DescribeIgnition},
+      {"power-off", "the delays and the forced shutdown", DescribePowerOff},
+      {"sources", "shutdown and wake-up sources", DescribeSources},
+      {"clock", "the MCU's clock and its wake-up alarm", DescribeClock},
+      {"backup-battery", "the backup battery", DescribeBackupBattery},
+      {"watchdog", "the watchdog: whether it is on, the time left, its bites", DescribeWatchdog},
+      {"gsensor", "the G-sensor and its alarm", DescribeGSensor},
+      {"pins", "the GPIO lines", DescribePins},
+      {"backlight", "the display's backlight", DescribeBacklight},
+      {"peripherals", "the switched peripherals", DescribePeripherals},
+      {"events", "what the MCU did to the computer", DescribeEvents},
+      {"faults", "the faults of answers", DescribeFaults},
+      {"i2c-registers", "the registers of the devices on the I2C bus", DescribeRegisterDevices},
+      {"i2c-transfers", "resets and transfers on the I2C bus", DescribeI2cTransfers},
+      {"commands", "each command that the MCU received", DescribeCommands},
   };
   return readings;
 }

@@ -9,17 +9,17 @@
 namespace rolu_sim {
 namespace {
 
-struct Unit {
+struct ReadingUnit {
   std::string_view suffix;
   std::string_view text;
 };
-constexpr std::array<Unit, 7> kUnits = {{{"_v", " V"},
-                                         {"_s", " s"},
-                                         {"_ms", " ms"},
-                                         {"_c", " degrees Celsius"},
-                                         {"_percent", " %"},
-                                         {"_units", " units"},
-                                         {"_steps", " steps of 62.5"}}};
+constexpr std::array<ReadingUnit, 7> kReadingUnits = {{{"_v", " V"},
+                                                       {"_s", " s"},
+                                                       {"_ms", " ms"},
+                                                       {"_c", " degrees Celsius"},
+                                                       {"_percent", " %"},
+                                                       {"_units", " units"},
+                                                       {"_steps", " steps of 62.5"}}};
 
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
@@ -27,11 +27,12 @@ bool EndsWith(std::string_view text, std::string_view end) {
 
 // "voltage_v" says "voltage" in V.
 std::pair<std::string, std::string_view> LabelAndUnit(std::string_view name) {
-  const auto* const unit = std::find_if(kUnits.begin(), kUnits.end(),
-                                        [&](const Unit& entry) { return EndsWith(name, entry.suffix); });
-  std::string label(name.substr(0, name.size() - (unit == kUnits.end() ? 0 : unit->suffix.size())));
+  const auto* const unit =
+      std::find_if(kReadingUnits.begin(), kReadingUnits.end(),
+                   [&](const ReadingUnit& entry) { return EndsWith(name, entry.suffix); });
+  std::string label(name.substr(0, name.size() - (unit == kReadingUnits.end() ? 0 : unit->suffix.size())));
   std::replace(label.begin(), label.end(), '_', ' ');
-  return {label, unit == kUnits.end() ? std::string_view() : unit->text};
+  return {label, unit == kReadingUnits.end() ? std::string_view() : unit->text};
 }
 
 std::string ValueAsText(const Json& value) {

@@ -32,7 +32,8 @@ PseudoTerminal::PseudoTerminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CL
     if (tcsetattr(device.get(), TCSANOW, &attributes) != 0) ThrowErrno("setting up " + device_path_);
   }
   watch_ = UniqueFd(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-  if (!watch_) ThrowErrno("inotify");
+  if (!watch_)
+    ThrowErrno("watching the serial port (a user has fs.inotify.max_user_instances boards at most)");
   if (!WatchDevice()) ThrowErrno("watching " + device_path_);
 }
 

@@ -33,11 +33,13 @@ void AskOnQuietLine(Peer& peer, int count, Samples& samples) {
 
 void AskInABurst(Peer& peer, int count, PeerFigures& figures) {
   const double processor_before = Microseconds(CLOCK_PROCESS_CPUTIME_ID);
+  const double first = Seconds(CLOCK_MONOTONIC);
   for (int i = 0; i < count; ++i) {
     const double start = Microseconds(CLOCK_MONOTONIC);
     peer.Ask();
     figures.burst_us_per_ask.Add(Microseconds(CLOCK_MONOTONIC) - start);
   }
+  figures.burst_seconds += Seconds(CLOCK_MONOTONIC) - first;
   figures.processor_us_per_ask.Add((Microseconds(CLOCK_PROCESS_CPUTIME_ID) - processor_before) / count);
 }
 
@@ -74,7 +76,7 @@ std::vector<PeerFigures> Compare(const ComparisonEffort& effort, const McuProces
     const std::unique_ptr<Peer> peer = kinds[i].open(mcu.device_path());
     peer->Ask();
     found[i].name = kinds[i].name;
-    found[i].loaded_bytes = LoadedBytes(kinds[i].function_inside);
+    found[i].loaded = LoadedSizeOf(kinds[i].function_inside);
     found[i].allocations_per_ask = AllocationsPerAsk(*peer, effort.asks_per_burst);
     LeaveLineQuiet(0);
     found[i].idle_wakeups_per_second = IdleWakeupsPerSecond(effort.idle_duration);

@@ -7,6 +7,7 @@
 
 #include "bench/mcu_process.h"
 #include "bench/measurements.h"
+#include "bench/peers/loaded_size.h"
 #include "bench/peers/peer.h"
 
 namespace rolu_bench {
@@ -23,10 +24,11 @@ struct PeerFigures {
   std::string name;
   Samples quiet_us;              // one question on a line that was left alone
   Samples burst_us_per_ask;      // one of many questions, one right after the other
+  double burst_seconds = 0;      // of all of those
   Samples processor_us_per_ask;  // of those, in all threads of the program
   double idle_wakeups_per_second = 0;
   double allocations_per_ask = 0;
-  std::size_t loaded_bytes = 0;
+  LoadedSize loaded;
 };
 
 // Measures all peers against one MCU on one pseudo-terminal. `tell_progress` gets what is done, of

@@ -35,7 +35,8 @@ const std::vector<Column>& Columns() {
       {"burst median us", "burst_median_us",
        [](const PeerFigures& f) { return *f.burst_us_per_ask.Percentile(50); }, 0},
       {"burst asks/s", "burst_asks_per_s",
-       [](const PeerFigures& f) { return 1e6 / *f.burst_us_per_ask.Percentile(50); }, 0},
+       [](const PeerFigures& f) { return static_cast<double>(f.burst_us_per_ask.count()) / f.burst_seconds; },
+       0},
       {"processor us/ask", "processor_us_per_ask",
        [](const PeerFigures& f) { return *f.processor_us_per_ask.Percentile(50); }, 1},
       {"idle wake-ups/s", "idle_wakeups_per_s",
@@ -43,7 +44,9 @@ const std::vector<Column>& Columns() {
       {"allocations/ask", "allocations_per_ask", [](const PeerFigures& f) { return f.allocations_per_ask; },
        2},
       {"loaded KiB", "loaded_kib",
-       [](const PeerFigures& f) { return static_cast<double>(f.loaded_bytes) / 1024; }, 0},
+       [](const PeerFigures& f) { return static_cast<double>(f.loaded.own_bytes) / 1024; }, 0},
+      {"with needed KiB", "with_needed_kib",
+       [](const PeerFigures& f) { return static_cast<double>(f.loaded.with_needed_bytes) / 1024; }, 0},
   };
   return columns;
 }

@@ -1,8 +1,6 @@
 #include "bench/peers/peer.h"
 
-#include <dlfcn.h>
 #include <libserialport.h>
-#include <link.h>
 #include <modbus/modbus.h>
 
 #include <array>
@@ -105,21 +103,6 @@ class KavoRolu : public Peer {
   }
 };
 
-struct Searched {
-  const void* base;
-  std::size_t bytes;
-};
-
-int AddSegments(dl_phdr_info* object, std::size_t /*size*/, void* data) {
-  Searched& searched = *static_cast<Searched*>(data);
-  // The dynamic linker counts addresses as integers, dladdr hands out pointers.
-  if (object->dlpi_addr != reinterpret_cast<ElfW(Addr)>(searched.base)) return 0;
-  for (int i = 0; i < object->dlpi_phnum; ++i) {
-    if (object->dlpi_phdr[i].p_type == PT_LOAD) searched.bytes += object->dlpi_phdr[i].p_memsz;
-  }
-  return 1;
-}
-
 template <typename Function>
 const void* AddressOf(Function* function) {
   return reinterpret_cast<const void*>(function);
@@ -138,15 +121,6 @@ const std::vector<PeerKind>& PeerKinds() {
        AddressOf(KAVO_ROLU_WD_GetTime)},
   };
   return kinds;
-}
-
-std::size_t LoadedBytes(const void* function_inside) {
-  if (function_inside == nullptr) return 0;
-  Dl_info info{};
-  Require(dladdr(function_inside, &info) != 0, "a function is in no shared object");
-  Searched searched{info.dli_fbase, 0};
-  Require(dl_iterate_phdr(AddSegments, &searched) == 1, "a shared object is not loaded");
-  return searched.bytes;
 }
 
 }  // namespace rolu_bench

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,8 +25,5 @@ struct PeerKind {
 };
 
 const std::vector<PeerKind>& PeerKinds();
-
-// Memory that the segments of the shared object with this function take; 0 for null.
-std::size_t LoadedBytes(const void* function_inside);
 
 }  // namespace rolu_bench

@@ -21,7 +21,7 @@ struct ClosePipe {
 class Example {
  public:
   explicit Example(const std::string& command)
-      : output_(popen((EXAMPLES_FOLDER "/" + command + " 2>&1").c_str(), "r")) {}
+      : output_(popen((ROLU_EMULATOR " " EXAMPLES_FOLDER "/" + command + " 2>&1").c_str(), "r")) {}
 
   // The next line, without its end; empty at the end of the output.
   std::string Line() {

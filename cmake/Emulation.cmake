@@ -1,0 +1,19 @@
+# How a program of a cross build meets the simulated board. The emulator itself runs natively: only the
+# emulated program gets the preloaded object, from the emulator.
+set(rolu_emulator)
+if(CMAKE_CROSSCOMPILING)
+  set(rolu_emulator ${CMAKE_CROSSCOMPILING_EMULATOR} -E LD_PRELOAD=$<TARGET_FILE:rolu_sim_preload>)
+endif()
+
+# What a test program, which is emulated itself, starts another one with; empty where nothing is emulated.
+set(rolu_emulator_words)
+if(CMAKE_CROSSCOMPILING)
+  string(JOIN " " rolu_emulator_words ${rolu_emulator})
+endif()
+
+# CMake runs the target, and what CTest finds in it, like this.
+function(rolu_run_on_board target)
+  if(CMAKE_CROSSCOMPILING)
+    set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR ${rolu_emulator})
+  endif()
+endfunction()

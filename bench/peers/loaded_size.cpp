@@ -48,9 +48,11 @@ const link_map* LoadedObject(const char* name) {
 std::vector<const link_map*> NeededBy(const link_map* object) {
   const char* names = nullptr;
   for (const ElfW(Dyn)* entry = object->l_ld; entry->d_tag != DT_NULL; ++entry) {
-    // The dynamic linker has made a pointer of the offset in the file.
-    if (entry->d_tag == DT_STRTAB) names = reinterpret_cast<const char*>(entry->d_un.d_ptr);
+    if (entry->d_tag != DT_STRTAB) continue;
+    // The dynamic linker has made an address of the offset in the file.
+    names = reinterpret_cast<const char*>(entry->d_un.d_ptr);  // NOLINT(performance-no-int-to-ptr)
   }
+  Require(names != nullptr, "a shared object without names");
   std::vector<const link_map*> needed;
   for (const ElfW(Dyn)* entry = object->l_ld; entry->d_tag != DT_NULL; ++entry) {
     if (entry->d_tag != DT_NEEDED) continue;

@@ -22,7 +22,7 @@ std::string AsText(const Json& given) {
 }
 
 [[noreturn]] void Refuse(const std::string& name, const Json& given, const std::string& range) {
-  throw UsageError(fmt::format("\"{}\" must be {}, not \"{}\"", name, range, AsText(given)));
+  throw UsageError(fmt::format(R"("{}" must be {}, not "{}")", name, range, AsText(given)));
 }
 
 std::optional<double> ParseNumber(const Json& given) {
@@ -111,7 +111,7 @@ Parameter Choice(std::string name, std::vector<std::string> choices, std::string
     std::string text = ChoiceText(given, choices);
     if (std::find(choices.begin(), choices.end(), text) == choices.end()) {
       throw UsageError(
-          fmt::format("\"{}\" must be {}, not \"{}\"{}", name, range, text, DidYouMean(text, choices)));
+          fmt::format(R"("{}" must be {}, not "{}"{})", name, range, text, DidYouMean(text, choices)));
     }
     return Json(std::move(text));
   };
@@ -183,7 +183,7 @@ Parameter TimeOfClock(std::string name, std::string help) {
   Parameter parameter;
   parameter.name = std::move(name);
   parameter.takes_rest = true;
-  parameter.range = "a time as \"2024-05-31 22:00:00\", \"07:30\" or \"07:30:15\", from 2000 to 2099";
+  parameter.range = R"(a time as "2024-05-31 22:00:00", "07:30" or "07:30:15", from 2000 to 2099)";
   parameter.help = std::move(help);
   parameter.check = [name = parameter.name, range = parameter.range](const Json& given) {
     if (!ParseClockText(AsText(given))) Refuse(name, given, range);

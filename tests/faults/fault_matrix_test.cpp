@@ -17,6 +17,7 @@
 #include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
 #include "tests/support/interface_header.h"
+#include "tests/support/leak_check.h"
 #include "tests/support/process_state.h"
 #include "tests/support/wire_model.h"
 
@@ -152,6 +153,7 @@ pid_t StartLane(const Family& family, const std::vector<const Cell*>& cells) {
   if (getppid() != parent) _exit(2);
   try {
     Lane(family).Run(cells);
+    EXPECT_FALSE(HasLeaked()) << "see the report of the leaks";
   } catch (const std::exception& error) {
     ADD_FAILURE() << error.what();
   }

@@ -1,5 +1,6 @@
 // Every fault of a device file at every file of every call that uses one: the status, what the
 // caller's memory holds, that nothing stays open and that the next call is whole.
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ostream>
@@ -15,7 +16,9 @@
 namespace rolu_test {
 namespace {
 
+using rolu_sim::DeviceAccess;
 using rolu_sim::DeviceFaults;
+using rolu_sim::DeviceOperation;
 
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
@@ -165,7 +168,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     KAVO_ROLU_CORE_DeInit();
     family().deinitialize();
     EXPECT_EQ(LeftSince(before_), "");
-    RecordProperty("cells", cells_);
+    RecordProperty("met", met_);
   }
 
   // The devices as they are when all is well.
@@ -190,22 +193,27 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     return output;
   }
 
-  void Expect(const char* fault, size_t index, ROLU_STATUS status, const Bytes& output) {
+  // `struck` is what the fault concerns; a call that does not do that does not notice it.
+  void Expect(const char* fault, size_t index, DeviceOperation struck, ROLU_STATUS status,
+              const Bytes& output) {
     const char* file = GetParam().files[index];
     SCOPED_TRACE(std::string(file) + ": " + fault);
+    board().devices().ClearAccesses();
     const Made made = Make({"", GetParam().call});
     EXPECT_EQ(FaultOf(made, status, output, GetParam().wire), "");
     EXPECT_TRUE(WaitUntil([&] { return board().devices().OpenCount(file) == 0; }));
+    const std::vector<DeviceAccess> accesses = board().devices().Accesses(file);
+    met_ += std::any_of(accesses.begin(), accesses.end(),
+                        [&](const DeviceAccess& access) { return access.operation == struck; });
     Restore();
     CallTable::Run({{"the next call", GetParam().call, {}, kDone, GetParam().output, GetParam().wire}});
     Restore();
-    ++cells_;
   }
 
-  void Strike(const char* fault, size_t index, const DeviceFaults& faults, ROLU_STATUS status,
-              const Bytes& output) {
+  void Strike(const char* fault, size_t index, DeviceOperation struck, const DeviceFaults& faults,
+              ROLU_STATUS status, const Bytes& output) {
     board().devices().SetFaults(GetParam().files[index], faults);
-    Expect(fault, index, status, output);
+    Expect(fault, index, struck, status, output);
   }
 
   // A failure that the call tells leaves its memory alone.
@@ -214,7 +222,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
   }
 
   const ProcessState before_;
-  int cells_ = 0;
+  int met_ = 0;  // faults that the call met
   std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
 };
 
@@ -233,20 +241,20 @@ TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   for (size_t i = 0; i < call.files.size(); ++i) {
     const size_t part = call.output.size() / call.files.size();
     const Bytes before_file(call.output.begin(), call.output.begin() + static_cast<std::ptrdiff_t>(i * part));
-    Strike("missing", i, missing, call.unopened, before_file);
+    Strike("missing", i, DeviceOperation::kOpen, missing, call.unopened, before_file);
     for (const int error : {EACCES, EBUSY, EMFILE, EINTR}) {
-      Strike(strerrorname_np(error), i, Failing(&DeviceFaults::open_errno, error), call.unopened,
-             before_file);
+      Strike(strerrorname_np(error), i, DeviceOperation::kOpen, Failing(&DeviceFaults::open_errno, error),
+             call.unopened, before_file);
     }
     for (const int error : {EIO, EINTR}) {
-      Strike("no ioctl", i, Failing(&DeviceFaults::ioctl_errno, error), call.unselected,
-             OutputOf(call.unselected, call.output));
-      Strike("no read", i, Failing(&DeviceFaults::read_errno, error), call.unread,
+      Strike("no ioctl", i, DeviceOperation::kIoctl, Failing(&DeviceFaults::ioctl_errno, error),
+             call.unselected, OutputOf(call.unselected, call.output));
+      Strike("no read", i, DeviceOperation::kRead, Failing(&DeviceFaults::read_errno, error), call.unread,
              OutputOf(call.unread, Blank(i)));
-      Strike("no write", i, Failing(&DeviceFaults::write_errno, error), call.unwritten,
-             OutputOf(call.unwritten, call.output));
+      Strike("no write", i, DeviceOperation::kWrite, Failing(&DeviceFaults::write_errno, error),
+             call.unwritten, OutputOf(call.unwritten, call.output));
     }
-    Strike("short reads", i, short_reads, kDone, call.short_output);
+    Strike("short reads", i, DeviceOperation::kRead, short_reads, kDone, call.short_output);
   }
 }
 
@@ -258,14 +266,14 @@ TEST_P(DeviceText, ReadsWhatItCanOfATextThatIsNone) {
     using std::string_literals::operator""s;
     for (const std::string& text : {""s, "\n"s, "\0\xff\x80"s, "garbage"s, std::string(8000, '.')}) {
       Show(call.files[i], text);
-      Expect(text.c_str(), i, call.unread, OutputOf(call.unread, Blank(i)));
+      Expect(text.c_str(), i, DeviceOperation::kRead, call.unread, OutputOf(call.unread, Blank(i)));
     }
-    // Fails half way, for good or since a signal came: no read is repeated, what was read until then counts.
+    // Fails half way, for good or since a signal came: the failed read is not repeated, what was read counts.
     Bytes one = Blank(i);
     one[i * one.size() / call.files.size()] = 1;
     for (const int error : {EIO, EINTR}) {
       Show(call.files[i], "1", error);
-      Expect("fails half way", i, kDone, one);
+      Expect("fails half way", i, DeviceOperation::kRead, kDone, one);
     }
   }
 }

@@ -25,7 +25,7 @@ std::string BlockingStatement(const std::string& comment) {
   const size_t start = comment.find(kBlocks);
   if (start == std::string::npos) return "";
   const std::string statement = comment.substr(start, comment.find('.', start) - start);
-  return std::regex_replace(statement.substr(sizeof kBlocks - 1), std::regex("\\s*\\n \\* "), " ");
+  return std::regex_replace(statement.substr(sizeof kBlocks - 1), std::regex(R"(\s*\n \* )"), " ");
 }
 
 }  // namespace rolu_test

@@ -92,8 +92,10 @@ class Session {
       up_[operation.family] = !operation.takes_down;
     } else {
       const ROLU_STATUS status = CallWithOddAnswer(row, input);
-      if (status == ROLU_STATUS_SUCCESS && row.brings_up) up_[operation.family] = true;
-      if (status == ROLU_STATUS_SUCCESS && operation.takes_down) up_[operation.family] = false;
+      if (status != ROLU_STATUS_SUCCESS) return;
+      if (row.brings_up) up_[operation.family] = true;
+      if (operation.takes_down) up_[operation.family] = false;
+      if (row.undo) FailIf(row.name, MakeUndo(row) == ROLU_STATUS_SUCCESS ? "" : "cannot be undone");
     }
   }
 
@@ -135,6 +137,8 @@ class Session {
     }
     return made;
   }
+
+  ROLU_STATUS MakeUndo(const CallRow& row) { return Make({row.name + ", undone", row.undo}).status; }
 
   void ExpectRefusal(const CallRow& row, ROLU_STATUS status) {
     FailIf(row.name + " in the wrong state", FaultOf(Make(row), status, {}, ""));

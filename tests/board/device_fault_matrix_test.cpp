@@ -1,19 +1,24 @@
 // Every fault of a device file at every file of every call that uses one: the status, what the
 // caller's memory holds, that nothing stays open and that the next call is whole.
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ostream>
+#include <set>
 
 #include "kavo_rolu.h"
 #include "simulator/devices/board_paths.h"
 #include "tests/support/call_table.h"
+#include "tests/support/interface_header.h"
 #include "tests/support/process_state.h"
 #include "tests/support/text_node.h"
 
 namespace rolu_test {
 namespace {
 
+using rolu_sim::DeviceAccess;
 using rolu_sim::DeviceFaults;
+using rolu_sim::DeviceOperation;
 
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
@@ -23,7 +28,7 @@ constexpr char kInput1[] = "/sys/class/gpio/gpio37/value";
 constexpr char kInput2[] = "/sys/class/gpio/gpio36/value";
 
 struct DeviceCall {
-  const char* name;
+  const char* name;  // the export's, without its prefix
   Call call;
   // In the order of use; each file gives an equal part of the output.
   std::vector<const char*> files;
@@ -37,6 +42,7 @@ struct DeviceCall {
   // The output when each read gives one byte.
   Bytes short_output = output;
   bool reads_text = false;
+  std::string wire = {};  // what the MCU hears
 };
 
 void PrintTo(const DeviceCall& device_call, std::ostream* stream) {
@@ -61,6 +67,11 @@ ROLU_STATUS WritePins(void*) {
   const unsigned char pins[] = {1, 0};
   return KAVO_ROLU_DIO_WriteDOPin(pins);
 }
+// The tests have the family up; coming up again is what uses the files.
+ROLU_STATUS ComeUpAgain(void*) {
+  EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_Deinitialize(), kDone);
+  return KAVO_ROLU_PERIPHERALCTRL_Initialize();
+}
 ROLU_STATUS SetGps(void*) {
   return KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE_GPS, 1);
 }
@@ -70,44 +81,53 @@ ROLU_STATUS GetGps(void* output) {
 
 std::vector<DeviceCall> DeviceCalls() {
   const char* gps = "/sys/class/gpio/gpio45/value";
-  DeviceCall get_bright = {"GetBright",
+  DeviceCall get_bright = {"DISPLAY_GetBright",
                            Into(KAVO_ROLU_DISPLAY_GetBright),
                            {rolu_sim::kBacklightPath},
                            Written('\x07'),
                            ROLU_STATUS_FILE_OPEN_FAILED};
   get_bright.unread = ROLU_STATUS_FILE_ACCESS_FAILED;
-  DeviceCall get_lux = {"GetStatus",
+  DeviceCall get_lux = {"LIGHTSENSOR_GetStatus",
                         Into(KAVO_ROLU_LIGHTSENSOR_GetStatus),
                         {rolu_sim::kLuxPath},
                         Written(static_cast<unsigned short>(350)),
                         kNoDevice};
   get_lux.short_output = Written(static_cast<unsigned short>(3));
-  DeviceCall read_pins = {"ReadDIPin", Into(KAVO_ROLU_DIO_ReadDIPin), {kInput1, kInput2}, {1, 1}, kNoDevice};
-  DeviceCall get_gps = {"GetGps", GetGps, {gps}, {1}, kNoDevice};
+  DeviceCall read_pins = {
+      "DIO_ReadDIPin", Into(KAVO_ROLU_DIO_ReadDIPin), {kInput1, kInput2}, {1, 1}, kNoDevice};
+  DeviceCall get_gps = {"PERIPHERALCTRL_GetPeripheralControl", GetGps, {gps}, {1}, kNoDevice};
+  // A line that could not be prepared shows when it is used.
+  DeviceCall come_up = {"PERIPHERALCTRL_Initialize",
+                        ComeUpAgain,
+                        {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio45/direction"},
+                        {},
+                        kDone};
+  come_up.wire = "Hello\r";
   for (DeviceCall* reads_text : {&get_bright, &get_lux, &read_pins, &get_gps}) reads_text->reads_text = true;
   return {
       get_bright,
-      {"SetBright",
+      {"DISPLAY_SetBright",
        With(KAVO_ROLU_DISPLAY_SetBright, 7),
        {rolu_sim::kBacklightPath},
        {},
        ROLU_STATUS_FILE_OPEN_FAILED},
       get_lux,
       read_pins,
-      {"WriteDOPin",
+      {"DIO_WriteDOPin",
        WritePins,
        {"/sys/class/gpio/gpio35/value", "/sys/class/gpio/gpio34/value"},
        {},
        kNoDevice},
-      {"PrepareDio",
+      {"DIO_Initialize",
        Plain(KAVO_ROLU_DIO_Initialize),
        {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio37/direction", "/sys/class/gpio/gpio36/direction",
         "/sys/class/gpio/gpio35/direction", "/sys/class/gpio/gpio34/direction"},
        {},
        kNoDevice},
+      come_up,
       get_gps,
-      {"SetGps", SetGps, {gps}, {}, kNoDevice},
-      {"ReadI2c",
+      {"PERIPHERALCTRL_SetPeripheralControl", SetGps, {gps}, {}, kNoDevice},
+      {"IIC_Read",
        ReadI2c,
        {rolu_sim::kI2cBusPath},
        {0xAB, 0xCD},
@@ -116,8 +136,8 @@ std::vector<DeviceCall> DeviceCalls() {
        kIoFailed,
        kDone,
        {0xAB}},
-      {"WriteI2c", WriteI2c, {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed, kDone, kIoFailed},
-      {"CombineI2c",
+      {"IIC_Write", WriteI2c, {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed, kDone, kIoFailed},
+      {"IIC_WriteReadCombine",
        CombineI2c,
        {rolu_sim::kI2cBusPath},
        {0xAB, 0xCD},
@@ -126,7 +146,7 @@ std::vector<DeviceCall> DeviceCalls() {
        kIoFailed,
        kIoFailed,
        {0xAB}},
-      {"ResetBoard", Plain(KAVO_ROLU_CORE_Reset), {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed},
+      {"CORE_Reset", Plain(KAVO_ROLU_CORE_Reset), {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed},
   };
 }
 
@@ -148,6 +168,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     KAVO_ROLU_CORE_DeInit();
     family().deinitialize();
     EXPECT_EQ(LeftSince(before_), "");
+    RecordProperty("met", met_);
   }
 
   // The devices as they are when all is well.
@@ -172,21 +193,27 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     return output;
   }
 
-  void Expect(const char* fault, size_t index, ROLU_STATUS status, const Bytes& output) {
+  // `struck` is what the fault concerns; a call that does not do that does not notice it.
+  void Expect(const char* fault, size_t index, DeviceOperation struck, ROLU_STATUS status,
+              const Bytes& output) {
     const char* file = GetParam().files[index];
     SCOPED_TRACE(std::string(file) + ": " + fault);
+    board().devices().ClearAccesses();
     const Made made = Make({"", GetParam().call});
-    EXPECT_EQ(FaultOf(made, status, output, ""), "");
+    EXPECT_EQ(FaultOf(made, status, output, GetParam().wire), "");
     EXPECT_TRUE(WaitUntil([&] { return board().devices().OpenCount(file) == 0; }));
+    const std::vector<DeviceAccess> accesses = board().devices().Accesses(file);
+    met_ += std::any_of(accesses.begin(), accesses.end(),
+                        [&](const DeviceAccess& access) { return access.operation == struck; });
     Restore();
-    CallTable::Run({{"the next call", GetParam().call, {}, kDone, GetParam().output}});
+    CallTable::Run({{"the next call", GetParam().call, {}, kDone, GetParam().output, GetParam().wire}});
     Restore();
   }
 
-  void Strike(const char* fault, size_t index, const DeviceFaults& faults, ROLU_STATUS status,
-              const Bytes& output) {
+  void Strike(const char* fault, size_t index, DeviceOperation struck, const DeviceFaults& faults,
+              ROLU_STATUS status, const Bytes& output) {
     board().devices().SetFaults(GetParam().files[index], faults);
-    Expect(fault, index, status, output);
+    Expect(fault, index, struck, status, output);
   }
 
   // A failure that the call tells leaves its memory alone.
@@ -195,6 +222,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
   }
 
   const ProcessState before_;
+  int met_ = 0;  // faults that the call met
   std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
 };
 
@@ -213,20 +241,20 @@ TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   for (size_t i = 0; i < call.files.size(); ++i) {
     const size_t part = call.output.size() / call.files.size();
     const Bytes before_file(call.output.begin(), call.output.begin() + static_cast<std::ptrdiff_t>(i * part));
-    Strike("missing", i, missing, call.unopened, before_file);
-    for (const int error : {EACCES, EBUSY, EMFILE}) {
-      Strike(strerrorname_np(error), i, Failing(&DeviceFaults::open_errno, error), call.unopened,
-             before_file);
+    Strike("missing", i, DeviceOperation::kOpen, missing, call.unopened, before_file);
+    for (const int error : {EACCES, EBUSY, EMFILE, EINTR}) {
+      Strike(strerrorname_np(error), i, DeviceOperation::kOpen, Failing(&DeviceFaults::open_errno, error),
+             call.unopened, before_file);
     }
     for (const int error : {EIO, EINTR}) {
-      Strike("no ioctl", i, Failing(&DeviceFaults::ioctl_errno, error), call.unselected,
-             OutputOf(call.unselected, call.output));
-      Strike("no read", i, Failing(&DeviceFaults::read_errno, error), call.unread,
+      Strike("no ioctl", i, DeviceOperation::kIoctl, Failing(&DeviceFaults::ioctl_errno, error),
+             call.unselected, OutputOf(call.unselected, call.output));
+      Strike("no read", i, DeviceOperation::kRead, Failing(&DeviceFaults::read_errno, error), call.unread,
              OutputOf(call.unread, Blank(i)));
-      Strike("no write", i, Failing(&DeviceFaults::write_errno, error), call.unwritten,
-             OutputOf(call.unwritten, call.output));
+      Strike("no write", i, DeviceOperation::kWrite, Failing(&DeviceFaults::write_errno, error),
+             call.unwritten, OutputOf(call.unwritten, call.output));
     }
-    Strike("short reads", i, short_reads, kDone, call.short_output);
+    Strike("short reads", i, DeviceOperation::kRead, short_reads, kDone, call.short_output);
   }
 }
 
@@ -238,13 +266,15 @@ TEST_P(DeviceText, ReadsWhatItCanOfATextThatIsNone) {
     using std::string_literals::operator""s;
     for (const std::string& text : {""s, "\n"s, "\0\xff\x80"s, "garbage"s, std::string(8000, '.')}) {
       Show(call.files[i], text);
-      Expect(text.c_str(), i, call.unread, OutputOf(call.unread, Blank(i)));
+      Expect(text.c_str(), i, DeviceOperation::kRead, call.unread, OutputOf(call.unread, Blank(i)));
     }
-    // Fails half way: what was read until then counts.
+    // Fails half way, for good or since a signal came: the failed read is not repeated, what was read counts.
     Bytes one = Blank(i);
     one[i * one.size() / call.files.size()] = 1;
-    Show(call.files[i], "1", EIO);
-    Expect("fails half way", i, kDone, one);
+    for (const int error : {EIO, EINTR}) {
+      Show(call.files[i], "1", error);
+      Expect("fails half way", i, DeviceOperation::kRead, kDone, one);
+    }
   }
 }
 
@@ -258,6 +288,19 @@ std::vector<DeviceCall> TextCalls() {
 
 std::string NameOf(const testing::TestParamInfo<DeviceCall>& info) {
   return info.param.name;
+}
+
+TEST(TableOfDeviceCalls, HoldsEveryExportThatUsesDeviceFiles) {
+  std::set<std::string> in_table;
+  for (const DeviceCall& call : DeviceCalls()) in_table.insert(call.name);
+  std::set<std::string> declared;
+  for (const auto& [function, comment] : DeclaredFunctions()) {
+    const std::string statement = BlockingStatement(comment);
+    for (const char* devices : {"device files", "bus transfers"}) {
+      if (statement.find(devices) != std::string::npos) declared.insert(function);
+    }
+  }
+  EXPECT_EQ(in_table, declared);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, DeviceFaultMatrix, testing::ValuesIn(DeviceCalls()), NameOf);

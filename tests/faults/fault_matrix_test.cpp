@@ -10,15 +10,14 @@
 #include <algorithm>
 #include <cctype>
 #include <exception>
-#include <fstream>
-#include <regex>
 #include <set>
-#include <sstream>
 
 #include "mcu/link.h"
 #include "mcu/link_state.h"
 #include "tests/operations/operations.h"
 #include "tests/support/call_table.h"
+#include "tests/support/interface_header.h"
+#include "tests/support/leak_check.h"
 #include "tests/support/process_state.h"
 #include "tests/support/wire_model.h"
 
@@ -153,8 +152,8 @@ pid_t StartLane(const Family& family, const std::vector<const Cell*>& cells) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) _exit(2);
   try {
-    Lane lane(family);
-    lane.Run(cells);
+    Lane(family).Run(cells);
+    EXPECT_FALSE(HasLeaked()) << "see the report of the leaks";
   } catch (const std::exception& error) {
     ADD_FAILURE() << error.what();
   }
@@ -187,7 +186,6 @@ TEST_P(FaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   const std::vector<Cell> cells = CellsOf(row);
   std::vector<std::vector<const Cell*>> lanes(IsSlow(row) ? kManyLanes : kSomeLanes);
   for (size_t i = 0; i < cells.size(); ++i) lanes[i % lanes.size()].push_back(&cells[i]);
-  RecordProperty("cells", static_cast<int>(cells.size()));
 
   fflush(nullptr);
   std::vector<pid_t> children;
@@ -224,16 +222,20 @@ std::string ExportOf(const CallRow& row) {
 
 TEST(TableOfOperations, HoldsEveryExportOfTheFamiliesThatTalkToTheMcu) {
   std::set<std::string> in_table;
-  for (const Operation& operation : AllOperations()) in_table.insert(ExportOf(*operation.row));
+  size_t cells = 0;
+  for (const Operation& operation : AllOperations()) {
+    in_table.insert(ExportOf(*operation.row));
+    cells += CellsOf(*operation.row).size();
+  }
+  RecordProperty("operations", static_cast<int>(AllOperations().size()));
+  RecordProperty("cells", static_cast<int>(cells));
   for (const CallRow& row : SilentOperations()) in_table.insert(ExportOf(row));
 
-  std::stringstream text;
-  text << std::ifstream(ROLU_HEADER).rdbuf();
-  const std::string header = text.str();
   std::set<std::string> declared;
-  const std::regex declaration("KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_((VPM|WD|GSENSOR|PERIPHERALCTRL)_\\w+)");
-  for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match) {
-    declared.insert((*match)[1]);
+  for (const auto& [function, comment] : DeclaredFunctions()) {
+    for (const McuFamily& family : McuFamilies()) {
+      if (function.compare(0, family.prefix.size(), family.prefix) == 0) declared.insert(function);
+    }
   }
   EXPECT_EQ(in_table, declared);
 }

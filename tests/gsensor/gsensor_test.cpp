@@ -43,8 +43,7 @@ Bytes Number(int32_t number) {
 TEST_F(GSensorTest, DownFamilyRefusesEveryCall) {
   Run(Refused(GSensorOperations(), kDown));
   Run(RefusedForNullOutput(GSensorOperations(), kDown));
-  Run({{"alarm on", SwitchAlarm(true), {}, kDown},
-       {"down", Plain(KAVO_ROLU_GSENSOR_Deinitialize), {}, kDown},
+  Run({{"down", Plain(KAVO_ROLU_GSENSOR_Deinitialize), {}, kDown},
        {"bad resolution while down", SetResolution(4), {}, kDown},
        {"alarm data", kGetAlarmData, {}, kDown},
        {"alarm data, null", kGetAlarmData, {}, kNull, {}, "", 0, true},

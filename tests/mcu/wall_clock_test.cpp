@@ -1,14 +1,13 @@
-// The wall clock is set while calls wait. What a call waits for ends at a time of that clock: the wait in
-// hand is shorter or longer by as much, and nothing else.
+// The wall clock is set once while calls of the library, as it ships, wait. What a call waits for ends at
+// a time of that clock: the wait in hand is shorter or longer by as much, and nothing else.
 #include "tests/support/wall_clock.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <future>
+#include <string>
 
-#include "core/critical_section.h"
-#include "core/deadline.h"
 #include "kavo_rolu.h"
 #include "simulator/board.h"
 #include "tests/support/process_state.h"
@@ -18,25 +17,33 @@ namespace {
 using rolu_sim::CommandMatch;
 using rolu_sim::Reply;
 using rolu_test::MoveWallClock;
+using rolu_test::WaitsForConditions;
+using rolu_test::WaitsForLocks;
 using std::chrono::hours;
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kReplyWait{3000};
+constexpr milliseconds kLinkWait{2000};
 constexpr unsigned short kTime = 0x3C;
 
-struct Answered {
+struct Made {
   ROLU_STATUS status = ROLU_STATUS_SUCCESS;
-  unsigned short time = 0;
   milliseconds took{0};
 };
 
-Answered AskTime() {
-  Answered answered;
-  const auto start = Clock::now();
-  answered.status = KAVO_ROLU_WD_GetTime(&answered.time);
-  answered.took = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-  return answered;
+template <typename Call>
+std::future<Made> Start(Call call) {
+  return std::async(std::launch::async, [=] {
+    const auto start = Clock::now();
+    const ROLU_STATUS status = call();
+    return Made{status, std::chrono::duration_cast<milliseconds>(Clock::now() - start)};
+  });
+}
+
+void Record(const char* key, const Made& made) {
+  testing::Test::RecordProperty(key, static_cast<int>(made.took.count()));
 }
 
 class WallClock : public testing::Test {
@@ -48,73 +55,115 @@ class WallClock : public testing::Test {
   }
   ~WallClock() override { EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS); }
 
-  // A question whose command is at the MCU.
-  std::future<Answered> AskWithAnswer(const Reply& reply) {
-    board_.mcu().Script(CommandMatch::Exactly("WDTG"), reply);
-    auto answered = std::async(std::launch::async, AskTime);
-    EXPECT_TRUE(board_.mcu().WaitForCommand("WDTG", kGenerous, ++asked_));
-    return answered;
+  // A call whose command is at the MCU.
+  template <typename Call>
+  std::future<Made> StartWithAnswer(const std::string& command, const Reply& reply, Call call) {
+    board_.mcu().Log().Clear();
+    board_.mcu().Script(CommandMatch::Exactly(command), reply);
+    auto made = Start(call);
+    EXPECT_TRUE(board_.mcu().WaitForCommand(command, kGenerous));
+    return made;
+  }
+  std::future<Made> AskTime(const Reply& reply) {
+    return StartWithAnswer("WDTG", reply, [this] { return KAVO_ROLU_WD_GetTime(&time_); });
   }
 
   void ExpectNextCallsWhole() {
-    const Answered answered = AskTime();
-    ++asked_;
-    EXPECT_EQ(answered.status, ROLU_STATUS_SUCCESS);
-    EXPECT_EQ(answered.time, kTime);
-    const Answered lost = AskWithAnswer(Reply::Silence()).get();
+    EXPECT_EQ(KAVO_ROLU_WD_GetTime(&time_), ROLU_STATUS_SUCCESS);
+    EXPECT_EQ(time_, kTime);
+    const Made lost = AskTime(Reply::Silence()).get();
     EXPECT_EQ(lost.status, ROLU_STATUS_VPM_NO_REPLY);
     EXPECT_GE(lost.took, kReplyWait);
   }
 
   rolu_sim::Board board_;
-  std::size_t asked_ = 0;
+  unsigned short time_ = 0;
 };
 
-// Sets the clock, again and again, while a call runs: whenever the call took its deadline, the clock was
-// set after it.
-template <typename Result>
-Result SetDuring(std::future<Result> call, std::chrono::seconds by) {
-  while (call.wait_for(milliseconds(5)) != std::future_status::ready) MoveWallClock(by);
-  return call.get();
-}
-
-TEST_F(WallClock, SetForwardEndsTheWaitInHand) {
-  const Answered answered = SetDuring(AskWithAnswer(Reply::Silence()), hours(1));
-  RecordProperty("took_ms", static_cast<int>(answered.took.count()));
-  EXPECT_EQ(answered.status, ROLU_STATUS_VPM_NO_REPLY);
-  EXPECT_LT(answered.took, kReplyWait);
-  // The answer to it comes after all.
-  board_.mcu().SendRaw("0001\r\n");
+TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
+  auto call = AskTime(Reply::Silence());
+  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
+  const auto set_at = Clock::now();
+  MoveWallClock(hours(1));
+  const Made made = call.get();
+  const auto after_set = std::chrono::duration_cast<milliseconds>(Clock::now() - set_at);
+  RecordProperty("after_set_ms", static_cast<int>(after_set.count()));
+  EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
+  EXPECT_LT(made.took, kReplyWait);
+  // The answer to it comes after all; the message behind it tells when the library has it.
+  ROLU_GSENSOR_DATA sample;
+  ASSERT_EQ(KAVO_ROLU_GSENSOR_Initialize(0), ROLU_STATUS_SUCCESS);
+  board_.mcu().SendRaw("0001\r\n[GI:000100010001]\r\n");
+  EXPECT_TRUE(WaitUntil([&] { return KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS; }));
   ExpectNextCallsWhole();
+  EXPECT_EQ(KAVO_ROLU_GSENSOR_Deinitialize(), ROLU_STATUS_SUCCESS);
 }
 
-TEST_F(WallClock, SetBackLengthensTheWaitUntilTheAnswer) {
+TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerUntilItComes) {
   constexpr milliseconds kLaterThanTheWait(3300);
-  const Answered answered = SetDuring(AskWithAnswer(Reply::Line("0007", kLaterThanTheWait)), -hours(1));
-  RecordProperty("took_ms", static_cast<int>(answered.took.count()));
-  EXPECT_EQ(answered.status, ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(answered.time, 7);
-  EXPECT_GE(answered.took, kLaterThanTheWait);
+  auto call = AskTime(Reply::Line("0007", kLaterThanTheWait));
+  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
+  MoveWallClock(-hours(1));
+  const Made made = call.get();
+  Record("took_ms", made);
+  EXPECT_EQ(made.status, ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(time_, 7);
+  EXPECT_GE(made.took, kLaterThanTheWait);
   ExpectNextCallsWhole();
 }
 
-TEST(WallClockAndLocks, SetForwardEndsTheWaitForALock) {
-  CCriticalSection section;
-  const ScopedLock held(section);
-  const auto start = Clock::now();
-  EXPECT_EQ(SetDuring(std::async(std::launch::async, [&] { return section.TimeLock(60000); }), hours(1)), -1);
-  EXPECT_LT(Clock::now() - start, std::chrono::seconds(60));
+TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerByAsMuch) {
+  auto call = AskTime(Reply::Silence());
+  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
+  MoveWallClock(-seconds(1));
+  const Made made = call.get();
+  Record("took_ms", made);
+  EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
+  EXPECT_GE(made.took, kReplyWait + seconds(1));
+  EXPECT_LT(made.took, kGenerous);
+  ExpectNextCallsWhole();
 }
 
-TEST(WallClockAndDelays, KeepTheirLength) {
-  constexpr milliseconds kDelay(200);
-  for (const hours by : {hours(1), hours(-1)}) {
-    const auto start = Clock::now();
-    const auto sleep = [=] { return SleepForMs(static_cast<int>(kDelay.count())), true; };
-    EXPECT_TRUE(SetDuring(std::async(std::launch::async, sleep), by));
-    EXPECT_GE(Clock::now() - start, kDelay);
-    EXPECT_LT(Clock::now() - start, kGenerous);
-  }
+// The turn that the link is waiting for is held by a post-delay, which keeps its length whatever the clock
+// shows; without the setting the link would be there when it is over.
+TEST_F(WallClock, SetForwardEndsTheWaitForTheLinkAndNoPostDelay) {
+  constexpr milliseconds kPostDelay(1250);
+  ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
+  auto holder = StartWithAnswer("EEDF", Reply::Line("OK"), KAVO_ROLU_VPM_LoadDefaultValue);
+  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 0; }));
+  auto opening = Start([] { return KAVO_ROLU_GSENSOR_Initialize(0); });
+  ASSERT_TRUE(WaitUntil([] { return WaitsForLocks() == 1; }));
+  MoveWallClock(hours(1));
+  const Made opened = opening.get();
+  MoveWallClock(-hours(1));
+  const Made held = holder.get();
+  Record("link_took_ms", opened);
+  Record("post_delay_took_ms", held);
+  EXPECT_EQ(opened.status, ROLU_STATUS_VPM_OPEN_FAILED);
+  EXPECT_LT(opened.took, kLinkWait);
+  EXPECT_EQ(held.status, ROLU_STATUS_SUCCESS);
+  EXPECT_GE(held.took, kPostDelay);
+  EXPECT_LT(held.took, kGenerous);
+  EXPECT_EQ(KAVO_ROLU_GSENSOR_Initialize(0), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(KAVO_ROLU_GSENSOR_Deinitialize(), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
+  ExpectNextCallsWhole();
+}
+
+TEST_F(WallClock, SetBackLengthensTheWaitForTheLink) {
+  constexpr milliseconds kLaterThanBothWaits(4000);
+  auto holder = AskTime(Reply::Line("0007", kLaterThanBothWaits));
+  auto opening = Start([] { return KAVO_ROLU_GSENSOR_Initialize(0); });
+  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1 && WaitsForLocks() == 1; }));
+  MoveWallClock(-hours(1));
+  const Made opened = opening.get();
+  Record("link_took_ms", opened);
+  EXPECT_EQ(opened.status, ROLU_STATUS_SUCCESS);
+  EXPECT_GE(opened.took, kLinkWait);
+  EXPECT_EQ(holder.get().status, ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(time_, 7);
+  EXPECT_EQ(KAVO_ROLU_GSENSOR_Deinitialize(), ROLU_STATUS_SUCCESS);
+  ExpectNextCallsWhole();
 }
 
 }  // namespace

@@ -65,15 +65,20 @@ const std::vector<CallRow>& WatchdogOperations() {
   return operations;
 }
 
-// But for switching the alarm on, which depends on what came before.
 const std::vector<CallRow>& GSensorOperations() {
+  const Call switch_alarm_off = With(KAVO_ROLU_GSENSOR_AlarmEnabled, false);
+  CallRow alarm_on =
+      Orders("GSENSOR_AlarmEnabled on", With(KAVO_ROLU_GSENSOR_AlarmEnabled, true), {"OK"}, "ARGI01\r", 0);
+  // Of an alarm that is on already the MCU hears nothing.
+  alarm_on.undo = switch_alarm_off;
   static const std::vector<CallRow> operations = {
       OrUnreadable(Gives("GSENSOR_GetData", Into(KAVO_ROLU_GSENSOR_GetData), {"V0001FFFF0100"},
                          Written(int32_t{4}, int32_t{-3}, int32_t{1000}), "GSV\r"),
                    ROLU_STATUS_GSENSOR_INVALID_REPLY),
       GivesRegister("GSENSOR_GetResolution", Into(KAVO_ROLU_GSENSOR_GetResolution), "02", 2, "GSRG\r"),
       Orders("GSENSOR_SetResolution", With(KAVO_ROLU_GSENSOR_SetResolution, 3), {"OK"}, "GSRS03\r"),
-      Orders("GSENSOR_AlarmEnabled off", With(KAVO_ROLU_GSENSOR_AlarmEnabled, false), {"OK"}, "ARGI00\r", 0),
+      alarm_on,
+      Orders("GSENSOR_AlarmEnabled off", switch_alarm_off, {"OK"}, "ARGI00\r", 0),
       GivesRegister("GSENSOR_GetAlarmThreshold", Into(KAVO_ROLU_GSENSOR_GetAlarmThreshold), "21", 2063,
                     "GSIG\r"),
       Orders("GSENSOR_SetAlarmThreshold", With(KAVO_ROLU_GSENSOR_SetAlarmThreshold, 2000), {"OK"},

@@ -56,6 +56,9 @@ struct CallRow {
   Bytes first_output = {};
   // The call brings its family up, which has to be down before it.
   bool brings_up = false;
+  // Made after each success, where the call would not say the same to the MCU once more. Not after a
+  // failure: what that leaves shows in the next call.
+  Call undo = {};
 };
 
 // Rows of the usual kinds: an order to the MCU, a call that writes its output, and a call that fails

@@ -63,7 +63,12 @@ Made CallTable::Make(const CallRow& row) {
   const steady_clock::time_point start = steady_clock::now();
   const ROLU_STATUS status = row.call(row.output_is_null ? nullptr : output.data());
   const auto duration = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - start);
-  return {status, output, Traffic(), duration};
+  Made made = {status, output, Traffic(), duration};
+  if (row.undo && status == ROLU_STATUS_SUCCESS) {
+    board_.mcu().ClearScript();
+    EXPECT_EQ(StatusText(row.undo(nullptr)), StatusText(ROLU_STATUS_SUCCESS)) << row.name << ", undone";
+  }
+  return made;
 }
 
 void CallTable::RunRow(const CallRow& row) {

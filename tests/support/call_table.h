@@ -30,7 +30,7 @@ class CallTable {
 
   void BringUp();
   void Run(const std::vector<CallRow>& rows);
-  // Makes a row's call, and says what came of it.
+  // Makes a row's call, says what came of it, and undoes it where the row says how.
   Made Make(const CallRow& row);
 
   // Brings the family down and up in every order that matters; `start_up_wire` is what it sends

@@ -14,6 +14,8 @@ constexpr long long kNsPerSecond = 1000000000;
 constexpr long long kSliceNs = 2000000;
 
 std::atomic<long long> moved_by_s{0};
+std::atomic<int> waits_for_conditions{0};
+std::atomic<int> waits_for_locks{0};
 
 timespec MachineTime(clockid_t clock) {
   timespec time{};
@@ -27,23 +29,37 @@ bool WallClockShows(const timespec& deadline) {
   return now.tv_sec > deadline.tv_sec || (now.tv_sec == deadline.tv_sec && now.tv_nsec >= deadline.tv_nsec);
 }
 
+timespec EndOfSlice() {
+  timespec end = MachineTime(CLOCK_MONOTONIC);
+  const long long ns = end.tv_nsec + kSliceNs;
+  end.tv_sec += static_cast<time_t>(ns / kNsPerSecond);
+  end.tv_nsec = static_cast<long>(ns % kNsPerSecond);
+  return end;
+}
+
 // Waits in slices of a clock that nobody moves, and looks at the wall clock in between.
 template <typename WaitUntil>
-int WaitInSlices(const timespec& deadline, WaitUntil wait_until) {
-  while (true) {
-    timespec end = MachineTime(CLOCK_MONOTONIC);
-    const long long ns = end.tv_nsec + kSliceNs;
-    end.tv_sec += static_cast<time_t>(ns / kNsPerSecond);
-    end.tv_nsec = static_cast<long>(ns % kNsPerSecond);
-    const int result = wait_until(end);
-    if (result != ETIMEDOUT || WallClockShows(deadline)) return result;
-  }
+int WaitInSlices(const timespec& deadline, std::atomic<int>& waits, WaitUntil wait_until) {
+  int result = wait_until(EndOfSlice());
+  if (result != ETIMEDOUT) return result;
+  ++waits;
+  while (result == ETIMEDOUT && !WallClockShows(deadline)) result = wait_until(EndOfSlice());
+  --waits;
+  return result;
 }
 
 }  // namespace
 
 void rolu_test::MoveWallClock(std::chrono::seconds by) {
   moved_by_s += by.count();
+}
+
+int rolu_test::WaitsForConditions() {
+  return waits_for_conditions;
+}
+
+int rolu_test::WaitsForLocks() {
+  return waits_for_locks;
 }
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
@@ -54,12 +70,13 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
 
 extern "C" int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
                                       const timespec* deadline) {
-  return WaitInSlices(*deadline, [=](const timespec& end) {
+  return WaitInSlices(*deadline, waits_for_conditions, [=](const timespec& end) {
     return pthread_cond_clockwait(condition, mutex, CLOCK_MONOTONIC, &end);
   });
 }
 
 extern "C" int pthread_mutex_timedlock(pthread_mutex_t* mutex, const timespec* deadline) noexcept {
-  return WaitInSlices(
-      *deadline, [=](const timespec& end) { return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end); });
+  return WaitInSlices(*deadline, waits_for_locks, [=](const timespec& end) {
+    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &end);
+  });
 }

@@ -1,0 +1,18 @@
+// What the interface's header declares, for tests that hold their tables against it.
+#ifndef TESTS_SUPPORT_INTERFACE_HEADER_H
+#define TESTS_SUPPORT_INTERFACE_HEADER_H
+
+#include <map>
+#include <string>
+
+namespace rolu_test {
+
+// Each function's comment, by its name without "KAVO_ROLU_".
+std::map<std::string, std::string> DeclaredFunctions();
+
+// What a function's comment says behind "Blocks:", in one line; empty if it does not block.
+std::string BlockingStatement(const std::string& comment);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_SUPPORT_INTERFACE_HEADER_H

@@ -1,5 +1,6 @@
 #include "soak/soak.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -7,6 +8,8 @@
 #include <string_view>
 #include <thread>
 
+#include "simulator/devices/board_paths.h"
+#include "simulator/unique_fd.h"
 #include "soak/excuses.h"
 #include "soak/longest_calls.h"
 
@@ -43,13 +46,19 @@ rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
   return options;
 }
 
-// The log keeps its newest lines, and for good the list that finds so many.
-void FillAndClear(rolu_sim::WireLog& log) {
+// Of the board's logs of what passed the wire and what was done with device files an empty one keeps the
+// index that its fullest time needed.
+void FillLogs(rolu_sim::Board& board) {
+  rolu_sim::WireLog& wire = board.mcu().Log();
   for (std::size_t i = 0; i < rolu_sim::WireLog::kCapacity; ++i) {
-    log.RecordChunk(rolu_sim::Direction::kToMcu, {}, {});
-    log.RecordLine(rolu_sim::Direction::kToMcu, {}, {});
+    wire.RecordChunk(rolu_sim::Direction::kToMcu, {}, {});
+    wire.RecordLine(rolu_sim::Direction::kToMcu, {}, {});
   }
-  log.Clear();
+  // More than all threads do between two times of clearing it.
+  constexpr int kOpenings = 2000;
+  for (int i = 0; i < kOpenings; ++i) {
+    const rolu_sim::UniqueFd file(open(rolu_sim::kLuxPath, O_RDONLY | O_CLOEXEC));
+  }
 }
 
 }  // namespace
@@ -68,7 +77,8 @@ milliseconds Soak::elapsed() const {
 }
 
 bool Soak::Run() {
-  FillAndClear(board_.mcu().Log());
+  FillLogs(board_);
+  ClearLogs();
   before_ = MeasureProcess();
   const milliseconds period = std::clamp(options_.time / 20, milliseconds(2000), milliseconds(20000));
   const auto work = [&] { WorkFor(std::clamp(options_.time - elapsed(), milliseconds(0), period)); };
@@ -92,9 +102,14 @@ void Soak::WorkFor(milliseconds time) {
   while (steady_clock::now() < end) {
     std::this_thread::sleep_for(
         std::min<steady_clock::duration>(end - steady_clock::now(), milliseconds(500)));
-    board_.devices().ClearAccesses();
+    ClearLogs();
     if (options_.show_progress) ShowProgress();
   }
+}
+
+void Soak::ClearLogs() {
+  board_.mcu().Log().Clear();
+  board_.devices().ClearAccesses();
 }
 
 void Soak::SwitchAll(bool on) {
@@ -112,8 +127,7 @@ bool Soak::Rest() {
   DriveNextToTheLimit();
   SwitchAll(false);
   const Disturbances::Pause pause(disturbances_);
-  board_.mcu().Log().Clear();
-  board_.devices().ClearAccesses();
+  ClearLogs();
   last_usage_ = ExpectHeld("while all families are down", 0, 0);
   CompareMemory();
   SwitchAll(true);

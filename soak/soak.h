@@ -64,6 +64,7 @@ class Soak {
   bool HangUpAndReplug();
   void DriveNextToTheLimit();
   void SwitchAll(bool on);
+  void ClearLogs();
   ProcessUsage ExpectHeld(const char* when, std::size_t more_descriptors, std::size_t more_threads);
   void CompareMemory();
   void CompareExcuses();

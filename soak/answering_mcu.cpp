@@ -32,7 +32,7 @@ constexpr std::array<const char*, 6> kErrors = {"ERR-M08", "ERR-C01", "ERR-W02",
 
 }  // namespace
 
-AnsweringMcu::AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Violations& violations)
+AnsweringMcu::AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Findings& violations)
     : lanes_(lanes), violations_(violations), random_(seed), desk_faults_(seed, [](const std::string&) {}) {}
 
 void AnsweringMcu::Plan(const std::string& code, milliseconds delay) {

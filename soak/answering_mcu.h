@@ -15,8 +15,8 @@
 
 #include "simulator/faults/answer_faults.h"
 #include "simulator/mcu/reply_script.h"
+#include "soak/findings.h"
 #include "soak/lane.h"
-#include "soak/violations.h"
 
 namespace rolu_soak {
 
@@ -30,7 +30,7 @@ using Lanes = std::array<std::unique_ptr<Lane>, kLanes>;
 // next command's, when nothing is pending: there it must be recognised and thrown away.
 class AnsweringMcu {
  public:
-  AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Violations& violations);
+  AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Findings& violations);
 
   rolu_sim::Reply Answer(std::string_view command);
 
@@ -58,7 +58,7 @@ class AnsweringMcu {
   std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
 
   const Lanes& lanes_;
-  Violations& violations_;
+  Findings& violations_;
   std::mutex mutex_;
   std::mt19937 random_;
   rolu_sim::AnswerFaults desk_faults_;

@@ -14,10 +14,6 @@ using std::chrono::milliseconds;
 // Eight calls, each of which finds its port dead, and a start-up among them, take less.
 constexpr std::chrono::seconds kPatience{120};
 
-// What a starved call left behind comes to light within this time: an answer of its own that came too
-// late, and perhaps to the next one.
-constexpr std::chrono::seconds kAftermath{5};
-
 bool IsStartUp(const Operation& operation) {
   return &operation == &Families().at(operation.family).initialize;
 }
@@ -44,8 +40,8 @@ std::vector<const Operation*> OperationsOf(std::size_t lane) {
 
 }  // namespace
 
-Callers::Callers(const Lanes& lanes, CallBook& book, Violations& violations)
-    : lanes_(lanes), book_(book), violations_(violations) {
+Callers::Callers(const Lanes& lanes, CallBook& book, Findings& violations, Findings& excuses)
+    : lanes_(lanes), book_(book), violations_(violations), excuses_(excuses) {
   gate_.Open(0);
   for (std::size_t lane = 0; lane < kLanes; ++lane) threads_.emplace_back([this, lane] { Run(lane); });
 }
@@ -135,28 +131,42 @@ void Callers::Call(const Operation& operation, bool alone) {
   facts.exchanges = lane.Exchanges();
   facts.port_was_dead = changes_before % 2 == 1 || changes_before != port_changes_;
   facts.link_was_busy = duration.took >= milliseconds(kLinkMs);
-  Report(operation, FaultIn(facts), waits_before);
-  Report(operation, duration.excess, waits_before);
+  Fault uncalled_fault;
   if (!uncalled.empty()) {
-    Report(operation, fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled),
-           waits_before);
+    uncalled_fault.text = fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled);
   }
+  Report(operation, {FaultIn(facts), duration.fault, uncalled_fault}, waits_before);
   if (outcome.status != ROLU_STATUS_SUCCESS) return;
   if (IsStartUp(operation)) family.is_up = true;
   if (&operation == &Families().at(operation.family).deinitialize) family.is_up = false;
 }
 
 // On a machine that gives the threads no processor calls miss their times, whatever the library does.
-void Callers::Report(const Operation& operation, const std::string& fault, const ProcessorWaits& before) {
-  if (fault.empty()) return;
-  const SteadyTime now = std::chrono::steady_clock::now();
-  const bool is_starved = LongestWait(before, MeasureProcessorWaits()) >= kStarved;
-  if (is_starved) last_starved_ = now;
-  if (is_starved || last_starved_.load() > now - kAftermath) {
-    ++starved_calls_;
-  } else {
-    violations_.Add(fmt::format("{}: {}", operation.name, fault));
+void Callers::Report(const Operation& operation, const std::vector<Fault>& faults,
+                     const ProcessorWaits& before) {
+  const auto is_fault = [](const Fault& fault) { return !fault.text.empty(); };
+  if (std::none_of(faults.begin(), faults.end(), is_fault)) return;
+  const auto waited_since = [&before] { return LongestWait(before, MeasureProcessorWaits()); };
+  const auto waited = waited_since();
+  std::string excused;
+  for (const Fault& fault : faults) {
+    if (!is_fault(fault)) continue;
+    bool is_explained = waited >= fault.explained_by;
+    // The kernel counts a wait when it is over, and whoever did not answer may be waiting still.
+    if (!is_explained && fault.explained_by == kStarved) {
+      std::this_thread::sleep_for(kStarved);
+      is_explained = waited_since() >= kStarved;
+    }
+    const std::string text =
+        fmt::format("{}: {}; the longest wait of a thread for a processor: {} ms", operation.name, fault.text,
+                    std::chrono::duration_cast<milliseconds>(waited).count());
+    if (is_explained) {
+      excused = text;
+    } else {
+      violations_.Add(text);
+    }
   }
+  if (!excused.empty()) excuses_.Add(excused);
 }
 
 void Callers::BringUp(std::size_t number, bool alone) {

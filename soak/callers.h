@@ -14,10 +14,10 @@
 
 #include "soak/answering_mcu.h"
 #include "soak/call_book.h"
+#include "soak/findings.h"
 #include "soak/gate.h"
 #include "soak/operations.h"
 #include "soak/processor_waits.h"
-#include "soak/violations.h"
 
 namespace rolu_soak {
 
@@ -25,7 +25,8 @@ namespace rolu_soak {
 // that it leads off and on. Each call is judged by what became of its commands at the MCU.
 class Callers {
  public:
-  Callers(const Lanes& lanes, CallBook& book, Violations& violations);
+  // `excuses` gets the calls whose faults are explained by what threads waited for a processor.
+  Callers(const Lanes& lanes, CallBook& book, Findings& violations, Findings& excuses);
   ~Callers();
   Callers(const Callers&) = delete;
   Callers& operator=(const Callers&) = delete;
@@ -44,7 +45,6 @@ class Callers {
 
   std::vector<pthread_t> Threads();
   std::uint64_t openings() const { return openings_; }
-  std::uint64_t starved_calls() const { return starved_calls_; }
 
  private:
   struct Family {
@@ -56,19 +56,18 @@ class Callers {
   void CallAny(Lane& lane, const std::vector<const Operation*>& operations);
   void TurnOffAndOn(std::size_t family);
   bool Empty(Gate& gate);
-  void Report(const Operation& operation, const std::string& fault, const ProcessorWaits& before);
+  void Report(const Operation& operation, const std::vector<Fault>& faults, const ProcessorWaits& before);
 
   const Lanes& lanes_;
   CallBook& book_;
-  Violations& violations_;
+  Findings& violations_;
+  Findings& excuses_;
   std::array<Family, kFamilies> families_;
   Gate gate_;
   std::atomic<bool> ending_{false};
   std::atomic<bool> families_stay_{false};
   std::atomic<std::uint64_t> port_changes_{0};  // odd while the port is dead
   std::atomic<std::uint64_t> openings_{0};
-  std::atomic<std::uint64_t> starved_calls_{0};
-  std::atomic<SteadyTime> last_starved_{SteadyTime::min()};
   std::vector<std::thread> threads_;
 };
 

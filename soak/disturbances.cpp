@@ -50,6 +50,7 @@ Disturbances::~Disturbances() {
 void Disturbances::SendMessages() {
   while (!ending_) {
     std::this_thread::sleep_for(milliseconds(1 + Draw(60)));
+    const std::lock_guard<std::mutex> lock(sending_);
     // Now and then more samples than the library keeps.
     const std::uint32_t samples = Draw(200) == 0 ? 50 : Draw(3);
     std::string messages;

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <random>
 #include <thread>
 #include <vector>
@@ -22,6 +23,15 @@ class Disturbances {
   Disturbances(const Disturbances&) = delete;
   Disturbances& operator=(const Disturbances&) = delete;
 
+  // As long as one lives no message is sent, and none is on its way.
+  class Pause {
+   public:
+    explicit Pause(Disturbances& disturbances) : lock_(disturbances.sending_) {}
+
+   private:
+    std::lock_guard<std::mutex> lock_;
+  };
+
   std::uint64_t messages() const { return messages_; }
   std::uint64_t signals_sent() const { return signals_; }
   static std::uint64_t SignalsHandled();
@@ -34,6 +44,7 @@ class Disturbances {
   rolu_sim::McuSerial& serial_;
   const std::vector<pthread_t> victims_;
   std::mt19937 random_;
+  std::mutex sending_;
   std::atomic<bool> ending_{false};
   std::atomic<std::uint64_t> messages_{0};
   mutable std::atomic<std::uint64_t> signals_{0};

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "soak/processor_waits.h"
+
 namespace rolu_soak {
 namespace {
 
@@ -41,6 +43,14 @@ constexpr std::array<ROLU_STATUS, 8> kAfterDistortion = {ROLU_STATUS_SUCCESS,
                                                          ROLU_STATUS_GSENSOR_DATA_UNAVAILABLE,
                                                          ROLU_STATUS_FILE_ACCESS_FAILED,
                                                          ROLU_STATUS_GSENSOR_INVALID_REPLY};
+
+bool IsUnanswered(ROLU_STATUS status) {
+  return status == ROLU_STATUS_VPM_NO_REPLY || status == ROLU_STATUS_VPM_OPEN_FAILED;
+}
+
+std::chrono::nanoseconds ExplanationOf(ROLU_STATUS status) {
+  return IsUnanswered(status) ? std::chrono::nanoseconds(kStarved) : Fault::kUnexplained;
+}
 
 bool IsDistorted(const Exchange& exchange) {
   return exchange.strike == Strike::kGarble || exchange.strike == Strike::kDrop;
@@ -81,35 +91,34 @@ std::string StatusText(ROLU_STATUS status) {
   return known == std::end(kStatusNames) ? fmt::format("0x{:04X}", status) : known->name;
 }
 
-std::string FaultIn(const CallFacts& facts) {
+Fault FaultIn(const CallFacts& facts) {
   if (!facts.family_was_up) {
     if (facts.status == ROLU_STATUS_NOT_INITIALIZED && facts.exchanges.empty()) return {};
-    return fmt::format("\"{}\" of a family that is down; commands: {}", StatusText(facts.status),
-                       Commands(facts.exchanges));
+    return {fmt::format("\"{}\" of a family that is down; commands: {}", StatusText(facts.status),
+                        Commands(facts.exchanges))};
   }
-  if (facts.port_was_dead &&
-      (facts.status == ROLU_STATUS_VPM_NO_REPLY || facts.status == ROLU_STATUS_VPM_OPEN_FAILED)) {
-    return {};
-  }
+  if (facts.port_was_dead && IsUnanswered(facts.status)) return {};
   if (facts.link_was_busy && facts.status == ROLU_STATUS_VPM_OPEN_FAILED && facts.exchanges.empty())
     return {};
+  const ROLU_STATUS expected = ExpectedStatus(facts);
   if (std::any_of(facts.exchanges.begin(), facts.exchanges.end(), IsDistorted)) {
     if (std::find(kAfterDistortion.begin(), kAfterDistortion.end(), facts.status) != kAfterDistortion.end()) {
       return {};
     }
     // An error may come with the command after the distorted one.
-    if (facts.status == ExpectedStatus(facts)) return {};
-    return fmt::format("\"{}\" after a distorted answer; commands: {}", StatusText(facts.status),
-                       Commands(facts.exchanges));
+    if (facts.status == expected) return {};
+    return {fmt::format("\"{}\" after a distorted answer; commands: {}", StatusText(facts.status),
+                        Commands(facts.exchanges)),
+            ExplanationOf(facts.status)};
   }
-  const ROLU_STATUS expected = ExpectedStatus(facts);
   if (facts.status != expected) {
-    return fmt::format(R"("{}", not "{}"; commands: {})", StatusText(facts.status), StatusText(expected),
-                       Commands(facts.exchanges));
+    return {fmt::format(R"("{}", not "{}"; commands: {})", StatusText(facts.status), StatusText(expected),
+                        Commands(facts.exchanges)),
+            ExplanationOf(facts.status)};
   }
   if (facts.status == ROLU_STATUS_SUCCESS && !facts.right) {
-    return fmt::format("a value that is not the answer to it, or an order that is not the one; commands: {}",
-                       Commands(facts.exchanges));
+    return {fmt::format("a value that is not the answer to it, or an order that is not the one; commands: {}",
+                        Commands(facts.exchanges))};
   }
   return {};
 }

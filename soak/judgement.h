@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "include/kavo_rolu.h"
+#include "soak/fault.h"
 #include "soak/lane.h"
 
 namespace rolu_soak {
@@ -21,8 +22,9 @@ struct CallFacts {
   bool link_was_busy = false;  // an Initialize waited for the link as long as it promises
 };
 
-// Why the call must not have ended like this; empty when it may.
-std::string FaultIn(const CallFacts& facts);
+// Why the call must not have ended like this. Threads that waited for a processor explain an answer, or a
+// link, that was missed without a cause; they never explain a wrong one.
+Fault FaultIn(const CallFacts& facts);
 
 std::string StatusText(ROLU_STATUS status);
 

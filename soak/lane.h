@@ -29,7 +29,7 @@ struct Exchange {
 // One thread's side of the wire: the commands that the MCU gets while its call runs are that call's.
 class Lane {
  public:
-  explicit Lane(std::uint32_t seed) : random_(seed) {}
+  explicit Lane(std::uint32_t seed) : random_(seed) { exchanges_.reserve(kMostCommands); }
 
   void BeginCall() {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -82,6 +82,9 @@ class Lane {
   std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
 
  private:
+  // More than one call sends: the list has its whole size from the start, since memory is compared.
+  static constexpr std::size_t kMostCommands = 16;
+
   mutable std::mutex mutex_;
   bool calling_ = false;
   std::vector<Exchange> exchanges_;

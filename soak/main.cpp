@@ -103,7 +103,7 @@ int main(int argc, char** argv) {
       fmt::print("{}", rolu_soak::ListOfPromises());
       return 0;
     }
-    rolu_soak::CountHeapExactly();
+    if (!rolu_sim::IsPreloaded()) rolu_soak::CountHeapExactly();
     rolu_sim::EnsurePreloaded(argc, argv);
     return Run(command_line.soak);
   } catch (const std::exception& error) {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
 namespace rolu_soak {
 namespace {
@@ -22,6 +23,9 @@ std::size_t ResidentBytes() {
   return resident_pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
+constexpr char kTunablesVariable[] = "GLIBC_TUNABLES";
+constexpr char kOneArenaWithoutCaches[] = "glibc.malloc.tcache_count=0:glibc.malloc.arena_max=1";
+
 }  // namespace
 
 ProcessUsage MeasureProcess() {
@@ -31,7 +35,12 @@ ProcessUsage MeasureProcess() {
 }
 
 void CountHeapExactly() {
-  setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 0);
+  setenv(kTunablesVariable, kOneArenaWithoutCaches, 0);
+}
+
+bool HeapIsCountedExactly() {
+  const char* const tunables = getenv(kTunablesVariable);
+  return tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
 }
 
 }  // namespace rolu_soak

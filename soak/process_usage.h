@@ -28,9 +28,12 @@ struct ProcessUsage {
 
 ProcessUsage MeasureProcess();
 
-// Sets the allocator's thread caches off for the program that this one runs next: what they hold would
-// count as allocated.
+// For the program that this one runs next: what the allocator's thread caches hold would count as allocated,
+// and so would the head of each further arena, which threads that meet at the allocator get.
 void CountHeapExactly();
+
+// Whether this program was started so.
+bool HeapIsCountedExactly();
 
 }  // namespace rolu_soak
 

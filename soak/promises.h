@@ -6,10 +6,11 @@
 namespace rolu_soak {
 
 // `statement` is the header's, after "Blocks: ". `own_ms` leaves out the turns: what the commands of
-// other threads take meanwhile comes on top.
+// other threads take meanwhile comes on top, for a call that takes turns with them.
 struct Promise {
   const char* statement;
   int own_ms;
+  bool takes_turns = true;
 };
 
 inline constexpr int kNoLimit = -1;
@@ -18,9 +19,9 @@ inline constexpr int kCommandMs = 3000;
 inline constexpr int kLinkMs = 2000;
 inline constexpr int kClosingMs = 1000;
 
-inline constexpr Promise kNothing{"Does not block", 0};
-inline constexpr Promise kInnerLock{"the inner lock", 0};
-inline constexpr Promise kInnerLockInTime{"the inner lock, at most 1000 ms", 1000};
+inline constexpr Promise kNothing{"Does not block", 0, false};
+inline constexpr Promise kInnerLock{"the inner lock", 0, false};
+inline constexpr Promise kInnerLockInTime{"the inner lock, at most 1000 ms", 1000, false};
 inline constexpr Promise kCommand{"1 command", kCommandMs};
 inline constexpr Promise kCommand50{"1 command with a post-delay of 50 ms", kCommandMs + 50};
 inline constexpr Promise kCommand150{"1 command with a post-delay of 150 ms", kCommandMs + 150};
@@ -38,8 +39,8 @@ inline constexpr Promise kLinkAndSixCommands{"the link, then 6 commands, then a 
                                              kLinkMs + 6 * kCommandMs + kClosingMs};
 inline constexpr Promise kClosing{"a closing", kClosingMs};
 inline constexpr Promise kTwoCommandsAndClosing{"2 commands, then a closing", 2 * kCommandMs + kClosingMs};
-inline constexpr Promise kDevice{"device files", 0};
-inline constexpr Promise kShellCommand{"the shell command, without a limit", kNoLimit};
+inline constexpr Promise kDevice{"device files", 0, false};
+inline constexpr Promise kShellCommand{"the shell command, without a limit", kNoLimit, false};
 
 }  // namespace rolu_soak
 

@@ -3,7 +3,9 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "soak/excuses.h"
 #include "soak/judgement.h"
+#include "soak/processor_waits.h"
 
 namespace rolu_soak {
 namespace {
@@ -23,18 +25,31 @@ std::string Endings(const CallBook& book) {
   return text;
 }
 
+// The longest of some calls, which may be none.
+std::string Longest(microseconds longest, std::uint64_t of_calls) {
+  return of_calls == 0 ? "-" : fmt::format("{:.1f}", Milliseconds(longest));
+}
+
 std::string Durations(const CallBook& book) {
-  std::string text = fmt::format("{:<56}{:>9}{:>13}{:>13}{:>13}\n", "kind of call, by what it promises",
-                                 "calls", "promise ms", "alone ms", "with turns");
+  const auto row = [](auto... cells) {
+    return fmt::format("{:<56}{:>11}{:>8}{:>10}{:>9}{:>10}{:>11}\n", cells...);
+  };
+  std::string text =
+      row("kind of call, by what it promises", "promise ms", "alone", "ms", "beside", "ms", "with turns");
   for (const auto& [statement, figures] : book.durations()) {
-    const std::string promise = figures.own_ms == kNoLimit ? "no limit" : fmt::format("{}", figures.own_ms);
-    text += fmt::format("{:<56}{:>9}{:>13}{:>13.1f}{:>13.1f}\n", statement, figures.calls, promise,
-                        Milliseconds(figures.longest_alone), Milliseconds(figures.longest));
+    if (figures.calls == 0) continue;
+    const std::uint64_t calls_beside = figures.calls - figures.calls_alone;
+    text += row(statement, figures.own_ms == kNoLimit ? "no limit" : fmt::format("{}", figures.own_ms),
+                figures.calls_alone, Longest(figures.longest_alone, figures.calls_alone), calls_beside,
+                Longest(figures.longest_less_others, calls_beside),
+                Longest(figures.longest_beside, calls_beside));
   }
-  return text + fmt::format(
-                    "The longest of each. On top of a promise come the commands of other threads, and {} ms "
-                    "for the machine's scheduling.\n",
-                    kSchedulingSlack.count());
+  return text +
+         fmt::format(
+             "Calls that ran alone and calls beside others, the longest of each; of the latter without "
+             "the time that others\nhad the line, if they take turns, and with it. A call may take {} ms "
+             "more than it promises alone, and {} ms beside\nothers.\n",
+             kSlackAlone.count(), kSlackBeside.count());
 }
 
 std::string Faults(const AnsweringMcu& mcu) {
@@ -51,30 +66,35 @@ std::string Held(const Soak& soak) {
   if (!soak.first_usage()) return "the process was not measured\n";
   const ProcessUsage& first = *soak.first_usage();
   const ProcessUsage& last = soak.last_usage();
-  std::string text = fmt::format("{:<32}{:>14}{:>14}\n", "held while all is down", "first rest", "last rest");
-  const auto row = [&text](const char* what, std::size_t start, std::size_t end) {
-    text += fmt::format("{:<32}{:>14}{:>14}\n", what, start, end);
+  std::string text = fmt::format("{:<32}{:>14}{:>14}{:>14}\n", "held while all is down", "first rest",
+                                 "last rest", "may grow by");
+  const auto row = [&text](const char* what, std::size_t start, std::size_t end, std::size_t tolerance) {
+    text += fmt::format("{:<32}{:>14}{:>14}{:>14}\n", what, start, end, tolerance);
   };
-  row("descriptors", first.descriptors, last.descriptors);
-  row("threads", first.threads, last.threads);
-  row("heap, bytes", first.heap_bytes, last.heap_bytes);
-  row("resident memory, KiB", first.resident_bytes / 1024, last.resident_bytes / 1024);
+  row("descriptors", first.descriptors, last.descriptors, 0);
+  row("threads", first.threads, last.threads, 0);
+  row("heap, bytes", first.heap_bytes, last.heap_bytes, Soak::heap_tolerance());
+  row("resident memory, KiB", first.resident_bytes / 1024, last.resident_bytes / 1024,
+      kResidentTolerance / 1024);
+  return text;
+}
+
+std::string Listed(const Findings& findings) {
+  std::string text;
+  for (const std::string& finding : findings.Kept()) text += fmt::format("  {}\n", finding);
   return text;
 }
 
 std::string Verdict(const Soak& soak) {
-  const Violations& violations = soak.violations();
-  std::string starved;
-  if (soak.starved_calls() > 0) {
-    starved = fmt::format(
-        "{} calls not judged: a thread of theirs, or of a call just before, waited {} ms or more for a "
-        "processor\n",
-        soak.starved_calls(), kStarved.count());
-  }
-  if (violations.count() == 0) return starved + "no violation\n";
-  std::string text = starved + fmt::format("{} violations, the first of them:\n", violations.count());
-  for (const std::string& violation : violations.Kept()) text += fmt::format("  {}\n", violation);
-  return text;
+  const std::string excuses = fmt::format(
+      "{} calls excused, since a thread waited for a processor meanwhile: {} ms for an answer that was "
+      "missed, "
+      "as long as\nthe excess for a time that was; at most {} may be\n{}",
+      soak.excuses().count(), kStarved.count(), ExcusableCalls(soak.book().calls()), Listed(soak.excuses()));
+  const Findings& violations = soak.violations();
+  if (violations.count() == 0) return excuses + "no violation\n";
+  return fmt::format("{}{} violations, the first of them:\n{}", excuses, violations.count(),
+                     Listed(violations));
 }
 
 }  // namespace

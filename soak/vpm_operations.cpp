@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 #include "soak/calls.h"
 
@@ -69,6 +70,14 @@ Outcome ReadPlatform(Lane& lane) {
   return {status, name == fmt::format("{:012X}", lane.Number("ATF1"))};
 }
 
+// What the last start-up read, which a fault may have struck; not half of it at least.
+Outcome ReadRange(Lane& lane) {
+  BATTERY_INFO range{};
+  const auto mode = static_cast<CAR_BATTERY_MODE>(2 + lane.Draw(2));
+  const ROLU_STATUS status = KAVO_ROLU_VPM_GetLBPThresholdInfo(mode, &range);
+  return {status, range.range_mid == range.range_mid_copy};
+}
+
 Outcome ReadFirmware(Lane&) {
   VPM_FIRMWARE_INFO info{};
   return {KAVO_ROLU_VPM_GetFWVersion(&info), true};
@@ -105,6 +114,17 @@ Outcome SetAlarm(Lane& lane) {
   const VPM_ALARM_TIME time{5, 13, 30};
   const ROLU_STATUS status = KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, time);
   return {status, lane.LastCommand() == "RTASA0CB0D"};
+}
+
+// Which of the sources is drawn. `pattern` is the order's text with the source and what it is switched to.
+template <typename Source>
+Call SwitchesOneOf(std::vector<int> sources, ROLU_STATUS (*set)(Source, char), const char* pattern) {
+  return [=](Lane& lane) {
+    const int source = sources.at(lane.Draw(static_cast<std::uint32_t>(sources.size())));
+    const std::uint32_t on = lane.Draw(2);
+    const ROLU_STATUS status = set(static_cast<Source>(source), static_cast<char>(on));
+    return Outcome{status, lane.LastCommand() == fmt::format(fmt::runtime(pattern), source, on)};
+  };
 }
 
 Outcome ReadWakeupSwitch(Lane& lane) {
@@ -144,6 +164,7 @@ Outcome ReadBackupBattery(Lane& lane) {
 std::vector<Operation> VpmOperations() {
   return {
       {"VPM_GetFWVersion", kVpm, kLaneDelays, kNothing, ReadFirmware},
+      {"VPM_GetLBPThresholdInfo", kVpm, kLaneDelays, kNothing, ReadRange, {}, false},
       {"VPM_GetLBPLowDelay", kVpm, kLaneDelays, kCommand, ReadsWord(KAVO_ROLU_VPM_GetLBPLowDelay, "MCUG0")},
       {"VPM_SetLBPLowDelay", kVpm, kLaneDelays, kCommand50,
        Orders(KAVO_ROLU_VPM_SetLBPLowDelay, 1, 65535, "MCUS0{:04X}")},
@@ -243,6 +264,10 @@ std::vector<Operation> VpmOperations() {
       {"VPM_GetAlarmActive", kVpm, kLaneClock, kCommand, ReadsBit(KAVO_ROLU_VPM_GetAlarmActive, "WKMG", 6)},
       {"VPM_SetAlarmActive", kVpm, kLaneClock, kCommand50,
        Orders(KAVO_ROLU_VPM_SetAlarmActive, 0, 2, "WKMS6{}")},
+      {"VPM_SetWakeupSourceControlStatus", kVpm, kLaneClock, kCommand50,
+       SwitchesOneOf({0, 1, 2, 3, 4, 5, 6, 10}, KAVO_ROLU_VPM_SetWakeupSourceControlStatus, "WKMS{}{}")},
+      {"VPM_SetShutdownSourceControlStatus", kVpm, kLaneClock, kCommand50,
+       SwitchesOneOf({0, 1}, KAVO_ROLU_VPM_SetShutdownSourceControlStatus, "SDMS{}{}")},
       {"VPM_GetWakeupSourceControlStatus", kVpm, kLaneClock, kCommand, ReadWakeupSwitch},
       {"VPM_GetShutdownSourceControlStatus", kVpm, kLaneClock, kCommand, ReadShutdownSwitch},
       {"VPM_GetLastWakeupSource", kVpm, kLaneClock, kCommand, ReadLastWakeup},

@@ -7,24 +7,38 @@
 namespace rolu_soak {
 namespace {
 
-Operation Promising(int own_ms, std::size_t lane) {
-  return {"X", kWatchdog, lane, {"a promise", own_ms}, nullptr};
+using std::chrono::milliseconds;
+
+Operation Promising(int own_ms, std::size_t lane, bool takes_turns = true) {
+  return {"X", kWatchdog, lane, {"a promise", own_ms, takes_turns}, nullptr};
 }
 
-void SleepFor(std::chrono::milliseconds time) {
+void SleepFor(milliseconds time) {
   std::this_thread::sleep_for(time);
 }
 
-constexpr std::chrono::milliseconds kOver = kSchedulingSlack + std::chrono::milliseconds(20);
+constexpr milliseconds kMore{20};
+constexpr milliseconds kOverAlone = kSlackAlone + kMore;
+constexpr milliseconds kOver = kSlackBeside + kMore;
 
 TEST(CallBook, CallThatOutlastsItsPromiseIsTold) {
   CallBook book;
   const Operation operation = Promising(10, 0);
   book.Begin(0, operation);
-  SleepFor(kOver);
-  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, true).excess, "");
-  EXPECT_EQ(book.durations().at("a promise").calls, 1U);
-  EXPECT_GE(book.durations().at("a promise").longest_alone, kOver);
+  SleepFor(milliseconds(10) + kOverAlone);
+  const CallBook::Duration duration = book.End(0, ROLU_STATUS_SUCCESS, true);
+  EXPECT_NE(duration.fault.text, "");
+  EXPECT_EQ(duration.fault.explained_by, duration.took - milliseconds(10) - kSlackAlone) << "and by no less";
+}
+
+TEST(CallBook, AloneACallHasItsPromiseAndTheSlackOnly) {
+  CallBook book;
+  const Operation other = Promising(5000, 1);
+  const Operation operation = Promising(0, 0);
+  book.Begin(1, other);
+  book.Begin(0, operation);
+  SleepFor(kOverAlone);
+  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, true).fault.text, "");
 }
 
 TEST(CallBook, CallsOfOthersAccountForWhatTheyPromiseOnly) {
@@ -35,12 +49,55 @@ TEST(CallBook, CallsOfOthersAccountForWhatTheyPromiseOnly) {
   book.Begin(0, first);
   book.Begin(1, second);
   SleepFor(kOver);
-  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).excess, "") << "the second may hold the line that long";
+  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "")
+      << "the second may hold the line that long";
   book.End(1, ROLU_STATUS_SUCCESS, false);
   book.Begin(0, first);
   book.Begin(2, third);
   SleepFor(kOver);
-  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).excess, "") << "the third may not";
+  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "") << "the third may not";
+}
+
+TEST(CallBook, OthersThatRunAtOnceHoldTheLineOnce) {
+  CallBook book;
+  const Operation first = Promising(0, 0);
+  const Operation second = Promising(5000, 1);
+  const Operation third = Promising(5000, 2);
+  book.Begin(0, first);
+  book.Begin(1, second);
+  book.Begin(2, third);
+  SleepFor(milliseconds(30));
+  book.End(1, ROLU_STATUS_SUCCESS, false);
+  book.End(2, ROLU_STATUS_SUCCESS, false);
+  SleepFor(kOver);
+  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "");
+  EXPECT_GE(book.durations().at("a promise").longest_less_others, kOver);
+}
+
+TEST(CallBook, CallWithoutTurnsWaitsForNobody) {
+  CallBook book;
+  const Operation first = Promising(0, 0, false);
+  const Operation second = Promising(5000, 1);
+  book.Begin(0, first);
+  book.Begin(1, second);
+  SleepFor(kOver);
+  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "");
+}
+
+TEST(CallBook, CallsAloneAreCountedApart) {
+  CallBook book;
+  const Operation operation = Promising(5000, 0);
+  book.Begin(0, operation);
+  SleepFor(kMore);
+  book.End(0, ROLU_STATUS_SUCCESS, false);
+  EXPECT_EQ(book.durations().at("a promise").calls_alone, 0U);
+  book.Begin(0, operation);
+  book.End(0, ROLU_STATUS_SUCCESS, true);
+  const DurationFigures figures = book.durations().at("a promise");
+  EXPECT_EQ(figures.calls, 2U);
+  EXPECT_EQ(figures.calls_alone, 1U);
+  EXPECT_GE(figures.longest_less_others, kMore);
+  EXPECT_EQ(figures.longest_beside, figures.longest_less_others);
 }
 
 TEST(CallBook, ThereIsNoPromiseWithoutALimit) {
@@ -49,7 +106,7 @@ TEST(CallBook, ThereIsNoPromiseWithoutALimit) {
   book.Begin(0, operation);
   EXPECT_EQ(book.Unfinished(), "X for 0 s");
   SleepFor(kOver);
-  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).excess, "");
+  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "");
   EXPECT_EQ(book.Unfinished(), "");
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "soak/excuses.h"
+#include "soak/processor_waits.h"
+
 namespace rolu_soak {
 namespace {
 
@@ -80,7 +83,36 @@ TEST(Judgement, AllowsWhatTheFaultsOfTheCallExplain) {
       {"dead port", OnDeadPort(Facts(kNoReply, {})), true},
       {"dead port, another's answer", OnDeadPort(WithWrongValue(Facts(kDone, {Of("WDTG")}))), false},
   };
-  for (const auto& row : rows) EXPECT_EQ(FaultIn(row.facts).empty(), row.allowed) << row.what;
+  for (const auto& row : rows) EXPECT_EQ(FaultIn(row.facts).text.empty(), row.allowed) << row.what;
+}
+
+TEST(Judgement, WaitsForAProcessorExplainWhatWasMissedOnly) {
+  const struct {
+    const char* what;
+    CallFacts facts;
+    std::chrono::nanoseconds explained_by;
+  } rows[] = {
+      {"no reply", Facts(kNoReply, {Of("WDTG")}), kStarved},
+      {"no reply before a command went out", Facts(kNoReply, {}), kStarved},
+      {"no reply in place of an error", Facts(kNoReply, {Of("WDTG", Strike::kError, kError)}), kStarved},
+      {"no link", Facts(ROLU_STATUS_VPM_OPEN_FAILED, {}), kStarved},
+      {"another's answer", WithWrongValue(Facts(kDone, {Of("WDTG")})), Fault::kUnexplained},
+      {"error without a fault", Facts(kError, {Of("WDTG")}), Fault::kUnexplained},
+      {"success in spite of silence", Facts(kDone, {Of("WDTG", Strike::kSilence)}), Fault::kUnexplained},
+      {"no reply of a family that is down", OfDownFamily(Facts(kNoReply, {})), Fault::kUnexplained},
+      {"up, but refused", Facts(ROLU_STATUS_NOT_INITIALIZED, {}), Fault::kUnexplained},
+  };
+  for (const auto& row : rows) {
+    const Fault fault = FaultIn(row.facts);
+    EXPECT_NE(fault.text, "") << row.what;
+    EXPECT_EQ(fault.explained_by, row.explained_by) << row.what;
+  }
+}
+
+TEST(Judgement, OneInAThousandCallsMayBeExcusedAndOneOfEachThread) {
+  EXPECT_EQ(ExcusableCalls(0), kLanes);
+  EXPECT_EQ(ExcusableCalls(8999), kLanes);
+  EXPECT_EQ(ExcusableCalls(80000), 80U);
 }
 
 // A number that stands for its command cannot be another command's, nor the same one's a while ago.

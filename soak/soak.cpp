@@ -77,9 +77,10 @@ milliseconds Soak::elapsed() const {
 }
 
 bool Soak::Run() {
+  // Before any device file is opened: the board's end of it closes a moment later.
+  before_ = MeasureProcess();
   FillLogs(board_);
   ClearLogs();
-  before_ = MeasureProcess();
   const milliseconds period = std::clamp(options_.time / 20, milliseconds(2000), milliseconds(20000));
   const auto work = [&] { WorkFor(std::clamp(options_.time - elapsed(), milliseconds(0), period)); };
   SwitchAll(true);

@@ -118,7 +118,7 @@ Outcome SetAlarm(Lane& lane) {
 
 // Which of the sources is drawn. `pattern` is the order's text with the source and what it is switched to.
 template <typename Source>
-Call SwitchesOneOf(std::vector<int> sources, ROLU_STATUS (*set)(Source, char), const char* pattern) {
+Call SwitchesOneOf(const std::vector<int>& sources, ROLU_STATUS (*set)(Source, char), const char* pattern) {
   return [=](Lane& lane) {
     const int source = sources.at(lane.Draw(static_cast<std::uint32_t>(sources.size())));
     const std::uint32_t on = lane.Draw(2);

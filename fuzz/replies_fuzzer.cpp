@@ -28,7 +28,7 @@ using rolu_test::Made;
 using rolu_test::McuFamily;
 using rolu_test::Replies;
 
-constexpr size_t kMostCalls = 8;
+constexpr size_t kMostCalls = 4;
 
 struct Operation {
   const McuFamily* family;
@@ -129,11 +129,53 @@ bool IsReply(const std::string& line) {
   return lines.size() == 1 && lines.front() == line;
 }
 
-// The healthy reply in whole or its beginning, and anything behind it.
+// Its bytes in hexadecimal, as the MCU writes its numbers.
+std::string Hexadecimal(const std::string& bytes) {
+  std::string digits;
+  for (const char byte : bytes) {
+    char two[3];
+    snprintf(two, sizeof two, "%02X", static_cast<unsigned char>(byte));
+    digits += two;
+  }
+  return digits;
+}
+
+std::string Likely(size_t length, Input& input) {
+  constexpr char kCharacters[] = "0123456789ABCDEFabcdefxX+- \tOIN.*";
+  std::string text;
+  for (; length > 0; --length) text += kCharacters[input.Below(sizeof kCharacters - 1)];
+  return text;
+}
+
+// The beginning of the healthy reply and anything behind it, the like of it, or one character changed.
+std::string AnyLine(const std::string& healthy, Input& input) {
+  std::string line = healthy;
+  switch (input.Below(4)) {
+    case 0:
+      line.resize(input.Below(healthy.size() + 1));
+      return line + input.Text(input.Below(kLineCapacity));
+    case 1:
+      return Hexadecimal(input.Text(std::max<size_t>(1, healthy.size() / 2)));
+    case 2:
+      return Likely(input.Below(16), input);
+    default:
+      line[input.Below(line.size())] = static_cast<char>(input.Byte());
+      return line;
+  }
+}
+
 std::string AnyReply(const std::string& healthy, Input& input) {
-  const std::string beginning = healthy.substr(0, input.Below(healthy.size() + 1));
-  const std::string line = (beginning + input.Text(input.Below(kLineCapacity))).substr(0, kLineCapacity - 1);
+  const std::string line = AnyLine(healthy, input).substr(0, kLineCapacity - 1);
   return IsReply(line) ? line : healthy;
+}
+
+// The codes, registers and flags are numbers of two digits: of these none is left to chance.
+void TryAllCodes(const CallRow& row) {
+  if (row.answers.size() != 1 || row.output.empty()) return;
+  for (int code = 0; code <= UINT8_MAX; ++code) {
+    const Replies replies = {Hexadecimal({static_cast<char>(code)})};
+    FailIf(row.name, FaultOf(Make(row, replies), MeaningOf(row, replies)));
+  }
 }
 
 Replies AnyReplies(const CallRow& row, Input& input) {
@@ -222,6 +264,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
   for (const McuFamily& family : rolu_test::McuFamilies()) {
     for (const CallRow& row : family.operations) CompareWithTable(row);
     BringUp(family);
+    for (const CallRow& row : family.operations) TryAllCodes(row);
   }
   return 0;
 }

@@ -12,6 +12,7 @@
 #include "fuzz/input.h"
 #include "fuzz/start_up_model.h"
 #include "mcu/line_assembler.h"
+#include "mcu/unsolicited.h"
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
 #include "tests/operations/meaning.h"
@@ -147,16 +148,22 @@ std::string Likely(size_t length, Input& input) {
   return text;
 }
 
-// The beginning of the healthy reply and anything behind it, the like of it, or one character changed.
+// The beginning of the healthy reply and anything behind it, more than it, less than it, the like of it,
+// or one character changed.
 std::string AnyLine(const std::string& healthy, Input& input) {
   std::string line = healthy;
-  switch (input.Below(4)) {
+  switch (input.Below(6)) {
     case 0:
       line.resize(input.Below(healthy.size() + 1));
       return line + input.Text(input.Below(kLineCapacity));
     case 1:
-      return Hexadecimal(input.Text(std::max<size_t>(1, healthy.size() / 2)));
+      return line + Likely(1 + input.Below(4), input);
     case 2:
+      line.resize(input.Below(healthy.size()));
+      return line;
+    case 3:
+      return Hexadecimal(input.Text(std::max<size_t>(1, healthy.size() / 2)));
+    case 4:
       return Likely(input.Below(16), input);
     default:
       line[input.Below(line.size())] = static_cast<char>(input.Byte());
@@ -228,6 +235,29 @@ void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& re
   BringUp(family);
 }
 
+// An alarm sample is scaled as one that was asked for. Three axes, and the next time none is left.
+void CheckAlarmSample(Input& input) {
+  const int16_t axes[] = {input.Raw<int16_t>(), input.Raw<int16_t>(), input.Raw<int16_t>()};
+  std::string message = "[GI:";
+  int32_t scaled[3];
+  for (size_t i = 0; i < 3; ++i) {
+    const auto field = static_cast<uint16_t>(axes[i]);
+    message += Hexadecimal({static_cast<char>(field >> 8U), static_cast<char>(field & 0xFFU)});
+    scaled[i] = (axes[i] * 125 + 16) / 32;  // 1000/256, a half added, and the rest cut off
+  }
+  {
+    const ScopedLock lock(*io_op_lock);
+    HandleBracketedMessage((message + "]").c_str());
+  }
+  const auto get = [] {
+    alignas(ROLU_GSENSOR_DATA) rolu_test::OutputMemory sample = rolu_test::MemoryWith({});
+    const ROLU_STATUS status = rolu_test::Into(KAVO_ROLU_GSENSOR_GetAlarmData)(sample.data());
+    return Made{status, sample};
+  };
+  FailIf("GSENSOR_GetAlarmData", FaultOf(get(), ROLU_STATUS_SUCCESS, rolu_test::Written(scaled), ""));
+  FailIf("GSENSOR_GetAlarmData", FaultOf(get(), ROLU_STATUS_GSENSOR_NO_ALARM_DATA, {}, ""));
+}
+
 void CheckOperation(Input& input) {
   static const std::vector<Operation> operations = AllOperations();
   const Operation& operation = operations[input.Below(operations.size())];
@@ -271,7 +301,9 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
-  if (input.Byte() % 4 == 0) rolu_fuzz::CheckFields(input);
+  const size_t also = input.Byte();
+  if (also % 4 == 0) rolu_fuzz::CheckFields(input);
+  if (also % 8 == 1) CheckAlarmSample(input);
   for (size_t calls = 0; calls < kMostCalls && !input.empty(); ++calls) CheckOperation(input);
   return 0;
 }

@@ -95,6 +95,7 @@ class Session {
       if (status != ROLU_STATUS_SUCCESS) return;
       if (row.brings_up) up_[operation.family] = true;
       if (operation.takes_down) up_[operation.family] = false;
+      if (row.name == "VPM_Initialize") RestoreScales(row);
       if (row.undo) FailIf(row.name, MakeUndo(row) == ROLU_STATUS_SUCCESS ? "" : "cannot be undone");
     }
   }
@@ -140,6 +141,12 @@ class Session {
 
   ROLU_STATUS MakeUndo(const CallRow& row) { return Make({row.name + ", undone", row.undo}).status; }
 
+  // The voltages of the rows are those of the scales that the power manager is told there.
+  void RestoreScales(const CallRow& start_up) {
+    Require(KAVO_ROLU_VPM_Deinitialize() == ROLU_STATUS_SUCCESS, "the power manager does not go down");
+    FailIf(start_up.name, FaultOf(Make(start_up), start_up.status, start_up.output, start_up.wire));
+  }
+
   void ExpectRefusal(const CallRow& row, ROLU_STATUS status) {
     FailIf(row.name + " in the wrong state", FaultOf(Make(row), status, {}, ""));
   }
@@ -184,6 +191,8 @@ class Session {
   // All whole lines; what did not end would be the beginning of the next answer.
   static std::string AnswerOf(size_t kind, const std::string& healthy, Input& input) {
     switch (kind) {
+      case 8:
+        return healthy.substr(0, input.Below(healthy.size())) + input.Text(input.Below(70)) + "\r\n";
       case 11:
         return std::string(rolu_test::kErrorReplies[input.Below(rolu_test::kErrorReplies.size())]) + "\r\n";
       case 12:

@@ -1,100 +1,347 @@
-// Any bytes in any pieces, with the line left idle now and then: the lines that the port's reader and
-// the line assembler make of them.
-#include <fcntl.h>
+// Any bytes in any pieces, with the line left idle now and then, commands queued and callers waiting:
+// what the link's I/O thread makes of them. Which lines are kept as replies, which are the MCU's own
+// messages and what these do, and which are discarded.
+//
+// The thread's body runs on the fuzzer's thread. It stops whenever it polls its port, and once where it
+// lets a caller take a reply: there these stand in for the C library's functions.
+#include <pthread.h>
+#include <sys/ioctl.h>
+#include <sys/select.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstring>
+
 #include "fuzz/input.h"
-#include "mcu/line_assembler.h"
+#include "fuzz/unsolicited_model.h"
+#include "mcu/link.h"
 #include "mcu/link_state.h"
 #include "tests/support/wire_model.h"
 
 namespace {
 
 using rolu_fuzz::Input;
+using rolu_fuzz::Registration;
 using rolu_fuzz::Require;
 
-// The same in plain words: what was received since the last line end, and whether a line that is too
-// long is still being skipped after it was given up.
+pthread_cond_t reply_event = PTHREAD_COND_INITIALIZER;
+pthread_cond_t alarm_event = PTHREAD_COND_INITIALIZER;
+pthread_cond_t ignition_event = PTHREAD_COND_INITIALIZER;
+pthread_cond_t battery_event = PTHREAD_COND_INITIALIZER;
+
+// A signal, and of a reply the line that was stored.
+struct Effect {
+  pthread_cond_t* signalled;
+  std::string reply;
+};
+
+bool operator==(const Effect& left, const Effect& right) {
+  return left.signalled == right.signalled && left.reply == right.reply;
+}
+
+pthread_cond_t* EventOf(Registration registration) {
+  if (registration == Registration::kAlarm) return &alarm_event;
+  return registration == Registration::kIgnition ? &ignition_event : &battery_event;
+}
+
+// A line as it is stored, with its NUL.
+std::string Stored(const std::string& line) {
+  return line + '\0';
+}
+
+std::string StoredReply() {
+  const ScopedLock lock(*io_op_lock);
+  return {last_command_result, sizeof last_command_result};
+}
+
+// The thread in plain words.
 class Model {
  public:
-  // The line that the byte ended, or nothing.
-  std::string Take(char byte) {
-    if (byte != '\r' && byte != '\n') {
-      line_ += byte;
-      return "";
-    }
-    const std::vector<std::string> lines = rolu_test::WholeLines(line_ + '\n');
-    line_.clear();
-    return lines.empty() ? "" : lines.front();
+  void Receive(const std::string& bytes) {
+    for (const char byte : bytes) Take(byte);
   }
-  void Abandon() {
+
+  // A poll that ended without a byte.
+  void Idle() {
+    written_ += queue_;
+    queue_.clear();
+    if (++idle_polls_ < 100) return;
+    idle_polls_ = 0;
+    // A line that is too long is skipped up to its end, however late that comes.
     if (line_.size() < 64) line_.clear();
   }
 
+  bool Queue(const std::string& command) {
+    if (queue_.size() + command.size() > 511) return false;
+    queue_ += command;
+    has_reply_ = false;
+    return true;
+  }
+
+  // The caller that waits takes a reply that is there.
+  bool TakeReply() {
+    const bool taken = has_reply_;
+    has_reply_ = false;
+    if (taken) waits_ = false;
+    return taken;
+  }
+
+  void Wait() { waits_ = true; }
+  void GiveUp() { waits_ = false; }
+  // The caller queues this as soon as it has its reply.
+  void QueueAfterReply(const std::string& command) { next_command_ = command; }
+
+  bool waits() const { return waits_; }
+  bool has_reply() const { return has_reply_; }
+  const std::string& reply() const { return reply_; }
+  const std::string& next_command() const { return next_command_; }
+  const std::string& written() const { return written_; }
+  std::vector<Effect>& effects() { return effects_; }
+  rolu_fuzz::UnsolicitedModel& messages() { return messages_; }
+
  private:
+  void Take(char byte) {
+    line_ += byte;
+    if (byte != '\r' && byte != '\n') return;
+    const std::vector<std::string> lines = rolu_test::WholeLines(line_);
+    line_.clear();
+    if (lines.empty()) return;
+    idle_polls_ = 0;
+    if (rolu_test::IsBracketed(lines.front())) {
+      const Registration registration = messages_.Take(lines.front());
+      if (registration != Registration::kNone) effects_.push_back({EventOf(registration), ""});
+    } else {
+      Store(lines.front());
+    }
+  }
+
+  void Store(const std::string& line) {
+    // Nobody who waits for a reply misses it because the next one came.
+    if (waits_ && TakeReply() && !next_command_.empty()) Queue(next_command_);
+    // The MCU cannot have answered a command that it has not seen.
+    if (!queue_.empty()) return;
+    reply_ = line;
+    has_reply_ = true;
+    effects_.push_back({&reply_event, Stored(line)});
+  }
+
   std::string line_;
+  int idle_polls_ = 0;
+  std::string queue_;
+  std::string written_;
+  bool waits_ = false;
+  std::string next_command_;
+  std::string reply_;
+  bool has_reply_ = false;
+  std::vector<Effect> effects_;
+  rolu_fuzz::UnsolicitedModel messages_;
 };
 
-class Port {
+// One run of the thread, from the opening of its port.
+class Session {
  public:
-  Port() {
-    Require(pipe2(ends_, O_NONBLOCK) == 0, "no pipe");
+  explicit Session(Input& input) : input_(input) {
+    Require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends_) == 0, "no socket");
+    const ScopedLock lock(*io_op_lock);
     vpm_port = ends_[0];
+    vpm_tx_buffer = transmit_buffer_;
+    vpm_resp_event = &reply_event;
+    vpm_resp_waiters = 0;
+    last_command_valid = false;
+    tx_index = 0;
     ResetPortReader();
+    ResetUnsolicited();
+    set_gsensor_alarm_event(&alarm_event);
+    set_ignition_poweroff_alarm_event(&ignition_event);
+    set_lvp_poweroff_alarm_event(&battery_event);
+    io_thread_active = true;
   }
-  ~Port() {
+  ~Session() {
     close(ends_[0]);
     close(ends_[1]);
   }
-  Port(const Port&) = delete;
-  Port& operator=(const Port&) = delete;
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
 
-  void Receive(const std::string& bytes) {
-    const auto size = static_cast<ssize_t>(bytes.size());
-    Require(write(ends_[1], bytes.data(), bytes.size()) == size, "the pipe is full");
+  void End() {
+    Compare();
+    model_.messages().CompareAllPops();
+  }
+
+  // The port is polled: true if there are bytes.
+  bool Poll() {
+    int bytes = 0;
+    Require(ioctl(ends_[0], FIONREAD, &bytes) == 0, "the port cannot be asked");
+    if (bytes > 0) return true;
+    // All that came so far has been dealt with.
+    Compare();
+    while (idle_polls_to_come_ == 0) {
+      if (input_.empty()) {
+        io_thread_active = false;
+        idle_polls_to_come_ = 1;
+      } else if (Step()) {
+        return true;
+      }
+    }
+    --idle_polls_to_come_;
+    model_.Idle();
+    return false;
+  }
+
+  bool TakeFails() {
+    const bool fails = next_poll_fails_;
+    next_poll_fails_ = false;
+    return fails;
+  }
+
+  void HearSignal(pthread_cond_t* event) {
+    effects_.push_back({event, ""});
+    if (event != &reply_event) return;
+    effects_.back().reply = StoredReply();
+    // What a longer line left behind the NUL is nobody's.
+    if (effects_.size() <= model_.effects().size()) {
+      effects_.back().reply.resize(model_.effects()[effects_.size() - 1].reply.size());
+    }
+  }
+
+  // The caller that waits runs, while the thread waits for it.
+  void LetCallerRun() {
+    const ScopedLock lock(*io_op_lock);
+    Require(vpm_resp_waiters == 1 && last_command_valid, "the thread waits for nobody");
+    last_command_valid = false;
+    vpm_resp_waiters = 0;
+    const std::string& command = next_command_;
+    if (!command.empty()) send_vpm_command(command.data(), static_cast<int>(command.size()));
   }
 
  private:
-  int ends_[2];
+  // What happens next; true if bytes arrived.
+  bool Step() {
+    const size_t kind = input_.Byte();
+    switch (kind) {
+      case 0:
+        idle_polls_to_come_ = input_.Byte();
+        return false;
+      case 1:
+        next_poll_fails_ = true;
+        idle_polls_to_come_ = 1;
+        return false;
+      case 2:
+        Queue(input_.Text(input_.Byte()));
+        return false;
+      case 3:
+        WaitForReply();
+        return false;
+      case 4:
+        model_.messages().ComparePop();
+        return false;
+      default:
+        return Receive(input_.Text(kind - 4));
+    }
+  }
+
+  bool Receive(const std::string& bytes) {
+    if (bytes.empty()) return false;
+    Require(write(ends_[1], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()),
+            "the line is full");
+    model_.Receive(bytes);
+    return true;
+  }
+
+  // Only one caller has a command under way: the one before has its reply by now, or gave up.
+  void Queue(const std::string& command) {
+    SetWaiting(false);
+    const bool queued = model_.Queue(command);
+    Require(send_vpm_command(command.data(), static_cast<int>(command.size())) == (queued ? 0 : -2),
+            "a command finds room where none is, or none where some is");
+  }
+
+  void WaitForReply() {
+    next_command_ = input_.Text(input_.Below(8));
+    model_.QueueAfterReply(next_command_);
+    if (!model_.waits() && !model_.has_reply()) {
+      SetWaiting(true);
+    } else if (model_.TakeReply()) {
+      const ScopedLock lock(*io_op_lock);
+      last_command_valid = false;
+      vpm_resp_waiters = 0;
+    }
+  }
+
+  void SetWaiting(bool waits) {
+    const ScopedLock lock(*io_op_lock);
+    vpm_resp_waiters = waits ? 1 : 0;
+    if (waits) {
+      model_.Wait();
+    } else {
+      model_.GiveUp();
+    }
+  }
+
+  void Compare() {
+    Require(effects_ == model_.effects(), "other lines were kept, or other registrations signalled");
+    effects_.clear();
+    model_.effects().clear();
+    char bytes[512];
+    for (ssize_t count; (count = read(ends_[1], bytes, sizeof bytes)) > 0;) {
+      written_.append(bytes, static_cast<size_t>(count));
+    }
+    Require(written_ == model_.written(), "other bytes were written");
+    const ScopedLock lock(*io_op_lock);
+    Require(last_command_valid == model_.has_reply(), "a reply is missing, or is one too many");
+    const std::string stored = Stored(model_.reply());
+    Require(!last_command_valid || memcmp(last_command_result, stored.data(), stored.size()) == 0,
+            "another reply is stored");
+  }
+
+  Input& input_;
+  int ends_[2] = {-1, -1};  // the link's, and the MCU's
+  char transmit_buffer_[kTxCapacity] = {};
+  Model model_;
+  size_t idle_polls_to_come_ = 0;
+  bool next_poll_fails_ = false;
+  std::string next_command_;
+  std::vector<Effect> effects_;
+  std::string written_;
 };
 
-void Compare(LineAssembler& assembler, Model& model, unsigned char byte) {
-  const bool complete = assembler.Take(byte);
-  const std::string expected = model.Take(static_cast<char>(byte));
-  Require(complete == !expected.empty(), "a line ends where none does, or does not where one does");
-  if (!complete) return;
-  Require(std::string(assembler.text(), assembler.length()) == expected, "another line was received");
-  Require(assembler.text()[assembler.length()] == '\0', "the line is not terminated");
-}
+Session* session = nullptr;
 
 }  // namespace
 
+extern "C" int select(int, fd_set* readable, fd_set* writable, fd_set*, timeval*) {
+  Require(session != nullptr, "nobody polls");
+  if (writable != nullptr) return 1;
+  // Of a poll that failed the rest of its time is waited for without the port.
+  if (!FD_ISSET(vpm_port, readable)) return 0;
+  if (session->Poll()) return 1;
+  FD_ZERO(readable);
+  return session->TakeFails() ? -1 : 0;
+}
+
+extern "C" int pthread_cond_signal(pthread_cond_t* event) noexcept {
+  Require(session != nullptr, "nobody signals");
+  session->HearSignal(event);
+  return 0;
+}
+
+extern "C" int pthread_cond_timedwait(pthread_cond_t* event, pthread_mutex_t*, const timespec*) {
+  Require(event == &vpm_resp_taken, "the thread waits for something else");
+  session->LetCallerRun();
+  return 0;
+}
+
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  if (io_op_lock == nullptr) io_op_lock = new CCriticalSection;
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
-  Port port;
-  LineAssembler assembler;
-  Model model;
-  while (!input.empty()) {
-    const size_t kind = input.Byte();
-    if (kind == 0) {
-      assembler.Abandon();
-      model.Abandon();
-      continue;
-    }
-    const std::string piece = input.Text(kind);
-    port.Receive(piece);
-    for (const char sent : piece) {
-      unsigned char byte = 0;
-      Require(recvbyte_vpm(&byte, 0) == 0, "a byte is missing");
-      Require(byte == static_cast<unsigned char>(sent), "another byte was received");
-      Compare(assembler, model, byte);
-    }
-    unsigned char byte = 0;
-    Require(recvbyte_vpm(&byte, 0) == -2, "a byte too many was received");
-  }
+  Session current(input);
+  session = &current;
+  VPMHandleThread(nullptr);
+  current.End();
+  session = nullptr;
   return 0;
 }

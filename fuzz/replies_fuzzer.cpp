@@ -1,159 +1,309 @@
-// Any reply line, and any numbers: what the parsers of the fields make of them, compared with what the
-// interface promises, told in the plainest way.
-#include <cctype>
-#include <cmath>
-#include <cstring>
-#include <limits>
-#include <memory>
+// Any reply line: what the functions make of it that read its fields, and what each operation makes of it
+// (the status, every byte of the caller's memory, what the MCU is sent, and what the power manager has
+// learned when it came up), compared with what the interface promises, told in the plainest way.
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <cstring>
+
+#include "fuzz/answered_link.h"
+#include "fuzz/field_checks.h"
+#include "fuzz/hurried_time.h"
 #include "fuzz/input.h"
-#include "mcu/error_reply.h"
+#include "fuzz/start_up_model.h"
 #include "mcu/line_assembler.h"
-#include "mcu/reply_fields.h"
+#include "mcu/unsolicited.h"
+#include "simulator/board.h"
+#include "simulator/preloaded.h"
+#include "tests/operations/meaning.h"
+#include "tests/operations/operations.h"
 #include "tests/support/wire_model.h"
-#include "vpm/clock_fields.h"
-#include "vpm/voltage_scale.h"
-#include "vpm/vpm_manager.h"
 
 namespace {
 
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
+using rolu_test::CallRow;
+using rolu_test::Ending;
+using rolu_test::Made;
+using rolu_test::McuFamily;
+using rolu_test::Replies;
 
-int DigitOf(char character) {
-  if (character >= '0' && character <= '9') return character - '0';
-  const int lower = tolower(static_cast<unsigned char>(character));
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
+constexpr size_t kMostCalls = 4;
+
+struct Operation {
+  const McuFamily* family;
+  const CallRow* row;
+};
+
+void FailIf(const std::string& where, const std::string& wrong) {
+  if (!wrong.empty()) rolu_fuzz::FailIf(where + ": " + wrong);
 }
 
-// strtol where long has 32 bits.
-int32_t NumberOf(const std::string& text, int base) {
-  size_t at = text.find_first_not_of(" \t\n\v\f\r");
-  if (at == text.npos) return 0;
-  const bool negative = text[at] == '-';
-  if (negative || text[at] == '+') ++at;
-  const auto digit_at = [&](size_t place) { return place < text.size() ? DigitOf(text[place]) : 99; };
-  if (base == 16 && digit_at(at) == 0 && at + 1 < text.size() && tolower(text[at + 1]) == 'x' &&
-      digit_at(at + 2) < base) {
-    at += 2;
+std::vector<Operation> AllOperations() {
+  std::vector<Operation> operations;
+  for (const McuFamily& family : rolu_test::McuFamilies()) {
+    for (const CallRow& row : family.operations) operations.push_back({&family, &row});
   }
-  double value = 0;  // exact as far as it matters, and without an end
-  for (; digit_at(at) < base; ++at) value = value * base + digit_at(at);
-  if (negative) value = -value;
-  if (value > 2147483647.0) return std::numeric_limits<int32_t>::max();
-  if (value < -2147483648.0) return std::numeric_limits<int32_t>::min();
-  return static_cast<int32_t>(value);
+  return operations;
 }
 
-void CheckNumbers(const std::string& reply, size_t position, size_t width) {
-  Require(ReadHexadecimal(reply.c_str()) == NumberOf(reply, 16), "another hexadecimal number");
-  Require(ReadBinary(reply.c_str()) == NumberOf(reply, 2), "another binary number");
-  const std::string field = position < reply.size() ? reply.substr(position, std::min<size_t>(width, 8)) : "";
-  Require(ReadHexadecimalField(reply.c_str(), position, width) == NumberOf(field, 16), "another field");
+const CallRow& RowOf(const std::string& name) {
+  for (const McuFamily& family : rolu_test::McuFamilies()) {
+    for (const CallRow& row : family.operations) {
+      if (row.name == name) return row;
+    }
+  }
+  FailIf(name, "no such row");
+  abort();
 }
 
-void CheckCharacter(const std::string& reply, int32_t position) {
-  const bool within = position >= 0 && static_cast<size_t>(position) < reply.size();
-  const char expected = within ? reply[static_cast<size_t>(position)] : '\0';
-  Require(CharacterAt(reply.c_str(), position) == expected, "another character");
+int printed_end = -1;
+
+// What was printed since the last time.
+std::string TakePrinted() {
+  fflush(stdout);
+  std::string printed;
+  char bytes[256];
+  for (ssize_t count; (count = read(printed_end, bytes, sizeof bytes)) > 0;) {
+    printed.append(bytes, static_cast<size_t>(count));
+  }
+  return printed;
 }
 
-// The plain decimal form at the start of the text; empty if there is none.
-std::string DecimalOf(const std::string& text) {
-  const auto digits_from = [&text](size_t at) {
-    size_t end = at;
-    while (end < text.size() && isdigit(static_cast<unsigned char>(text[end])) != 0) ++end;
-    return end;
+// The lines that answer the command, whose last one is `reply`. The clock's setting is answered with two,
+// and the first does not matter.
+void Answer(const rolu_test::Answer& healthy, const std::string& reply) {
+  const size_t lines = rolu_test::ReplyLines(BytesOf(healthy)).size();
+  for (size_t i = 1; i < lines; ++i) rolu_fuzz::replies_to_come.emplace_back("ERR-M08");
+  rolu_fuzz::replies_to_come.push_back(reply);
+}
+
+Made Make(const CallRow& row, const Replies& replies) {
+  rolu_fuzz::replies_to_come.clear();
+  for (size_t i = 0; i < replies.size(); ++i) Answer(row.answers[i], *replies[i]);
+  rolu_fuzz::commands_sent.clear();
+  rolu_fuzz::slept_ms = 0;
+  alignas(std::max_align_t) rolu_test::OutputMemory output = rolu_test::MemoryWith({});
+  const ROLU_STATUS status = row.call(output.data());
+  return {status, output, rolu_fuzz::commands_sent};
+}
+
+// Switches a family while the MCU answers as it should.
+void Switch(const std::function<ROLU_STATUS()>& way, const CallRow* start_up) {
+  rolu_fuzz::replies_to_come.assign(2, "OK");
+  if (start_up != nullptr) {
+    rolu_fuzz::replies_to_come.clear();
+    for (const auto& reply : HealthyReplies(*start_up)) rolu_fuzz::replies_to_come.push_back(*reply);
+  }
+  Require(way() == ROLU_STATUS_SUCCESS, "a family cannot be switched");
+  TakePrinted();
+}
+
+void BringUp(const McuFamily& family) {
+  for (const CallRow& row : family.operations) {
+    if (row.brings_up) Switch(family.switches.initialize, &row);
+  }
+}
+
+void BringDown(const McuFamily& family) {
+  Switch(family.switches.deinitialize, nullptr);
+}
+
+// The table tells the same of the healthy MCU as the meanings do, and of one that falls silent.
+void CompareWithTable(const CallRow& row) {
+  Replies replies = HealthyReplies(row);
+  const Ending healthy = MeaningOf(row, replies);
+  constexpr char kDiffer[] = "the table and the meanings differ";
+  if (healthy.status != row.status || healthy.output != rolu_test::MemoryWith(row.output) ||
+      healthy.wire != row.wire) {
+    FailIf(row.name, kDiffer);
+  }
+  replies.back().reset();
+  const rolu_test::Bytes first = replies.size() > 1 ? row.first_output : rolu_test::Bytes{};
+  if (row.indifferent.empty() && MeaningOf(row, replies).output != rolu_test::MemoryWith(first))
+    FailIf(row.name, kDiffer);
+}
+
+bool IsReply(const std::string& line) {
+  const std::vector<std::string> lines = rolu_test::ReplyLines(line + '\n');
+  return lines.size() == 1 && lines.front() == line;
+}
+
+// Its bytes in hexadecimal, as the MCU writes its numbers.
+std::string Hexadecimal(const std::string& bytes) {
+  std::string digits;
+  for (const char byte : bytes) {
+    char two[3];
+    snprintf(two, sizeof two, "%02X", static_cast<unsigned char>(byte));
+    digits += two;
+  }
+  return digits;
+}
+
+std::string Likely(size_t length, Input& input) {
+  constexpr char kCharacters[] = "0123456789ABCDEFabcdefxX+- \tOIN.*";
+  std::string text;
+  for (; length > 0; --length) text += kCharacters[input.Below(sizeof kCharacters - 1)];
+  return text;
+}
+
+// The beginning of the healthy reply and anything behind it, more than it, less than it, the like of it,
+// or one character changed.
+std::string AnyLine(const std::string& healthy, Input& input) {
+  std::string line = healthy;
+  switch (input.Below(6)) {
+    case 0:
+      line.resize(input.Below(healthy.size() + 1));
+      return line + input.Text(input.Below(kLineCapacity));
+    case 1:
+      return line + Likely(1 + input.Below(4), input);
+    case 2:
+      line.resize(input.Below(healthy.size()));
+      return line;
+    case 3:
+      return Hexadecimal(input.Text(std::max<size_t>(1, healthy.size() / 2)));
+    case 4:
+      return Likely(input.Below(16), input);
+    default:
+      line[input.Below(line.size())] = static_cast<char>(input.Byte());
+      return line;
+  }
+}
+
+std::string AnyReply(const std::string& healthy, Input& input) {
+  const std::string line = AnyLine(healthy, input).substr(0, kLineCapacity - 1);
+  return IsReply(line) ? line : healthy;
+}
+
+// The codes, registers and flags are numbers of two digits: of these none is left to chance.
+void TryAllCodes(const CallRow& row) {
+  if (row.answers.size() != 1 || row.output.empty()) return;
+  for (int code = 0; code <= UINT8_MAX; ++code) {
+    const Replies replies = {Hexadecimal({static_cast<char>(code)})};
+    FailIf(row.name, FaultOf(Make(row, replies), MeaningOf(row, replies)));
+  }
+}
+
+Replies AnyReplies(const CallRow& row, Input& input) {
+  Replies replies = HealthyReplies(row);
+  for (auto& reply : replies) {
+    if (replies.size() == 1 || input.Byte() % 2 == 1) reply = AnyReply(*reply, input);
+  }
+  return replies;
+}
+
+template <typename Record>
+void CompareRecord(const std::string& name, ROLU_STATUS status, const Record& record,
+                   const Record& expected) {
+  if (status != ROLU_STATUS_SUCCESS || memcmp(&record, &expected, sizeof record) != 0) {
+    FailIf("VPM_Initialize", "another " + name);
+  }
+}
+
+// A threshold of 1 step is the scale itself.
+void CompareScale(const std::string& getter, float scale) {
+  const CallRow& row = RowOf(getter);
+  const Made made = Make(row, {"1"});
+  FailIf(row.name, FaultOf(made, ROLU_STATUS_SUCCESS, rolu_test::Written(scale), row.wire));
+}
+
+// The power manager comes up with any answers; afterwards it is up as in the table.
+void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& replies) {
+  rolu_fuzz::StartUp learned;
+  learned.Learn(HealthyReplies(row));
+  learned.Learn(replies);
+  BringDown(family);
+  const Made made = Make(row, replies);
+  FailIf(row.name, FaultOf(made, MeaningOf(row, replies)));
+  Require(TakePrinted() == learned.printed, "another version was printed");
+  BATTERY_INFO range = {};
+  ROLU_STATUS status = KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_12V, &range);
+  CompareRecord("range of 12 V", status, range, learned.range_12v);
+  status = KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_24V, &range);
+  CompareRecord("range of 24 V", status, range, learned.range_24v);
+  if (made.status == ROLU_STATUS_SUCCESS) {
+    VPM_FIRMWARE_INFO firmware = {};
+    VPM_FIRMWARE_INFO expected = {};
+    memcpy(expected.text, learned.firmware.data(), learned.firmware.size());
+    status = KAVO_ROLU_VPM_GetFWVersion(&firmware);
+    CompareRecord("firmware", status, firmware, expected);
+    CompareScale("VPM_GetLBPThresholdFor12VSystem", learned.scale_12v);
+    CompareScale("VPM_GetLBPThresholdFor24VSystem", learned.scale_24v);
+    BringDown(family);
+  }
+  BringUp(family);
+}
+
+// An alarm sample is scaled as one that was asked for. Three axes, and the next time none is left.
+void CheckAlarmSample(Input& input) {
+  const int16_t axes[] = {input.Raw<int16_t>(), input.Raw<int16_t>(), input.Raw<int16_t>()};
+  std::string message = "[GI:";
+  int32_t scaled[3];
+  for (size_t i = 0; i < 3; ++i) {
+    const auto field = static_cast<uint16_t>(axes[i]);
+    message += Hexadecimal({static_cast<char>(field >> 8U), static_cast<char>(field & 0xFFU)});
+    scaled[i] = (axes[i] * 125 + 16) / 32;  // 1000/256, a half added, and the rest cut off
+  }
+  {
+    const ScopedLock lock(*io_op_lock);
+    HandleBracketedMessage((message + "]").c_str());
+  }
+  const auto get = [] {
+    alignas(ROLU_GSENSOR_DATA) rolu_test::OutputMemory sample = rolu_test::MemoryWith({});
+    const ROLU_STATUS status = rolu_test::Into(KAVO_ROLU_GSENSOR_GetAlarmData)(sample.data());
+    return Made{status, sample};
   };
-  const size_t start = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
-  const size_t sign = start < text.size() && (text[start] == '-' || text[start] == '+') ? 1 : 0;
-  const size_t whole_end = digits_from(start + sign);
-  size_t end = whole_end;
-  size_t digits = whole_end - (start + sign);
-  if (end < text.size() && text[end] == '.') {
-    const size_t fraction_end = digits_from(end + 1);
-    digits += fraction_end - (end + 1);
-    end = fraction_end;
-  }
-  return digits > 0 ? text.substr(start, end - start) : "";
+  FailIf("GSENSOR_GetAlarmData", FaultOf(get(), ROLU_STATUS_SUCCESS, rolu_test::Written(scaled), ""));
+  FailIf("GSENSOR_GetAlarmData", FaultOf(get(), ROLU_STATUS_GSENSOR_NO_ALARM_DATA, {}, ""));
 }
 
-void CheckFloat(const std::string& reply) {
-  constexpr float kUntouched = -77.0F;
-  float value = kUntouched;
-  const bool read = ReadFloat(reply.c_str(), &value);
-  if (!read) Require(value == kUntouched, "a float was written, though none was read");
-  // Exponents, hexadecimal floats, infinities and the like are left to the C library.
-  if (reply.find_first_of("eExXnN") != reply.npos) return;
-  const std::string decimal = DecimalOf(reply);
-  Require(read == !decimal.empty(), "a float where none is, or none where one is");
-  if (read) Require(value == strtof(decimal.c_str(), nullptr), "another float");
+void CheckOperation(Input& input) {
+  static const std::vector<Operation> operations = AllOperations();
+  const Operation& operation = operations[input.Below(operations.size())];
+  const CallRow& row = *operation.row;
+  const McuFamily& family = *operation.family;
+  const Replies replies = AnyReplies(row, input);
+  if (row.name == "VPM_Initialize") return CheckStartUp(family, row, replies);
+
+  if (row.brings_up) BringDown(family);
+  const Made made = Make(row, replies);
+  FailIf(row.name, FaultOf(made, MeaningOf(row, replies)));
+  if (made.status != ROLU_STATUS_SUCCESS) return;
+  Require(rolu_fuzz::slept_ms == row.post_delay_ms, "another post-delay");
+  if (row.name == "GSENSOR_Deinitialize") BringUp(family);
+  // An alarm that is on cannot be switched on.
+  rolu_fuzz::replies_to_come.assign(1, "OK");
+  if (row.name == "GSENSOR_AlarmEnabled on") KAVO_ROLU_GSENSOR_AlarmEnabled(false);
 }
 
-void CheckError(const std::string& reply) {
-  static const std::unique_ptr<ErrorReplyEntry[]> table(NewErrorTable());
-  const int32_t number = FindErrorReply(table.get(), reply.c_str());
-  Require(StatusOfErrorNumber(number) == rolu_test::StatusOfReply(reply), "another status of a reply");
-}
-
-// As the board's processor converts: towards zero, and what does not fit saturates at 32 bits.
-void CheckVolts(float volts, float scale) {
-  const double units = std::floor(static_cast<double>(volts / scale) + 0.5);
-  uint16_t expected = 0;
-  if (units >= 4294967295.0) {
-    expected = 0xFFFF;
-  } else if (units > 0) {
-    expected = static_cast<uint16_t>(std::fmod(units, 65536.0));
-  }
-  Require(VoltsToRaw(volts, scale) == expected, "another raw voltage");
-}
-
-void CheckClock(Input& input) {
-  const unsigned char year = input.Byte();
-  const unsigned char month = input.Byte();
-  const unsigned char day = input.Byte();
-  const unsigned char weekday = input.Byte();
-  const unsigned char hour = input.Byte();
-  const unsigned char minute = input.Byte();
-  const unsigned char second = input.Byte();
-  // Of the years 2000 to 2099 every fourth has a 29 February.
-  const int days[] = {31, year % 4 == 0 ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const bool valid = year < 100 && month >= 1 && month <= 12 && day >= 1 && day <= days[(month + 11) % 12] &&
-                     weekday < 7 && hour < 24 && minute < 60 && second < 60;
-  Require(CheckRTCRange(year, month, day, weekday, hour, minute, second) == (valid ? 1 : 0),
-          "a time is judged otherwise");
-}
-
-void CheckAlarmField(unsigned char value) {
-  // Sums of the weights of the byte's bits, and back.
-  const unsigned char raw = CVPMMgr::TimeToRAW(value);
-  if (value < 80) Require(CVPMMgr::RAWToTime(raw) == value, "an alarm field does not come back");
-  constexpr int kWeights[] = {0, 40, 20, 10, 8, 4, 2, 1};
-  int sum = 0;
-  for (unsigned int bit = 0; bit < 8; ++bit) sum += (value >> bit & 1U) != 0 ? kWeights[bit] : 0;
-  Require(CVPMMgr::RAWToTime(value) == sum, "another alarm field");
+rolu_sim::Board& TheBoard() {
+  static rolu_sim::Board board;
+  return board;
 }
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+  // The families' start-up also uses device files, and those of this machine are not meant.
+  rolu_sim::EnsurePreloaded(*argc, *argv);
+  TheBoard().AttachThisProcess();
+  int ends[2];
+  Require(pipe2(ends, O_NONBLOCK) == 0 && dup2(ends[1], STDOUT_FILENO) != -1, "no pipe");
+  printed_end = ends[0];
+  for (const McuFamily& family : rolu_test::McuFamilies()) {
+    for (const CallRow& row : family.operations) CompareWithTable(row);
+    BringUp(family);
+    for (const CallRow& row : family.operations) TryAllCodes(row);
+  }
   return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
-  CheckVolts(input.Raw<float>(), input.Raw<float>());
-  CheckClock(input);
-  CheckAlarmField(input.Byte());
-  const size_t position = input.Byte() % 80U;
-  const size_t width = input.Byte() % 12U;
-  const auto character = input.Raw<int32_t>();
-  std::string reply = input.Text(kLineCapacity - 1);
-  reply.resize(strlen(reply.c_str()));
-  CheckNumbers(reply, position, width);
-  CheckCharacter(reply, character);
-  CheckCharacter(reply, static_cast<int32_t>(position));
-  CheckFloat(reply);
-  CheckError(reply);
+  const size_t also = input.Byte();
+  if (also % 4 == 0) rolu_fuzz::CheckFields(input);
+  if (also % 8 == 1) CheckAlarmSample(input);
+  for (size_t calls = 0; calls < kMostCalls && !input.empty(); ++calls) CheckOperation(input);
   return 0;
 }

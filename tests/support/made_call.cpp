@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "tests/operations/meaning.h"
 #include "tests/support/wire_model.h"
 
 namespace rolu_test {
@@ -21,26 +22,12 @@ std::string Difference(const char* subject, const std::string& found, const std:
   return std::string(subject) + " is '" + found + "', not '" + wanted + "'; ";
 }
 
-std::string WireUpTo(const OddAnswer& answer) {
-  const std::vector<std::string> commands = CommandsOf(answer.operation->wire);
-  std::string wire;
-  for (size_t i = 0; i <= answer.command; ++i) wire += commands[i];
-  return wire;
-}
-
-Bytes OutputOfFailure(const OddAnswer& answer) {
-  return answer.command > 0 ? answer.operation->first_output : Bytes{};
-}
-
-// The call made something of a line that is no answer of the MCU's.
-std::string FaultOfInterpretation(const Made& made, const OddAnswer& answer) {
-  const CallRow& row = *answer.operation;
-  const bool is_order = row.output.empty() && answer.command + 1 == row.answers.size();
-  if (is_order) return Difference("the wire", made.traffic, row.wire);
-  const auto behind = made.output.begin() + static_cast<std::ptrdiff_t>(row.output.size());
-  const bool too_much =
-      std::any_of(behind, made.output.end(), [](unsigned char byte) { return byte != kUnwritten; });
-  return too_much ? "written beyond the result: " + BytesText(made.output, row.output.size()) : "";
+// The line that answers the command; nothing where it stays without one.
+std::optional<std::string> ReplyOf(const OddAnswer& answer) {
+  const size_t wanted = ReplyLines(BytesOf(answer.operation->answers[answer.command])).size();
+  const std::vector<std::string> lines = ReplyLines(answer.sent);
+  if (lines.size() < wanted) return std::nullopt;
+  return lines[wanted - 1];
 }
 
 }  // namespace
@@ -72,32 +59,30 @@ std::string BytesOf(const Answer& answer) {
 }
 
 ROLU_STATUS OddAnswer::Status() const {
-  const size_t wanted = ReplyLines(BytesOf(operation->answers[command])).size();
-  const std::vector<std::string> lines = ReplyLines(sent);
-  if (lines.size() < wanted) return ROLU_STATUS_VPM_NO_REPLY;
-  return StatusOfReply(lines[wanted - 1]);
+  const std::optional<std::string> reply = ReplyOf(*this);
+  if (!reply) return ROLU_STATUS_VPM_NO_REPLY;
+  return StatusOfReply(*reply);
 }
 
-std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, const std::string& wire) {
-  return Difference("the status", StatusText(made.status), StatusText(status)) +
-         Difference("the output", BytesText(made.output, output.size()),
-                    BytesText(MemoryWith(output), output.size())) +
-         Difference("the wire", made.traffic, wire);
+std::string FaultOf(const Made& made, const Ending& ending) {
+  std::string wrong;
+  if (made.status != ending.status) {
+    wrong += Difference("the status", StatusText(made.status), StatusText(ending.status));
+  }
+  if (made.output != ending.output) {
+    wrong += Difference("the output", BytesText(made.output, 0), BytesText(ending.output, 0));
+  }
+  return wrong + Difference("the wire", made.traffic, ending.wire);
 }
 
 std::string FaultOf(const Made& made, const OddAnswer& answer) {
-  const CallRow& row = *answer.operation;
-  const bool is_indifferent = std::count(row.indifferent.begin(), row.indifferent.end(), answer.command) != 0;
-  if (!is_indifferent && answer.Status() != ROLU_STATUS_SUCCESS) {
-    return FaultOf(made, answer.Status(), OutputOfFailure(answer), WireUpTo(answer));
-  }
+  Replies replies = HealthyReplies(*answer.operation);
+  replies[answer.command] = ReplyOf(answer);
+  return FaultOf(made, MeaningOf(*answer.operation, replies));
+}
 
-  const std::vector<std::string> healthy = ReplyLines(BytesOf(row.answers[answer.command]));
-  if (is_indifferent || ReplyLines(answer.sent)[healthy.size() - 1] == healthy.back()) {
-    return FaultOf(made, ROLU_STATUS_SUCCESS, row.output, row.wire);
-  }
-  if (made.status == ROLU_STATUS_SUCCESS) return FaultOfInterpretation(made, answer);
-  return FaultOf(made, row.unreadable, OutputOfFailure(answer), WireUpTo(answer));
+std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, const std::string& wire) {
+  return FaultOf(made, Ending{status, MemoryWith(output), wire});
 }
 
 }  // namespace rolu_test

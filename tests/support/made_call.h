@@ -29,6 +29,13 @@ struct Made {
   std::chrono::milliseconds duration{0};
 };
 
+// How a call has to end.
+struct Ending {
+  ROLU_STATUS status = ROLU_STATUS_SUCCESS;
+  OutputMemory output = MemoryWith({});
+  std::string wire = {};
+};
+
 // All that an answer sent for one command of an operation may hold.
 std::string BytesOf(const Answer& answer);
 
@@ -42,12 +49,13 @@ struct OddAnswer {
   ROLU_STATUS Status() const;
 };
 
-// What is wrong with a call that met an odd answer; empty if it ended as it has to. Where the odd
-// line is neither the healthy answer nor an error, the operation may find it unreadable or make
-// something of it, but not more.
+// What is wrong with a call; empty if it ended as it has to.
+std::string FaultOf(const Made& made, const Ending& ending);
+
+// The same of a call that met an odd answer.
 std::string FaultOf(const Made& made, const OddAnswer& answer);
 
-// What is wrong with a call that has to end with `status`, this output and these bytes on the wire.
+// The same of a call that has to end with `status`, this output and these bytes on the wire.
 std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, const std::string& wire);
 
 }  // namespace rolu_test

@@ -1,0 +1,68 @@
+#include "fuzz/start_up_model.h"
+
+#include <cstdio>
+
+#include "tests/operations/plain_reading.h"
+#include "tests/support/wire_model.h"
+
+namespace rolu_fuzz {
+namespace {
+
+std::string TextOf(const std::optional<std::string>& reply) {
+  return reply->substr(0, reply->find('\0'));
+}
+
+bool IsError(const std::string& text) {
+  return rolu_test::StatusOfReply(text) != ROLU_STATUS_SUCCESS;
+}
+
+std::string PrintedFor(const std::string& firmware) {
+  rolu_test::Pieces pieces(firmware);
+  pieces.Exactly("*VER:");
+  const int major = pieces.Number(10, 3).value_or(0);
+  pieces.Exactly(".");
+  const int minor = pieces.Number(10, 3).value_or(0);
+  char line[100];
+  snprintf(line, sizeof line, "[VPM] your version is %3d.%3d. It's must great then . 10\n", major, minor);
+  return line;
+}
+
+void LearnScale(const std::string& text, float in_want, float& scale) {
+  if (IsError(text)) {
+    scale = in_want;
+  } else if (text.find_first_of("eExXnN") != text.npos) {
+    // Exponents, hexadecimal floats, infinities and the like are left to the C library.
+    sscanf(text.c_str(), "%f", &scale);
+  } else if (const std::string decimal = rolu_test::DecimalOf(text); !decimal.empty()) {
+    scale = strtof(decimal.c_str(), nullptr);
+  }
+}
+
+bool LearnRange(const std::string& text, float scale, BATTERY_INFO& range) {
+  if (IsError(text)) return false;
+  const auto volts = [&](size_t position) {
+    const std::string field = position < text.size() ? text.substr(position, 4) : "";
+    return static_cast<float>(rolu_test::NumberOf(field, 16)) * scale;
+  };
+  range.range_start = volts(0);
+  range.range_mid = volts(4);
+  range.range_mid_copy = volts(4);
+  range.range_end = volts(8);
+  return true;
+}
+
+}  // namespace
+
+void StartUp::Learn(const rolu_test::Replies& replies) {
+  const std::string text = TextOf(replies[1]).substr(0, 31);
+  printed.clear();
+  if (IsError(text)) return;
+  firmware = text;
+  printed = PrintedFor(text);
+  LearnScale(TextOf(replies[2]), 0.01582F, scale_24v);
+  LearnScale(TextOf(replies[3]), 0.015385F, scale_12v);
+  if (LearnRange(TextOf(replies[4]), scale_12v, range_12v))
+    LearnRange(TextOf(replies[5]), scale_24v, range_24v);
+}
+
+}  // namespace rolu_fuzz

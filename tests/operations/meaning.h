@@ -1,0 +1,26 @@
+// What each operation has to make of any answers, told a second time and in the plainest way: what the
+// library makes of them is compared with it.
+#ifndef TESTS_OPERATIONS_MEANING_H
+#define TESTS_OPERATIONS_MEANING_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/made_call.h"
+
+namespace rolu_test {
+
+// The lines that answer an operation's commands, one for each; of a command that is answered with two
+// lines the second one. Nothing where no such line comes.
+using Replies = std::vector<std::optional<std::string>>;
+
+// The replies in the table.
+Replies HealthyReplies(const CallRow& row);
+
+// The power manager's voltages are those of the scales that the table's start-up tells.
+Ending MeaningOf(const CallRow& row, const Replies& replies);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_OPERATIONS_MEANING_H

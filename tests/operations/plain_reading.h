@@ -1,0 +1,48 @@
+// Reading text, told a second time and in the plainest way: what the library reads is compared with it.
+#ifndef TESTS_OPERATIONS_PLAIN_READING_H
+#define TESTS_OPERATIONS_PLAIN_READING_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace rolu_test {
+
+// strtol where long has 32 bits.
+int32_t NumberOf(const std::string& text, int base);
+
+// The plain decimal form at the start of the text; empty if there is none.
+std::string DecimalOf(const std::string& text);
+
+// Reads a text piece by piece, as the C library's patterns do: once a piece is missing, so are all
+// behind it.
+class Pieces {
+ public:
+  explicit Pieces(std::string text) : text_(std::move(text)) {}
+
+  // These characters.
+  bool Exactly(const std::string& wanted);
+  // Any character.
+  bool Character();
+  // Blanks, and a number of at most `width` characters; a sign counts, and so does "0x", which the C
+  // library takes for 0 where no digit follows.
+  std::optional<int> Number(int base, size_t width);
+  // Blanks, and something else.
+  bool Word();
+
+ private:
+  bool Has(bool piece) {
+    missing_ = missing_ || !piece;
+    return !missing_;
+  }
+  void SkipBlanks();
+
+  std::string text_;
+  size_t at_ = 0;
+  bool missing_ = false;
+};
+
+}  // namespace rolu_test
+
+#endif  // TESTS_OPERATIONS_PLAIN_READING_H

@@ -75,7 +75,7 @@ std::string Held(const Soak& soak) {
   row("threads", first.threads, last.threads, 0);
   row("heap, bytes", first.heap_bytes, last.heap_bytes, Soak::heap_tolerance());
   row("resident memory, KiB", first.resident_bytes / 1024, last.resident_bytes / 1024,
-      kResidentTolerance / 1024);
+      Soak::resident_tolerance() / 1024);
   return text;
 }
 

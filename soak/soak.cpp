@@ -160,7 +160,7 @@ void Soak::CompareMemory() {
   };
   compare("the heap", first_usage_->heap_bytes, last_usage_.heap_bytes, heap_tolerance());
   compare("the resident memory", first_usage_->resident_bytes, last_usage_.resident_bytes,
-          kResidentTolerance);
+          resident_tolerance());
 }
 
 void Soak::CompareExcuses() {

@@ -37,7 +37,7 @@ plot values using "allocations_per_ask":xtic(1) lc rgb "#33658a" notitle
 set logscale y
 set title "memory that is loaded"
 set ylabel "KiB (logarithmic)"
-set yrange [1:10000]
-plot values using "loaded_kib":xtic(1) lc rgb "#33658a" title "the library", \
-     "" using "with_needed_kib" lc rgb "#f6ae2d" title "and what it needs"
+set yrange [1:1000000]
+plot values using "loaded_kib":xtic(1) lc rgb "#33658a" title "by itself", \
+     "" using "with_needed_kib" lc rgb "#f6ae2d" title "in all"
 unset multiplot

@@ -6,10 +6,7 @@ if(CMAKE_CROSSCOMPILING)
 endif()
 
 # What a test program, which is emulated itself, starts another one with; empty where nothing is emulated.
-set(rolu_emulator_words)
-if(CMAKE_CROSSCOMPILING)
-  string(JOIN " " rolu_emulator_words ${rolu_emulator})
-endif()
+string(JOIN " " rolu_emulator_words ${rolu_emulator})
 
 # CMake runs the target, and what CTest finds in it, like this.
 function(rolu_run_on_board target)

@@ -19,6 +19,7 @@
 
 namespace {
 
+using rolu_fuzz::FailIf;
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
 using rolu_sim::CommandMatch;
@@ -115,10 +116,6 @@ class Session {
   }
 
  private:
-  static void FailIf(const std::string& where, const std::string& wrong) {
-    if (!wrong.empty()) rolu_fuzz::FailIf(where + ": " + wrong);
-  }
-
   Made Make(const CallRow& row) {
     board_.mcu().Log().Clear();
     board_.mcu().ClearScript();

@@ -22,7 +22,7 @@ using rolu_test::NumberOf;
 void CheckNumbers(const std::string& reply, size_t position, size_t width) {
   Require(ReadHexadecimal(reply.c_str()) == NumberOf(reply, 16), "another hexadecimal number");
   Require(ReadBinary(reply.c_str()) == NumberOf(reply, 2), "another binary number");
-  const std::string field = position < reply.size() ? reply.substr(position, std::min<size_t>(width, 8)) : "";
+  const std::string field = rolu_test::FieldOf(reply, position, std::min<size_t>(width, 8));
   Require(ReadHexadecimalField(reply.c_str(), position, width) == NumberOf(field, 16), "another field");
 }
 
@@ -82,10 +82,7 @@ void CheckAlarmField(unsigned char value) {
   // Sums of the weights of the byte's bits, and back.
   const unsigned char raw = CVPMMgr::TimeToRAW(value);
   if (value < 80) Require(CVPMMgr::RAWToTime(raw) == value, "an alarm field does not come back");
-  constexpr int kWeights[] = {0, 40, 20, 10, 8, 4, 2, 1};
-  int sum = 0;
-  for (unsigned int bit = 0; bit < 8; ++bit) sum += (value >> bit & 1U) != 0 ? kWeights[bit] : 0;
-  Require(CVPMMgr::RAWToTime(value) == sum, "another alarm field");
+  Require(CVPMMgr::RAWToTime(value) == rolu_test::AlarmFieldOf(value), "another alarm field");
 }
 
 }  // namespace

@@ -50,6 +50,11 @@ inline void FailIf(const std::string& wrong) {
   abort();
 }
 
+// The same, with where it is wrong.
+inline void FailIf(const std::string& where, const std::string& wrong) {
+  if (!wrong.empty()) FailIf(where + ": " + wrong);
+}
+
 inline void Require(bool holds, const char* what) {
   if (!holds) FailIf(what);
 }

@@ -21,13 +21,9 @@
 namespace {
 
 using rolu_fuzz::Input;
-using rolu_fuzz::Registration;
 using rolu_fuzz::Require;
 
 pthread_cond_t reply_event = PTHREAD_COND_INITIALIZER;
-pthread_cond_t alarm_event = PTHREAD_COND_INITIALIZER;
-pthread_cond_t ignition_event = PTHREAD_COND_INITIALIZER;
-pthread_cond_t battery_event = PTHREAD_COND_INITIALIZER;
 
 // A signal, and of a reply the line that was stored.
 struct Effect {
@@ -37,11 +33,6 @@ struct Effect {
 
 bool operator==(const Effect& left, const Effect& right) {
   return left.signalled == right.signalled && left.reply == right.reply;
-}
-
-pthread_cond_t* EventOf(Registration registration) {
-  if (registration == Registration::kAlarm) return &alarm_event;
-  return registration == Registration::kIgnition ? &ignition_event : &battery_event;
 }
 
 // A line as it is stored, with its NUL.
@@ -108,8 +99,8 @@ class Model {
     if (lines.empty()) return;
     idle_polls_ = 0;
     if (rolu_test::IsBracketed(lines.front())) {
-      const Registration registration = messages_.Take(lines.front());
-      if (registration != Registration::kNone) effects_.push_back({EventOf(registration), ""});
+      pthread_cond_t* const event = EventOf(messages_.Take(lines.front()));
+      if (event != nullptr) effects_.push_back({event, ""});
     } else {
       Store(lines.front());
     }
@@ -150,10 +141,7 @@ class Session {
     last_command_valid = false;
     tx_index = 0;
     ResetPortReader();
-    ResetUnsolicited();
-    set_gsensor_alarm_event(&alarm_event);
-    set_ignition_poweroff_alarm_event(&ignition_event);
-    set_lvp_poweroff_alarm_event(&battery_event);
+    rolu_fuzz::RegisterAnew();
     io_thread_active = true;
   }
   ~Session() {

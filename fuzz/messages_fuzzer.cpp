@@ -12,23 +12,13 @@
 namespace {
 
 using rolu_fuzz::Input;
-using rolu_fuzz::Registration;
 using rolu_fuzz::Require;
 
 std::map<pthread_cond_t*, int> signals;
 
-pthread_cond_t alarm_event = PTHREAD_COND_INITIALIZER;
-pthread_cond_t ignition_event = PTHREAD_COND_INITIALIZER;
-pthread_cond_t battery_event = PTHREAD_COND_INITIALIZER;
-
-pthread_cond_t* EventOf(Registration registration) {
-  if (registration == Registration::kAlarm) return &alarm_event;
-  return registration == Registration::kIgnition ? &ignition_event : &battery_event;
-}
-
-void CompareSignals(Registration expected) {
+void CompareSignals(pthread_cond_t* expected) {
   std::map<pthread_cond_t*, int> expected_signals;
-  if (expected != Registration::kNone) expected_signals[EventOf(expected)] = 1;
+  if (expected != nullptr) expected_signals[expected] = 1;
   Require(signals == expected_signals, "another registration was signalled");
   signals.clear();
 }
@@ -50,10 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input(data, size);
   rolu_fuzz::UnsolicitedModel model;
   const ScopedLock lock(*io_op_lock);
-  ResetUnsolicited();
-  set_gsensor_alarm_event(&alarm_event);
-  set_ignition_poweroff_alarm_event(&ignition_event);
-  set_lvp_poweroff_alarm_event(&battery_event);
+  rolu_fuzz::RegisterAnew();
   while (!input.empty()) {
     const size_t times = input.Below(40);
     for (size_t pops = input.Below(40); pops > 0; --pops) model.ComparePop();
@@ -62,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (lines.empty() || !rolu_test::IsBracketed(lines.front())) continue;
     for (size_t i = 0; i < times; ++i) {
       HandleBracketedMessage(lines.front().c_str());
-      CompareSignals(model.Take(lines.front()));
+      CompareSignals(EventOf(model.Take(lines.front())));
     }
   }
   model.CompareAllPops();

@@ -21,38 +21,21 @@
 
 namespace {
 
+using rolu_fuzz::FailIf;
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
 using rolu_test::CallRow;
 using rolu_test::Ending;
 using rolu_test::Made;
 using rolu_test::McuFamily;
+using rolu_test::Operation;
 using rolu_test::Replies;
 
 constexpr size_t kMostCalls = 4;
 
-struct Operation {
-  const McuFamily* family;
-  const CallRow* row;
-};
-
-void FailIf(const std::string& where, const std::string& wrong) {
-  if (!wrong.empty()) rolu_fuzz::FailIf(where + ": " + wrong);
-}
-
-std::vector<Operation> AllOperations() {
-  std::vector<Operation> operations;
-  for (const McuFamily& family : rolu_test::McuFamilies()) {
-    for (const CallRow& row : family.operations) operations.push_back({&family, &row});
-  }
-  return operations;
-}
-
 const CallRow& RowOf(const std::string& name) {
-  for (const McuFamily& family : rolu_test::McuFamilies()) {
-    for (const CallRow& row : family.operations) {
-      if (row.name == name) return row;
-    }
+  for (const Operation& operation : rolu_test::AllOperations()) {
+    if (operation.row->name == name) return *operation.row;
   }
   FailIf(name, "no such row");
   abort();
@@ -259,7 +242,7 @@ void CheckAlarmSample(Input& input) {
 }
 
 void CheckOperation(Input& input) {
-  static const std::vector<Operation> operations = AllOperations();
+  static const std::vector<Operation> operations = rolu_test::AllOperations();
   const Operation& operation = operations[input.Below(operations.size())];
   const CallRow& row = *operation.row;
   const McuFamily& family = *operation.family;

@@ -41,8 +41,7 @@ void LearnScale(const std::string& text, float in_want, float& scale) {
 bool LearnRange(const std::string& text, float scale, BATTERY_INFO& range) {
   if (IsError(text)) return false;
   const auto volts = [&](size_t position) {
-    const std::string field = position < text.size() ? text.substr(position, 4) : "";
-    return static_cast<float>(rolu_test::NumberOf(field, 16)) * scale;
+    return static_cast<float>(rolu_test::NumberOf(rolu_test::FieldOf(text, position, 4), 16)) * scale;
   };
   range.range_start = volts(0);
   range.range_mid = volts(4);

@@ -3,6 +3,8 @@
 #ifndef FUZZ_UNSOLICITED_MODEL_H
 #define FUZZ_UNSOLICITED_MODEL_H
 
+#include <pthread.h>
+
 #include <cctype>
 #include <deque>
 
@@ -13,6 +15,24 @@
 namespace rolu_fuzz {
 
 enum class Registration { kNone, kAlarm, kIgnition, kBattery };
+
+// What is registered, in their order.
+inline pthread_cond_t registered_events[] = {PTHREAD_COND_INITIALIZER, PTHREAD_COND_INITIALIZER,
+                                             PTHREAD_COND_INITIALIZER};
+
+// Null for none.
+inline pthread_cond_t* EventOf(Registration registration) {
+  if (registration == Registration::kNone) return nullptr;
+  return &registered_events[static_cast<size_t>(registration) - 1];
+}
+
+// Nothing came yet, and all is registered.
+inline void RegisterAnew() REQUIRES(io_op_lock) {
+  ResetUnsolicited();
+  set_gsensor_alarm_event(EventOf(Registration::kAlarm));
+  set_ignition_poweroff_alarm_event(EventOf(Registration::kIgnition));
+  set_lvp_poweroff_alarm_event(EventOf(Registration::kBattery));
+}
 
 class UnsolicitedModel {
  public:

@@ -161,22 +161,13 @@ pid_t StartLane(const Family& family, const std::vector<const Cell*>& cells) {
   _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-struct Operation {
-  const McuFamily* family;
-  const CallRow* row;
-};
+}  // namespace
 
 void PrintTo(const Operation& operation, std::ostream* stream) {
   *stream << operation.row->name;
 }
 
-std::vector<Operation> AllOperations() {
-  std::vector<Operation> operations;
-  for (const McuFamily& family : McuFamilies()) {
-    for (const CallRow& row : family.operations) operations.push_back({&family, &row});
-  }
-  return operations;
-}
+namespace {
 
 class FaultMatrix : public testing::TestWithParam<Operation> {};
 
@@ -231,13 +222,7 @@ TEST(TableOfOperations, HoldsEveryExportOfTheFamiliesThatTalkToTheMcu) {
   RecordProperty("cells", static_cast<int>(cells));
   for (const CallRow& row : SilentOperations()) in_table.insert(ExportOf(row));
 
-  std::set<std::string> declared;
-  for (const auto& [function, comment] : DeclaredFunctions()) {
-    for (const McuFamily& family : McuFamilies()) {
-      if (function.compare(0, family.prefix.size(), family.prefix) == 0) declared.insert(function);
-    }
-  }
-  EXPECT_EQ(in_table, declared);
+  EXPECT_EQ(in_table, DeclaredForMcuFamilies());
 }
 
 TEST(TableOfOperations, SilentOperationsSendNothing) {

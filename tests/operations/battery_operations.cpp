@@ -3,10 +3,6 @@
 namespace rolu_test {
 namespace {
 
-// The scales that the MCU's model tells.
-constexpr float k12V = 0.015385F;
-constexpr float k24V = 0.01582F;
-
 Bytes Number(int number) {
   return Written(number);
 }

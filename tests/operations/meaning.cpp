@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 
+#include "tests/operations/operations.h"
 #include "tests/operations/plain_reading.h"
 #include "tests/operations/vpm_calls.h"
 #include "tests/support/wire_model.h"
@@ -24,9 +25,6 @@ struct Course {
 // What is made of one reply; false where it cannot be read.
 using Reading = std::function<bool(const std::string& reply, Course& course)>;
 
-constexpr float k12V = 0.015385F;
-constexpr float k24V = 0.01582F;
-
 template <typename... Values>
 bool Write(Course& course, const Values&... values) {
   course.ending.output = MemoryWith(Written(values...));
@@ -35,10 +33,6 @@ bool Write(Course& course, const Values&... values) {
 
 char CharacterOf(const std::string& reply, size_t position) {
   return position < reply.size() ? reply[position] : '\0';
-}
-
-std::string Field(const std::string& reply, size_t position, size_t width) {
-  return position < reply.size() ? reply.substr(position, width) : "";
 }
 
 bool Number(const std::string& reply, Course& course) {
@@ -65,7 +59,7 @@ Reading Switch(size_t position) {
 }
 
 bool PlatformName(const std::string& reply, Course& course) {
-  course.ending.output = MemoryWith(Characters(Field(reply, 5, 12), 13));
+  course.ending.output = MemoryWith(Characters(FieldOf(reply, 5, 12), 13));
   return true;
 }
 
@@ -182,14 +176,9 @@ bool Clock(const std::string& reply, Course& course) {
 
 bool WakeupAlarm(const std::string& reply, Course& course) {
   unsigned int bytes[3];
-  for (size_t i = 0; i < 3; ++i) bytes[i] = static_cast<uint32_t>(NumberOf(Field(reply, 2 * i, 2), 16));
+  for (size_t i = 0; i < 3; ++i) bytes[i] = static_cast<uint32_t>(NumberOf(FieldOf(reply, 2 * i, 2), 16));
   const auto is_set = [](unsigned int byte, unsigned int bit) { return (byte >> bit) % 2 == 1; };
-  const auto value = [&](unsigned int byte) {
-    constexpr int kWeights[] = {0, 40, 20, 10, 8, 4, 2, 1};
-    int sum = 0;
-    for (unsigned int bit = 0; bit < 8; ++bit) sum += is_set(byte, bit) ? kWeights[bit] : 0;
-    return static_cast<unsigned char>(sum);
-  };
+  const auto value = [](unsigned int byte) { return static_cast<unsigned char>(AlarmFieldOf(byte)); };
   ALARM_MODE mode = ALARM_MODE_NONE;
   if (is_set(bytes[2], 0)) mode = ALARM_MODE_HOURLY;
   if (is_set(bytes[1], 0)) mode = ALARM_MODE_DAILY;

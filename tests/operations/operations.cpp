@@ -63,6 +63,14 @@ const std::vector<McuFamily>& McuFamilies() {
   return families;
 }
 
+std::vector<Operation> AllOperations() {
+  std::vector<Operation> operations;
+  for (const McuFamily& family : McuFamilies()) {
+    for (const CallRow& row : family.operations) operations.push_back({&family, &row});
+  }
+  return operations;
+}
+
 const std::vector<CallRow>& SilentOperations() {
   constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
   // Has no range, whatever the MCU told when the family came up.

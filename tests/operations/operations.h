@@ -34,6 +34,17 @@ struct McuFamily {
 };
 const std::vector<McuFamily>& McuFamilies();
 
+// All of them, each with its family.
+struct Operation {
+  const McuFamily* family;
+  const CallRow* row;
+};
+std::vector<Operation> AllOperations();
+
+// The scales that the MCU's model tells, in volts for a step.
+inline constexpr float k12V = 0.015385F;
+inline constexpr float k24V = 0.01582F;
+
 // What VPM_Initialize asks, in its order.
 inline constexpr char kVpmStartUpWire[] = "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\rMCPR2\r";
 

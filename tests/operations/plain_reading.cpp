@@ -35,6 +35,17 @@ int32_t NumberOf(const std::string& text, int base) {
   return static_cast<int32_t>(value);
 }
 
+std::string FieldOf(const std::string& text, size_t position, size_t width) {
+  return position < text.size() ? text.substr(position, width) : "";
+}
+
+int AlarmFieldOf(unsigned int byte) {
+  constexpr int kWeights[] = {0, 40, 20, 10, 8, 4, 2, 1};
+  int sum = 0;
+  for (unsigned int bit = 0; bit < 8; ++bit) sum += (byte >> bit) % 2 == 1 ? kWeights[bit] : 0;
+  return sum;
+}
+
 std::string DecimalOf(const std::string& text) {
   const auto digits_from = [&text](size_t at) {
     size_t end = at;

@@ -12,6 +12,12 @@ namespace rolu_test {
 // strtol where long has 32 bits.
 int32_t NumberOf(const std::string& text, int base);
 
+// A part of the text; empty behind its end.
+std::string FieldOf(const std::string& text, size_t position, size_t width);
+
+// A field of the wake-up alarm's time: the sum of the weights of the byte's bits.
+int AlarmFieldOf(unsigned int byte);
+
 // The plain decimal form at the start of the text; empty if there is none.
 std::string DecimalOf(const std::string& text);
 

@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 
 #include "tests/operations/operations.h"
+#include "tests/support/interface_header.h"
 
 namespace rolu_soak {
 namespace {
@@ -25,18 +23,6 @@ const Names kNotProvided = {"VPM_GetLibVersion",
                             "PERIPHERALCTRL_SetAutoRearView",
                             "PERIPHERALCTRL_GetAutoRearView"};
 
-Names DeclaredOfTheMcuFamilies() {
-  std::stringstream text;
-  text << std::ifstream(ROLU_HEADER).rdbuf();
-  const std::string header = text.str();
-  const std::regex declaration("KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_((VPM|WD|GSENSOR|PERIPHERALCTRL)_\\w+)");
-  Names names;
-  for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match) {
-    names.insert((*match)[1]);
-  }
-  return names;
-}
-
 TEST(SoakOperations, AreAllExportsOfTheMcuFamiliesButThoseNotProvided) {
   Names called;
   for (const FamilyCalls& family : Families()) {
@@ -44,7 +30,7 @@ TEST(SoakOperations, AreAllExportsOfTheMcuFamiliesButThoseNotProvided) {
     called.insert(family.deinitialize.name);
   }
   for (const Operation& operation : Operations()) called.insert(operation.name);
-  Names expected = DeclaredOfTheMcuFamilies();
+  Names expected = rolu_test::DeclaredForMcuFamilies();
   for (const std::string& name : kNotProvided) EXPECT_EQ(expected.erase(name), 1U) << name;
   EXPECT_EQ(called, expected);
 }

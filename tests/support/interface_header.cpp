@@ -4,6 +4,8 @@
 #include <regex>
 #include <sstream>
 
+#include "tests/operations/operations.h"
+
 namespace rolu_test {
 
 std::map<std::string, std::string> DeclaredFunctions() {
@@ -18,6 +20,16 @@ std::map<std::string, std::string> DeclaredFunctions() {
     functions[(*match)[1]] = text.substr(comment, at - comment);
   }
   return functions;
+}
+
+std::set<std::string> DeclaredForMcuFamilies() {
+  std::set<std::string> declared;
+  for (const auto& [function, comment] : DeclaredFunctions()) {
+    for (const McuFamily& family : McuFamilies()) {
+      if (function.compare(0, family.prefix.size(), family.prefix) == 0) declared.insert(function);
+    }
+  }
+  return declared;
 }
 
 std::string BlockingStatement(const std::string& comment) {

@@ -3,12 +3,16 @@
 #define TESTS_SUPPORT_INTERFACE_HEADER_H
 
 #include <map>
+#include <set>
 #include <string>
 
 namespace rolu_test {
 
 // Each function's comment, by its name without "KAVO_ROLU_".
 std::map<std::string, std::string> DeclaredFunctions();
+
+// Of these the functions of the families that talk to the MCU.
+std::set<std::string> DeclaredForMcuFamilies();
 
 // What a function's comment says behind "Blocks:", in one line; empty if it does not block.
 std::string BlockingStatement(const std::string& comment);

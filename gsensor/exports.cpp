@@ -20,7 +20,7 @@ ROLU_STATUS KAVO_ROLU_GSENSOR_SetResolution(ROLU_GSENSOR_RES resolution) {
   return StatusCode(gGSensorMgr.SetResolution(resolution));
 }
 ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on) {
-  return StatusCode(gGSensorMgr.AlarmEnabled(on));
+  return StatusCode(gGSensorMgr.AlarmEnabled(IsOn(on)));
 }
 ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event) {
   return StatusCode(gGSensorMgr.SetAlarmEvent(event));

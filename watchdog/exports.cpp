@@ -14,7 +14,7 @@ ROLU_STATUS KAVO_ROLU_WD_Trigger(void) {
   return StatusCode(gWDMgr.Trigger());
 }
 ROLU_STATUS KAVO_ROLU_WD_Enabled(bool enable) {
-  return StatusCode(gWDMgr.Enabled(enable));
+  return StatusCode(gWDMgr.Enabled(IsOn(enable)));
 }
 ROLU_STATUS KAVO_ROLU_WD_GetTime(unsigned short* time) {
   return StatusCode(gWDMgr.GetTime(time));

@@ -124,5 +124,13 @@ TEST_F(GSensorTest, FamilyStaysUpWhenTheSensorStaysOn) {
   });
 }
 
+TEST_F(GSensorTest, AnyByteButZeroSwitchesTheAlarmOn) {
+  BringUp();
+  for (const unsigned int byte : {1U, 2U, 0x80U, 0xFFU}) {
+    Run({Orders("on", WithByte(KAVO_ROLU_GSENSOR_AlarmEnabled, byte), {"OK"}, "ARGI01\r", 0),
+         Orders("off", WithByte(KAVO_ROLU_GSENSOR_AlarmEnabled, 0), {"OK"}, "ARGI00\r", 0)});
+  }
+}
+
 }  // namespace
 }  // namespace rolu_test

@@ -1,6 +1,15 @@
 #include "tests/support/call_row.h"
 
 namespace rolu_test {
+namespace {
+
+// A sanitizer knows that this is not how the function is declared.
+__attribute__((no_sanitize("undefined"))) ROLU_STATUS CallWithByte(ROLU_STATUS (*set)(bool),
+                                                                   unsigned int byte) {
+  return reinterpret_cast<ROLU_STATUS (*)(unsigned int)>(reinterpret_cast<void (*)()>(set))(byte);
+}
+
+}  // namespace
 
 CallRow Orders(std::string name, Call call, std::vector<Answer> answers, std::string wire,
                int post_delay_ms) {
@@ -21,6 +30,10 @@ CallRow Fails(std::string name, Call call, std::vector<Answer> answers, ROLU_STA
 CallRow OrUnreadable(CallRow row, ROLU_STATUS status) {
   row.unreadable = status;
   return row;
+}
+
+Call WithByte(ROLU_STATUS (*set)(bool), unsigned int byte) {
+  return [set, byte](void*) { return CallWithByte(set, byte); };
 }
 
 Bytes Characters(std::string_view text, size_t size) {

@@ -84,6 +84,8 @@ template <typename Value>
 Call Into(ROLU_STATUS (*get)(Value*)) {
   return [get](void* output) { return get(static_cast<Value*>(output)); };
 }
+// A switch, as a program's compiler passes it that makes no 0 or 1 of a byte.
+Call WithByte(ROLU_STATUS (*set)(bool), unsigned int byte);
 
 // The bytes of the values, one after the other.
 template <typename... Values>

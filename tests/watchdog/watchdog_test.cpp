@@ -105,5 +105,13 @@ TEST_F(WatchdogTest, McuKeepsWhatItIsTold) {
   EXPECT_FALSE(watchdog().enabled);
 }
 
+TEST_F(WatchdogTest, AnyByteButZeroSwitchesOn) {
+  BringUp();
+  for (const unsigned int byte : {1U, 2U, 0x80U, 0xFFU}) {
+    Run({Orders("on", WithByte(KAVO_ROLU_WD_Enabled, byte), {"OK"}, "WDTE\r", 0)});
+  }
+  Run({Orders("off", WithByte(KAVO_ROLU_WD_Enabled, 0), {"OK"}, "WDTD\r", 0)});
+}
+
 }  // namespace
 }  // namespace rolu_test

@@ -10,9 +10,7 @@
 
 namespace {
 
-int32_t ReadNumber(const char* text, int base) {
-  // strtoll saturates at 64 bits on every platform, the clamp at 32.
-  const long long value = strtoll(text, nullptr, base);
+int32_t Saturated(long long value) {
   return static_cast<int32_t>(
       std::clamp<long long>(value, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
@@ -20,11 +18,20 @@ int32_t ReadNumber(const char* text, int base) {
 }  // namespace
 
 int32_t ReadHexadecimal(const char* text) {
-  return ReadNumber(text, 16);
+  // strtoll itself saturates at 64 bits on every platform.
+  return Saturated(strtoll(text, nullptr, 16));
 }
 
+// Not by strtoll, which takes a "0b" before the digits in newer C libraries.
 int32_t ReadBinary(const char* text) {
-  return ReadNumber(text, 2);
+  text += strspn(text, " \t\n\v\f\r");
+  const bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  long long value = 0;
+  for (; *text == '0' || *text == '1'; ++text) {
+    value = std::min<long long>(value * 2 + (*text - '0'), std::numeric_limits<uint32_t>::max());
+  }
+  return Saturated(negative ? -value : value);
 }
 
 char CharacterAt(const char* reply, int32_t position) {

@@ -14,7 +14,7 @@ int32_t ReadHexadecimal(const char* text);
 // The same for `width` characters at `position` of a reply; characters beyond its end count as NUL.
 int32_t ReadHexadecimalField(const char* reply, size_t position, size_t width);
 
-// The same in base 2.
+// The same in base 2, without a prefix.
 int32_t ReadBinary(const char* text);
 
 // The character at `position` of a reply; NUL before its start and beyond its end.

@@ -49,6 +49,30 @@ TEST(ReadHexadecimal, ReadsAsA32BitStrtol) {
   for (const auto& row : rows) EXPECT_EQ(ReadHexadecimal(row.text), row.number) << row.text;
 }
 
+TEST(ReadBinary, TakesTheDigits0And1Only) {
+  const struct {
+    const char* text;
+    int32_t number;
+  } rows[] = {
+      {"1000000000000001", 0x8001},
+      {" \t-101", -5},
+      {"+11", 3},
+      {"1021", 2},
+      {"0b101", 0},
+      {"0B1", 0},
+      {"", 0},
+      {"-", 0},
+      {"- 1", 0},
+      {"2", 0},
+      {"1111111111111111111111111111111", kHighest},
+      {"10000000000000000000000000000000", kHighest},
+      {"-10000000000000000000000000000000", kLowest},
+      {"-10000000000000000000000000000001", kLowest},
+      {"100000000000000000000000000000000000000000000000000000000000001", kHighest},
+  };
+  for (const auto& row : rows) EXPECT_EQ(ReadBinary(row.text), row.number) << row.text;
+}
+
 TEST(ReadHexadecimalField, ReadsOnlyItsCharacters) {
   const struct {
     const char* reply;

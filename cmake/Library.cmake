@@ -22,6 +22,7 @@ add_library(kavo_rolu_objects OBJECT
   mcu/reply_fields.cpp
   mcu/serial_port.cpp
   mcu/transaction.cpp
+  mcu/turn.cpp
   mcu/unsolicited.cpp
   peripheralctrl/exports.cpp
   peripheralctrl/gps_power.cpp
@@ -55,7 +56,9 @@ target_link_libraries(kavo_rolu PRIVATE kavo_rolu_objects Threads::Threads)
 target_include_directories(kavo_rolu INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 set_target_properties(kavo_rolu PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_link_options(kavo_rolu PRIVATE
-  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map LINKER:-z,relro LINKER:-z,now)
+  LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map LINKER:-z,relro LINKER:-z,now
+  # The library needs the C library alone: an application in C shall not carry the C++ runtime.
+  LINKER:--as-needed)
 set_property(TARGET kavo_rolu APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map)
 if(NOT ROLU_SANITIZE)
   # A sanitizer's runtime is in the program, not in the library.

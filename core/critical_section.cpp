@@ -1,12 +1,12 @@
 #include "core/critical_section.h"
 
 #include <cerrno>
-#include <new>
 
+#include "core/allocate.h"
 #include "core/deadline.h"
 
 // Without memory for the mutex Lock does nothing and TimeLock answers -2.
-CCriticalSection::CCriticalSection() : mutex_(new (std::nothrow) pthread_mutex_t) {
+CCriticalSection::CCriticalSection() : mutex_(Allocate<pthread_mutex_t>()) {
   if (mutex_ == nullptr) return;
   pthread_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);
@@ -18,7 +18,7 @@ CCriticalSection::CCriticalSection() : mutex_(new (std::nothrow) pthread_mutex_t
 CCriticalSection::~CCriticalSection() {
   if (mutex_ == nullptr) return;
   pthread_mutex_destroy(mutex_);
-  delete mutex_;
+  free(mutex_);
   mutex_ = nullptr;
 }
 

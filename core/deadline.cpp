@@ -18,6 +18,13 @@ timespec TimeAfter(clockid_t clock, unsigned long ms) {
   return time;
 }
 
+bool Shows(clockid_t clock, const timespec& deadline) {
+  timespec now;
+  clock_gettime(clock, &now);
+  if (now.tv_sec != deadline.tv_sec) return now.tv_sec > deadline.tv_sec;
+  return now.tv_nsec >= deadline.tv_nsec;
+}
+
 }  // namespace
 
 timespec WallClockDeadline(unsigned long ms) {
@@ -25,15 +32,20 @@ timespec WallClockDeadline(unsigned long ms) {
 }
 
 bool HasPassed(const timespec& deadline) {
-  timespec now;
-  clock_gettime(CLOCK_REALTIME, &now);
-  if (now.tv_sec != deadline.tv_sec) return now.tv_sec > deadline.tv_sec;
-  return now.tv_nsec >= deadline.tv_nsec;
+  return Shows(CLOCK_REALTIME, deadline);
+}
+
+timespec MonotonicDeadline(unsigned long ms) {
+  return TimeAfter(CLOCK_MONOTONIC, ms);
+}
+
+bool HasPassedMonotonic(const timespec& deadline) {
+  return Shows(CLOCK_MONOTONIC, deadline);
 }
 
 void SleepForMs(int ms) {
   if (ms <= 0) return;
-  const timespec end = TimeAfter(CLOCK_MONOTONIC, static_cast<unsigned long>(ms));
+  const timespec end = MonotonicDeadline(static_cast<unsigned long>(ms));
   while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
   }
 }

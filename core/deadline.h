@@ -3,11 +3,14 @@
 
 #include <time.h>
 
-// The wall-clock time `ms` milliseconds from now, as timed locks and condition waits take it.
+// The wall-clock time `ms` milliseconds from now, as timed locks and condition waits take it, and whether
+// the clock has reached it.
 timespec WallClockDeadline(unsigned long ms);
-
-// True once the wall clock has reached `deadline`.
 bool HasPassed(const timespec& deadline);
+
+// The same on the clock that nobody sets.
+timespec MonotonicDeadline(unsigned long ms);
+bool HasPassedMonotonic(const timespec& deadline);
 
 // Sleeps the whole time, whatever signals arrive and however the wall clock is set; 0 or less does
 // not sleep.

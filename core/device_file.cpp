@@ -11,6 +11,13 @@ int OpenDeviceFile(const char* path, int flags) {
   return file;
 }
 
+int AboveStandardStreams(int descriptor) {
+  if (descriptor == -1 || descriptor > STDERR_FILENO) return descriptor;
+  const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  close(descriptor);
+  return moved;
+}
+
 void SetCloseOnExec(int descriptor) {
   fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }

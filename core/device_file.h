@@ -11,6 +11,11 @@ int OpenDeviceFile(const char* path, int flags);
 // For a descriptor that another call opened.
 void SetCloseOnExec(int descriptor);
 
+// Moves a descriptor that stays open to a number that is no standard stream's: in a process that has
+// closed those, what is printed would go to the device. -1 stays -1, and is the answer if it cannot be
+// moved; it is closed then.
+int AboveStandardStreams(int descriptor);
+
 // Opens an attribute, writes the text without a newline in one write, whose result does not matter,
 // and closes it. False if it could not be opened.
 bool WriteAttribute(const char* path, int flags, const char* text);

@@ -21,7 +21,9 @@ int VPMClose() {
   return 0;
 }
 
-int send_vpm_command(const char* bytes, int length) {
+void RemoveLinkUser() {}
+
+int send_vpm_command(const char* bytes, int length, int) {
   rolu_fuzz::commands_sent.append(bytes, static_cast<size_t>(length));
   return 0;
 }

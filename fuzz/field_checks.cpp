@@ -45,7 +45,7 @@ void CheckFloat(const std::string& reply) {
 }
 
 void CheckError(const std::string& reply) {
-  static const std::unique_ptr<ErrorReplyEntry[]> table(NewErrorTable());
+  static const std::unique_ptr<ErrorReplyEntry[], decltype(&free)> table(NewErrorTable(), free);
   const int32_t number = FindErrorReply(table.get(), reply.c_str());
   Require(StatusOfErrorNumber(number) == rolu_test::StatusOfReply(reply), "another status of a reply");
 }

@@ -26,6 +26,19 @@ bool HasPassed(const timespec& deadline) {
   return now.tv_nsec >= deadline.tv_nsec;
 }
 
+timespec MonotonicDeadline(unsigned long ms) {
+  timespec time{};
+  clock_gettime(CLOCK_MONOTONIC, &time);
+  time.tv_sec += static_cast<time_t>(ms / 1000 + 1);
+  return time;
+}
+
+bool HasPassedMonotonic(const timespec& deadline) {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return now.tv_sec > deadline.tv_sec;
+}
+
 void SleepForMs(int ms) {
   if (ms > 0) rolu_fuzz::slept_ms += ms;
 }

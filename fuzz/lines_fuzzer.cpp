@@ -58,8 +58,7 @@ class Model {
     queue_.clear();
     if (++idle_polls_ < 100) return;
     idle_polls_ = 0;
-    // A line that is too long is skipped up to its end, however late that comes.
-    if (line_.size() < 64) line_.clear();
+    line_.clear();
   }
 
   bool Queue(const std::string& command) {
@@ -137,7 +136,7 @@ class Session {
     vpm_port = ends_[0];
     vpm_tx_buffer = transmit_buffer_;
     vpm_resp_event = &reply_event;
-    vpm_resp_waiters = 0;
+    vpm_awaited_lines = 0;
     last_command_valid = false;
     tx_index = 0;
     ResetPortReader();
@@ -195,9 +194,9 @@ class Session {
   // The caller that waits runs, while the thread waits for it.
   void LetCallerRun() {
     const ScopedLock lock(*io_op_lock);
-    Require(vpm_resp_waiters == 1 && last_command_valid, "the thread waits for nobody");
+    Require(vpm_awaited_lines == 1 && last_command_valid, "the thread waits for nobody");
     last_command_valid = false;
-    vpm_resp_waiters = 0;
+    vpm_awaited_lines = 0;
     const std::string& command = next_command_;
     if (!command.empty()) send_vpm_command(command.data(), static_cast<int>(command.size()));
   }
@@ -252,13 +251,13 @@ class Session {
     } else if (model_.TakeReply()) {
       const ScopedLock lock(*io_op_lock);
       last_command_valid = false;
-      vpm_resp_waiters = 0;
+      vpm_awaited_lines = 0;
     }
   }
 
   void SetWaiting(bool waits) {
     const ScopedLock lock(*io_op_lock);
-    vpm_resp_waiters = waits ? 1 : 0;
+    vpm_awaited_lines = waits ? 1 : 0;
     if (waits) {
       model_.Wait();
     } else {

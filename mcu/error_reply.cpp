@@ -1,8 +1,8 @@
 #include "mcu/error_reply.h"
 
 #include <cstring>
-#include <new>
 
+#include "core/allocate.h"
 #include "kavo_rolu.h"
 
 namespace {
@@ -23,7 +23,7 @@ constexpr size_t kEntries = sizeof kErrorReplies / sizeof kErrorReplies[0];
 }  // namespace
 
 ErrorReplyEntry* NewErrorTable() {
-  auto* table = new (std::nothrow) ErrorReplyEntry[kEntries];
+  auto* table = Allocate<ErrorReplyEntry>(kEntries);
   if (table != nullptr) memcpy(table, kErrorReplies, sizeof kErrorReplies);
   return table;
 }

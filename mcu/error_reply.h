@@ -10,7 +10,7 @@ struct ErrorReplyEntry {
   int32_t number;
 };
 
-// A heap copy of the error reply table for one manager, or null without memory.
+// A copy of the error reply table for one manager, to be given back with free; null without memory.
 ErrorReplyEntry* NewErrorTable();
 
 // The number of the first entry whose text occurs anywhere in the reply; 0 for none, for a null

@@ -23,15 +23,11 @@ class LineAssembler {
     return complete_;
   }
 
-  // Gives up a line that has not ended. Of one that is too long the rest is still discarded, however
-  // late it comes.
-  void Abandon() {
-    const bool too_long = too_long_;
-    Clear();
-    too_long_ = too_long;
-  }
-
+  // Forgets what it holds of a line that has not ended.
   void Reset() { Clear(); }
+
+  // Part of a line has come and not its end; of one that is too long, all that has come is discarded.
+  bool HoldsPart() const { return too_long_ || (length_ > 0 && !complete_); }
 
   // The line as a C string; a NUL byte received within it ends the string early.
   const char* text() const { return text_; }

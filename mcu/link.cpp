@@ -1,20 +1,21 @@
 #include "mcu/link.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/select.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
 #include <new>
 
+#include "core/allocate.h"
 #include "core/deadline.h"
 #include "core/device_file.h"
-#include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/link_state.h"
 #include "mcu/serial_port.h"
+#include "mcu/turn.h"
 #include "mcu/unsolicited.h"
 
 CCriticalSection* io_op_lock = nullptr;
@@ -25,34 +26,49 @@ std::atomic<bool> io_thread_active{false};
 int vpm_wake_event = -1;
 char* vpm_tx_buffer = nullptr;
 std::atomic<int> tx_index{0};
+std::atomic<bool> tx_urgent{false};
 char last_command_result[kLineCapacity];
 bool last_command_valid = false;
 pthread_cond_t* vpm_resp_event = nullptr;
-int vpm_resp_waiters = 0;
-pthread_cond_t vpm_resp_taken = PTHREAD_COND_INITIALIZER;
+int vpm_awaited_lines = 0;
+pthread_cond_t vpm_resp_taken;
 
 namespace {
 
 constexpr unsigned long kOpenCloseLockMs = 2000;
 constexpr unsigned long kPortSpeed = 115200;
 
+void CreateTakenEvent() {
+  pthread_condattr_t attributes;
+  pthread_condattr_init(&attributes);
+  pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+  pthread_cond_init(&vpm_resp_taken, &attributes);
+  pthread_condattr_destroy(&attributes);
+}
+
+// Only in a turn, so that there is one who creates it.
 bool CreateIoLock() {
-  if (io_op_lock != nullptr) return true;
-  auto* lock = new (std::nothrow) CCriticalSection;
-  if (lock != nullptr && lock->mutex() == nullptr) {
-    delete lock;
-    lock = nullptr;
+  if (IoOpLockExists()) return true;
+  void* const memory = Allocate<CCriticalSection>();
+  if (memory == nullptr) return false;
+  auto* lock = new (memory) CCriticalSection;
+  if (lock->mutex() == nullptr) {
+    free(memory);
+    return false;
   }
-  io_op_lock = lock;
-  return lock != nullptr;
+  CreateTakenEvent();
+  __atomic_store_n(&io_op_lock, lock, __ATOMIC_RELEASE);
+  return true;
 }
 
 bool OpenPort(const char* path, int flags) {
-  vpm_port = Tovi_CreateFile(path, static_cast<unsigned long>(flags));
+  vpm_port = AboveStandardStreams(Tovi_CreateFile(path, static_cast<unsigned long>(flags)));
   if (vpm_port == -1) return false;
   // A shell that the application or this library runs must not hold the MCU's port.
   SetCloseOnExec(vpm_port);
-  errno = 0;
+  // The I/O thread must not be held up by a read, if another process takes the bytes first, nor by a write
+  // that the line does not take.
+  fcntl(vpm_port, F_SETFL, flags | O_NONBLOCK);
   // select() writes beyond its set for a larger descriptor.
   if (vpm_port < FD_SETSIZE && Tovi_SetCommState(vpm_port, kPortSpeed) == 1) return true;
   close(vpm_port);
@@ -61,7 +77,7 @@ bool OpenPort(const char* path, int flags) {
 }
 
 void OpenWakeEvent() {
-  vpm_wake_event = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  vpm_wake_event = AboveStandardStreams(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
   if (vpm_wake_event >= FD_SETSIZE) {
     close(vpm_wake_event);
     vpm_wake_event = -1;
@@ -69,7 +85,7 @@ void OpenWakeEvent() {
 }
 
 bool CreateReplyEvent() REQUIRES(io_op_lock) {
-  vpm_resp_event = new (std::nothrow) pthread_cond_t;
+  vpm_resp_event = Allocate<pthread_cond_t>();
   if (vpm_resp_event == nullptr) return false;
   pthread_cond_init(vpm_resp_event, nullptr);
   return true;
@@ -77,7 +93,9 @@ bool CreateReplyEvent() REQUIRES(io_op_lock) {
 
 void ResetSharedState() REQUIRES(io_op_lock) {
   last_command_valid = false;
+  vpm_awaited_lines = 0;
   tx_index = 0;
+  tx_urgent = false;
   ResetUnsolicited();
   ResetPortReader();
 }
@@ -100,10 +118,10 @@ bool StartIoThread() {
 void ReleaseLink() REQUIRES(io_op_lock) {
   if (vpm_resp_event != nullptr) {
     pthread_cond_destroy(vpm_resp_event);
-    delete vpm_resp_event;
+    free(vpm_resp_event);
     vpm_resp_event = nullptr;
   }
-  delete[] vpm_tx_buffer;
+  free(vpm_tx_buffer);
   vpm_tx_buffer = nullptr;
   tx_index = 0;
   if (vpm_wake_event != -1) {
@@ -120,7 +138,7 @@ bool OpenLink(const char* path, int flags) REQUIRES(io_op_lock) {
   if (!OpenPort(path, flags)) return false;
   OpenWakeEvent();
   ResetSharedState();
-  vpm_tx_buffer = new (std::nothrow) char[kTxCapacity];
+  vpm_tx_buffer = Allocate<char>(kTxCapacity);
   if (CreateReplyEvent() && vpm_tx_buffer != nullptr && StartIoThread()) return true;
   ReleaseLink();
   return false;
@@ -129,7 +147,6 @@ bool OpenLink(const char* path, int flags) REQUIRES(io_op_lock) {
 // Releases io_op_lock while it waits, since the thread takes that lock to handle its last line.
 void StopIoThread() REQUIRES(io_op_lock) {
   io_thread_active = false;
-  pthread_cond_signal(vpm_resp_event);
   WakeIoThread();
   io_op_lock->Unlock();
   pthread_join(vpm_io_thread_handle, nullptr);
@@ -143,61 +160,72 @@ bool LinkIsOpen() REQUIRES(io_op_lock) {
 }  // namespace
 
 int VPMOpen(const char* path, int flags) {
-  if (CriSectCtx.TimeLock(kOpenCloseLockMs) != 0) return -1;
-  bool open = false;
-  if (CreateIoLock()) {
-    ScopedLock lock(*io_op_lock);
-    open = vpm_ref_count > 0 || OpenLink(path, flags);
-    if (open) ++vpm_ref_count;
-  }
-  CriSectCtx.Unlock();
-  return open ? 0 : -1;
-}
-
-int VPMClose() {
-  if (CriSectCtx.TimeLock(kOpenCloseLockMs) != 0) return ROLU_STATUS_VPM_NO_REPLY;
-  if (io_op_lock != nullptr) {
-    ScopedLock lock(*io_op_lock);
-    if (vpm_ref_count == 1) {
-      StopIoThread();
-      ReleaseLink();
-    }
-    if (vpm_ref_count > 0) --vpm_ref_count;
-  }
-  CriSectCtx.Unlock();
+  const Turn turn(kOpenCloseLockMs);
+  if (!turn.held() || !CreateIoLock()) return -1;
+  const ScopedLock lock(*io_op_lock);
+  if (vpm_ref_count == 0 && !OpenLink(path, flags)) return -1;
+  ++vpm_ref_count;
   return 0;
 }
 
-int send_vpm_command(const char* bytes, int length) {
-  if (io_op_lock == nullptr) return -2;
-  ScopedLock lock(*io_op_lock);
+int VPMClose() {
+  const Turn turn(kOpenCloseLockMs);
+  if (!turn.held()) return ROLU_STATUS_VPM_NO_REPLY;
+  RemoveLinkUser();
+  return 0;
+}
+
+void RemoveLinkUser() {
+  if (!IoOpLockExists()) return;
+  const ScopedLock lock(*io_op_lock);
+  if (vpm_ref_count == 0) return;
+  if (vpm_ref_count == 1) {
+    StopIoThread();
+    ReleaseLink();
+  }
+  --vpm_ref_count;
+}
+
+int send_vpm_command(const char* bytes, int length, int awaited_lines) {
+  if (!IoOpLockExists()) return -2;
+  const ScopedLock lock(*io_op_lock);
   if (!LinkIsOpen() || length < 0 || length > kTxCapacity - 1 - tx_index) return -2;
   memcpy(vpm_tx_buffer + tx_index, bytes, static_cast<size_t>(length));
+  const bool first = tx_index == 0;
   tx_index += length;
   last_command_valid = false;
+  vpm_awaited_lines = awaited_lines;
+  // A thread that waits without a time-out has to hear of the command, or it would sleep beside a full
+  // queue. Who awaits an answer wakes it anyway.
+  if (first && awaited_lines == 0) WakeIoThread();
   return 0;
 }
 
 void cancel_queued_commands() {
-  if (io_op_lock == nullptr) return;
-  ScopedLock lock(*io_op_lock);
+  if (!IoOpLockExists()) return;
+  const ScopedLock lock(*io_op_lock);
   tx_index = 0;
+  tx_urgent = false;
 }
 
 int read_vpm_response(char* buffer, unsigned long wait_ms) {
   const timespec deadline = WallClockDeadline(wait_ms);
-  if (io_op_lock == nullptr) return -1;
-  ScopedLock lock(*io_op_lock);
+  if (!IoOpLockExists()) return -1;
+  const ScopedLock lock(*io_op_lock);
   if (!LinkIsOpen()) return -1;
   // Queuing alone hurries nothing, so that commands queued together leave together; the wait for
   // the answer does.
-  if (tx_index > 0) WakeIoThread();
-  ++vpm_resp_waiters;
+  if (tx_index > 0) {
+    tx_urgent = true;
+    WakeIoThread();
+  }
+  if (vpm_awaited_lines == 0) vpm_awaited_lines = 1;
   while (!last_command_valid && !HasPassed(deadline)) {
     pthread_cond_timedwait(vpm_resp_event, io_op_lock->mutex(), &deadline);
   }
-  --vpm_resp_waiters;
-  if (!last_command_valid) return -1;
+  const bool taken = last_command_valid;
+  vpm_awaited_lines = taken ? vpm_awaited_lines - 1 : 0;
+  if (!taken) return -1;
   memcpy(buffer, last_command_result, kLineCapacity);
   last_command_valid = false;
   pthread_cond_signal(&vpm_resp_taken);

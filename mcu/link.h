@@ -4,26 +4,27 @@
 #define MCU_LINK_H
 
 // Opens the link, or counts one more user of the open one (path and flags are then not used).
-// 0: open; -1: not. Waits at most 2000 ms for the transaction lock.
+// 0: open; -1: not. Waits at most 2000 ms for its turn.
 int VPMOpen(const char* path, int flags);
 
 // Takes one user away; the last one stops and awaits the I/O thread and closes the port. 0, or
-// ROLU_STATUS_VPM_NO_REPLY when the transaction lock was not free within 2000 ms; nothing changed
-// then.
+// ROLU_STATUS_VPM_NO_REPLY when it did not get its turn within 2000 ms; nothing changed then.
 int VPMClose();
 
 // Queues a whole command, its carriage return included. 0: queued; -2: no room, or the link is
-// closed. A reply that nobody took belongs to an earlier command and is discarded. Call it with
-// CriSectCtx held until the last reply was read.
-int send_vpm_command(const char* bytes, int length);
+// closed. A reply that nobody took belongs to an earlier command and is discarded. Of the answer the
+// caller waits for `awaited_lines` lines: none of them is overwritten before it was taken. Call it in a
+// turn that lasts until the last of them was read.
+int send_vpm_command(const char* bytes, int length, int awaited_lines = 0);
 
 // Takes back the commands that have not left yet, when their caller gives up: one that left later
-// would be carried out unasked, and its answer would be taken for the next command's. Call it with
-// CriSectCtx held.
+// would be carried out unasked, and its answer would be taken for the next command's. Call it in the
+// same turn.
 void cancel_queued_commands();
 
 // Waits for the next reply line, at most `wait_ms` milliseconds, and copies it with its NUL into
-// `buffer` (kLineCapacity bytes). 0: copied; -1: none came, or the link is closed.
+// `buffer` (kLineCapacity bytes). 0: copied; -1: none came, or the link is closed; then no line is
+// awaited any more.
 int read_vpm_response(char* buffer, unsigned long wait_ms);
 
 #endif  // MCU_LINK_H

@@ -17,7 +17,7 @@ namespace {
 // which keeps it from overtaking the rest of what the MCU is still sending.
 constexpr unsigned int kPollMs = 5;
 
-// Empty polls after which a line that has not ended is given up.
+// Empty polls after which a line that has not ended is forgotten.
 constexpr int kIdleLimit = 100;
 
 constexpr unsigned long kLineLockMs = 1000;
@@ -33,10 +33,6 @@ unsigned int recv_size_vpm = 0;
 
 LineAssembler line_assembler;
 
-// The last poll ended empty and nothing has arrived since: there is nothing left to wait for, so
-// the wake-up event may end a poll.
-bool line_is_quiet = false;
-
 // When the last bytes were read: the quiet time counts from there, not from the end of their handling.
 long long last_bytes_us = 0;
 
@@ -48,18 +44,16 @@ void ClearWakeEvent() {
 
 enum class PollResult { kReadable, kWoken, kTimedOut, kFailed };
 
-// Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1.
-PollResult Poll(int port, long long wait_us) {
+// Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1; without a
+// time-out if that is null.
+PollResult Poll(int port, timeval* time_out) {
   fd_set readable;
   FD_ZERO(&readable);
   if (port != -1) FD_SET(port, &readable);
   const bool may_wake = line_is_quiet && vpm_wake_event != -1;
   if (may_wake) FD_SET(vpm_wake_event, &readable);
-  timeval timeout;
-  timeout.tv_sec = static_cast<time_t>(wait_us / 1000000);
-  timeout.tv_usec = static_cast<suseconds_t>(wait_us % 1000000);
   const int highest = may_wake && vpm_wake_event > port ? vpm_wake_event : port;
-  const int ready = select(highest + 1, &readable, nullptr, nullptr, &timeout);
+  const int ready = select(highest + 1, &readable, nullptr, nullptr, time_out);
   if (ready == 0) return PollResult::kTimedOut;
   if (ready < 0) return PollResult::kFailed;
   // Bytes come first: with bytes at the port the line is not quiet.
@@ -67,26 +61,40 @@ PollResult Poll(int port, long long wait_us) {
   return may_wake && FD_ISSET(vpm_wake_event, &readable) ? PollResult::kWoken : PollResult::kFailed;
 }
 
+timeval TimeLeft(long long end_us, long long now_us) {
+  const long long left_us = std::max(end_us - now_us, 0LL);
+  timeval left;
+  left.tv_sec = static_cast<time_t>(left_us / 1000000);
+  left.tv_usec = static_cast<suseconds_t>(left_us % 1000000);
+  return left;
+}
+
 // A port that fails or has hung up is always ready; without its 5 ms each such poll would follow
 // the last at once and keep a processor busy.
 int FinishFailedPoll(int result, long long poll_end_us) {
-  const long long left_us = poll_end_us - MonotonicUs();
-  const bool woken = left_us > 0 && Poll(-1, left_us) == PollResult::kWoken;
+  timeval left = TimeLeft(poll_end_us, MonotonicUs());
+  const bool woken = Poll(-1, &left) == PollResult::kWoken;
   line_is_quiet = true;
   if (!woken) return result;
   ClearWakeEvent();
   return kWoken;
 }
 
+// Nothing is left to wait for but bytes and a wake-up.
+bool MaySleep() {
+  return line_is_quiet && vpm_wake_event != -1 && !line_assembler.HoldsPart() && tx_index == 0;
+}
+
 void WriteQueue() {
-  ScopedLock lock(*io_op_lock);
+  const ScopedLock lock(*io_op_lock);
   VPMWrite(vpm_tx_buffer, tx_index);
   tx_index = 0;
+  tx_urgent = false;
 }
 
 void AwaitReplyTaken() REQUIRES(io_op_lock) {
-  const timespec deadline = WallClockDeadline(kReplyTakenMs);
-  while (last_command_valid && vpm_resp_waiters > 0 && !HasPassed(deadline)) {
+  const timespec deadline = MonotonicDeadline(kReplyTakenMs);
+  while (last_command_valid && vpm_awaited_lines > 0 && !HasPassedMonotonic(deadline)) {
     pthread_cond_timedwait(&vpm_resp_taken, io_op_lock->mutex(), &deadline);
   }
 }
@@ -113,9 +121,12 @@ void HandleLine(const char* line, size_t length) {
 
 }  // namespace
 
+std::atomic<bool> line_is_quiet{false};
+
+// On a line that is not quiet the thread does not watch the event; it looks for itself once the line is.
 void WakeIoThread() {
   const uint64_t one = 1;
-  if (vpm_wake_event == -1) return;
+  if (vpm_wake_event == -1 || !line_is_quiet) return;
   [[maybe_unused]] const ssize_t written = write(vpm_wake_event, &one, sizeof one);
 }
 
@@ -130,8 +141,11 @@ void ResetPortReader() {
 int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms) {
   if (recv_index_vpm == recv_size_vpm) {
     const long long now_us = MonotonicUs();
-    const long long poll_end_us = (line_is_quiet ? now_us : last_bytes_us) + wait_ms * 1000LL;
-    switch (Poll(vpm_port, std::max(poll_end_us - now_us, 0LL))) {
+    const bool has_time_out = wait_ms != kNoTimeOut;
+    const long long poll_us = (has_time_out ? wait_ms : kPollMs) * 1000LL;
+    const long long poll_end_us = (line_is_quiet ? now_us : last_bytes_us) + poll_us;
+    timeval left = TimeLeft(poll_end_us, now_us);
+    switch (Poll(vpm_port, has_time_out ? &left : nullptr)) {
       case PollResult::kReadable:
         break;
       case PollResult::kWoken:
@@ -158,33 +172,24 @@ bool VPMRead(char* line, unsigned long* length, int idle_limit) {
   int idle_count = 0;
   while (io_thread_active && idle_count < idle_limit) {
     unsigned char byte;
-    const int result = recvbyte_vpm(&byte, kPollMs);
+    const int result = recvbyte_vpm(&byte, MaySleep() ? kNoTimeOut : kPollMs);
     if (result == 0) {
       if (!line_assembler.Take(byte)) continue;
       memcpy(line, line_assembler.text(), line_assembler.length() + 1);
       *length = line_assembler.length();
       return true;
     }
-    if (tx_index > 0) {
-      // A wake-up that came while the line was not quiet is served by this write.
-      if (result != kWoken) ClearWakeEvent();
-      WriteQueue();
-    }
-    if (result != kWoken) ++idle_count;
+    // A command that nobody waits for ends a wait without a time-out, and leaves after one poll.
+    const bool poll_ended = result != kWoken;
+    if (tx_index > 0 && (poll_ended || tx_urgent)) WriteQueue();
+    if (poll_ended) ++idle_count;
   }
-  line_assembler.Abandon();
+  line_assembler.Reset();
   return false;
 }
 
 bool VPMWrite(const char* bytes, int length) {
   while (length > 0) {
-    // The port is a blocking one: a line that takes nothing must fail the command, not hold the
-    // lock of every caller.
-    fd_set writable;
-    FD_ZERO(&writable);
-    FD_SET(vpm_port, &writable);
-    timeval at_once = {0, 0};
-    if (select(vpm_port + 1, nullptr, &writable, nullptr, &at_once) <= 0) return false;
     const ssize_t written = write(vpm_port, bytes, static_cast<size_t>(length));
     if (written <= 0) return false;
     bytes += written;

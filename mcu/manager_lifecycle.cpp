@@ -2,25 +2,25 @@
 
 #include <fcntl.h>
 
-#include "core/process_locks.h"
+#include <cstdlib>
+
 #include "kavo_rolu.h"
 #include "mcu/link.h"
 #include "mcu/transaction.h"
+#include "mcu/turn.h"
 
 namespace {
 
 constexpr char kMcuPort[] = "/proc/vpm_serial";
 
 void ReleaseTable(ErrorReplyEntry*& table) {
-  delete[] table;
+  free(table);
   table = nullptr;
 }
 
-// Waits for its turn as long as it takes: a close that gave up would leave the port open, and the
-// thread running, for good.
+// A close that gave up must not leave the port open, and the thread running, for good.
 void CloseLink() {
-  ScopedLock turn(CriSectCtx);
-  VPMClose();
+  if (VPMClose() != 0) OweClose();
 }
 
 void GreetMcu(const ErrorReplyEntry* table) {

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "core/deadline.h"
-#include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/link.h"
+#include "mcu/turn.h"
 
 namespace {
 
@@ -31,8 +31,8 @@ uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int c
                         int reply_size, int post_delay_ms, int reply_lines) {
   if (command == nullptr || reply == nullptr) return ROLU_STATUS_VPM_SEND_FAILED;
   {
-    ScopedLock serialised(CriSectCtx);
-    if (send_vpm_command(command, command_length) != 0) return ROLU_STATUS_VPM_SEND_FAILED;
+    const Turn turn;
+    if (send_vpm_command(command, command_length, reply_lines) != 0) return ROLU_STATUS_VPM_SEND_FAILED;
     char line[kLineCapacity];
     for (int i = 0; i < reply_lines; ++i) {
       if (read_vpm_response(line, kReplyWaitMs) != 0) {

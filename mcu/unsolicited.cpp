@@ -20,10 +20,9 @@ ROLU_GSENSOR_DATA gdata[kRingSlots] GUARDED_BY(io_op_lock);
 int gdata_front GUARDED_BY(io_op_lock) = 0;
 int gdata_tail GUARDED_BY(io_op_lock) = 0;
 
-// Guarded by io_op_lock, too; they pass by reference through Register, which takes the lock.
-pthread_cond_t* gsensor_alarm_event = nullptr;
-pthread_cond_t* pre_ign_poweroff_alarm_event = nullptr;
-pthread_cond_t* pre_lvp_poweroff_alarm_event = nullptr;
+pthread_cond_t* gsensor_alarm_event GUARDED_BY(io_op_lock) = nullptr;
+pthread_cond_t* pre_ign_poweroff_alarm_event GUARDED_BY(io_op_lock) = nullptr;
+pthread_cond_t* pre_lvp_poweroff_alarm_event GUARDED_BY(io_op_lock) = nullptr;
 
 int NextSlot(int slot) {
   return slot == kRingSlots - 1 ? 0 : slot + 1;
@@ -57,12 +56,6 @@ void SignalPowerOffWarning(const char* line) REQUIRES(io_op_lock) {
   if (kind == 1) Signal(pre_lvp_poweroff_alarm_event);
 }
 
-void Register(pthread_cond_t*& registration, void* event) {
-  if (io_op_lock == nullptr) return;
-  ScopedLock lock(*io_op_lock);
-  registration = static_cast<pthread_cond_t*>(event);
-}
-
 }  // namespace
 
 void HandleBracketedMessage(const char* line) {
@@ -83,7 +76,7 @@ void push_gsensor_alarm_data(const char* line) {
 }
 
 int pop_gsensor_alarm_data(ROLU_GSENSOR_DATA* sample) {
-  if (sample == nullptr || io_op_lock == nullptr) return -1;
+  if (sample == nullptr || !IoOpLockExists()) return -1;
   if (io_op_lock->TimeLock(kPopLockMs) != 0) return -3;
   const bool queued = gdata_front != gdata_tail;
   if (queued) {
@@ -95,15 +88,21 @@ int pop_gsensor_alarm_data(ROLU_GSENSOR_DATA* sample) {
 }
 
 void set_gsensor_alarm_event(void* event) {
-  Register(gsensor_alarm_event, event);
+  if (!IoOpLockExists()) return;
+  const ScopedLock lock(*io_op_lock);
+  gsensor_alarm_event = static_cast<pthread_cond_t*>(event);
 }
 
 void set_ignition_poweroff_alarm_event(void* event) {
-  Register(pre_ign_poweroff_alarm_event, event);
+  if (!IoOpLockExists()) return;
+  const ScopedLock lock(*io_op_lock);
+  pre_ign_poweroff_alarm_event = static_cast<pthread_cond_t*>(event);
 }
 
 void set_lvp_poweroff_alarm_event(void* event) {
-  Register(pre_lvp_poweroff_alarm_event, event);
+  if (!IoOpLockExists()) return;
+  const ScopedLock lock(*io_op_lock);
+  pre_lvp_poweroff_alarm_event = static_cast<pthread_cond_t*>(event);
 }
 
 void ResetUnsolicited() {

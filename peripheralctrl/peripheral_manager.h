@@ -14,6 +14,8 @@ class CPCMgr {
   CPCMgr();
   CPCMgr(const CPCMgr&) = delete;
   CPCMgr& operator=(const CPCMgr&) = delete;
+  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  static void operator delete(void*) {}
 
   virtual ~CPCMgr();
   virtual uint32_t Initialize();

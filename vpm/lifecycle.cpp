@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/cancellation_off.h"
 #include "core/construction_order.h"
 #include "mcu/manager_lifecycle.h"
 #include "mcu/reply_fields.h"
@@ -46,6 +47,8 @@ CVPMMgr::CVPMMgr()
 CVPMMgr::~CVPMMgr() = default;
 
 uint32_t CVPMMgr::Initialize(int) {
+  // A thread that ended while it prints would leave the link open.
+  const CancellationOff until_it_is_up;
   uint32_t status = StartUpManager(initialized, error_table);
   if (status != ROLU_STATUS_SUCCESS) return status;
   status = ReadFirmwareInfo();

@@ -26,6 +26,8 @@ class CVPMMgr {
   CVPMMgr();
   CVPMMgr(const CVPMMgr&) = delete;
   CVPMMgr& operator=(const CVPMMgr&) = delete;
+  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  static void operator delete(void*) {}
 
   virtual ~CVPMMgr();
   virtual uint32_t Initialize(int unused);

@@ -14,6 +14,8 @@ class CWDMgr {
   CWDMgr();
   CWDMgr(const CWDMgr&) = delete;
   CWDMgr& operator=(const CWDMgr&) = delete;
+  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  static void operator delete(void*) {}
 
   virtual ~CWDMgr();
   virtual uint32_t Initialize(int unused);

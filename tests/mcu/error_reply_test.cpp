@@ -51,7 +51,7 @@ TEST(ErrorReply, EachListedTextHasItsNumber) {
       {"", 0},
       {nullptr, 0},
   };
-  const std::unique_ptr<ErrorReplyEntry[]> table(NewErrorTable());
+  const std::unique_ptr<ErrorReplyEntry[], decltype(&free)> table(NewErrorTable(), free);
   for (const auto& row : rows) {
     SCOPED_TRACE(row.reply == nullptr ? "null" : row.reply);
     EXPECT_EQ(FindErrorReply(table.get(), row.reply), row.number);

@@ -49,20 +49,22 @@ TEST(LineAssembler, CutsTheStreamAtEveryLineEnd) {
     EXPECT_EQ(Assemble(row.stream), row.lines) << testing::PrintToString(row.stream);
 }
 
-TEST(LineAssembler, AbandonedLineIsForgottenButTheRestOfALongOneIsNoLine) {
+TEST(LineAssembler, LineThatDidNotEndCanBeForgotten) {
   LineAssembler assembler;
   const auto take = [&assembler](const std::string& bytes) {
     bool complete = false;
     for (const char byte : bytes) complete = assembler.Take(static_cast<unsigned char>(byte));
     return complete ? assembler.text() : std::string("no line");
   };
-  take("02");
-  assembler.Abandon();
-  EXPECT_EQ(take("EB\r"), "EB");
-  take(std::string(80, 'a'));
-  assembler.Abandon();
-  EXPECT_EQ(take("0012\r"), "no line");
-  EXPECT_EQ(take("0034\r"), "0034");
+  EXPECT_FALSE(assembler.HoldsPart());
+  for (const std::string& part : {std::string("02"), std::string(63, 'a'), std::string(80, 'a')}) {
+    take(part);
+    EXPECT_TRUE(assembler.HoldsPart()) << part;
+    assembler.Reset();
+    EXPECT_FALSE(assembler.HoldsPart()) << part;
+    EXPECT_EQ(take("EB\r"), "EB");
+    EXPECT_FALSE(assembler.HoldsPart()) << "a whole line is no part of one";
+  }
 }
 
 }  // namespace

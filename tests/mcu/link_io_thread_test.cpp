@@ -26,7 +26,8 @@ std::string TakeReply(unsigned long wait_ms) {
   return read_vpm_response(reply, wait_ms) == 0 ? reply : "none";
 }
 
-// The line that one VPMRead gives, or nothing.
+// The lines that have come, and as many empty polls. On a quiet line that holds no part of one, a second
+// empty poll would not end.
 std::vector<std::string> ReadLines(int idle_limit = 1) {
   std::vector<std::string> lines;
   char line[kLineCapacity];
@@ -47,30 +48,43 @@ TEST(QuietRule, WakeUpEndsAPollOnlyOnAQuietLine) {
   WakeIoThread();
   EXPECT_EQ(Poll(kLongPoll), -2) << "nothing is known about the line yet";
   EXPECT_GE(Clock::now() - start, kLongPoll);
+  WakeIoThread();
   EXPECT_EQ(Poll(kGenerous), kWoken);
 
   start = Clock::now();
-  link.Send("x");
   WakeIoThread();
+  link.Send("x");
   EXPECT_EQ(Poll(kGenerous), 0) << "bytes come before a wake-up";
   EXPECT_EQ(Poll(kLongPoll), -2) << "bytes have just arrived";
   EXPECT_GE(Clock::now() - start, kLongPoll);
-  EXPECT_EQ(Poll(kGenerous), kWoken);
+  EXPECT_EQ(Poll(kGenerous), kWoken) << "the wake-up from before the bytes";
   EXPECT_EQ(Poll(milliseconds(1)), -2) << "a wake-up counts once";
 }
 
 TEST(QuietRule, OnlyTheWaitForAnAnswerHurriesACommand) {
-  const PausedLink link;
-  ASSERT_TRUE(Queue("A\r"));
-  ASSERT_TRUE(Queue("B\r"));
-  EXPECT_FALSE(IsReadable(vpm_wake_event, 0)) << "commands that are queued together leave together";
-  EXPECT_EQ(TakeReply(0), "none");
-  EXPECT_TRUE(IsReadable(vpm_wake_event, 0));
-  EXPECT_THAT(ReadLines(), testing::IsEmpty());
-  EXPECT_EQ(link.Receive(4), "A\rB\r");
-  EXPECT_FALSE(IsReadable(vpm_wake_event, 0)) << "the write has served the wake-up";
+  PausedLink link;
+  EXPECT_EQ(Poll(kPoll), -2) << "the line is quiet";
   EXPECT_EQ(TakeReply(0), "none");
   EXPECT_FALSE(IsReadable(vpm_wake_event, 0)) << "a wait with nothing queued has nothing to hurry";
+  ASSERT_TRUE(Queue("A\r"));
+  ASSERT_TRUE(Queue("B\r"));
+  EXPECT_FALSE(tx_urgent);
+  EXPECT_EQ(TakeReply(0), "none");
+  EXPECT_TRUE(tx_urgent);
+  EXPECT_TRUE(IsReadable(vpm_wake_event, 0));
+  link.Resume();
+  EXPECT_EQ(link.Receive(4), "A\rB\r") << "commands that are queued together leave together";
+}
+
+TEST(QuietRule, CommandThatNobodyWaitsForLeavesAfterAPoll) {
+  const PausedLink link;
+  ReadLines();
+  const auto start = Clock::now();
+  ASSERT_TRUE(Queue("A\r"));
+  EXPECT_TRUE(IsReadable(vpm_wake_event, 0)) << "a thread that waits without a time-out hears of it";
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_GE(Clock::now() - start, kPoll);
+  EXPECT_EQ(link.Receive(2), "A\r");
 }
 
 TEST(QuietRule, CommandDoesNotOvertakeWhatTheMcuHasSent) {
@@ -212,6 +226,15 @@ TEST(Framing, GivesUpALineThatDoesNotEnd) {
   EXPECT_THAT(ReadLines(), testing::ElementsAre("OK"));
 }
 
+TEST(Framing, ForgetsALineThatIsTooLongAndDoesNotEnd) {
+  constexpr int kPolls = 4;
+  const PausedLink link;
+  link.Send(std::string(80, 'x'));
+  EXPECT_THAT(ReadLines(kPolls), testing::IsEmpty());
+  link.Send("OK\r");
+  EXPECT_THAT(ReadLines(), testing::ElementsAre("OK"));
+}
+
 TEST(ReplyStore, LineThatCameBeforeTheCommandLeftIsNotItsAnswer) {
   PausedLink link;
   link.Send("OLD\r");
@@ -239,7 +262,21 @@ TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
 
 bool IsCallerWaiting() {
   const ScopedLock lock(*io_op_lock);
-  return vpm_resp_waiters == 1;
+  return vpm_awaited_lines == 1;
+}
+
+// What a transaction queues has both lines of its answer kept from that moment on.
+TEST(ReplyStore, CallerThatWaitsLateReadsBothLines) {
+  PausedLink link;
+  ASSERT_EQ(send_vpm_command("RTCS\r", 5, 2), 0);
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_EQ(link.Receive(5), "RTCS\r");
+  link.Send("ONE\r\nTWO\r\n");
+  link.Resume();
+  EXPECT_TRUE(WaitUntil([] { return IsReplyStored(); }));
+  std::this_thread::sleep_for(milliseconds(20));
+  EXPECT_EQ(TakeReply(kGenerousMs), "ONE");
+  EXPECT_EQ(TakeReply(kGenerousMs), "TWO");
 }
 
 TEST(ReplyStore, WakeUpWithoutAReplyWaitsOn) {

@@ -3,20 +3,26 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <future>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/transaction.h"
+#include "mcu/turn.h"
 #include "simulator/mcu/mcu_serial.h"
 #include "tests/mcu/paused_link.h"
 #include "tests/support/process_state.h"
@@ -157,6 +163,173 @@ TEST_F(OpenLink, OpenAndCloseGiveUpWhenTheTransactionLockIsNotFree) {
   EXPECT_EQ(Ask("Hello"), "OK");
   EXPECT_EQ(VPMClose(), 0);
   EXPECT_TRUE(mcu.WaitForHostClosed(kGenerous)) << "the failed calls changed no count";
+}
+
+int Users() {
+  const ScopedLock lock(*io_op_lock);
+  return vpm_ref_count;
+}
+
+TEST_F(OpenLink, OwedClosesAreSettledWhoeverEndsATurn) {
+  constexpr int kUsers = 200;
+  for (int i = 0; i < kUsers; ++i) ASSERT_TRUE(Open(mcu.DevicePath()));
+  std::atomic<bool> taking_turns{true};
+  const auto take_turns = [&] {
+    while (taking_turns) const Turn turn;
+  };
+  std::thread first(take_turns);
+  std::thread second(take_turns);
+  for (int i = 0; i < kUsers; ++i) OweClose();
+  taking_turns = false;
+  first.join();
+  second.join();
+  EXPECT_EQ(Users(), 1) << "the fixture's";
+  EXPECT_EQ(Ask("Hello"), "OK");
+}
+
+// Numbers 0, 1 and 2 are free for a while.
+class ClosedStandardStreams {
+ public:
+  ClosedStandardStreams() {
+    fflush(stdout);
+    for (int stream = 0; stream < kStreams; ++stream) {
+      kept_[stream] = fcntl(stream, F_DUPFD_CLOEXEC, kOutOfTheWay);
+      close(stream);
+    }
+  }
+  ~ClosedStandardStreams() {
+    for (int stream = 0; stream < kStreams; ++stream) {
+      dup2(kept_[stream], stream);
+      close(kept_[stream]);
+    }
+  }
+  ClosedStandardStreams(const ClosedStandardStreams&) = delete;
+  ClosedStandardStreams& operator=(const ClosedStandardStreams&) = delete;
+
+ private:
+  static constexpr int kStreams = 3;
+  static constexpr int kOutOfTheWay = 100;
+  int kept_[kStreams] = {};
+};
+
+TEST(Link, NoDescriptorOfItsIsAStandardStream) {
+  McuSerial mcu;
+  const ProcessState before;
+  int port = -1;
+  int wake_event = -1;
+  std::array<bool, 3> taken{};
+  {
+    const ClosedStandardStreams closed;
+    if (!Open(mcu.DevicePath())) std::abort();
+    port = vpm_port;
+    wake_event = vpm_wake_event;
+    for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
+      taken[static_cast<std::size_t>(stream)] = fcntl(stream, F_GETFD) != -1;
+    }
+  }
+  EXPECT_GT(port, STDERR_FILENO);
+  EXPECT_GT(wake_event, STDERR_FILENO);
+  EXPECT_THAT(taken, testing::Each(false)) << "what was moved is closed where it was";
+  EXPECT_NE(fcntl(port, F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_NE(fcntl(wake_event, F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_EQ(VPMClose(), 0);
+  EXPECT_EQ(LeftSince(before), "");
+}
+
+// How often the I/O thread has gone to sleep since it started.
+long IoThreadSleeps() {
+  long sleeps = -1;
+  for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    if (thread.path().filename() == std::to_string(getpid())) continue;
+    std::ifstream status(thread.path() / "status");
+    for (std::string word; status >> word;) {
+      if (word == "voluntary_ctxt_switches:") status >> sleeps;
+    }
+  }
+  return sleeps;
+}
+
+bool IoThreadStaysAsleep() {
+  const long before = IoThreadSleeps();
+  std::this_thread::sleep_for(milliseconds(100));
+  return before > 0 && IoThreadSleeps() == before;
+}
+
+TEST(LinkAtRest, WakesNobodyAndStillHearsAndSends) {
+  const rolu_sim::PseudoTerminal line;
+  const auto received = [&line](std::size_t size) {
+    std::string bytes(size, '\0');
+    std::size_t count = 0;
+    while (count < size && IsReadable(line.master(), kGenerousMs)) {
+      const ssize_t more = read(line.master(), bytes.data() + count, size - count);
+      if (more <= 0) break;
+      count += static_cast<std::size_t>(more);
+    }
+    return bytes;
+  };
+  ASSERT_TRUE(Open(line.device_path()));
+  EXPECT_TRUE(WaitUntil(IoThreadStaysAsleep));
+  ASSERT_EQ(send_vpm_command("ONE\r", 4), 0);
+  EXPECT_EQ(received(4), "ONE\r") << "a command that nobody waits for";
+  EXPECT_TRUE(WaitUntil(IoThreadStaysAsleep));
+  ASSERT_EQ(write(line.master(), "LINE\r\n", 6), 6);
+  EXPECT_TRUE(WaitUntil(IsReplyStored));
+  EXPECT_TRUE(WaitUntil(IoThreadStaysAsleep));
+  EXPECT_EQ(VPMClose(), 0);
+}
+
+// Another process that has the port open takes bytes between the I/O thread's poll and its read.
+TEST(LinkClose, EndsWhileAnotherProcessTakesTheBytes) {
+  const rolu_sim::PseudoTerminal line;
+  ASSERT_TRUE(Open(line.device_path()));
+  std::atomic<bool> stealing{true};
+  std::thread thief([&] {
+    const rolu_sim::UniqueFd port(open(line.device_path().c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK));
+    char byte = 0;
+    while (stealing) [[maybe_unused]] const ssize_t taken = read(port.get(), &byte, 1);
+  });
+  for (int i = 0; i < 2000; ++i) ASSERT_EQ(write(line.master(), "x", 1), 1);
+  auto closed = std::async(std::launch::async, VPMClose);
+  EXPECT_EQ(closed.wait_for(kGenerous), std::future_status::ready);
+  stealing = false;
+  thief.join();
+  // Would end a close that hangs.
+  EXPECT_EQ(write(line.master(), "\r", 1), 1);
+  EXPECT_EQ(closed.get(), 0);
+}
+
+struct CancelledCall {
+  std::string command;
+  int post_delay_ms;
+  std::string answer;
+};
+
+void* AskAndEnd(void* argument) {
+  auto* call = static_cast<CancelledCall*>(argument);
+  call->answer = Ask(call->command, call->post_delay_ms);
+  pthread_testcancel();
+  return nullptr;
+}
+
+TEST_F(OpenLink, CancelledThreadEndsBehindItsCallAndKeepsNoLock) {
+  constexpr milliseconds kAnswerTime(200);
+  mcu.Script(CommandMatch::Exactly("SLOW"), rolu_sim::Reply::Line("0001", kAnswerTime));
+  mcu.Script(CommandMatch::Exactly("ORDER"), rolu_sim::Reply::Line("0002"));
+  for (CancelledCall call : {CancelledCall{"SLOW", 0, ""}, CancelledCall{"ORDER", 200, ""}}) {
+    SCOPED_TRACE(call.command);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, AskAndEnd, &call), 0);
+    EXPECT_TRUE(mcu.WaitForCommand(call.command, kGenerous));
+    EXPECT_EQ(pthread_cancel(thread), 0);
+    void* result = nullptr;
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED) << "the request is not forgotten";
+    EXPECT_THAT(call.answer, testing::StartsWith("000"));
+    auto next = std::async(std::launch::async, [] { return Ask("Hello"); });
+    ASSERT_EQ(next.wait_for(kGenerous), std::future_status::ready) << "a lock is kept";
+    EXPECT_EQ(next.get(), "OK");
+  }
 }
 
 TEST_F(OpenLink, BracketedMessagesAreNoAnswers) {

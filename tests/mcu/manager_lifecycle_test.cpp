@@ -1,14 +1,16 @@
 // How managers come up and go down, on the simulated board.
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "core/process_locks.h"
 #include "kavo_rolu.h"
 #include "mcu/link.h"
 #include "mcu/link_state.h"
+#include "mcu/transaction.h"
+#include "mcu/turn.h"
 #include "simulator/board.h"
 #include "tests/support/process_state.h"
 #include "vpm/vpm_manager.h"
@@ -93,18 +95,46 @@ TEST_F(AttachedBoard, StartUpThatFailsHalfWayGivesBackWhatItTook) {
   EXPECT_EQ(gVPMMgr.VPMErrorCheck(error_reply), 0);
 }
 
-// A turn that takes longer than the link's own limit for its close.
-TEST_F(AttachedBoard, FamilyGoesDownEvenBehindALongCommand) {
+// The turn of another thread takes longer than the 2 s that a close waits.
+TEST_F(AttachedBoard, FamilyGoesDownInTimeAndThePortIsClosedLater) {
+  const ProcessState before;
+  for (int round = 0; round < 2; ++round) {
+    ASSERT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS) << "a close that was owed takes no other";
+    {
+      const Turn held;
+      const auto start = std::chrono::system_clock::now();
+      std::thread leaving([] { EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS); });
+      leaving.join();
+      EXPECT_GE(std::chrono::system_clock::now() - start, std::chrono::milliseconds(2000));
+      EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_NOT_INITIALIZED);
+      EXPECT_EQ(Users(), 1);
+    }
+    EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
+    EXPECT_EQ(LeftSince(before), "");
+  }
+}
+
+TEST_F(AttachedBoard, FamiliesThatGoDownAtOnceBehindOneSilentCommandCloseThePort) {
+  const ProcessState before;
   ASSERT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
   ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
-  board.mcu().Script(CommandMatch::Exactly("WDTR"), rolu_sim::Reply::Silence());
-  std::thread slow([] { EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_VPM_NO_REPLY); });
-  ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kGenerous));
-  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
-  slow.join();
-  EXPECT_EQ(Users(), 1);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
+  ASSERT_EQ(KAVO_ROLU_GSENSOR_Initialize(0), ROLU_STATUS_SUCCESS);
+  ASSERT_EQ(KAVO_ROLU_PERIPHERALCTRL_Initialize(), ROLU_STATUS_SUCCESS);
+  ASSERT_EQ(Users(), 4);
+  board.mcu().Script(CommandMatch::Exactly("SILENT"), rolu_sim::Reply::Silence());
+  std::vector<std::thread> threads;
+  threads.emplace_back([] {
+    char reply[kLineCapacity];
+    EXPECT_EQ(RunTransaction(nullptr, "SILENT\r", 7, reply, sizeof reply, 0), ROLU_STATUS_VPM_NO_REPLY);
+  });
+  ASSERT_TRUE(board.mcu().WaitForCommand("SILENT", kGenerous));
+  for (const auto deinitialize : {KAVO_ROLU_WD_Deinitialize, KAVO_ROLU_VPM_Deinitialize,
+                                  KAVO_ROLU_GSENSOR_Deinitialize, KAVO_ROLU_PERIPHERALCTRL_Deinitialize}) {
+    threads.emplace_back([deinitialize] { EXPECT_EQ(deinitialize(), ROLU_STATUS_SUCCESS); });
+  }
+  for (std::thread& thread : threads) thread.join();
   EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
+  EXPECT_EQ(LeftSince(before), "");
 }
 
 }  // namespace

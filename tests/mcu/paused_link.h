@@ -34,6 +34,7 @@ class PausedLink {
   PausedLink() {
     EXPECT_EQ(VPMOpen(line_.device_path().c_str(), O_RDWR), 0);
     io_thread_active = false;
+    WakeIoThread();
     pthread_join(vpm_io_thread_handle, nullptr);
     io_thread_active = true;
     ResetPortReader();

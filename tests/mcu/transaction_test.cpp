@@ -33,7 +33,7 @@ class Transaction : public testing::Test {
   }
 
   rolu_sim::McuSerial mcu;
-  const std::unique_ptr<ErrorReplyEntry[]> table{NewErrorTable()};
+  const std::unique_ptr<ErrorReplyEntry[], decltype(&free)> table{NewErrorTable(), free};
   char reply[kLineCapacity] = "untouched";
 };
 

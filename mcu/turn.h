@@ -1,0 +1,30 @@
+// A turn at the MCU: the transaction lock for a scope. Turns are the only way to that lock, so that what
+// is owed to the link is settled in one place, at the end of a turn.
+#ifndef MCU_TURN_H
+#define MCU_TURN_H
+
+#include "core/cancellation_off.h"
+
+class Turn {
+ public:
+  // Waits for its turn as long as it takes.
+  Turn();
+  // Waits at most `limit_ms` milliseconds, until a time of the wall clock.
+  explicit Turn(unsigned long limit_ms);
+  ~Turn();
+  Turn(const Turn&) = delete;
+  Turn& operator=(const Turn&) = delete;
+
+  // False when the time ran out.
+  bool held() const { return held_; }
+
+ private:
+  CancellationOff cancellation_off_;
+  bool held_;
+};
+
+// For a family that went down and got no turn to close the link in time: whoever ends a turn next closes
+// it in its stead.
+void OweClose();
+
+#endif  // MCU_TURN_H

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "bench/allocation_counter.h"
+#include "bench/loaded_size.h"
 #include "bench/mcu_process.h"
 #include "bench/quiet_line.h"
 #include "bench/require.h"
@@ -124,6 +125,13 @@ class LinkBenchmarks {
     QueryLibrary();
   }
 
+  void Loaded(benchmark::State& state) {
+    for ([[maybe_unused]] auto iteration : state) {
+      found_.loaded = LoadedSizeOf(reinterpret_cast<const void*>(KAVO_ROLU_WD_GetTime));
+    }
+    state.counters["bytes"] = static_cast<double>(found_.loaded->with_needed_bytes);
+  }
+
   void HungUpPort(benchmark::State& state) {
     McuProcess dying_mcu;
     dying_mcu.PlugInto(root_);
@@ -199,6 +207,7 @@ void RegisterLinkBenchmarks(const Effort& effort, const rolu_sim::BoardRoot& roo
   add("Allocations/PerLine", &LinkBenchmarks::AllocationsPerLine, 1);
   add("IoThread/IdleLink", &LinkBenchmarks::IdleLink, 1);
   add("IoThread/HungUpPort", &LinkBenchmarks::HungUpPort, 1);
+  add("Loaded", &LinkBenchmarks::Loaded, 1);
   add("LastClose", &LinkBenchmarks::LastClose, effort.closes)->UseManualTime();
 }
 

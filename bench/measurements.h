@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bench/io_thread_load.h"
+#include "bench/loaded_size.h"
 
 namespace rolu_bench {
 
@@ -40,6 +41,7 @@ struct Measurements {
   std::optional<double> allocations_per_line;
   std::optional<IoThreadLoad> idle_link;
   std::optional<IoThreadLoad> hung_up_port;
+  std::optional<LoadedSize> loaded;
   bool attempted = false;  // a benchmark ran
   bool failed = false;     // one could not measure
 };

@@ -15,9 +15,12 @@ using Figure = std::optional<double>;
 // A query on a quiet line, in bare round trips.
 constexpr double kQuietQueryFactor = 2.0;
 
-// A query right after another one: the line must have been quiet for one poll.
-constexpr double kPollUs = 5000.0;
+// A query right after another one: the line must have been quiet for one poll, which lasts as long as this
+// machine's own select of 5 ms.
 constexpr double kBusyQueryFactor = 1.5;
+
+// A line that is quiet wakes nobody up.
+constexpr double kIdleWakeupsPerSecond = 1.0;
 
 // One wake-up for each 5 ms poll; two in a hundred more for the edges of the measured time.
 constexpr double kPollsPerSecond = 200.0 * 1.02;
@@ -56,28 +59,13 @@ std::string Count(const Samples& samples) {
 }
 
 // A query costs `offset_us` and so many bare round trips.
-Row LimitedQuery(std::string what, const Samples& query, Figure bare, double offset_us, double factor) {
+Row LimitedQuery(std::string what, const Samples& query, Figure bare, Figure offset_us, double factor) {
   const Figure measured = query.Percentile(50);
   std::string note = Count(query);
-  if (measured && bare) {
-    note += ", " + (offset_us > 0.0 ? Fixed(offset_us, 0) + " us + " : "") +
-            Fixed((*measured - offset_us) / *bare, 2) + " x bare of at most " + Fixed(factor, 1);
-  }
-  return Limited(std::move(what), "us", measured, bare ? Figure(offset_us + factor * *bare) : std::nullopt,
-                 std::move(note));
-}
-
-// What is left of a query right after another one when this machine's own 5 ms are taken away: timers
-// end late by their slack, which no query can help.
-Row BeyondThePoll(const Measurements& found) {
-  const Figure query = found.query_back_to_back.Percentile(50);
-  const Figure poll = found.empty_poll.Percentile(50);
-  const Figure bare = found.bare_round_trip.Percentile(50);
-  Row row = Reference("query, back to back, beyond that select", "us", std::nullopt);
-  if (!query || !poll || !bare) return row;
-  row.measured = *query - *poll;
-  row.note = Fixed(*row.measured / *bare, 2) + " x bare";
-  return row;
+  if (!measured || !bare || !offset_us) return Limited(std::move(what), "us", measured, {}, std::move(note));
+  note += ", " + (*offset_us > 0.0 ? Fixed(*offset_us, 0) + " us + " : "") +
+          Fixed((*measured - *offset_us) / *bare, 2) + " x bare of at most " + Fixed(factor, 1);
+  return Limited(std::move(what), "us", measured, *offset_us + factor * *bare, std::move(note));
 }
 
 void AddLatencies(const Measurements& found, std::vector<Row>& rows) {
@@ -94,9 +82,8 @@ void AddLatencies(const Measurements& found, std::vector<Row>& rows) {
   rows.push_back(
       LimitedQuery("query, quiet line, median", quiet, bare.Percentile(50), 0.0, kQuietQueryFactor));
   rows.push_back(Reference("query, quiet line, p99", "us", quiet.Percentile(99)));
-  rows.push_back(
-      LimitedQuery("query, back to back, median", busy, bare.Percentile(50), kPollUs, kBusyQueryFactor));
-  rows.push_back(BeyondThePoll(found));
+  rows.push_back(LimitedQuery("query, back to back, median", busy, bare.Percentile(50), poll.Percentile(50),
+                              kBusyQueryFactor));
   rows.push_back(Reference("query, back to back, p99", "us", busy.Percentile(99)));
 }
 
@@ -107,13 +94,22 @@ void AddLoads(const Measurements& found, std::vector<Row>& rows) {
   const auto processor = [](const std::optional<IoThreadLoad>& load) {
     return load ? Figure(load->processor_percent) : std::nullopt;
   };
-  const char* const poll_note = "one per 5 ms, 2 % slack";
-  rows.push_back(Limited("idle link, wake-ups", "/s", wakeups(found.idle_link), kPollsPerSecond, poll_note));
+  rows.push_back(Limited("idle link, wake-ups", "/s", wakeups(found.idle_link), kIdleWakeupsPerSecond, ""));
   rows.push_back(Reference("idle link, processor", "%", processor(found.idle_link), "of one processor"));
-  rows.push_back(
-      Limited("hung-up port, wake-ups", "/s", wakeups(found.hung_up_port), kPollsPerSecond, poll_note));
+  rows.push_back(Limited("hung-up port, wake-ups", "/s", wakeups(found.hung_up_port), kPollsPerSecond,
+                         "one per 5 ms, 2 % slack"));
   rows.push_back(Limited("hung-up port, processor", "%", processor(found.hung_up_port),
                          kHungUpProcessorPercent, "of one processor"));
+}
+
+// Nothing but itself and the C library, which every program has loaded.
+Row LoadedRow(const Measurements& found) {
+  constexpr double kKiB = 1024.0;
+  Row row = Limited("loaded with the library, in all", "KiB", std::nullopt, std::nullopt, "its own pages");
+  if (!found.loaded) return row;
+  row.measured = static_cast<double>(found.loaded->with_needed_bytes) / kKiB;
+  row.limit = static_cast<double>(found.loaded->own_bytes) / kKiB;
+  return row;
 }
 
 std::vector<Row> RowsOf(const Measurements& found) {
@@ -123,6 +119,7 @@ std::vector<Row> RowsOf(const Measurements& found) {
   rows.push_back(
       Limited("heap allocations per received line", "", found.allocations_per_line, 0.0, "both threads"));
   AddLoads(found, rows);
+  rows.push_back(LoadedRow(found));
   rows.push_back(Limited("close of the last user, idle link, median", "us", found.last_close.Percentile(50),
                          kLastCloseUs, Count(found.last_close)));
   return rows;

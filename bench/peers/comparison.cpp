@@ -22,25 +22,40 @@ std::uint64_t WakeupsOfOtherThreads() {
   return sum;
 }
 
-void AskOnQuietLine(Peer& peer, int count, Samples& samples) {
-  for (int turn = 0; turn < count; ++turn) {
-    LeaveLineQuiet(turn);
-    const double start = Microseconds(CLOCK_MONOTONIC);
-    peer.Ask();
-    samples.Add(Microseconds(CLOCK_MONOTONIC) - start);
-  }
+template <typename Work>
+double ProcessorTimeOf(Work work) {
+  const double before = Microseconds(CLOCK_PROCESS_CPUTIME_ID);
+  work();
+  return Microseconds(CLOCK_PROCESS_CPUTIME_ID) - before;
+}
+
+void AskOnQuietLine(Peer& peer, int count, PeerFigures& figures) {
+  const double pauses = ProcessorTimeOf([count] {
+    for (int turn = 0; turn < count; ++turn) LeaveLineQuiet(turn);
+  });
+  const double pauses_and_asks = ProcessorTimeOf([&] {
+    for (int turn = 0; turn < count; ++turn) {
+      LeaveLineQuiet(turn);
+      const double start = Microseconds(CLOCK_MONOTONIC);
+      peer.Ask();
+      figures.quiet_us.Add(Microseconds(CLOCK_MONOTONIC) - start);
+    }
+    LeaveLineQuiet(0);
+  });
+  figures.quiet_processor_us.Add((pauses_and_asks - pauses) / count);
 }
 
 void AskInABurst(Peer& peer, int count, PeerFigures& figures) {
-  const double processor_before = Microseconds(CLOCK_PROCESS_CPUTIME_ID);
   const double first = Seconds(CLOCK_MONOTONIC);
-  for (int i = 0; i < count; ++i) {
-    const double start = Microseconds(CLOCK_MONOTONIC);
-    peer.Ask();
-    figures.burst_us_per_ask.Add(Microseconds(CLOCK_MONOTONIC) - start);
-  }
+  const double processor = ProcessorTimeOf([&] {
+    for (int i = 0; i < count; ++i) {
+      const double start = Microseconds(CLOCK_MONOTONIC);
+      peer.Ask();
+      figures.burst_us_per_ask.Add(Microseconds(CLOCK_MONOTONIC) - start);
+    }
+  });
   figures.burst_seconds += Seconds(CLOCK_MONOTONIC) - first;
-  figures.processor_us_per_ask.Add((Microseconds(CLOCK_PROCESS_CPUTIME_ID) - processor_before) / count);
+  figures.burst_processor_us.Add(processor / count);
 }
 
 double AllocationsPerAsk(Peer& peer, int count) {
@@ -68,7 +83,7 @@ std::vector<PeerFigures> Compare(const ComparisonEffort& effort, const McuProces
     for (std::size_t i = 0; i < kinds.size(); ++i) {
       const std::unique_ptr<Peer> peer = kinds[i].open(mcu.device_path());
       peer->Ask();
-      AskOnQuietLine(*peer, effort.quiet_asks_per_round, found[i].quiet_us);
+      AskOnQuietLine(*peer, effort.quiet_asks_per_round, found[i]);
       AskInABurst(*peer, effort.asks_per_burst, found[i]);
     }
   }

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "bench/mcu_process.h"
+#include "bench/loaded_size.h"
 #include "bench/measurements.h"
-#include "bench/peers/loaded_size.h"
 #include "bench/peers/peer.h"
 
 namespace rolu_bench {
@@ -22,10 +22,14 @@ struct ComparisonEffort {
 // What was found of one peer.
 struct PeerFigures {
   std::string name;
-  Samples quiet_us;              // one question on a line that was left alone
-  Samples burst_us_per_ask;      // one of many questions, one right after the other
-  double burst_seconds = 0;      // of all of those
-  Samples processor_us_per_ask;  // of those, in all threads of the program
+  // One question on a line that was left alone, and its processor time in all threads of the program;
+  // that of the pause before it is not counted, that of what the question leaves to do is.
+  Samples quiet_us;
+  Samples quiet_processor_us;
+  // One of many questions, one right after the other.
+  Samples burst_us_per_ask;
+  double burst_seconds = 0;  // of all of those
+  Samples burst_processor_us;
   double idle_wakeups_per_second = 0;
   double allocations_per_ask = 0;
   LoadedSize loaded;

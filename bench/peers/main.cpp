@@ -37,8 +37,10 @@ const std::vector<Column>& Columns() {
       {"burst asks/s", "burst_asks_per_s",
        [](const PeerFigures& f) { return static_cast<double>(f.burst_us_per_ask.count()) / f.burst_seconds; },
        0},
-      {"processor us/ask", "processor_us_per_ask",
-       [](const PeerFigures& f) { return *f.processor_us_per_ask.Percentile(50); }, 1},
+      {"quiet processor us", "quiet_processor_us",
+       [](const PeerFigures& f) { return *f.quiet_processor_us.Percentile(50); }, 1},
+      {"burst processor us", "burst_processor_us",
+       [](const PeerFigures& f) { return *f.burst_processor_us.Percentile(50); }, 1},
       {"idle wake-ups/s", "idle_wakeups_per_s",
        [](const PeerFigures& f) { return f.idle_wakeups_per_second; }, 0},
       {"allocations/ask", "allocations_per_ask", [](const PeerFigures& f) { return f.allocations_per_ask; },
@@ -53,10 +55,10 @@ const std::vector<Column>& Columns() {
 
 void PrintTable(const std::vector<PeerFigures>& found) {
   fmt::print("\n{:<15}", "");
-  for (const Column& column : Columns()) fmt::print("{:>18}", column.heading);
+  for (const Column& column : Columns()) fmt::print("{:>20}", column.heading);
   for (const PeerFigures& figures : found) {
     fmt::print("\n{:<15}", figures.name);
-    for (const Column& column : Columns()) fmt::print("{:>18.{}f}", column.value(figures), column.decimals);
+    for (const Column& column : Columns()) fmt::print("{:>20.{}f}", column.value(figures), column.decimals);
   }
   fmt::print(
       "\n\n{} questions on a line left alone for more than 10 ms, {} one right after the other; the peers "

@@ -24,11 +24,12 @@ plot values using "burst_asks_per_s":xtic(1) lc rgb "#33658a" notitle
 set title "processor time of a question"
 set ylabel "microseconds (logarithmic)"
 set yrange [1:1000]
-plot values using "processor_us_per_ask":xtic(1) lc rgb "#33658a" notitle
+plot values using "quiet_processor_us":xtic(1) lc rgb "#33658a" title "on a quiet line", \
+     "" using "burst_processor_us" lc rgb "#f6ae2d" title "one after another"
 unset logscale y
 set title "threads woken up on an idle line"
 set ylabel "a second"
-set yrange [0:250]
+set yrange [0:10]
 plot values using "idle_wakeups_per_s":xtic(1) lc rgb "#33658a" notitle
 set title "allocations of a question"
 set ylabel "number"

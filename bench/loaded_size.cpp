@@ -1,4 +1,4 @@
-#include "bench/peers/loaded_size.h"
+#include "bench/loaded_size.h"
 
 #include <dlfcn.h>
 #include <link.h>

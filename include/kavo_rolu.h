@@ -8,7 +8,10 @@
  * @par Return values
  * Every function returns a status code (`ROLU_STATUS`, 0xC000 is success). Results are written
  * through pointer arguments, and only on success unless the function says otherwise: on any other
- * status the caller's variables keep what they held.
+ * status the caller's variables keep what they held. State and arguments are tested before anything is
+ * done, in the order in which a function lists its statuses.
+ *
+ * A `bool` argument is true when its byte is any but 0.
  *
  * @par Families and their states
  * Each family has its own state. CORE is switched by KAVO_ROLU_CORE_Init and KAVO_ROLU_CORE_DeInit;
@@ -16,19 +19,45 @@
  * The families that talk to the power-management microcontroller (the MCU: VPM, WD, GSENSOR, PERIPHERALCTRL)
  * have their own Initialize and Deinitialize; the first Initialize opens the serial link to the MCU and
  * starts the library's one I/O thread, the last Deinitialize stops the thread and closes the link. A call
- * into a family that is not initialised answers #ROLU_STATUS_NOT_INITIALIZED and has no other effect.
+ * into a family that is not initialised answers #ROLU_STATUS_NOT_INITIALIZED and has no other effect, unless
+ * the function says otherwise.
+ *
+ * A Deinitialize whose turn at the link does not come within 2000 ms takes its family down all the same.
+ * The thread that ends the command in hand then gives the link back in its place: the port closes a
+ * little later. The family can be initialised again at once.
+ *
  * Deinitialise every family that you initialised before the process ends or the library is unloaded;
- * unloading it while the link is open is not allowed. Settings live in the MCU: they stay when the
- * family is deinitialised and when the process ends.
+ * unloading it while a family is up or a call is running is not allowed. Settings live in the MCU: they stay
+ * when the family is deinitialised and when the process ends.
  *
  * @par MCU statuses
  * A function that sends a command to the MCU can return, besides what it lists itself:
  * - #ROLU_STATUS_INVALID_PARAMETER: the MCU refused a parameter (its answer "ERR-M08");
  * - #ROLU_STATUS_VPM_ERROR_REPLY: the MCU answered with another error;
- * - #ROLU_STATUS_VPM_SEND_FAILED: the command could not be queued;
- * - #ROLU_STATUS_VPM_NO_REPLY: no answer within 3000 ms.
+ * - #ROLU_STATUS_VPM_SEND_FAILED: the command could not be queued; the MCU has not seen it;
+ * - #ROLU_STATUS_VPM_NO_REPLY: no answer within 3000 ms; the MCU may have carried the command out.
  *
  * "MCU statuses" below stands for these four. After any of them the call can simply be repeated.
+ *
+ * @par Answers of the MCU
+ * An answer is an error when it contains one of 23 codes: ERR-C01, ERR-R01, ERR-M01 to ERR-M04, ERR-M06,
+ * ERR-M08, ERR-W01, ERR-W02, ERR-B01, ERR-B02, ERR-E01 to ERR-E04, ERR-L01, ERR-G01, ERR-G02, ERR-A01,
+ * ERR-T01, ERR-Q01 and ERR-Q02. Any other text is an answer: an order has then succeeded, and a question
+ * reads that text.
+ *
+ * Unless the function says otherwise, a number is read as strtol reads it at the answer's start, in base 16.
+ * An answer without one reads as 0, with success; "ERR-M05", which is none of the 23, reads as 14. A number
+ * that does not fit 32 bits becomes the nearest that does, and a smaller variable receives the low bits. A
+ * flag is on when its character is '1', else off.
+ *
+ * A line of more than 63 characters is thrown away whole. A line that does not end is forgotten, also when
+ * it is too long, after half a second of silence at the latest.
+ *
+ * @par Late answers
+ * The wire does not say which command an answer is for. An answer that comes after its call gave up is
+ * thrown away, unless the next command has already left: then it is taken for that one's answer, that
+ * one's own answer for the next one's, and so on, until a pause between two calls is long enough for the
+ * answer that is left over to come and be thrown away.
  *
  * @par How long a call blocks
  * Each function says behind "Blocks:" how long it may take, in these terms; where it says "Does not
@@ -37,44 +66,61 @@
  *   several). With a post-delay the call then sleeps, while it keeps the other threads' commands back.
  *   Of n commands each one has its own turn; those of other threads may run in between.
  * - A turn has no limit of its own: one command is pending at the MCU at a time, in the whole process, and a
- *   turn lasts as long as the commands of other threads that go first, with their post-delays. Turns are
- *   not given in the order in which they were asked for.
+ *   turn lasts as long as the commands of other threads that go first, with their post-delays, and their
+ *   openings and closings of the link. Turns are not given in the order in which they were asked for.
  * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
- * - "a closing": a turn; the last family to go down then waits until the I/O thread has ended, which it
- *   does at once on a quiet line and after the line in hand otherwise, at most 1000 ms.
+ * - "a closing": at most 2000 ms for a turn; the last family to go down then waits until the I/O thread has
+ *   ended, which it does at once on a quiet line and after the line in hand otherwise, at most 1000 ms. A
+ *   thread that gives the link back in another's place waits for that after its own command.
  * - "the inner lock": held by others for moments, never while they wait for the MCU.
  * - "device files" and "bus transfers": as long as the kernel's driver takes.
  * - "the shell command": until it has ended, without a limit.
  *
  * A signal ends none of the library's own waits early. What a thread waits for a processor comes on top.
  *
- * The waits for an answer, for the link and for the inner lock end at a time of the system's wall clock
- * (CLOCK_REALTIME). A clock that is set forward by more than is left of such a wait ends it: the call
- * answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED or #ROLU_STATUS_TIMEOUT although the
- * MCU may be about to answer. A clock that is set back lengthens the wait by as much, unless the answer
- * comes. Either concerns the wait in hand only; the next one is whole again. Post-delays do not follow
- * the wall clock.
- *
- * @par Late answers
- * The wire does not say which command an answer is for. An answer that comes after its call gave up is
- * thrown away, unless the next command is already on its way: then it is taken for that one's answer.
- * The commands after it are right again.
+ * The waits for an answer, for the link, for the turn of a closing and, where it has a limit, for the inner
+ * lock end at a time of the system's wall clock (CLOCK_REALTIME). A clock that is set forward by more than
+ * is left of such a wait ends it: the call answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED
+ * or #ROLU_STATUS_TIMEOUT although the MCU may be about to answer, and a closing goes on as after 2000 ms.
+ * A suspend counts as a clock that is set forward by the time it lasted. A clock that is set back lengthens
+ * the wait by as much, unless what it waits for comes. Either concerns the wait in hand only; the next one
+ * is whole again. Post-delays do not follow the wall clock, and a suspend does not shorten them.
  *
  * @par Thread safety
- * Any function may run at the same time as any other on any thread, with these exceptions:
- * - Initialize or Deinitialize of a family must not overlap another Initialize, Deinitialize or any
- *   other operation of the same family. Different families may be brought up and down at once.
- * - A call that changes one of two settings which the MCU stores together reads both, changes one and
- *   writes both; two threads that change both at once can undo each other's change. It is stated
- *   where it holds.
+ * Any function may run at the same time as any other on any thread, but Initialize or Deinitialize of a
+ * family must not overlap another Initialize, Deinitialize or any other operation of the same family.
+ * Different families may be brought up and down at once.
+ *
+ * A call of several steps is not atomic as a whole: other threads' calls may run between two of them. Keep
+ * apart, if both are to have their whole effect:
+ * - KAVO_ROLU_VPM_SetLBPStatus, KAVO_ROLU_VPM_SetPrebootLBPStatus and
+ *   KAVO_ROLU_VPM_SetCurrentCarBatteryMode: each writes the flags of both protections, and so can undo
+ *   what another has just written;
+ * - KAVO_ROLU_VPM_SetATMode and KAVO_ROLU_VPM_SetKeepAliveMode: each writes both modes;
+ * - KAVO_ROLU_VPM_GetCarBatteryVoltage and KAVO_ROLU_VPM_SetCurrentCarBatteryMode: a voltage that is
+ *   measured across the change has the scale of the old mode;
+ * - two calls of KAVO_ROLU_GSENSOR_AlarmEnabled: after one on and one off the library may remember the
+ *   contrary of what the MCU has;
+ * - two calls of KAVO_ROLU_DIO_WriteDOPin: each output is set by itself.
  *
  * No function may be called from a signal handler. The library's thread blocks all signals, so the
  * application's handlers run on the application's threads. After fork() the child must not use the
  * MCU families.
  *
- * @par One process per unit
- * The link does not stop a second process from opening the same serial port; two processes then take
- * each other's answers. Let one process own the MCU.
+ * A thread may be cancelled (pthread_cancel) inside a call: a command, an opening and a closing of the link
+ * run to their end first, the cancellation takes effect after them. In the middle of device files, a bus
+ * transfer or the shell command it may take effect at once and leave a descriptor open.
+ *
+ * @par The port of the MCU
+ * The link does not stop a second process from opening the same serial port. Neither can block the other's
+ * I/O thread, but they take each other's answers: let one process own the MCU.
+ *
+ * The port becomes the controlling terminal of a session leader that has none, such as a service. When the
+ * port hangs up, that process gets SIGHUP and dies of it, unless it ignores or handles the signal.
+ *
+ * The port's descriptor is 3 or above, also in a process that has closed 0, 1 or 2, and is closed in
+ * programs that the process executes. While no line arrives and no call runs, the I/O thread sleeps and does
+ * not wake up by itself.
  */
 #ifndef KAVO_ROLU_H
 #define KAVO_ROLU_H

@@ -155,14 +155,14 @@ typedef uint16_t ROLU_STATUS;
 KAVO_ROLU_STATUS_ENUM{
     ROLU_STATUS_SUCCESS = 0xC000,           /**< Done. */
     ROLU_STATUS_NULL_POINTER = 0xC001,      /**< A required pointer is null. */
-    ROLU_STATUS_INVALID_PARAMETER = 0xC002, /**< An argument is missing or out of range. */
+    ROLU_STATUS_INVALID_PARAMETER = 0xC002, /**< An argument is missing, out of range or refused. */
     ROLU_STATUS_NOT_SUPPORTED = 0xC003,     /**< The board does not provide this operation or value. */
     ROLU_STATUS_NOT_INITIALIZED = 0xC005, /**< The family, or the core for families that follow it, is off. */
     ROLU_STATUS_TIMEOUT = 0xC008,         /**< A G-sensor alarm sample could not be taken in time. */
     ROLU_STATUS_FILE_OPEN_FAILED = 0xC009,    /**< A display attribute file could not be opened. */
-    ROLU_STATUS_FILE_ACCESS_FAILED = 0xC00A,  /**< An attribute file or a shell command failed, or a
-                                                   peripheral's state is neither on nor off. */
-    ROLU_STATUS_DEVICE_OPEN_FAILED = 0xC00B,  /**< A device node could not be opened. */
+    ROLU_STATUS_FILE_ACCESS_FAILED = 0xC00A,  /**< A display attribute holds no number, the shell could not
+                                                   be started, or the MCU's switch is neither on nor off. */
+    ROLU_STATUS_DEVICE_OPEN_FAILED = 0xC00B,  /**< A device, GPIO or light sensor file could not be opened. */
     ROLU_STATUS_DEVICE_IO_FAILED = 0xC00C,    /**< A device refused a control call or a transfer. */
     ROLU_STATUS_ALREADY_INITIALIZED = 0xC00F, /**< Initialised twice without a deinitialise. */
     ROLU_STATUS_VPM_UNKNOWN_VALUE = 0xC043,   /**< The MCU reported a value the library has no meaning for. */
@@ -197,7 +197,7 @@ typedef struct ROLU_IMAGE_INFO {
 
 /** The MCU's firmware identification: at most 31 characters, padded with NUL. */
 typedef struct VPM_FIRMWARE_INFO {
-  char text[32]; /**< "*VER:" major "." minor "*". */
+  char text[32]; /**< As the MCU tells it, normally "*VER:" major "." minor "*". */
 } VPM_FIRMWARE_INFO;
 
 /** The vehicle's battery system. The values 0 and 1 exist only for KAVO_ROLU_VPM_GetLBPThresholdInfo. */
@@ -250,7 +250,7 @@ typedef struct VPM_ALARM_TIME {
 } VPM_ALARM_TIME;
 
 /** How often the wake-up alarm comes: the fields of its time that must match the clock. */
-KAVO_ROLU_ENUM(ALARM_MODE){ALARM_MODE_NONE = -1,  /**< No field matches; only ever an output. */
+KAVO_ROLU_ENUM(ALARM_MODE){ALARM_MODE_NONE = -1,  /**< No field has to match; only ever an output. */
                            ALARM_MODE_HOURLY = 0, /**< The minute. */
                            ALARM_MODE_DAILY = 1,  /**< Hour and minute. */
                            ALARM_MODE_WEEKLY = 2 /**< Weekday, hour and minute. */};
@@ -328,7 +328,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_Init(void);
  * @retval ROLU_STATUS_SUCCESS The core is off.
  * @retval ROLU_STATUS_NOT_INITIALIZED It was off before.
  *
- * Does not block.
+ * Does not block. Two threads that call it at once may both get success.
  */
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_DeInit(void);
 
@@ -380,9 +380,10 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetPlatformName(ROLU_PLATFORM_NAME* pla
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info);
 
 /**
- * Resets the board, through its reset controller on the I2C bus. On success the board resets.
+ * Orders the board's reset controller, on the I2C bus, to reset the board. Whether the order got there is
+ * not known: a board that goes on running after a success was not reset.
  *
- * @retval ROLU_STATUS_SUCCESS The order was given.
+ * @retval ROLU_STATUS_SUCCESS The controller was addressed; whether it took the order is not looked at.
  * @retval ROLU_STATUS_NOT_INITIALIZED The core is off.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The I2C bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The controller could not be addressed; nothing was written.
@@ -418,18 +419,22 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  */
 
 /**
- * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU, reads its
- * firmware identification, the voltage scales and the battery ranges. Prints one line with the
- * firmware version on standard output.
+ * Brings the family up: opens the link to the MCU (if it is not open yet), greets the MCU, whose answer does
+ * not matter, and reads its firmware identification, the voltage scales and the battery ranges. Prints one
+ * line with the firmware version on standard output.
  *
- * An MCU that does not tell its voltage scales does not stop the start-up: 0.01582 V per unit (24 V
- * system) and 0.015385 V per unit (12 V system) are used. On any failure the family stays off and
- * gives back what it opened.
+ * A voltage scale (volts per unit of the MCU) never stops the start-up. Where the MCU answers with an error
+ * or not at all, 0.01582 (24 V system) or 0.015385 (12 V system) is used. An answer without a decimal number
+ * keeps the scale of the last start-up, at the first one 0: all voltages of that system then read 0 V, and
+ * thresholds above 0 V go out as FFFF.
+ *
+ * On any failure the family stays off and gives back what it opened. What was read before stays; a range
+ * shows in KAVO_ROLU_VPM_GetLBPThresholdInfo.
  *
  * @param unused Has no effect.
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
- * @retval ROLU_STATUS_VPM_OPEN_FAILED The port is missing, is no terminal, refuses its set-up, or its
+ * @retval ROLU_STATUS_VPM_OPEN_FAILED The port cannot be opened, is no terminal, refuses its set-up, or its
  *         descriptor would be 1024 or above; memory or the I/O thread could not be had; or the commands of
  *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
@@ -470,7 +475,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLibVersion(unsigned char* version);
 /**
  * Asks the MCU for the platform's name.
  *
- * @param[out] name At least 13 bytes; receives at most 12 characters and NUL up to the 13th byte.
+ * @param[out] name At least 13 bytes; receives at most 12 characters, those after the first five of the
+ *        answer, and NUL up to the 13th byte.
  * @retval ROLU_STATUS_SUCCESS `name` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `name` is null.
@@ -489,7 +495,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPlatformName(char* name);
 
 /**
  * Hands out the battery range that Initialize read for one battery system. Sends nothing, and works
- * in every state: all zeros before the first Initialize; the values survive Deinitialize.
+ * in every state: all zeros before the first Initialize; the values survive Deinitialize. A limit that
+ * the MCU's answer lacked is 0.
  *
  * The library does not compare thresholds with this range; the MCU judges them.
  *
@@ -522,7 +529,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCarBatteryVoltage(float* volts);
  *
  * The change first switches the pre-boot and the low-battery protection off, and they stay off until
  * KAVO_ROLU_VPM_SetPrebootLBPStatus and KAVO_ROLU_VPM_SetLBPStatus switch them on again. If that
- * first step fails, the mode is not sent, and the protections may or may not be off.
+ * first step fails, the mode is not sent, and the protections may or may not be off. If only the second
+ * fails, they are off.
  *
  * @param mode #CAR_BATTERY_MODE_24V or #CAR_BATTERY_MODE_12V.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -552,8 +560,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCurrentCarBatteryMode(CAR_BATTERY_MOD
  * Sets the voltage at which the low-battery protection shuts a running computer down, for a 12 V
  * system.
  *
- * @param volts In volts, rounded to the nearest of the MCU's units; a negative voltage is sent as 0.
- *        The library checks no range, the MCU does (KAVO_ROLU_VPM_GetLBPThresholdInfo tells it).
+ * @param volts In volts, rounded to the nearest of the MCU's units; a negative voltage and NaN are sent as 0.
+ *        The library checks no range, the MCU does (KAVO_ROLU_VPM_GetLBPThresholdInfo tells it). Only the low
+ *        16 bits of the number of units are sent: it wraps at 65536 units.
  * @retval ROLU_STATUS_SUCCESS The threshold is set.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
@@ -631,8 +640,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem(float* v
 /**
  * Switches the low-battery protection of the running computer on or off.
  *
- * The MCU stores this flag together with the pre-boot flag: the call reads both, then writes both.
- * Two threads that change the two flags at once can undo each other's change.
+ * The MCU stores this flag together with the pre-boot flag: the call reads both, then writes the MCU's answer
+ * back with its own flag changed. Calls that change the two flags at once can undo each other's change.
  *
  * @param enable 0 is off, any other value on.
  * @retval ROLU_STATUS_SUCCESS The protection is switched.
@@ -682,7 +691,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
  */
 
 /**
- * Sets the delay from the ignition going off to the power-off warning. The MCU stores it.
+ * Sets the delay of the ignition-off event; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -695,8 +704,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay);
 
 /**
- * Reads the delay from the ignition going off to the power-off warning.
- * An answer without a number reads as 0.
+ * Reads the delay of the ignition-off event.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -709,7 +717,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* delay);
 
 /**
- * Sets the delay after which the MCU cuts the power when the ignition is off. The MCU stores it.
+ * Sets the hard-off delay of the ignition; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -722,8 +730,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* dela
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay);
 
 /**
- * Reads the delay after which the MCU cuts the power when the ignition is off.
- * An answer without a number reads as 0.
+ * Reads the hard-off delay of the ignition.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -736,8 +743,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay)
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay);
 
 /**
- * Sets the delay after which the MCU cuts the power of a suspended computer when the ignition is off.
- * The MCU stores it.
+ * Sets the suspend hard-off delay of the ignition; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -750,8 +756,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short delay);
 
 /**
- * Reads the delay after which the MCU cuts the power of a suspended computer when the ignition is off.
- * An answer without a number reads as 0.
+ * Reads the suspend hard-off delay of the ignition.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -764,7 +769,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short* delay);
 
 /**
- * Sets the delay from the ignition going on to the computer being switched on. The MCU stores it.
+ * Sets the ignition-on delay; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -777,8 +782,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay);
 
 /**
- * Reads the delay from the ignition going on to the computer being switched on.
- * An answer without a number reads as 0.
+ * Reads the ignition-on delay.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -791,7 +795,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay);
 
 /**
- * Sets the delay from a low car battery to the low-voltage power-off warning. The MCU stores it.
+ * Sets the low-battery delay; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -804,8 +808,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay);
 
 /**
- * Reads the delay from a low car battery to the low-voltage power-off warning.
- * An answer without a number reads as 0.
+ * Reads the low-battery delay.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -818,7 +821,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay);
 
 /**
- * Sets the delay after which the MCU cuts the power when the car battery is low. The MCU stores it.
+ * Sets the hard low-battery delay; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -831,8 +834,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay);
 
 /**
- * Reads the delay after which the MCU cuts the power when the car battery is low.
- * An answer without a number reads as 0.
+ * Reads the hard low-battery delay.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -845,7 +847,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay)
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay);
 
 /**
- * Sets the delay between the power-off warning and the power-off. The MCU stores it.
+ * Sets the delay of the warning before a power-off; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -858,8 +860,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short delay);
 
 /**
- * Reads the delay between the power-off warning and the power-off.
- * An answer without a number reads as 0.
+ * Reads the delay of the warning before a power-off.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -872,7 +873,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short 
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short* delay);
 
 /**
- * Sets the delay of the forced shutdown.
+ * Sets the delay of the forced shutdown; what it spans is the MCU's definition. The MCU stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -885,7 +886,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short*
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDownDelay(unsigned short delay);
 
 /**
- * Reads the delay of the forced shutdown. An answer without a number reads as 0.
+ * Reads the delay of the forced shutdown.
  *
  * @param[out] delay Receives the delay, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `delay` was written.
@@ -1009,8 +1010,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
 /**
  * Sets the AT mode; what its values do is the MCU's definition.
  *
- * The MCU stores it together with the keep-alive mode: the call reads both, then writes both. Two
- * threads that change the two at once can undo each other's change.
+ * The MCU stores it together with the keep-alive mode: the call reads both, then writes both; a keep-alive
+ * digit that the answer lacks is written as 0. Calls that change the two at once can undo each other's
+ * change.
  *
  * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -1024,7 +1026,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 
 /**
- * Reads the AT mode. An answer without a digit reads as 0.
+ * Reads the AT mode, the answer's second decimal digit; one that is not there reads as 0.
  *
  * @param[out] mode Receives 0 to 9.
  * @retval ROLU_STATUS_SUCCESS `mode` was written.
@@ -1039,8 +1041,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
 /**
  * Sets the keep-alive mode; what its values do is the MCU's definition.
  *
- * The MCU stores it together with the AT mode: the call reads both, then writes both. Two threads that
- * change the two at once can undo each other's change.
+ * The MCU stores it together with the AT mode: the call reads both, then writes both; an AT digit that the
+ * answer lacks is written as 0. Calls that change the two at once can undo each other's change.
  *
  * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -1054,7 +1056,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 
 /**
- * Reads the keep-alive mode. An answer without a digit reads as 0.
+ * Reads the keep-alive mode, the answer's first decimal digit; one that is not there reads as 0.
  *
  * @param[out] mode Receives 0 to 9.
  * @retval ROLU_STATUS_SUCCESS `mode` was written.
@@ -1082,12 +1084,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * Registers the condition variable that the library signals when the MCU warns that it will cut the
  * power because the ignition went off.
  *
- * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
- * down, which closes the link, or until another one is registered in its place. A registration cannot be
- * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
- * Initialize. Each warning signals once, for one waiting thread; the library does not take the
- * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a
- * time-out.
+ * The condition variable is the application's: a pthread_cond_t that stays alive until another one is
+ * registered in its place or the link is closed, which it is when the last MCU family is down and no call is
+ * running. A registration cannot be cancelled, only replaced; it is forgotten when the link is opened from
+ * closed, so register after Initialize. Each warning signals once, for one waiting thread; the library does
+ * not take the application's mutex, so a thread that is not waiting at that moment misses the signal: wait
+ * with a time-out.
  *
  * @param event Pointer to a pthread_cond_t.
  * @retval ROLU_STATUS_SUCCESS It is registered.
@@ -1102,12 +1104,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * Registers the condition variable that the library signals when the MCU warns that it will cut the
  * power because the car battery is low.
  *
- * The condition variable is the application's: a pthread_cond_t that stays alive until the last MCU family is
- * down, which closes the link, or until another one is registered in its place. A registration cannot be
- * cancelled, only replaced; it is forgotten when the link is opened from closed, so register after
- * Initialize. Each warning signals once, for one waiting thread; the library does not take the
- * application's mutex, so a thread that is not waiting at that moment misses the signal: wait with a
- * time-out.
+ * The condition variable is the application's: a pthread_cond_t that stays alive until another one is
+ * registered in its place or the link is closed, which it is when the last MCU family is down and no call is
+ * running. A registration cannot be cancelled, only replaced; it is forgotten when the link is opened from
+ * closed, so register after Initialize. Each warning signals once, for one waiting thread; the library does
+ * not take the application's mutex, so a thread that is not waiting at that moment misses the signal: wait
+ * with a time-out.
  *
  * @param event Pointer to a pthread_cond_t.
  * @retval ROLU_STATUS_SUCCESS It is registered.
@@ -1187,7 +1189,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOUR
 /**
  * Tells what woke the computer last.
  *
- * @param[out] source Receives the source, #WAKEUP_SOURCE_NONE if none is recorded.
+ * @param[out] source Receives the source, #WAKEUP_SOURCE_NONE if none is recorded or the answer is no number.
  * @retval ROLU_STATUS_SUCCESS `source` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `source` is null.
@@ -1207,6 +1209,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
 
 /**
  * Sets the MCU's clock.
+ *
+ * The MCU answers with two lines, and the second alone decides: an error in the first is not seen. Where one
+ * of them does not come, the status is #ROLU_STATUS_VPM_NO_REPLY, also when the other one is an error.
  *
  * @param time A time between 2000 and 2099; the weekday is not compared with the date.
  * @retval ROLU_STATUS_SUCCESS The clock is set.
@@ -1273,7 +1278,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time);
 
 /**
- * Reads the wake-up alarm's time and how often it comes.
+ * Reads the wake-up alarm's time and how often it comes, as the MCU tells them; what a short answer lacks is
+ * 0, and does not have to match.
  *
  * @param[out] mode Receives the mode, #ALARM_MODE_NONE if no field has to match.
  * @param[out] time Receives the time.
@@ -1294,7 +1300,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM
  */
 
 /**
- * Measures the backup battery's voltage. An answer without a number counts as 0.
+ * Measures the backup battery's voltage.
  *
  * @param[out] volts Receives the voltage in volts.
  * @retval ROLU_STATUS_SUCCESS `volts` was written.
@@ -1307,7 +1313,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryVoltage(float* volts);
 
 /**
- * Reads the backup battery's remaining capacity. An answer without a number counts as 0.
+ * Reads the backup battery's remaining capacity.
  *
  * @param[out] capacity Receives the capacity in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `capacity` was written.
@@ -1320,7 +1326,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryVoltage(float* volts);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity(int* capacity);
 
 /**
- * Reads the backup battery's charge. An answer without a number counts as 0.
+ * Reads the backup battery's charge.
  *
  * @param[out] percent Receives per cent, as the MCU reports them.
  * @retval ROLU_STATUS_SUCCESS `percent` was written.
@@ -1334,7 +1340,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* 
 
 /**
  * Measures the backup battery's temperature (the name of the function is spelled as it is). An answer
- * without a number counts as 0.
+ * without a number reads as -273.15.
  *
  * @param[out] celsius Receives degrees Celsius.
  * @retval ROLU_STATUS_SUCCESS `celsius` was written.
@@ -1347,7 +1353,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* 
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTemperture(float* celsius);
 
 /**
- * Reads how long the backup battery will last. An answer without a number counts as 0.
+ * Reads how long the backup battery will last.
  *
  * @param[out] time Receives the time in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `time` was written.
@@ -1360,7 +1366,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTemperture(float* celsiu
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingTime(int* time);
 
 /**
- * Reads how long the backup battery needs to be full. An answer without a number counts as 0.
+ * Reads how long the backup battery needs to be full.
  *
  * @param[out] time Receives the time in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS `time` was written.
@@ -1375,8 +1381,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
 /**
  * Reads the backup battery's information number and its status flags.
  *
- * Only flags that are set are written, with 1: clear the record before the call. If the second of the
- * two questions fails, `info_value` is written already and no flag is.
+ * The flags are read from a number of base 2. Only those that are set are written, with 1: clear the record
+ * before the call. If the second of the two questions fails, `info_value` is written already and no flag is.
  *
  * @param[in,out] info Receives the number and the flags.
  * @retval ROLU_STATUS_SUCCESS The number and the set flags were written.
@@ -1409,7 +1415,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Initialize(uint8_t unused);
 
 /**
- * Takes the family down. Sends no watchdog command: a watchdog that is on stays on, and bites if
+ * Takes the family down. Sends no watchdog command: a watchdog that is on stays on, and runs out if
  * nobody triggers it.
  *
  * @retval ROLU_STATUS_SUCCESS The family is down.
@@ -1511,7 +1517,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
  * Switches the alarm off (the answer does not matter), then the sensor, and takes the family down.
  *
  * If the MCU does not take the switching off of the sensor, the family stays up and the call can be
- * repeated.
+ * repeated. Its alarm may be off by then.
  *
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
@@ -1576,11 +1582,12 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetResolution(ROLU_GSENSOR_RES* reso
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetResolution(ROLU_GSENSOR_RES resolution);
 
 /**
- * Switches the alarm on or off. While it is on, the MCU reports each sample above the alarm threshold
- * on its own, and the library queues it.
+ * Switches the alarm on or off. While it is on, the MCU reports alarm samples on its own, and the library
+ * queues them.
  *
  * The library remembers that it switched the alarm on, also across a Deinitialize whose switching off
- * the MCU did not take; switching off is always sent.
+ * the MCU did not take; switching off is always sent. It does not ask the MCU: an alarm that the MCU has
+ * lost is switched off first, then on.
  *
  * @param on true switches it on.
  * @retval ROLU_STATUS_SUCCESS It is switched.
@@ -1595,8 +1602,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
 /**
  * Registers the condition variable that the library signals for each alarm sample it queues.
  *
- * It is the application's pthread_cond_t, as for KAVO_ROLU_VPM_SetIgnPowerOffEvent: alive as long as
- * it is registered, replaced but never cancelled, forgotten when the link is opened from closed,
+ * It is the application's pthread_cond_t, as for KAVO_ROLU_VPM_SetIgnPowerOffEvent: alive until it is
+ * replaced or the link is closed, never cancelled, forgotten when the link is opened from closed,
  * signalled without the application's mutex. Wait with a time-out and drain the queue with
  * KAVO_ROLU_GSENSOR_GetAlarmData after each wake-up.
  *
@@ -1687,13 +1694,14 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
  */
 
 /**
- * Brings the family up: prepares the GPIO line of the GPS power (failures show when it is used), opens
- * the link to the MCU (if it is not open yet) and greets the MCU, whose answer does not matter.
+ * Brings the family up: makes the GPIO line of the GPS power an output (failures show when it is used),
+ * opens the link to the MCU (if it is not open yet) and greets the MCU, whose answer does not matter.
+ *
+ * Making it an output drives the line low, also when it is one already: this cuts the GPS power.
  *
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was done.
- * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPIO line is prepared all
- *        the same.
+ * @retval ROLU_STATUS_VPM_OPEN_FAILED As for KAVO_ROLU_VPM_Initialize; the GPS power is cut all the same.
  *
  * Blocks: device files, the link, then 1 command.
  */
@@ -1722,8 +1730,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
 /**
  * Switches a peripheral.
  *
- * Whether the network configuration command did its work, or the GPIO line took its level, is not
- * known: both count as success.
+ * Whether the network configuration command did its work, or is there at all, is not known, nor whether the
+ * GPIO line took its level: both count as success.
  *
  * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
  * @param state 1 is on, anything else off; for the MCU's switch the number, 0 to 255, is sent as it
@@ -1732,7 +1740,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `type` is above 9.
  * @retval ROLU_STATUS_NOT_SUPPORTED `type` is negative or 3 to 9.
- * @retval ROLU_STATUS_FILE_ACCESS_FAILED The network configuration command could not be started.
+ * @retval ROLU_STATUS_FILE_ACCESS_FAILED The shell for the network configuration command could not be
+ *        started.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
@@ -1742,8 +1751,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
 
 /**
- * Tells whether a peripheral is on. The wireless interface counts as on when the network configuration
- * command lists it.
+ * Tells whether a peripheral is on. The wireless interface counts as on when the first line with "wlan0" that
+ * the network configuration command prints begins with it; a command that fails counts as off. So does a
+ * GPIO line that cannot be read.
  *
  * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
  * @param[out] state Receives 1 or 0.
@@ -1751,8 +1761,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHER
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_NOT_SUPPORTED Another type.
  * @retval ROLU_STATUS_INVALID_PARAMETER `state` is null.
- * @retval ROLU_STATUS_FILE_ACCESS_FAILED The network configuration command could not be started, or
- *        the MCU reports neither on nor off.
+ * @retval ROLU_STATUS_FILE_ACCESS_FAILED The shell for the network configuration command could not be
+ *        started, or the MCU reports neither on nor off.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The GPIO line could not be opened.
  * @return or one of the MCU statuses.
  *
@@ -1765,8 +1775,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHER
  * Not provided by this board.
  *
  * @param source Not used, not touched.
- * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  *
  * Does not block.
  */
@@ -1776,8 +1786,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetRearViewSource(unsigned ch
  * Not provided by this board.
  *
  * @param source Not used, not touched.
- * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  *
  * Does not block.
  */
@@ -1787,8 +1797,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetRearViewSource(unsigned ch
  * Not provided by this board.
  *
  * @param enable Not used, not touched.
- * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  *
  * Does not block.
  */
@@ -1798,8 +1808,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetAutoRearView(char enable);
  * Not provided by this board.
  *
  * @param enabled Not used, not touched.
- * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
+ * @retval ROLU_STATUS_NOT_SUPPORTED The family is up.
  *
  * Does not block.
  */
@@ -1847,7 +1857,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* ra
 /**
  * Reads the backlight level.
  *
- * @param[out] level Receives the level, not compared with the range.
+ * @param[out] level Receives the low 8 bits of the level, not compared with the range.
  * @retval ROLU_STATUS_SUCCESS `level` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
  * @retval ROLU_STATUS_NULL_POINTER `level` is null.
@@ -1907,8 +1917,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOff(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
 
 /**
- * Makes the four GPIO lines available and gives them their directions. Needs no core, keeps no state,
- * and may be repeated. If a line fails, those before it stay prepared.
+ * Makes the four GPIO lines available and gives them their directions. Making a line an output drives it
+ * low, also when it is one already: each call drops both digital outputs. Needs no core, keeps no state, and
+ * may be repeated. If a line fails, those before it stay prepared.
  *
  * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
@@ -1942,8 +1953,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
 
 /**
- * Drives the two digital outputs; they keep their levels after the process ends. Whether a line took
- * its level is not known.
+ * Drives the two digital outputs, one after the other; they keep their levels after the process ends. Whether
+ * a line took its level is not known.
  *
  * @param pins 2 bytes: output 1 and output 2; 1 is high, anything else low.
  * @retval ROLU_STATUS_SUCCESS Both were written.
@@ -2163,7 +2174,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
  * @retval ROLU_STATUS_SUCCESS Both transfers were done, also when shorter than asked for.
  * @retval ROLU_STATUS_INVALID_PARAMETER `transfer`, its `data` or its `read_data` is null.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The bus could not be opened.
- * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed.
+ * @retval ROLU_STATUS_DEVICE_IO_FAILED The slave was refused, or a transfer failed; the bytes may be written.
  *
  * Blocks: bus transfers (two), and 100 ms between them.
  */

@@ -1,5 +1,5 @@
 // A turn at the MCU: the transaction lock for a scope. Turns are the only way to that lock, so that what
-// is owed to the link is settled in one place, at the end of a turn.
+// is owed to the link is settled in one place: before anything else in a turn, and when one has ended.
 #ifndef MCU_TURN_H
 #define MCU_TURN_H
 
@@ -23,8 +23,8 @@ class Turn {
   bool held_;
 };
 
-// For a family that went down and got no turn to close the link in time: whoever ends a turn next closes
-// it in its stead.
+// For a family that went down and got no turn to close the link in time: whoever ends or begins a turn next
+// closes it in its stead.
 void OweClose();
 
 #endif  // MCU_TURN_H

@@ -53,7 +53,7 @@ static int Run(long seconds) {
       !Succeeded(KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(&delay), "read the delay")) {
     return 0;
   }
-  printf("running; the MCU cuts the power %hu of its units after its warning\n", delay);
+  printf("running; the delay of the power-off warning is %hu, in the MCU's units\n", delay);
   off = WaitForIgnitionOff(seconds);
   if (off == 0) printf("the ignition stayed on\n");
   if (off == 1) printf("the ignition is off: saving the work\n");

@@ -1,5 +1,7 @@
 /* Asks every family of the interface one question and prints the answers: what there is on this board.
- * The exit status is 0 if all of them answered, else 1. */
+ * The exit status is 0 if all of them answered, else 1.
+ * Not for a vehicle in use: bringing PERIPHERALCTRL up cuts the GPS receiver's power, and preparing the pins
+ * of DIO drives both outputs low. */
 #include <stdbool.h>
 #include <stdio.h>
 

@@ -71,7 +71,7 @@
  * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
  * - "a closing": at most 2000 ms for a turn; the last family to go down then waits until the I/O thread has
  *   ended, which it does at once on a quiet line and after the line in hand otherwise, at most 1000 ms. A
- *   thread that gives the link back in another's place waits for that after its own command.
+ *   thread that gives the link back in another's place waits for that before or after its own command.
  * - "the inner lock": held by others for moments, never while they wait for the MCU.
  * - "device files" and "bus transfers": as long as the kernel's driver takes.
  * - "the shell command": until it has ended, without a limit.

@@ -17,7 +17,7 @@ inline constexpr int kNoLimit = -1;
 
 inline constexpr int kCommandMs = 3000;
 inline constexpr int kLinkMs = 2000;
-inline constexpr int kClosingMs = 1000;
+inline constexpr int kClosingMs = 3000;
 
 inline constexpr Promise kNothing{"Does not block", 0, false};
 inline constexpr Promise kInnerLock{"the inner lock", 0, false};
@@ -37,7 +37,7 @@ inline constexpr Promise kLinkAndCommand{"the link, then 1 command", kLinkMs + k
 inline constexpr Promise kLinkAndTwoCommands{"the link, then 2 commands", kLinkMs + 2 * kCommandMs};
 inline constexpr Promise kLinkAndSixCommands{"the link, then 6 commands, then a closing",
                                              kLinkMs + 6 * kCommandMs + kClosingMs};
-inline constexpr Promise kClosing{"a closing", kClosingMs};
+inline constexpr Promise kClosing{"a closing", kClosingMs, false};
 inline constexpr Promise kTwoCommandsAndClosing{"2 commands, then a closing", 2 * kCommandMs + kClosingMs};
 inline constexpr Promise kDevice{"device files", 0, false};
 inline constexpr Promise kShellCommand{"the shell command, without a limit", kNoLimit, false};

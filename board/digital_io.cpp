@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "core/device_file.h"
-#include "core/kavo_info.h"
+#include "core/process_objects.h"
 #include "kavo_rolu.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "core/device_file.h"
-#include "core/kavo_info.h"
+#include "core/process_objects.h"
 #include "kavo_rolu.h"
 
 namespace {

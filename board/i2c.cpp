@@ -3,7 +3,6 @@
 
 #include "core/deadline.h"
 #include "core/device_file.h"
-#include "core/i2c_device.h"
 #include "kavo_rolu.h"
 
 namespace {

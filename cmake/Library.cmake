@@ -11,8 +11,7 @@ add_library(kavo_rolu_objects OBJECT
   core/critical_section.cpp
   core/deadline.cpp
   core/device_file.cpp
-  core/kavo_info.cpp
-  core/process_locks.cpp
+  core/process_objects.cpp
   gsensor/exports.cpp
   gsensor/gsensor_manager.cpp
   mcu/error_reply.cpp

@@ -5,8 +5,7 @@
 #include <cstring>
 
 #include "core/device_file.h"
-#include "core/i2c_device.h"
-#include "core/kavo_info.h"
+#include "core/process_objects.h"
 #include "kavo_rolu.h"
 
 namespace {

@@ -1,6 +1,7 @@
 #include "core/device_file.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -48,4 +49,9 @@ bool ReadGpioValue(const char* path, bool& high) {
 
 bool WriteGpioValue(const char* path, bool high) {
   return WriteAttribute(path, O_RDWR, high ? "1" : "0");
+}
+
+bool SelectI2cSlave(int bus, int address) {
+  constexpr unsigned long kI2cSlaveForce = 0x0706;
+  return ioctl(bus, kI2cSlaveForce, static_cast<unsigned long>(address)) >= 0;
 }

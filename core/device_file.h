@@ -28,4 +28,10 @@ bool ReadAttribute(const char* path, int flags, char* buffer, size_t capacity);
 bool ReadGpioValue(const char* path, bool& high);
 bool WriteGpioValue(const char* path, bool high);
 
+inline constexpr char kI2cBusPath[] = "/dev/i2c-3";
+
+// Addresses the 7-bit slave for the transfers on this descriptor of the bus. The request is the forced one,
+// which succeeds even when a kernel driver claims the address.
+bool SelectI2cSlave(int bus, int address);
+
 #endif  // CORE_DEVICE_FILE_H

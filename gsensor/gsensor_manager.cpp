@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "core/construction_order.h"
+#include "core/process_objects.h"
 #include "mcu/manager_lifecycle.h"
 #include "mcu/unsolicited.h"
 
@@ -32,7 +32,7 @@ CGSensorMgr::~CGSensorMgr() = default;
 uint32_t CGSensorMgr::Initialize(int) {
   const uint32_t status = StartUpManager(initialized, error_table);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  Order(*this, Command("GSO\r"), 0);
+  Order(error_table, Command("GSO\r"), 0);
   data_scale = kDataScale;
   initialized = 1;
   return ROLU_STATUS_SUCCESS;
@@ -41,7 +41,7 @@ uint32_t CGSensorMgr::Initialize(int) {
 uint32_t CGSensorMgr::Deinitialize() {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   AlarmEnabled(false);
-  const uint32_t status = Order(*this, Command("GSF\r"), 0);
+  const uint32_t status = Order(error_table, Command("GSF\r"), 0);
   if (status != ROLU_STATUS_SUCCESS) return status;
   return ShutDownManager(initialized, error_table);
 }
@@ -54,7 +54,7 @@ uint32_t CGSensorMgr::GetData(ROLU_GSENSOR_DATA* sample) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (sample == nullptr) return ROLU_STATUS_NULL_POINTER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("GSV\r"), reply);
+  const uint32_t status = Query(error_table, Command("GSV\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (reply.text[0] == 'I') return ROLU_STATUS_GSENSOR_DATA_UNAVAILABLE;
   char sensor_state = 0;
@@ -71,7 +71,7 @@ uint32_t CGSensorMgr::GetData(ROLU_GSENSOR_DATA* sample) {
 
 uint32_t CGSensorMgr::QueryRegister(const char* command, unsigned int& value) {
   Reply reply;
-  const uint32_t status = Query(*this, Command("%s", command), reply);
+  const uint32_t status = Query(error_table, Command("%s", command), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (sscanf(reply.text, "%2X", &value) != 1) return ROLU_STATUS_GSENSOR_INVALID_REPLY;
   // The pattern also reads a sign; a register has 8 bits.
@@ -92,13 +92,13 @@ uint32_t CGSensorMgr::SetResolution(ROLU_GSENSOR_RES resolution) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (resolution < ROLU_GSENSOR_RES_0 || resolution > ROLU_GSENSOR_RES_3)
     return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("GSRS%02X\r", static_cast<unsigned int>(resolution)));
+  return Order(error_table, Command("GSRS%02X\r", static_cast<unsigned int>(resolution)));
 }
 
 uint32_t CGSensorMgr::AlarmEnabled(bool on) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (on && alarm_enabled != 0) return ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED;
-  const uint32_t status = Order(*this, Command("ARGI%02X\r", on ? 1U : 0U), 0);
+  const uint32_t status = Order(error_table, Command("ARGI%02X\r", on ? 1U : 0U), 0);
   if (status == ROLU_STATUS_SUCCESS) alarm_enabled = on ? 1 : 0;
   return status;
 }
@@ -144,7 +144,7 @@ uint32_t CGSensorMgr::SetAlarmThreshold(int threshold) {
   if (threshold < kLowestAlarmThreshold || threshold > kHighestAlarmThreshold) {
     return ROLU_STATUS_INVALID_PARAMETER;
   }
-  return Order(*this, Command("GSIS%02X\r", static_cast<unsigned int>(threshold * 10 / 625)));
+  return Order(error_table, Command("GSIS%02X\r", static_cast<unsigned int>(threshold * 10 / 625)));
 }
 
 uint32_t CGSensorMgr::GetWakeupThreshold(int* threshold) {
@@ -157,7 +157,7 @@ uint32_t CGSensorMgr::SetWakeupThreshold(int threshold) {
     return ROLU_STATUS_INVALID_PARAMETER;
   }
   const auto steps = static_cast<unsigned int>(static_cast<float>(threshold) / kThresholdPerStep);
-  return Order(*this, Command("GSWS%02X\r", steps));
+  return Order(error_table, Command("GSWS%02X\r", steps));
 }
 
 void CGSensorMgr::Scale(ROLU_GSENSOR_DATA& sample) const {

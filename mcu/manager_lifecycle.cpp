@@ -24,9 +24,8 @@ void CloseLink() {
 }
 
 void GreetMcu(const ErrorReplyEntry* table) {
-  const Command hello("Hello\r");
   Reply reply;
-  RunTransaction(table, hello.text, hello.length, reply.text, sizeof reply.text, 0);
+  Query(table, Command("Hello\r"), reply);
 }
 
 }  // namespace

@@ -7,20 +7,19 @@
 #include "mcu/transaction.h"
 
 // Asks for a hexadecimal number. `number` is untouched unless the status is success.
-template <typename Manager>
-uint32_t QueryNumber(Manager& manager, const Command& command, int32_t& number) {
+inline uint32_t QueryNumber(const ErrorReplyEntry* table, const Command& command, int32_t& number) {
   Reply reply;
-  const uint32_t status = Query(manager, command, reply);
+  const uint32_t status = Query(table, command, reply);
   if (status == ROLU_STATUS_SUCCESS) number = ReadHexadecimal(reply.text);
   return status;
 }
 
 // Asks for a line of switches and takes the one at `position`: 1 for '1', 0 for '0'. Any other
 // character, or a line that does not reach there, is an invalid reply.
-template <typename Manager>
-uint32_t QuerySwitch(Manager& manager, const Command& command, int32_t position, char* state) {
+inline uint32_t QuerySwitch(const ErrorReplyEntry* table, const Command& command, int32_t position,
+                            char* state) {
   Reply reply;
-  const uint32_t status = Query(manager, command, reply);
+  const uint32_t status = Query(table, command, reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   const char character = CharacterAt(reply.text, position);
   if (character != '0' && character != '1') return ROLU_STATUS_VPM_INVALID_REPLY;
@@ -29,10 +28,10 @@ uint32_t QuerySwitch(Manager& manager, const Command& command, int32_t position,
 }
 
 // Asks for a flag, the reply's character at `position`: 1 for '1', 0 for anything else.
-template <typename Manager>
-uint32_t QueryFlag(Manager& manager, const Command& command, int32_t position, char* flag) {
+inline uint32_t QueryFlag(const ErrorReplyEntry* table, const Command& command, int32_t position,
+                          char* flag) {
   Reply reply;
-  const uint32_t status = Query(manager, command, reply);
+  const uint32_t status = Query(table, command, reply);
   if (status == ROLU_STATUS_SUCCESS) *flag = CharacterAt(reply.text, position) == '1' ? 1 : 0;
   return status;
 }

@@ -45,3 +45,12 @@ uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int c
   }
   return StatusOfErrorNumber(FindErrorReply(table, reply));
 }
+
+uint32_t Query(const ErrorReplyEntry* table, const Command& command, Reply& reply) {
+  return RunTransaction(table, command.text, command.length, reply.text, sizeof reply.text, 0);
+}
+
+uint32_t Order(const ErrorReplyEntry* table, const Command& command, int post_delay_ms) {
+  Reply reply;
+  return RunTransaction(table, command.text, command.length, reply.text, sizeof reply.text, post_delay_ms);
+}

@@ -31,18 +31,11 @@ inline constexpr unsigned long kReplyWaitMs = 3000;
 uint32_t RunTransaction(const ErrorReplyEntry* table, const char* command, int command_length, char* reply,
                         int reply_size, int post_delay_ms, int reply_lines = 1);
 
-// A manager's transaction for a question: the reply is the answer.
-template <typename Manager>
-uint32_t Query(Manager& manager, Command command, Reply& reply) {
-  return manager.GetDataFromSTM32(command.text, command.length, reply.text, sizeof reply.text);
-}
+// A question: the reply is the answer.
+uint32_t Query(const ErrorReplyEntry* table, const Command& command, Reply& reply);
 
-// A manager's transaction for an order: of the reply only the error test matters. Most orders give
-// the MCU 50 ms to store what it was told.
-template <typename Manager>
-uint32_t Order(Manager& manager, Command command, int post_delay_ms = 50) {
-  Reply reply;
-  return manager.GetDataFromSTM32(command.text, command.length, reply.text, sizeof reply.text, post_delay_ms);
-}
+// An order: of the reply only the error test matters. Most orders give the MCU 50 ms to store what it was
+// told.
+uint32_t Order(const ErrorReplyEntry* table, const Command& command, int post_delay_ms = 50);
 
 #endif  // MCU_TRANSACTION_H

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "core/process_locks.h"
+#include "core/process_objects.h"
 #include "mcu/link_state.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "peripheralctrl/peripheral_manager.h"
 
-#include "core/construction_order.h"
+#include "core/process_objects.h"
 #include "mcu/manager_lifecycle.h"
 #include "peripheralctrl/gps_power.h"
 #include "peripheralctrl/wireless_interface.h"
@@ -39,7 +39,7 @@ uint32_t CPCMgr::SetPeripheralControl(PERIPHERAL_TYPE type, char state) {
   if (type > kHighestType) return ROLU_STATUS_INVALID_PARAMETER;
   switch (type) {
     case PERIPHERAL_TYPE_MCU_SWITCH:
-      return Order(*this, Command("MCS%1d%1d\r", type, static_cast<unsigned char>(state)), kSwitchMs);
+      return Order(error_table, Command("MCS%1d%1d\r", type, static_cast<unsigned char>(state)), kSwitchMs);
     case PERIPHERAL_TYPE_WLAN:
       return SetWirelessInterface(state == 1) ? ROLU_STATUS_SUCCESS : ROLU_STATUS_FILE_ACCESS_FAILED;
     case PERIPHERAL_TYPE_GPS:
@@ -72,7 +72,7 @@ uint32_t CPCMgr::GetPeripheralControl(PERIPHERAL_TYPE type, char* state) {
 
 uint32_t CPCMgr::GetMcuSwitch(bool& on) {
   Reply reply;
-  const uint32_t status = Query(*this, Command("MCG\r"), reply);
+  const uint32_t status = Query(error_table, Command("MCG\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (reply.text[0] != '0' && reply.text[0] != '1') return ROLU_STATUS_FILE_ACCESS_FAILED;
   on = reply.text[0] == '1';

@@ -41,7 +41,7 @@ uint32_t CVPMMgr::GetBackupBatteryValue(const char* command, Value (*convert)(in
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (value == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   int32_t number = 0;
-  const uint32_t status = QueryNumber(*this, Command("%s", command), number);
+  const uint32_t status = QueryNumber(error_table, Command("%s", command), number);
   if (status == ROLU_STATUS_SUCCESS) *value = convert(number);
   return status;
 }
@@ -68,10 +68,10 @@ uint32_t CVPMMgr::GetBackupBatteryTimeToFull(int* time) {
 uint32_t CVPMMgr::GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (info == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  uint32_t status = QueryNumber(*this, Command("B09\r"), info->info_value);
+  uint32_t status = QueryNumber(error_table, Command("B09\r"), info->info_value);
   if (status != ROLU_STATUS_SUCCESS) return status;
   Reply reply;
-  status = Query(*this, Command("B05\r"), reply);
+  status = Query(error_table, Command("B05\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   const auto word = static_cast<uint16_t>(ReadBinary(reply.text));
   for (const StatusFlag& entry : kStatusFlags) {

@@ -13,7 +13,7 @@ uint32_t CVPMMgr::GetBatteryVoltageRange(CAR_BATTERY_MODE mode, float* start, fl
   if (start == nullptr || end == nullptr || mid == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("MCPR%d\r", mode), reply);
+  const uint32_t status = Query(error_table, Command("MCPR%d\r", mode), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   const float scale = VoltageScale(mode);
   constexpr size_t kDigits = 4;

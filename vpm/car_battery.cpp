@@ -6,14 +6,14 @@ uint32_t CVPMMgr::SetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
   const unsigned int raw = VoltsToRaw(volts, VoltageScale(mode));
-  return Order(*this, Command("MCPS%1d%d%04X\r", mode, type, raw));
+  return Order(error_table, Command("MCPS%1d%d%04X\r", mode, type, raw));
 }
 
 uint32_t CVPMMgr::GetBatteryLowVoltageThre(BOOT_TYPE type, CAR_BATTERY_MODE mode, float* volts) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsBatteryMode(mode) || volts == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   int32_t raw = 0;
-  const uint32_t status = QueryNumber(*this, Command("MCPG%1d%1d\r", mode, type), raw);
+  const uint32_t status = QueryNumber(error_table, Command("MCPG%1d%1d\r", mode, type), raw);
   if (status != ROLU_STATUS_SUCCESS) return status;
   *volts = static_cast<float>(static_cast<uint32_t>(raw)) * VoltageScale(mode);
   return ROLU_STATUS_SUCCESS;
@@ -51,7 +51,7 @@ uint32_t CVPMMgr::GetCarBatteryVoltage(float* volts) {
   uint32_t status = GetCurrentCarBatteryMode(&mode);
   if (status != ROLU_STATUS_SUCCESS) return status;
   int32_t raw = 0;
-  status = QueryNumber(*this, Command("MCVG\r"), raw);
+  status = QueryNumber(error_table, Command("MCVG\r"), raw);
   if (status != ROLU_STATUS_SUCCESS) return status;
   *volts = static_cast<float>(raw) * VoltageScale(mode);
   return ROLU_STATUS_SUCCESS;
@@ -61,16 +61,16 @@ uint32_t CVPMMgr::SetCurrentCarBatteryMode(CAR_BATTERY_MODE mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsBatteryMode(mode)) return ROLU_STATUS_INVALID_PARAMETER;
   // Thresholds of one battery system mean nothing to the other: both protections go off first.
-  const uint32_t status = Order(*this, Command("MCCS00\r"));
+  const uint32_t status = Order(error_table, Command("MCCS00\r"));
   if (status != ROLU_STATUS_SUCCESS) return status;
-  return Order(*this, Command("MCBS%02X\r", static_cast<unsigned int>(mode)));
+  return Order(error_table, Command("MCBS%02X\r", static_cast<unsigned int>(mode)));
 }
 
 uint32_t CVPMMgr::GetCurrentCarBatteryMode(CAR_BATTERY_MODE* mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   int32_t reported = 0;
-  const uint32_t status = QueryNumber(*this, Command("MCBG\r"), reported);
+  const uint32_t status = QueryNumber(error_table, Command("MCBG\r"), reported);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (!IsBatteryMode(reported)) return ROLU_STATUS_VPM_ERROR_REPLY;
   *mode = static_cast<CAR_BATTERY_MODE>(reported);
@@ -80,16 +80,16 @@ uint32_t CVPMMgr::GetCurrentCarBatteryMode(CAR_BATTERY_MODE* mode) {
 uint32_t CVPMMgr::SetLowVoltageProtection(BOOT_TYPE type, char enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   Reply flags;
-  const uint32_t status = Query(*this, Command("MCCG\r"), flags);
+  const uint32_t status = Query(error_table, Command("MCCG\r"), flags);
   if (status != ROLU_STATUS_SUCCESS) return status;
   flags.text[type] = enable != 0 ? '1' : '0';
-  return Order(*this, Command("MCCS%s\r", flags.text));
+  return Order(error_table, Command("MCCS%s\r", flags.text));
 }
 
 uint32_t CVPMMgr::GetLowVoltageProtection(BOOT_TYPE type, char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  return QueryFlag(*this, Command("MCCG\r"), type, enabled);
+  return QueryFlag(error_table, Command("MCCG\r"), type, enabled);
 }
 
 uint32_t CVPMMgr::SetLowBatteryProtectionStatus(char enable) {

@@ -65,7 +65,7 @@ uint32_t CVPMMgr::GetRTCTime(VPM_RTC_TIME* time) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (time == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("RTCG\r"), reply);
+  const uint32_t status = Query(error_table, Command("RTCG\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   unsigned int fields[7] = {};
   sscanf(reply.text, "%2X%2X%2X%2X%2X%2X%2X", &fields[0], &fields[1], &fields[2], &fields[3], &fields[4],
@@ -86,14 +86,14 @@ uint32_t CVPMMgr::SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time) {
   if (mode >= ALARM_MODE_DAILY) hour |= kMatchFlag;
   if (mode >= ALARM_MODE_WEEKLY) weekday |= kMatchFlag;
   if (time.hour > 11) hour |= kAfternoonFlag;
-  return Order(*this, Command("RTAS%02X%02X%02X\r", weekday, hour, minute), kAlarmSetMs);
+  return Order(error_table, Command("RTAS%02X%02X%02X\r", weekday, hour, minute), kAlarmSetMs);
 }
 
 uint32_t CVPMMgr::GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr || time == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("RTAG\r"), reply);
+  const uint32_t status = Query(error_table, Command("RTAG\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   const unsigned int weekday = AlarmByte(reply.text, 0);
   const unsigned int hour = AlarmByte(reply.text, 2);

@@ -15,9 +15,9 @@ struct OperatingModes {
   int at = 0;
 };
 
-uint32_t QueryModes(CVPMMgr& manager, OperatingModes& modes) {
+uint32_t QueryModes(const ErrorReplyEntry* table, OperatingModes& modes) {
   Reply reply;
-  const uint32_t status = Query(manager, Command("MCAG\r"), reply);
+  const uint32_t status = Query(table, Command("MCAG\r"), reply);
   if (status == ROLU_STATUS_SUCCESS) sscanf(reply.text, "%1d%1d", &modes.keep_alive, &modes.at);
   return status;
 }
@@ -28,7 +28,7 @@ uint32_t CVPMMgr::GetIgnitionStatus(char* on) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (on == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("IGNG\r"), reply);
+  const uint32_t status = Query(error_table, Command("IGNG\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (reply.text[0] != 'O' || (reply.text[1] != 'N' && reply.text[1] != 'F'))
     return ROLU_STATUS_VPM_ERROR_REPLY;
@@ -39,14 +39,14 @@ uint32_t CVPMMgr::GetIgnitionStatus(char* on) {
 uint32_t CVPMMgr::SetIgnitionMode(IGNITION_MODE mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode != IGNITION_MODE_1 && mode != IGNITION_MODE_2) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("IGMS%d\r", mode));
+  return Order(error_table, Command("IGMS%d\r", mode));
 }
 
 uint32_t CVPMMgr::GetIgnitionMode(IGNITION_MODE* mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("IGMG\r"), reply);
+  const uint32_t status = Query(error_table, Command("IGMG\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   if (reply.text[0] != '1' && reply.text[0] != '2') return ROLU_STATUS_VPM_ERROR_REPLY;
   *mode = reply.text[0] == '1' ? IGNITION_MODE_1 : IGNITION_MODE_2;
@@ -55,20 +55,20 @@ uint32_t CVPMMgr::GetIgnitionMode(IGNITION_MODE* mode) {
 
 uint32_t CVPMMgr::SetPrePowerOffAlarm(char enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command("MPAS%01d\r", enable != 0 ? 1 : 0));
+  return Order(error_table, Command("MPAS%01d\r", enable != 0 ? 1 : 0));
 }
 
 uint32_t CVPMMgr::GetPrePowerOffAlarm(char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  return QueryFlag(*this, Command("MPAG\r"), 0, enabled);
+  return QueryFlag(error_table, Command("MPAG\r"), 0, enabled);
 }
 
 uint32_t CVPMMgr::GetKeepAliveMode(char* mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   OperatingModes modes;
-  const uint32_t status = QueryModes(*this, modes);
+  const uint32_t status = QueryModes(error_table, modes);
   if (status == ROLU_STATUS_SUCCESS) *mode = static_cast<char>(modes.keep_alive);
   return status;
 }
@@ -77,7 +77,7 @@ uint32_t CVPMMgr::GetATMode(char* mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (mode == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   OperatingModes modes;
-  const uint32_t status = QueryModes(*this, modes);
+  const uint32_t status = QueryModes(error_table, modes);
   if (status == ROLU_STATUS_SUCCESS) *mode = static_cast<char>(modes.at);
   return status;
 }
@@ -85,22 +85,22 @@ uint32_t CVPMMgr::GetATMode(char* mode) {
 uint32_t CVPMMgr::SetKeepAliveMode(char mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   OperatingModes modes;
-  const uint32_t status = QueryModes(*this, modes);
+  const uint32_t status = QueryModes(error_table, modes);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  return Order(*this, Command("MCAS%1d%1d\r", static_cast<unsigned char>(mode), modes.at));
+  return Order(error_table, Command("MCAS%1d%1d\r", static_cast<unsigned char>(mode), modes.at));
 }
 
 uint32_t CVPMMgr::SetATMode(char mode) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   OperatingModes modes;
-  const uint32_t status = QueryModes(*this, modes);
+  const uint32_t status = QueryModes(error_table, modes);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  return Order(*this, Command("MCAS%1d%1d\r", modes.keep_alive, static_cast<unsigned char>(mode)));
+  return Order(error_table, Command("MCAS%1d%1d\r", modes.keep_alive, static_cast<unsigned char>(mode)));
 }
 
 uint32_t CVPMMgr::LoadDefaultValue() {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command("EEDF\r"), kLoadDefaultsMs);
+  return Order(error_table, Command("EEDF\r"), kLoadDefaultsMs);
 }
 
 uint32_t CVPMMgr::SetIgnPowerOffAlarmEvent(void* event) {

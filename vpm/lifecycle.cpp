@@ -1,10 +1,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "core/cancellation_off.h"
-#include "core/construction_order.h"
+#include "core/process_objects.h"
 #include "mcu/manager_lifecycle.h"
 #include "mcu/reply_fields.h"
+#include "mcu/turn.h"
 #include "vpm/vpm_manager.h"
 
 namespace {
@@ -22,9 +22,9 @@ void PrintFirmwareVersion(const char* identification) {
   printf("[VPM] your version is %3d.%3d. It's must great then .%3d\n", major, minor, kNamedMinorVersion);
 }
 
-void ReadScale(CVPMMgr& manager, const char* command, float scale_without_answer, float& scale) {
+void ReadScale(const ErrorReplyEntry* table, const char* command, float scale_without_answer, float& scale) {
   Reply reply;
-  if (Query(manager, Command("%s", command), reply) != ROLU_STATUS_SUCCESS) {
+  if (Query(table, Command("%s", command), reply) != ROLU_STATUS_SUCCESS) {
     scale = scale_without_answer;
     return;
   }
@@ -76,8 +76,8 @@ uint32_t CVPMMgr::ReadFirmwareInfo() {
 }
 
 void CVPMMgr::ReadVoltageScales() {
-  ReadScale(*this, "MCVU2\r", kDefaultScale24V, voltage_scale_mode2);
-  ReadScale(*this, "MCVU3\r", kDefaultScale12V, voltage_scale_mode3);
+  ReadScale(error_table, "MCVU2\r", kDefaultScale24V, voltage_scale_mode2);
+  ReadScale(error_table, "MCVU3\r", kDefaultScale12V, voltage_scale_mode3);
 }
 
 uint32_t CVPMMgr::Deinitialize() {
@@ -99,7 +99,7 @@ uint32_t CVPMMgr::GetPlatformName(char* name) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (name == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   Reply reply;
-  const uint32_t status = Query(*this, Command("ATF1\r"), reply);
+  const uint32_t status = Query(error_table, Command("ATF1\r"), reply);
   if (status != ROLU_STATUS_SUCCESS) return status;
   constexpr size_t kPrefixLength = 5;
   constexpr size_t kNameLength = 12;

@@ -4,7 +4,7 @@
 uint32_t CVPMMgr::SetDelay(DELAY_TYPE type, unsigned short delay) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (delay == 0) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("MCUS%1d%04X\r", type, static_cast<unsigned int>(delay)));
+  return Order(error_table, Command("MCUS%1d%04X\r", type, static_cast<unsigned int>(delay)));
 }
 
 uint32_t CVPMMgr::GetDelay(DELAY_TYPE type, unsigned short* delay) {
@@ -15,7 +15,7 @@ uint32_t CVPMMgr::GetUnsigned16(const Command& command, unsigned short* value) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (value == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   int32_t number = 0;
-  const uint32_t status = QueryNumber(*this, command, number);
+  const uint32_t status = QueryNumber(error_table, command, number);
   if (status == ROLU_STATUS_SUCCESS) *value = static_cast<unsigned short>(number);
   return status;
 }
@@ -66,7 +66,7 @@ uint32_t CVPMMgr::GetLBPLowHardDelay(unsigned short* delay) {
 uint32_t CVPMMgr::SetForceShutdownDelay(unsigned short delay) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (delay == 0) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("MSDS%04X\r", static_cast<unsigned int>(delay)));
+  return Order(error_table, Command("MSDS%04X\r", static_cast<unsigned int>(delay)));
 }
 
 uint32_t CVPMMgr::GetForceShutdownDelay(unsigned short* delay) {
@@ -75,16 +75,16 @@ uint32_t CVPMMgr::GetForceShutdownDelay(unsigned short* delay) {
 
 uint32_t CVPMMgr::SetForceShutdown(char enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command("MSSS%01d\r", enable != 0 ? 1 : 0));
+  return Order(error_table, Command("MSSS%01d\r", enable != 0 ? 1 : 0));
 }
 
 uint32_t CVPMMgr::GetForceShutdown(char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
-  return QueryFlag(*this, Command("MSSG\r"), 0, enabled);
+  return QueryFlag(error_table, Command("MSSG\r"), 0, enabled);
 }
 
 uint32_t CVPMMgr::ForceShutdown() {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command("ATPO\r"), 0);
+  return Order(error_table, Command("ATPO\r"), 0);
 }

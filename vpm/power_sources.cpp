@@ -25,32 +25,32 @@ constexpr WakeupCode kWakeupCodes[] = {
 uint32_t CVPMMgr::SetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (!IsShutdownSource(source)) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("SDMS%01d%01d\r", source, enable != 0 ? 1 : 0));
+  return Order(error_table, Command("SDMS%01d%01d\r", source, enable != 0 ? 1 : 0));
 }
 
 uint32_t CVPMMgr::GetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr || !IsShutdownSource(source)) return ROLU_STATUS_INVALID_PARAMETER;
-  return QuerySwitch(*this, Command("SDMG\r"), source, enabled);
+  return QuerySwitch(error_table, Command("SDMG\r"), source, enabled);
 }
 
 uint32_t CVPMMgr::SetWakeupSourceControlStatus(WAKEUP_SOURCE source, char enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (source == WAKEUP_SOURCE_NONE) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("WKMS%d%d\r", source, static_cast<unsigned char>(enable)));
+  return Order(error_table, Command("WKMS%d%d\r", source, static_cast<unsigned char>(enable)));
 }
 
 uint32_t CVPMMgr::GetWakeupSourceControlStatus(WAKEUP_SOURCE source, char* enabled) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (enabled == nullptr || source == WAKEUP_SOURCE_NONE) return ROLU_STATUS_INVALID_PARAMETER;
-  return QuerySwitch(*this, Command("WKMG\r"), source, enabled);
+  return QuerySwitch(error_table, Command("WKMG\r"), source, enabled);
 }
 
 uint32_t CVPMMgr::GetLastWakeupSource(WAKEUP_SOURCE* source) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (source == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   int32_t number = 0;
-  const uint32_t status = QueryNumber(*this, Command("WKSG\r"), number);
+  const uint32_t status = QueryNumber(error_table, Command("WKSG\r"), number);
   if (status != ROLU_STATUS_SUCCESS) return status;
   const auto code = static_cast<uint16_t>(number);
   for (const WakeupCode& known : kWakeupCodes) {

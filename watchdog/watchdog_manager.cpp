@@ -1,6 +1,6 @@
 #include "watchdog/watchdog_manager.h"
 
-#include "core/construction_order.h"
+#include "core/process_objects.h"
 #include "mcu/manager_lifecycle.h"
 #include "mcu/queries.h"
 
@@ -26,19 +26,19 @@ uint32_t CWDMgr::GetLibVersion(unsigned char*) {
 
 uint32_t CWDMgr::Trigger() {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command("WDTR\r"), 0);
+  return Order(error_table, Command("WDTR\r"), 0);
 }
 
 uint32_t CWDMgr::Enabled(bool enable) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
-  return Order(*this, Command(enable ? "WDTE\r" : "WDTD\r"), 0);
+  return Order(error_table, Command(enable ? "WDTE\r" : "WDTD\r"), 0);
 }
 
 uint32_t CWDMgr::GetTime(unsigned short* time) {
   if (time == nullptr) return ROLU_STATUS_NULL_POINTER;
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   int32_t number = 0;
-  const uint32_t status = QueryNumber(*this, Command("WDTG\r"), number);
+  const uint32_t status = QueryNumber(error_table, Command("WDTG\r"), number);
   if (status == ROLU_STATUS_SUCCESS) *time = static_cast<unsigned short>(number);
   return status;
 }
@@ -46,7 +46,7 @@ uint32_t CWDMgr::GetTime(unsigned short* time) {
 uint32_t CWDMgr::SetTime(unsigned short time) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   if (time == 0) return ROLU_STATUS_INVALID_PARAMETER;
-  return Order(*this, Command("WDTS%04X\r", static_cast<unsigned int>(time)));
+  return Order(error_table, Command("WDTS%04X\r", static_cast<unsigned int>(time)));
 }
 
 uint32_t CWDMgr::GetRange(unsigned long* minimum, unsigned long* maximum) {

@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/process_locks.h"
+#include "core/process_objects.h"
 #include "kavo_rolu.h"
 #include "mcu/transaction.h"
 #include "mcu/turn.h"

@@ -126,8 +126,10 @@ TEST(Managers, ThreadsOfTwoManagersGetTheirOwnAnswers) {
   ASSERT_EQ(gWDMgr.Initialize(0), ROLU_STATUS_SUCCESS);
   const auto ask = [](auto& manager, int first_id) {
     for (int id = first_id; id < first_id + kQuestions; ++id) {
+      Command command("ASK%d\r", id);
       Reply reply;
-      EXPECT_EQ(Query(manager, Command("ASK%d\r", id), reply), ROLU_STATUS_SUCCESS);
+      EXPECT_EQ(manager.GetDataFromSTM32(command.text, command.length, reply.text, sizeof reply.text),
+                ROLU_STATUS_SUCCESS);
       EXPECT_EQ(reply.text, "ANSWER" + std::to_string(id));
     }
   };

@@ -1,6 +1,6 @@
-#include "core/process_locks.h"
+#include "core/process_objects.h"
 
-#include "core/construction_order.h"
+KavoInfo kavo_info{};
 
 CCriticalSection CriSectCtx CONSTRUCTED_AT(kConstructTransactionLock);
 CCriticalSection op_lock CONSTRUCTED_AT(kConstructEepromLock);

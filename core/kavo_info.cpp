@@ -1,3 +1,0 @@
-#include "core/kavo_info.h"
-
-KavoInfo kavo_info{};

@@ -31,7 +31,7 @@ timespec FromNow(std::chrono::milliseconds time) {
 
 }  // namespace
 
-SignalWaiter::SignalWaiter(EventQueue& queue, EventKind kind) : queue_(queue), kind_(kind) {
+SignalWaiter::SignalWaiter(EventPipe& events, EventKind kind) : events_(events), kind_(kind) {
   thread_ = std::thread([this] { Run(); });
   pthread_mutex_lock(&mutex_);
   while (!waiting_) pthread_cond_wait(&waiting_changed_, &mutex_);
@@ -54,7 +54,7 @@ void SignalWaiter::Run() {
   while (true) {
     pthread_cond_wait(&condition_, &mutex_);
     if (stopping_) break;
-    queue_.Put(kind_);
+    events_.Put(kind_);
   }
   pthread_mutex_unlock(&mutex_);
 }
@@ -68,11 +68,12 @@ void SignalWaiter::Stop() {
   thread_.join();
 }
 
-BoardWatcher::BoardWatcher(EventQueue& queue, const WatchSettings& settings)
-    : queue_(queue),
+BoardWatcher::BoardWatcher(EventPipe& events, const WatchSettings& settings, const BoardState& told)
+    : events_(events),
       settings_(settings),
-      ignition_warning_(queue, EventKind::kIgnitionWarning),
-      battery_warning_(queue, EventKind::kBatteryWarning) {}
+      ignition_warning_(events, EventKind::kIgnitionWarning),
+      battery_warning_(events, EventKind::kBatteryWarning),
+      told_(told) {}
 
 ROLU_STATUS BoardWatcher::Start() {
   ThrowUnlessDone(KAVO_ROLU_VPM_SetIgnPowerOffEvent(ignition_warning_.condition()), "watch the warnings");
@@ -103,31 +104,31 @@ bool BoardWatcher::WaitUnlessStopped(std::chrono::milliseconds time) {
 
 void BoardWatcher::Poll() {
   do {
-    const bool first = !ignition_ && !told_volts_;
+    const bool first = !told_.IsKnown();
     if (LookAtIgnition()) LookAtVoltage();
-    if (first && (ignition_ || told_volts_)) TellState();
+    if (first && told_.IsKnown()) TellState();
   } while (WaitUnlessStopped(settings_.interval));
 }
 
 void BoardWatcher::TellState() {
   Document values = Document::object();
   std::string detail;
-  if (ignition_) {
-    values["ignition"] = *ignition_;
-    detail = *ignition_ ? "ignition on" : "ignition off";
+  if (told_.ignition) {
+    values["ignition"] = *told_.ignition;
+    detail = *told_.ignition ? "ignition on" : "ignition off";
   }
-  if (told_volts_) {
-    values["volts"] = *told_volts_;
-    detail += fmt::format("{}car battery {}", detail.empty() ? "" : ", ", VoltsText(*told_volts_));
+  if (told_.volts) {
+    values["volts"] = *told_.volts;
+    detail += fmt::format("{}car battery {}", detail.empty() ? "" : ", ", VoltsText(*told_.volts));
   }
-  queue_.Put(EventKind::kState, std::move(values), std::move(detail));
+  events_.Put(EventKind::kState, std::move(values), detail);
 }
 
 bool BoardWatcher::NoteAnswer(ROLU_STATUS status, const char* subject) {
   const bool answered = status != ROLU_STATUS_VPM_NO_REPLY && status != ROLU_STATUS_VPM_SEND_FAILED;
   if (answered == silent_) {
     silent_ = !answered;
-    queue_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
+    events_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
   }
   if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
     SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
@@ -140,10 +141,10 @@ bool BoardWatcher::LookAtIgnition() {
   const ROLU_STATUS status = KAVO_ROLU_VPM_GetIgnitionStatus(&on);
   if (status == ROLU_STATUS_SUCCESS) {
     const bool is_on = on == 1;
-    if (ignition_ && *ignition_ != is_on) {
-      queue_.Put(is_on ? EventKind::kIgnitionOn : EventKind::kIgnitionOff);
+    if (told_.ignition && *told_.ignition != is_on) {
+      events_.Put(is_on ? EventKind::kIgnitionOn : EventKind::kIgnitionOff);
     }
-    ignition_ = is_on;
+    told_.ignition = is_on;
   }
   return NoteAnswer(status, "the ignition");
 }
@@ -153,10 +154,10 @@ bool BoardWatcher::LookAtVoltage() {
   const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&measured);
   if (status == ROLU_STATUS_SUCCESS) {
     const double volts = Thousandths(measured);
-    const bool is_first = !told_volts_;
-    if (is_first || std::abs(volts - *told_volts_) >= settings_.volts_step) {
-      told_volts_ = volts;
-      if (!is_first) queue_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts));
+    const bool is_first = !told_.volts;
+    if (is_first || std::abs(volts - *told_.volts) >= settings_.volts_step) {
+      told_.volts = volts;
+      if (!is_first) events_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts));
     }
   }
   return NoteAnswer(status, "the car battery");
@@ -170,8 +171,8 @@ void BoardWatcher::TakeShocks() {
   while (WaitUnlessStopped(std::chrono::milliseconds(0))) {
     ROLU_GSENSOR_DATA sample{};
     while (KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS) {
-      queue_.Put(EventKind::kShock, {{"x", sample.x}, {"y", sample.y}, {"z", sample.z}},
-                 fmt::format("x {} y {} z {}", sample.x, sample.y, sample.z));
+      events_.Put(EventKind::kShock, {{"x", sample.x}, {"y", sample.y}, {"z", sample.z}},
+                  fmt::format("x {} y {} z {}", sample.x, sample.y, sample.z));
     }
     const timespec deadline = FromNow(kLookAgain);
     pthread_cond_timedwait(&shock_, &mutex, &deadline);

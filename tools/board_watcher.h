@@ -3,7 +3,8 @@
 #include <pthread.h>
 
 #include <chrono>
-#include <optional>
+#include <condition_variable>
+#include <mutex>
 #include <set>
 #include <string>
 #include <thread>
@@ -21,7 +22,7 @@ struct WatchSettings {
 // stopped: a signal that finds nobody waiting is lost.
 class SignalWaiter {
  public:
-  SignalWaiter(EventQueue& queue, EventKind kind);
+  SignalWaiter(EventPipe& events, EventKind kind);
   ~SignalWaiter();
   SignalWaiter(const SignalWaiter&) = delete;
   SignalWaiter& operator=(const SignalWaiter&) = delete;
@@ -34,7 +35,7 @@ class SignalWaiter {
  private:
   void Run();
 
-  EventQueue& queue_;
+  EventPipe& events_;
   const EventKind kind_;
   pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
   pthread_cond_t condition_ = PTHREAD_COND_INITIALIZER;
@@ -44,12 +45,13 @@ class SignalWaiter {
   std::thread thread_;
 };
 
-// Sees what happens on the board and puts it into a queue. VPM and GSENSOR must be up from Start to
+// Sees what happens on the board and sends it through a pipe. VPM and GSENSOR must be up from Start to
 // Stop, and be taken down before this object goes: the library signals its condition variables
 // until then.
 class BoardWatcher {
  public:
-  BoardWatcher(EventQueue& queue, const WatchSettings& settings);
+  // `told` is what has been told before: what has changed since is an event.
+  BoardWatcher(EventPipe& events, const WatchSettings& settings, const BoardState& told);
   ~BoardWatcher() { Stop(); }
   BoardWatcher(const BoardWatcher&) = delete;
   BoardWatcher& operator=(const BoardWatcher&) = delete;
@@ -71,7 +73,7 @@ class BoardWatcher {
   bool NoteAnswer(ROLU_STATUS status, const char* subject);
   void TellState();
 
-  EventQueue& queue_;
+  EventPipe& events_;
   const WatchSettings settings_;
   SignalWaiter ignition_warning_;
   SignalWaiter battery_warning_;
@@ -84,8 +86,7 @@ class BoardWatcher {
   // Of the polling thread.
   bool silent_ = false;
   std::set<std::string> complained_;
-  std::optional<bool> ignition_;
-  std::optional<double> told_volts_;
+  BoardState told_;
 
   std::thread poller_;
   std::thread shock_taker_;

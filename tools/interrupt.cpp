@@ -33,6 +33,7 @@ void Request(int number) {
 }  // namespace
 
 void Watch() {
+  if (wakeup >= 0) close(wakeup);
   wakeup = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   struct sigaction action {};
   action.sa_handler = Request;

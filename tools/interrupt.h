@@ -6,7 +6,8 @@ namespace rolu::interrupt {
 
 // From now on SIGINT, SIGTERM and SIGHUP ask for an end instead of making one: the work stops after
 // the question in hand, and what was initialised is taken down. A second signal of the same kind
-// ends the process at once. Call it before the first thread starts.
+// ends the process at once. Call it before the first thread starts, and again in a child process, which
+// signals ask on its own.
 void Watch();
 
 // The signal that asked for an end; 0 while none has.

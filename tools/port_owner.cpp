@@ -1,6 +1,7 @@
 #include "tools/port_owner.h"
 
 #include <errno.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -115,6 +116,23 @@ PortSearch FindPortOwner() {
     }
   }
   return search;
+}
+
+int DuplicateOwnPort() {
+  struct stat port {};
+  if (stat(kMcuPort, &port) != 0) return -1;
+  std::error_code error;
+  for (fs::directory_iterator descriptors("/proc/self/fd", error);
+       !error && descriptors != fs::directory_iterator(); descriptors.increment(error)) {
+    int descriptor = -1;
+    const std::string name = descriptors->path().filename();
+    std::from_chars(name.data(), name.data() + name.size(), descriptor);
+    struct stat file {};
+    if (fstat(descriptor, &file) == 0 && IsSameFile(port, file)) {
+      return fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    }
+  }
+  return -1;
 }
 
 std::string OwnerText(const PortOwner& owner) {

@@ -25,6 +25,10 @@ struct PortSearch {
 // process at its other end is no owner: it is the MCU.
 PortSearch FindPortOwner();
 
+// Another descriptor for this process's own open port, which nobody inherits; -1 when it is not open. It
+// is for poll, which tells when the port hangs up.
+int DuplicateOwnPort();
+
 // "process 1234 (vehicle-app --verbose)".
 std::string OwnerText(const PortOwner& owner);
 

@@ -6,14 +6,13 @@
 #include <limits>
 #include <optional>
 
-#include "tools/board_watcher.h"
 #include "tools/command.h"
 #include "tools/event_commands.h"
 #include "tools/interrupt.h"
 #include "tools/messages.h"
 #include "tools/output.h"
-#include "tools/session.h"
-#include "tools/status_words.h"
+#include "tools/wall_time.h"
+#include "tools/watch_process.h"
 
 namespace rolu {
 namespace {
@@ -47,66 +46,106 @@ void Tell(const Event& event, bool json) {
   }
 }
 
-// The watching, whose parts end in the right order whatever ends it.
+// Tells what a process of its own sees, and lets another take over where the port hung up.
 class Watch {
  public:
   Watch(const WatchOptions& options, const CommonOptions& common)
-      : options_(options),
-        common_(common),
-        commands_(options.commands),
-        watcher_(queue_, options.settings),
-        session_(common) {}
-  ~Watch() { Close(); }
-  Watch(const Watch&) = delete;
-  Watch& operator=(const Watch&) = delete;
+      : options_(options), commands_(options.commands), task_{options.settings, common, {}, false} {}
 
   ExitStatus Run() {
-    session_.Require(Family::kVpm);
-    session_.Require(Family::kGsensor);
-    const ROLU_STATUS alarm = watcher_.Start();
-    if (alarm != ROLU_STATUS_SUCCESS) Say("G-sensor alarms are not watched: " + Describe(alarm));
-    TellUntilEnd();
-    const ExitStatus result = Close();
+    bool goes_on = true;
+    while (goes_on && !IsOver()) {
+      if (!process_ && Clock::now() >= next_start_) process_.emplace(task_);
+      if (process_) goes_on = TellEvents();
+      commands_.Reap();
+      if (goes_on) Wait();
+    }
+    EndProcess();
+    if (status_ == kPortAway) {
+      SayProblem("could not take down the G-sensor: the MCU's port hung up");
+      status_ = kNoAnswer;
+    }
     commands_.WaitForEnd();
-    return result;
+    return static_cast<ExitStatus>(status_);
   }
 
  private:
-  void TellUntilEnd() {
-    const Clock::time_point end =
-        options_.time.count() == 0 ? Clock::time_point::max() : Clock::now() + options_.time;
-    unsigned told = 0;
-    while (interrupt::Signal() == 0 && OutputError() == 0) {
-      while (const std::optional<Event> event = queue_.Take()) {
-        Tell(*event, common_.json);
-        commands_.Start(*event, NameOf(event->kind).name);
-        if (event->kind != EventKind::kState && ++told == options_.count) return;
-      }
-      commands_.Reap();
-      if (Clock::now() >= end) return;
-      WaitForEvent(end);
+  // How long a port that hung up is left alone before it is tried again.
+  static constexpr std::chrono::milliseconds kPortRest{500};
+
+  bool IsOver() const {
+    return interrupt::Signal() != 0 || OutputError() != 0 || Clock::now() >= end_ ||
+           (options_.count != 0 && told_ >= options_.count);
+  }
+
+  // False when the process has ended for good.
+  bool TellEvents() {
+    while (!IsOver()) {
+      const std::optional<Event> event = process_->events().Take();
+      if (!event) break;
+      TellAndNote(*event);
+    }
+    if (!process_->events().IsAtEnd()) return true;
+    EndProcess();
+    if (status_ != kPortAway) return false;
+    if (!task_.port_returns) NotePortAway();
+    next_start_ = Clock::now() + kPortRest;
+    return true;
+  }
+
+  void EndProcess() {
+    if (process_) status_ = process_->End();
+    process_.reset();
+  }
+
+  void NotePortAway() {
+    task_.port_returns = true;
+    Say("the MCU's port hung up; waiting for it to come back");
+    if (!mcu_is_silent_) TellAndNote({EventKind::kMcuSilent, Document::object(), "", TimeStamp()});
+  }
+
+  void TellAndNote(const Event& event) {
+    if (event.kind == EventKind::kMcuBack && task_.port_returns) Say("the MCU's port is back");
+    Tell(event, task_.common.json);
+    commands_.Start(event, NameOf(event.kind).name);
+    if (event.kind != EventKind::kState) ++told_;
+    switch (event.kind) {
+      case EventKind::kMcuSilent:
+        mcu_is_silent_ = true;
+        break;
+      case EventKind::kMcuBack:
+        mcu_is_silent_ = false;
+        task_.port_returns = false;
+        break;
+      case EventKind::kIgnitionOn:
+      case EventKind::kIgnitionOff:
+        task_.told.ignition = event.kind == EventKind::kIgnitionOn;
+        break;
+      default:
+        if (event.values.contains("ignition")) task_.told.ignition = event.values["ignition"].get<bool>();
+        if (event.values.contains("volts")) task_.told.volts = event.values["volts"].get<double>();
     }
   }
 
   // Commands that have ended are looked for twice a second.
-  void WaitForEvent(Clock::time_point end) const {
+  void Wait() {
     constexpr std::chrono::milliseconds kLongest{500};
-    const auto wait = std::min(kLongest, std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
-    pollfd descriptors[] = {{queue_.Descriptor(), POLLIN, 0}, {interrupt::Descriptor(), POLLIN, 0}};
+    const auto wait = std::min(kLongest, std::chrono::ceil<std::chrono::milliseconds>(end_ - Clock::now()));
+    pollfd descriptors[] = {{process_ ? process_->events().Descriptor() : -1, POLLIN, 0},
+                            {interrupt::Descriptor(), POLLIN, 0}};
     poll(descriptors, 2, static_cast<int>(std::max<std::int64_t>(wait.count(), 0)));
   }
 
-  ExitStatus Close() {
-    watcher_.Stop();
-    return session_.Close();
-  }
-
   const WatchOptions& options_;
-  const CommonOptions& common_;
   EventCommands commands_;
-  EventQueue queue_;
-  BoardWatcher watcher_;
-  Session session_;
+  WatchTask task_;  // of the next process
+  std::optional<WatchProcess> process_;
+  int status_ = kDone;  // of the last one
+  const Clock::time_point end_ =
+      options_.time.count() == 0 ? Clock::time_point::max() : Clock::now() + options_.time;
+  Clock::time_point next_start_{};
+  unsigned told_ = 0;
+  bool mcu_is_silent_ = false;
 };
 
 std::string EventList() {
@@ -130,7 +169,8 @@ void AddWatchCommand(CLI::App& app, Invocation& invocation) {
                      "the watching, with\n"
                      "ROLU_EVENT and ROLU_TIME in its environment and its output on standard error. An MCU "
                      "that falls silent\n"
-                     "does not end the watching.");
+                     "does not end the watching, nor does a port that hangs up: once it is back, what has "
+                     "changed is told.");
   command->add_option("--on", options->commands, "Run COMMAND in a shell at each EVENT; may be repeated")
       ->type_name("EVENT COMMAND");
   command->add_option("--count", options->count, "End after so many events")

@@ -1,10 +1,9 @@
 #include "tools/watch_events.h"
 
 #include <errno.h>
-#include <sys/eventfd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <system_error>
 #include <utility>
 
@@ -26,30 +25,49 @@ const std::vector<EventName>& EventNames() {
   return names;
 }
 
-EventQueue::EventQueue() : ready_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE)) {
-  if (ready_ < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
-}
-
-EventQueue::~EventQueue() {
-  close(ready_);
-}
-
-void EventQueue::Put(EventKind kind, Document values, std::string detail) {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    events_.push_back({kind, std::move(values), std::move(detail), TimeStamp()});
+// Messages keep their bounds, so that those of several threads do not mix.
+EventPipe::EventPipe() {
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+    throw std::system_error(errno, std::generic_category(), "socketpair");
   }
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = write(ready_, &one, sizeof one);
+  reader_ = ends[0];
+  writer_ = ends[1];
 }
 
-std::optional<Event> EventQueue::Take() {
-  std::uint64_t one = 0;
-  if (read(ready_, &one, sizeof one) != sizeof one) return std::nullopt;
-  const std::lock_guard<std::mutex> lock(mutex_);
-  Event event = std::move(events_.front());
-  events_.pop_front();
-  return event;
+EventPipe::~EventPipe() {
+  BeWriter();
+  BeReader();
+}
+
+void EventPipe::BeWriter() {
+  if (reader_ >= 0) close(std::exchange(reader_, -1));
+}
+
+void EventPipe::BeReader() {
+  if (writer_ >= 0) close(std::exchange(writer_, -1));
+}
+
+void EventPipe::Put(EventKind kind, Document values, const std::string& detail) const {
+  const Document event = {{"kind", static_cast<int>(kind)},
+                          {"values", std::move(values)},
+                          {"detail", detail},
+                          {"time", TimeStamp()}};
+  const std::string message = event.dump();
+  // Where the reader is gone the watching is about to end.
+  while (send(writer_, message.data(), message.size(), MSG_NOSIGNAL) < 0 && errno == EINTR) continue;
+}
+
+std::optional<Event> EventPipe::Take() {
+  char message[1024];
+  const ssize_t length = recv(reader_, message, sizeof message, MSG_DONTWAIT);
+  if (length <= 0) {
+    at_end_ = length == 0 || (errno != EAGAIN && errno != EINTR);
+    return std::nullopt;
+  }
+  const Document event = Document::parse(message, message + length);
+  return Event{static_cast<EventKind>(event["kind"].get<int>()), event["values"], event["detail"],
+               event["time"]};
 }
 
 }  // namespace rolu

@@ -1,9 +1,5 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -41,24 +37,42 @@ struct Event {
   std::string time;    // when it was seen
 };
 
-// From the threads that see events to the one that tells them.
-class EventQueue {
+// What the events so far say; nothing where none did.
+struct BoardState {
+  std::optional<bool> ignition;
+  std::optional<double> volts;
+
+  bool IsKnown() const { return ignition || volts; }
+};
+
+// From the process that sees events to the one that tells them: made before the one starts the other.
+class EventPipe {
  public:
-  EventQueue();
-  ~EventQueue();
-  EventQueue(const EventQueue&) = delete;
-  EventQueue& operator=(const EventQueue&) = delete;
+  EventPipe();
+  ~EventPipe();
+  EventPipe(const EventPipe&) = delete;
+  EventPipe& operator=(const EventPipe&) = delete;
 
-  void Put(EventKind kind, Document values = Document::object(), std::string detail = {});
+  // Each process says once, first of all, which it is.
+  void BeWriter();
+  void BeReader();
+
+  // The writer's; any thread may call it.
+  void Put(EventKind kind, Document values = Document::object(), const std::string& detail = {}) const;
+
+  // The reader's: the next event, if there is one now.
   std::optional<Event> Take();
+  // The writer is gone, and all its events were taken.
+  bool IsAtEnd() const { return at_end_; }
 
-  // Readable while events are there; for poll.
-  int Descriptor() const { return ready_; }
+  // For poll: readable for the reader while Take has something to say; hung up for the writer once the
+  // reader is gone.
+  int Descriptor() const { return writer_ >= 0 ? writer_ : reader_; }
 
  private:
-  std::mutex mutex_;
-  std::deque<Event> events_;
-  int ready_;
+  int reader_ = -1;
+  int writer_ = -1;
+  bool at_end_ = false;
 };
 
 }  // namespace rolu

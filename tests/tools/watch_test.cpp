@@ -117,6 +117,50 @@ TEST_F(WatchTest, an_end_while_the_mcu_is_silent_says_what_could_not_be_taken_do
   EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
 }
 
+TEST_F(WatchTest, a_port_that_hangs_up_and_comes_back_is_outlived) {
+  Start("--json");
+  for (const bool ignition : {false, true}) {
+    const std::size_t told = rolu->out().size();
+    const std::size_t said = rolu->err().size();
+    board.RemoveSerialDevice();
+    board.mcu().HangUp();
+    ASSERT_TRUE(rolu->WaitForMessage("the MCU's port hung up", said));
+    ASSERT_TRUE(rolu->WaitForOutput("mcu-silent", told));
+    board.mcu().WithModel([&](auto& mcu) { mcu.ignition.on = ignition; });
+    board.ReplugSerialPort();
+    ASSERT_TRUE(rolu->WaitForMessage("the MCU's port is back", said));
+    ASSERT_TRUE(rolu->WaitForOutput("mcu-back", told));
+    ASSERT_TRUE(rolu->WaitForOutput(ignition ? "ignition-on" : "ignition-off", told))
+        << "what changed meanwhile";
+  }
+  const std::size_t told = rolu->out().size();
+  board.mcu().WithModel([](auto& mcu) { mcu.WarnOfPowerOff(PowerOffWarning::kIgnition); });
+  ASSERT_TRUE(rolu->WaitForOutput("power-off-ignition", told));
+  board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
+  ASSERT_TRUE(rolu->WaitForOutput("shock", told));
+  rolu->Signal(SIGINT);
+  EXPECT_EQ(rolu->Wait(), 0);
+  EXPECT_EQ(rolu->out().find("state", rolu->out().find("state") + 1), std::string::npos) << "told once";
+  ExpectTakenDown();
+}
+
+TEST_F(WatchTest, an_end_while_the_port_is_away_says_what_could_not_be_taken_down) {
+  Start("--json");
+  board.RemoveSerialDevice();
+  board.mcu().HangUp();
+  ASSERT_TRUE(rolu->WaitForMessage("the MCU's port hung up"));
+  rolu->Signal(SIGTERM);
+  EXPECT_EQ(rolu->Wait(), 4);
+  EXPECT_THAT(rolu->err(), HasSubstr("could not take down the G-sensor: the MCU's port hung up"));
+}
+
+TEST_F(WatchTest, a_kill_leaves_the_board_as_it_was) {
+  Start("--json");
+  rolu->Signal(SIGKILL);
+  EXPECT_EQ(rolu->Wait(), -SIGKILL);
+  ExpectTakenDown();
+}
+
 TEST_F(WatchTest, it_ends_after_its_time) {
   const auto start = std::chrono::steady_clock::now();
   const Ended watch = Rolu("watch --for 700ms");

@@ -60,10 +60,19 @@ std::vector<const Setting*> AllSettings() {
   return all;
 }
 
+bool NeedsMcu(const Setting* setting) {
+  return setting->family != Family::kCore;
+}
+
+// Who wants to know how things are learns soon that the MCU does not answer.
+constexpr int kStatusPatience = 1;
+
 ExitStatus RunStatus(const ReadOptions& options, const CommonOptions& common) {
   const std::vector<const Setting*> settings =
       options.names.empty() ? AllSettings() : SettingsNamed(options.names);
-  Session session(common);
+  Session session(common, kStatusPatience);
+  // The quickest way to learn that the MCU is silent.
+  if (std::any_of(settings.begin(), settings.end(), NeedsMcu)) session.Use(Family::kWatchdog);
   Report report;
   Outcome outcome;
   std::string_view group;

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 
 #include "tools/common_options.h"
@@ -96,16 +97,27 @@ ROLU_STATUS Session::BringUp(Family family) {
     case Family::kVpm: {
       const ROLU_STATUS status = BringUpVpm();
       // The greeting went unanswered before.
-      if (status == ROLU_STATUS_VPM_NO_REPLY) unanswered_ = kSilence;
+      if (status == ROLU_STATUS_VPM_NO_REPLY) unanswered_ = patience_;
       return status;
     }
     case Family::kWatchdog:
-      return KAVO_ROLU_WD_Initialize(0);
+      return BringUpWatchdog();
     case Family::kGsensor:
       return KAVO_ROLU_GSENSOR_Initialize(0);
     default:
       return BringUpPeripherals();
   }
+}
+
+// The watchdog asks nothing but the greeting, and comes up without an answer; only the time that it took
+// tells that there was none.
+ROLU_STATUS Session::BringUpWatchdog() {
+  constexpr std::chrono::milliseconds kNoAnswer{2900};  // of the 3 s that the library waits
+  const auto start = std::chrono::steady_clock::now();
+  const ROLU_STATUS status = KAVO_ROLU_WD_Initialize(0);
+  const bool took_all_the_time = std::chrono::steady_clock::now() - start >= kNoAnswer;
+  if (status == ROLU_STATUS_SUCCESS && took_all_the_time) ++unanswered_;
+  return status;
 }
 
 ROLU_STATUS Session::McuProblem() const {

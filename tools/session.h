@@ -14,11 +14,12 @@ struct CommonOptions;
 // This program's use of the board: brings the families up as they are needed, and takes down what
 // it brought up, on every way out.
 //
-// An MCU that has stopped answering is not asked again and again: after two questions in a row
+// An MCU that has stopped answering is not asked again and again: after some questions in a row
 // without an answer the rest is answered with ROLU_STATUS_VPM_NO_REPLY at once.
 class Session {
  public:
-  explicit Session(const CommonOptions& options) : options_(options) {}
+  // `patience` is the number of those questions, each of which takes 3 s.
+  explicit Session(const CommonOptions& options, int patience = 2) : options_(options), patience_(patience) {}
   ~Session() { Close(); }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -35,7 +36,7 @@ class Session {
   ROLU_STATUS Write(const Setting& setting, const Value& value);
 
   // Whether the MCU is silent: no question of this session that was asked lately had an answer.
-  bool McuIsSilent() const { return unanswered_ >= kSilence; }
+  bool McuIsSilent() const { return unanswered_ >= patience_; }
 
   // Silent, or its port could not be opened; and the status that says which.
   bool McuIsUnreachable() const { return McuProblem() != ROLU_STATUS_SUCCESS; }
@@ -49,13 +50,13 @@ class Session {
   ExitStatus Close();
 
  private:
-  static constexpr int kSilence = 2;
-
   void EnsurePortIsOurs();
   ROLU_STATUS BringUp(Family family);
+  ROLU_STATUS BringUpWatchdog();
   ROLU_STATUS Noted(ROLU_STATUS status);
 
   const CommonOptions& options_;
+  const int patience_;
   std::array<std::optional<ROLU_STATUS>, kFamilies> states_;
   bool port_checked_ = false;
   int unanswered_ = 0;

@@ -15,6 +15,7 @@ Desk::Desk(DeskOptions options)
               [this](const std::string& words) { trace_.RecordEvent(TraceDirection::kDesk, words); }),
       replay_(std::move(options.replay)),
       board_(MakeBoardOptions(options)),
+      board_faults_(board_),
       register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}
 
 // Called before the board is there: its threads meet a desk that is whole but for it.

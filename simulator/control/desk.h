@@ -8,6 +8,7 @@
 #include <string>
 
 #include "simulator/board.h"
+#include "simulator/control/board_faults.h"
 #include "simulator/control/verb.h"
 #include "simulator/faults/answer_faults.h"
 #include "simulator/trace/replay.h"
@@ -42,6 +43,7 @@ class Desk {
   Board& board() { return board_; }
   Trace& trace() { return trace_; }
   AnswerFaults& faults() { return faults_; }
+  BoardFaults& board_faults() { return board_faults_; }
   Replay* replay() { return replay_ ? &*replay_ : nullptr; }
   TimePoint start() const { return start_; }
 
@@ -73,6 +75,7 @@ class Desk {
   std::optional<Replay> replay_;
   bool seed_announced_ = false;
   Board board_;
+  BoardFaults board_faults_;
   RegisterDevices register_devices_;
 };
 

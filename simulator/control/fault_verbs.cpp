@@ -1,12 +1,6 @@
 // What goes wrong, on the wire and with the devices.
 
-#include <fmt/format.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <filesystem>
-
+#include "simulator/control/board_faults.h"
 #include "simulator/control/board_files.h"
 #include "simulator/control/desk.h"
 #include "simulator/control/verb.h"
@@ -20,33 +14,6 @@ constexpr std::string_view kAnyCommand = "any";
 
 // The library waits 3 s for an answer.
 constexpr char kLateAnswer[] = "3200ms";
-
-struct ErrnoName {
-  const char* name;
-  int number;
-};
-constexpr std::array<ErrnoName, 9> kErrnoNames = {{{"EACCES", EACCES},
-                                                   {"EBUSY", EBUSY},
-                                                   {"EINVAL", EINVAL},
-                                                   {"EIO", EIO},
-                                                   {"ENODEV", ENODEV},
-                                                   {"ENXIO", ENXIO},
-                                                   {"EPERM", EPERM},
-                                                   {"EREMOTEIO", EREMOTEIO},
-                                                   {"ETIMEDOUT", ETIMEDOUT}}};
-
-std::vector<std::string> ErrnoNames() {
-  std::vector<std::string> names;
-  for (const ErrnoName& entry : kErrnoNames) names.emplace_back(entry.name);
-  return names;
-}
-
-int ErrnoOf(const Arguments& arguments) {
-  const std::string name = arguments.Text("error");
-  return std::find_if(kErrnoNames.begin(), kErrnoNames.end(),
-                      [&](const ErrnoName& entry) { return entry.name == name; })
-      ->number;
-}
 
 // The error replies of the MCU.
 std::vector<std::string> ErrorReplies() {
@@ -94,70 +61,37 @@ std::string DistortAnswers(Desk& desk, const Arguments& arguments) {
   return AddFault(desk, std::move(fault));
 }
 
-// The device's name may soon be another pseudo-terminal's: nothing leads there any more.
 std::string HangUp(Desk& desk, const Arguments& /*arguments*/) {
-  desk.board().RemoveSerialDevice();
-  desk.board().mcu().HangUp();
+  desk.board_faults().HangUp();
   return {};
 }
 
-// A port that is there stays untouched: a program may be about to open it.
 std::string Replug(Desk& desk, const Arguments& /*arguments*/) {
-  const bool is_there = std::filesystem::exists(desk.board().root().SerialLinkPath());
-  if (!is_there) desk.board().ReplugSerialPort();
+  desk.board_faults().Replug();
   return {};
 }
 
 std::string RemoveFile(Desk& desk, const Arguments& arguments) {
-  const std::string path = BoardFilePath(arguments.Text("file"));
-  if (path == kSerialPath) {
-    desk.board().RemoveSerialDevice();
-  } else {
-    DeviceFaults faults;
-    faults.missing = true;
-    desk.board().devices().SetFaults(path, faults);
-  }
+  desk.board_faults().RemoveFile(arguments.Text("file"));
   return {};
 }
 
 std::string FailFile(Desk& desk, const Arguments& arguments) {
-  const std::string path = BoardFilePath(arguments.Text("file"));
-  if (path == kSerialPath) throw UsageError("the serial port can only be missing, or hung up");
-  const std::string operation = arguments.Text("operation");
-  const int error = ErrnoOf(arguments);
-  DeviceFaults faults;
-  if (operation == "open") faults.open_errno = error;
-  if (operation == "read") faults.read_errno = error;
-  if (operation == "write") faults.write_errno = error;
-  if (operation == "ioctl") faults.ioctl_errno = error;
-  desk.board().devices().SetFaults(path, faults);
+  desk.board_faults().FailFile(arguments.Text("file"), arguments.Text("operation"), arguments.Text("error"));
   return {};
 }
 
 std::string RefuseAddress(Desk& desk, const Arguments& arguments) {
-  const auto address = static_cast<std::uint8_t>(arguments.Integer("address"));
-  if (arguments.Text("stage") == "select") {
-    desk.board().i2c().RefuseSelection(address, ErrnoOf(arguments));
-  } else {
-    desk.board().i2c().RefuseTransfers(address, ErrnoOf(arguments));
-  }
+  desk.board_faults().RefuseAddress(static_cast<std::uint8_t>(arguments.Integer("address")),
+                                    arguments.Text("stage"), arguments.Text("error"));
   return {};
 }
 
-std::string EndAllFaults(Desk& desk, const Arguments& arguments) {
-  constexpr int kHighestAddress = 0x7F;
-  Board& board = desk.board();
+std::string EndAllFaults(Desk& desk, const Arguments& /*arguments*/) {
   desk.faults().Clear();
-  board.mcu().ClearScript();
-  for (const std::string& name : BoardFileNames()) {
-    if (const std::string path = BoardFilePath(name); path != kSerialPath)
-      board.devices().SetFaults(path, {});
-  }
-  for (int address = 0; address <= kHighestAddress; ++address) {
-    board.i2c().RefuseSelection(static_cast<std::uint8_t>(address), 0);
-    board.i2c().RefuseTransfers(static_cast<std::uint8_t>(address), 0);
-  }
-  return Replug(desk, arguments);
+  desk.board().mcu().ClearScript();
+  desk.board_faults().EndAll();
+  return {};
 }
 
 // The parameters of a fault of answers, with those of its own between the command and the rest.

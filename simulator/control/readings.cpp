@@ -243,6 +243,7 @@ Json DescribeFaults(Desk& desk) {
     if (fault.count != 0) entry["characters"] = fault.count;
     faults.push_back(std::move(entry));
   }
+  for (Json& fault : desk.board_faults().Present()) faults.push_back(std::move(fault));
   return faults;
 }
 
@@ -274,7 +275,8 @@ const std::vector<Reading>& Readings() {
       {"backlight", "the display's backlight", DescribeBacklight},
       {"peripherals", "the switched peripherals", DescribePeripherals},
       {"events", "what the MCU did to the computer", DescribeEvents},
-      {"faults", "the faults of answers", DescribeFaults},
+      {"faults", "the faults of answers, of the serial port, of device files and of the I2C bus",
+       DescribeFaults},
       {"i2c-registers", "the registers of the devices on the I2C bus", DescribeRegisterDevices},
       {"i2c-transfers", "resets and transfers on the I2C bus", DescribeI2cTransfers},
       {"commands", "each command that the MCU received", DescribeCommands},

@@ -84,6 +84,47 @@ TEST(Fault, repeats_itself_with_its_seed) {
   EXPECT_NE(run("8").output, first.output);
 }
 
+// In the words of the verbs that made them.
+std::vector<std::string> FaultsOf(const ServedBoard& board) {
+  std::vector<std::string> faults;
+  for (const nlohmann::json& fault : board.Get("faults")) {
+    std::string words = fault["fault"];
+    for (const auto& [name, value] : fault.items()) {
+      if (name != "fault")
+        words += ' ' + name + '=' + (value.is_string() ? value.get<std::string>() : value.dump());
+    }
+    faults.push_back(std::move(words));
+  }
+  return faults;
+}
+
+TEST(Fault, is_listed_until_it_ends) {
+  const Directory directory;
+  const ServedBoard board(directory, {"--fault", "missing:serial"});
+  const char* const kMade[] = {
+      "silence MCVG times=2", "error any ERR-B02",    "missing lux",         "file lux read EIO",
+      "file i2c ioctl EPERM", "file i2c ioctl EBUSY", "i2c 0x50 select EIO", "i2c 0x50"};
+  for (const char* const fault : kMade) {
+    std::istringstream words("fault-" + std::string(fault));
+    EXPECT_EQ(board.Ctl({std::istream_iterator<std::string>(words), {}}).status, 0) << fault;
+  }
+  EXPECT_THAT(FaultsOf(board),
+              testing::ElementsAre("silence command=MCVG times_left=2", "error command=any error=ERR-B02",
+                                   "missing file=serial", "file error=EBUSY file=i2c operation=ioctl",
+                                   "missing file=lux", "file error=EIO file=lux operation=read",
+                                   "i2c address=0x50 error=EIO stage=select",
+                                   "i2c address=0x50 error=EREMOTEIO stage=transfer"));
+  board.Ctl({"fault-hang-up"});
+  EXPECT_THAT(FaultsOf(board), testing::AllOf(testing::Contains("hang-up"),
+                                              testing::Not(testing::Contains("missing file=serial"))));
+  board.Ctl({"replug"});
+  EXPECT_THAT(FaultsOf(board), testing::Not(testing::Contains("hang-up")));
+  board.Ctl({"fault-clear"});
+  EXPECT_THAT(FaultsOf(board), testing::IsEmpty());
+  EXPECT_THAT(board.Client({"voltage", "light", "register"}).output,
+              HasSubstr("voltage C000 12.60\nlight C000 350\nregister C000"));
+}
+
 TEST(Fault, hangs_the_port_up_under_an_open_link_and_brings_it_back) {
   const Directory directory;
   const ServedBoard board(directory);

@@ -7,7 +7,8 @@
 namespace rolu {
 namespace {
 
-// Finds the innermost command, then offers what that command takes. '=' breaks words in bash.
+// Finds the innermost command, then offers what that command takes. In bash '=' is a word of its own, but for
+// users who have taken it out of COMP_WORDBREAKS.
 constexpr char kFunction[] = R"(_rolu() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
   local command=rolu word words
@@ -15,10 +16,11 @@ constexpr char kFunction[] = R"(_rolu() {
     [[ $word != -* && -n ${_rolu_words[$command $word]+known} ]] && command+=" $word"
   done
   COMPREPLY=()
-  if [[ $command == 'rolu set' && ( $current == '=' || $previous == '=' ) ]]; then
-    local name=$previous
+  if [[ $command == 'rolu set' && ( $current == *=* || $previous == '=' ) ]]; then
+    local name=$previous value=${current#=} before=
     [[ $previous == '=' ]] && name=${COMP_WORDS[COMP_CWORD-2]}
-    mapfile -t COMPREPLY < <(compgen -W "${_rolu_values[$name]}" -- "${current#=}")
+    [[ $current == ?*=* ]] && name=${current%%=*} value=${current#*=} before=${current%%=*}=
+    mapfile -t COMPREPLY < <(compgen -P "$before" -W "${_rolu_values[$name]}" -- "$value")
     return
   fi
   if [[ $previous == --on ]]; then

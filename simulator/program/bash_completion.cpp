@@ -17,6 +17,17 @@ std::string ValuesOf(const Verb& verb) {
   return values;
 }
 
+// Those of the values that are named as "name=", by verb and name.
+std::string ChoicesOf(const Verb& verb) {
+  std::string choices;
+  for (const Parameter& parameter : verb.parameters) {
+    if (parameter.choices.empty()) continue;
+    choices +=
+        fmt::format("  ['{} {}']='{}'\n", verb.name, parameter.name, fmt::join(parameter.choices, " "));
+  }
+  return choices;
+}
+
 std::string OptionsOf(const CLI::App& app) {
   return fmt::format("{}", fmt::join(LongOptions(app), " "));
 }
@@ -50,6 +61,21 @@ _rolu_sim_paths() {
 )";
 
 constexpr char kBody[] = R"(
+# What can follow name=, for a verb; false where no name= is before the cursor. '=' is a word of its own,
+# but for users who have taken it out of COMP_WORDBREAKS.
+_rolu_sim_named_value() {
+  local verb=$1 current=$2 previous=$3 name= value=$2 before=
+  if [[ $current == *?=* ]]; then
+    name=${current%%=*} value=${current#*=} before=$name=
+  elif [[ $current == '=' ]]; then
+    name=$previous value=
+  elif [[ $previous == '=' ]]; then
+    name=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  [[ -n $verb && -n $name ]] || return
+  mapfile -t COMPREPLY < <(compgen -P "$before" -W "${_rolu_sim_choices[$verb $name]-}" -- "$value")
+}
+
 _rolu_sim() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} at word=
   COMPREPLY=()
@@ -64,8 +90,10 @@ _rolu_sim() {
       _command_offset $((at + 1))
       return
     fi
+    [[ -z $word && -n ${COMP_WORDS[at]} && ${COMP_WORDS[at - 1]} != --board ]] || continue
     [[ -n ${_rolu_sim_values[${COMP_WORDS[at]}]+known} ]] && word=${COMP_WORDS[at]}
   done
+  [[ $subcommand == ctl ]] && _rolu_sim_named_value "$word" "$current" "$previous" && return
   case $previous in
     --scenario | --show | play)
       mapfile -t COMPREPLY < <(compgen -W "$_rolu_sim_scenarios" -- "$current"; compgen -f -- "$current")
@@ -105,6 +133,10 @@ std::string BashCompletion(const CLI::App& app) {
   text += ")\ndeclare -gA _rolu_sim_values=(\n";
   for (const Verb& word : ControlWords()) text += fmt::format("  [{}]='{}'\n", word.name, ValuesOf(word));
   for (const Verb& verb : Verbs()) text += fmt::format("  [{}]='{}'\n", verb.name, ValuesOf(verb));
+  text += ")\ndeclare -gA _rolu_sim_choices=(\n";
+  for (const auto* const some : {&ControlWords(), &Verbs()}) {
+    for (const Verb& verb : *some) text += ChoicesOf(verb);
+  }
   text += fmt::format(")\n_rolu_sim_subcommands='{}'\n", subcommands);
   text += fmt::format("_rolu_sim_faults='{}'\n", FaultKinds());
   text += fmt::format("_rolu_sim_scenarios='{}'\n", fmt::join(ReadyScenarioNames(), " "));

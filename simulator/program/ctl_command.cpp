@@ -20,6 +20,11 @@
 namespace rolu_sim {
 namespace {
 
+// The value of a word that may be "name=value" as well as the value alone.
+std::string ValueOf(const std::string& word, const std::string& name) {
+  return word.rfind(name + '=', 0) == 0 ? word.substr(name.size() + 1) : word;
+}
+
 class CtlCommand {
  public:
   explicit CtlCommand(const CtlOptions& options)
@@ -69,8 +74,9 @@ class CtlCommand {
     return 0;
   }
 
-  int Get(const std::vector<std::string>& names) {
-    for (const std::string& name : names) {
+  int Get(std::vector<std::string> names) {
+    for (std::string& name : names) {
+      name = ValueOf(name, "name");
       if (FindReading(name) == nullptr) throw UsageError(UnknownReading(name));
     }
     const Json answer = Ask({{"get", names}});
@@ -89,7 +95,7 @@ class CtlCommand {
 
   int Play(const std::vector<std::string>& rest) {
     if (rest.size() != 1) throw UsageError("play takes one scenario, a file or a name");
-    const ScenarioFile file = ReadScenarioFile(rest.front());
+    const ScenarioFile file = ReadScenarioFile(ValueOf(rest.front(), "scenario"));
     return Report(Ask({{"play", {{"name", file.name}, {"text", file.text}}}}));
   }
 

@@ -97,15 +97,36 @@ TEST(Help, tells_of_each_subcommand_and_verb) {
   EXPECT_THAT(RunTool(directory, {"ctl", "fault-delay", "--help"}).output,
               StartsWith("fault-delay COMMAND TIME [TIMES] [CHANCE]\n"));
   EXPECT_THAT(RunTool(directory, {"man"}).output, HasSubstr(".B fault\\-delay COMMAND TIME"));
-  const std::string completion = directory.Write("completion", RunTool(directory, {"completion"}).output);
-  const Result completed = RunTool(
-      directory,
-      {"--", "bash", "-c",
-       "source " + completion +
-           "; complete_it() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1));"
-           " _rolu_sim; echo \"${COMPREPLY[@]}\"; }; complete_it rolu-sim sc; complete_it rolu-sim ctl ign;"
-           " complete_it rolu-sim ctl ignition o; complete_it rolu-sim run --scenario cold"});
-  EXPECT_EQ(completed.output, "scenarios\nignition\non off\ncold-start\n");
+}
+
+TEST(Completion, offers_what_can_stand_there) {
+  const struct {
+    const char* words;  // as bash splits them
+    const char* offered;
+  } kRows[] = {
+      {"sc", "scenarios"},
+      {"ctl ign", "ignition"},
+      {"ctl ignition o", "on off"},
+      {"run --scenario cold", "cold-start"},
+      {"ctl ignition st", "state="},
+      {"ctl ignition state =", "on off"},
+      {"ctl ignition state = of", "off"},
+      {"ctl --board lux fault-file lux operation =", "open read write ioctl"},
+      {"ctl fault-file file = lux operation = r", "read"},
+      {"ctl get name = fa", "faults"},
+      {"ctl clock time =", ""},
+      {"ctl ignition state=of", "state=off"},
+  };
+  const Directory directory;
+  std::string script = "source " + directory.Write("completion", RunTool(directory, {"completion"}).output) +
+                       "\ncomplete_it() { COMP_WORDS=(rolu-sim \"$@\"); COMP_CWORD=$#; _rolu_sim; echo "
+                       "\"${COMPREPLY[*]}\"; }\n";
+  std::string offered;
+  for (const auto& row : kRows) {
+    script += std::string("complete_it ") + row.words + '\n';
+    offered += std::string(row.offered) + '\n';
+  }
+  EXPECT_EQ(RunTool(directory, {"--", "bash", "-c", script}).output, offered);
 }
 
 }  // namespace

@@ -140,7 +140,7 @@ TEST(Scenario, wakes_the_parked_vehicle_in_the_morning) {
   const Directory directory;
   const ServedBoard board(directory);
   EXPECT_THAT(board.Client({"alarm"}).output, HasSubstr("alarm C000"));
-  ASSERT_EQ(board.Ctl({"play", "parked-overnight"}).status, 0);
+  ASSERT_EQ(board.Ctl({"play", "scenario=parked-overnight"}).status, 0);
   EXPECT_EQ(board.Ctl({"wait", "the clock's alarm wakes"}).status, 0);
   const nlohmann::json events = board.Get("events");
   ASSERT_EQ(events.size(), 1U);

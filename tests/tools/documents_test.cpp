@@ -70,6 +70,10 @@ TEST(RoluDocuments, bash_completes_commands_settings_values_events_and_files) {
   EXPECT_THAT(Completions("rolu set battery.m"), ElementsAre("battery.mode="));
   EXPECT_THAT(Completions("rolu set battery.mode ="), ElementsAre("12V", "24V"));
   EXPECT_THAT(Completions("rolu set battery.lbp = of"), ElementsAre("off"));
+  EXPECT_THAT(Completions("rolu set battery.lbp = on battery.mode ="), ElementsAre("12V", "24V"));
+  EXPECT_THAT(Completions("rolu set watchdog.time ="), IsEmpty()) << "a number";
+  EXPECT_THAT(Completions("rolu set battery.mode=2"), ElementsAre("battery.mode=24V"))
+      << "a word that is whole";
   EXPECT_THAT(Completions("rolu watch --on ign"), ElementsAre("ignition-on", "ignition-off"));
   EXPECT_THAT(Completions("rolu load unit"), ElementsAre("unit-17.json"));
   EXPECT_THAT(Completions("rolu load --d"), ElementsAre("--dry-run"));

@@ -1,0 +1,51 @@
+// The I/O thread's own times while the wall clock is set: they keep their length. Polls are made one by one
+// on a paused link.
+#include <chrono>
+#include <future>
+
+#include "tests/mcu/paused_link.h"
+#include "tests/support/wall_clock.h"
+
+namespace {
+
+using rolu_test::MoveWallClock;
+using std::chrono::hours;
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr milliseconds kPoll{30};
+constexpr int kNothing = -2;
+
+int Poll() {
+  unsigned char byte = 0;
+  return recvbyte_vpm(&byte, static_cast<unsigned int>(kPoll.count()));
+}
+
+// A line that is busy: its last byte has been taken just now.
+class QuietTime : public testing::Test {
+ protected:
+  QuietTime() {
+    link_.Send("x");
+    EXPECT_EQ(Poll(), 0);
+  }
+
+  const Clock::time_point before_byte_ = Clock::now();
+  PausedLink link_;
+};
+
+TEST_F(QuietTime, IsNoLongerWhenTheClockIsSetBack) {
+  MoveWallClock(-hours(1));
+  auto poll = std::async(std::launch::async, Poll);
+  const bool has_ended = poll.wait_for(kGenerous) == std::future_status::ready;
+  EXPECT_TRUE(has_ended) << "a command would wait until the clock has caught up";
+  if (!has_ended) link_.Send("y");
+  EXPECT_EQ(poll.get(), kNothing);
+}
+
+TEST_F(QuietTime, IsNoShorterWhenTheClockIsSetForward) {
+  MoveWallClock(hours(1));
+  EXPECT_EQ(Poll(), kNothing);
+  EXPECT_GE(Clock::now() - before_byte_, kPoll) << "a command would leave amid what the MCU sends";
+}
+
+}  // namespace

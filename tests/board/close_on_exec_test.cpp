@@ -1,0 +1,153 @@
+// A program may start another one at any time, also while a thread of it is in a call of the library: what
+// the library has open then must not go on to that program.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "kavo_rolu.h"
+#include "simulator/board.h"
+#include "simulator/unique_fd.h"
+#include "tests/support/process_state.h"
+
+namespace {
+
+using Descriptors = std::set<std::string>;
+
+// Those of this process that a program which it executes inherits.
+Descriptors InheritableDescriptors() {
+  Descriptors inheritable;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const int flags = fcntl(std::stoi(entry.path().filename()), F_GETFD);
+    std::error_code closed_meanwhile;
+    const auto file = std::filesystem::read_symlink(entry.path(), closed_meanwhile);
+    if (flags != -1 && (flags & FD_CLOEXEC) == 0 && !closed_meanwhile) inheritable.insert(file);
+  }
+  return inheritable;
+}
+
+// Whether nothing is inheritable that was not before; the library marks a descriptor after it has opened it.
+bool IsNothingInherited(const Descriptors& before) {
+  return WaitUntil([&] {
+    const Descriptors now = InheritableDescriptors();
+    return std::includes(before.begin(), before.end(), now.begin(), now.end());
+  });
+}
+
+// A device that looks at the process while the library has it open.
+class LookingDevice : public rolu_sim::Device {
+ public:
+  rolu_sim::NodeStat Stat() const override { return {}; }
+  rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
+                              std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
+    opened = std::make_unique<Descriptor>(*this);
+    return 0;
+  }
+
+  int looks() const { return looks_; }
+
+ private:
+  class Descriptor : public rolu_sim::OpenDevice {
+   public:
+    explicit Descriptor(LookingDevice& device) : device_(device) {}
+    rolu_sim::DeviceResult Read(std::string& bytes, size_t) override {
+      device_.Look();
+      bytes = "1";
+      return 1;
+    }
+    rolu_sim::DeviceResult Write(std::string_view bytes) override {
+      device_.Look();
+      return static_cast<rolu_sim::DeviceResult>(bytes.size());
+    }
+    rolu_sim::DeviceResult Ioctl(uint32_t, uint64_t) override {
+      device_.Look();
+      return 0;
+    }
+
+   private:
+    LookingDevice& device_;
+  };
+
+  void Look() {
+    EXPECT_TRUE(IsNothingInherited(before_));
+    ++looks_;
+  }
+
+  const Descriptors before_ = InheritableDescriptors();
+  std::atomic<int> looks_{0};
+};
+
+ROLU_STATUS ReadRegister() {
+  unsigned char value = 0;
+  ROLU_IIC_TRANSFER transfer = {0, 0xA0, &value, 1, nullptr, 0};
+  return KAVO_ROLU_IIC_Read(&transfer);
+}
+
+TEST(CloseOnExec, HoldsForDeviceFiles) {
+  const struct {
+    const char* path;
+    ROLU_STATUS (*call)();
+  } kRows[] = {
+      {rolu_sim::kLuxPath,
+       [] {
+         unsigned short lux = 0;
+         return KAVO_ROLU_LIGHTSENSOR_GetStatus(&lux);
+       }},
+      {rolu_sim::kGpioExportPath, KAVO_ROLU_DIO_Initialize},
+      {rolu_sim::kI2cBusPath, ReadRegister},
+  };
+  rolu_sim::Board board;
+  board.AttachThisProcess();
+  ASSERT_EQ(KAVO_ROLU_CORE_Init(), ROLU_STATUS_SUCCESS);
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.path);
+    const auto device = std::make_shared<LookingDevice>();
+    board.devices().AddNode(row.path, device);
+    row.call();
+    EXPECT_GT(device->looks(), 0);
+    ASSERT_FALSE(HasFailure());
+  }
+  EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_SUCCESS);
+}
+
+// Waits until the gate has been opened and closed again.
+constexpr char kWaitingIfconfig[] = R"(#!/bin/sh
+cat "${0%/*}/gate"
+echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'
+)";
+
+TEST(CloseOnExec, HoldsForTheOutputOfAShellCommand) {
+  rolu_sim::Board board;
+  board.AttachThisProcess();
+  const std::string commands = board.root().CommandDirectory();
+  std::ofstream(commands + "/ifconfig") << kWaitingIfconfig;
+  const std::string gate = commands + "/gate";
+  ASSERT_EQ(mkfifo(gate.c_str(), 0600), 0);
+  ASSERT_EQ(KAVO_ROLU_PERIPHERALCTRL_Initialize(), ROLU_STATUS_SUCCESS);
+
+  const Descriptors before = InheritableDescriptors();
+  char state = 0;
+  auto call = std::async(std::launch::async, [&] {
+    return KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE_WLAN, &state);
+  });
+  {
+    const rolu_sim::UniqueFd the_command_runs(open(gate.c_str(), O_WRONLY | O_CLOEXEC));
+    EXPECT_TRUE(IsNothingInherited(before));
+  }
+  EXPECT_EQ(call.get(), ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(state, 1);
+  EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_Deinitialize(), ROLU_STATUS_SUCCESS);
+}
+
+}  // namespace

@@ -46,6 +46,11 @@ set_target_properties(kavo_rolu_objects PROPERTIES
   VISIBILITY_INLINES_HIDDEN ON)
 # A serial line is slow and the board is small: -Os makes the board's library a tenth smaller than -O2.
 target_compile_options(kavo_rolu_objects PRIVATE -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-Os>)
+
+# The library needs the C library alone: an application in C shall not carry the C++ runtime. On ARM that has
+# the registration of a process-wide object's destructor, so the objects are destroyed by the object file's own
+# list; the divisions that the processor lacks come from the compiler's static library.
+target_compile_options(kavo_rolu_objects PRIVATE -fno-use-cxa-atexit)
 target_include_directories(kavo_rolu_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(kavo_rolu_objects PRIVATE rolu_flags Threads::Threads)
 
@@ -56,8 +61,7 @@ target_include_directories(kavo_rolu INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURC
 set_target_properties(kavo_rolu PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 target_link_options(kavo_rolu PRIVATE
   LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map LINKER:-z,relro LINKER:-z,now
-  # The library needs the C library alone: an application in C shall not carry the C++ runtime.
-  LINKER:--as-needed)
+  LINKER:--as-needed -static-libgcc)
 set_property(TARGET kavo_rolu APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/kavo_rolu.map)
 if(NOT ROLU_SANITIZE)
   # A sanitizer's runtime is in the program, not in the library.

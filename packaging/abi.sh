@@ -5,8 +5,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 records=packaging/abi
-# Without -fno-ipa-icf functions of the same code are one, and the others have no types to compare.
-build_options=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=-g -fno-ipa-icf"
+# Without -fno-ipa-icf functions of the same code are one, and the others have no types to compare. A record
+# names no place of the tree.
+build_options=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=-g -fno-ipa-icf -ffile-prefix-map=$PWD/="
   -DROLU_BUILD_TESTS=OFF -DROLU_BUILD_TOOLS=OFF -DROLU_BUILD_SIMULATOR=OFF --log-level=WARNING --no-warn-unused-cli)
 
 die() { printf 'abi: %s\n' "$*" >&2; exit 1; }

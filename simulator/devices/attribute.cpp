@@ -12,19 +12,20 @@ constexpr std::uint32_t kWriteBits = 0222;
 
 }  // namespace
 
-// A descriptor's text is the one of its first read.
+// The text is made when it is read from its beginning, and after a write; a read further on takes the
+// rest of what was made then.
 class Attribute::Descriptor : public OpenDevice {
  public:
   explicit Descriptor(Attribute& attribute) : attribute_(attribute) {}
 
-  DeviceResult Read(std::string& bytes, std::size_t capacity) override {
-    if (!unread_) unread_ = attribute_.Show();
-    bytes = unread_->substr(0, capacity);
-    unread_->erase(0, bytes.size());
+  DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t offset) override {
+    if (!text_ || offset == 0) text_ = attribute_.Show();
+    if (offset < text_->size()) bytes = text_->substr(static_cast<std::size_t>(offset), capacity);
     return static_cast<DeviceResult>(bytes.size());
   }
 
   DeviceResult Write(std::string_view bytes) override {
+    text_.reset();
     std::string_view text = bytes;
     if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
     const DeviceResult result = attribute_.Store(text);
@@ -33,7 +34,7 @@ class Attribute::Descriptor : public OpenDevice {
 
  private:
   Attribute& attribute_;
-  std::optional<std::string> unread_;
+  std::optional<std::string> text_;
 };
 
 DeviceResult Attribute::Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) {

@@ -2,7 +2,7 @@
 
 namespace rolu_sim {
 
-DeviceResult OpenDevice::Read(std::string& /*bytes*/, std::size_t /*capacity*/) {
+DeviceResult OpenDevice::Read(std::string& /*bytes*/, std::size_t /*capacity*/, std::uint64_t /*offset*/) {
   return -EINVAL;
 }
 

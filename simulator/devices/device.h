@@ -31,8 +31,9 @@ struct NodeStat {
 class OpenDevice {
  public:
   virtual ~OpenDevice() = default;
-  // Puts at most `capacity` bytes into `bytes` (empty at the call) and gives their count.
-  virtual DeviceResult Read(std::string& bytes, std::size_t capacity);
+  // Puts at most `capacity` bytes into `bytes` (empty at the call) and gives their count. `offset` is
+  // where in its text an attribute is read.
+  virtual DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t offset);
   virtual DeviceResult Write(std::string_view bytes);
   // Requests take a number as their argument; none of the board's take a pointer.
   virtual DeviceResult Ioctl(std::uint32_t request, std::uint64_t argument);

@@ -5,32 +5,46 @@
 
 namespace rolu_sim {
 
-// What the preloaded object and the board say to each other, one message per datagram of a
-// SOCK_SEQPACKET socket: a DeviceMessage, then its payload. Each request gets one answer. A
-// descriptor that a program opened on a device node is one connection, from kOpen on; questions
-// about paths use a connection of their own. All widths are fixed: a 32-bit program talks to a
-// 64-bit board.
+// What the preloaded object and the board say to each other over SOCK_SEQPACKET sockets, one message
+// per datagram: a DeviceMessage, then its payload. Each request has a connection of its own and gets
+// one answer.
+//
+// The connection of an open that went well stays: its program's end is the descriptor that the program
+// gets. Whatever dup, fork and exec make of it is the same device, and where a read goes on is kept by
+// the board; the descriptor is closed when its last copy is. Nothing is ever sent to the program on it:
+// a read past the preloaded object is at its end at once, and bytes written past it are a write.
+//
+// All widths are fixed: a 32-bit program talks to a 64-bit board.
 enum class DeviceRequest : std::uint32_t {
-  kOpen,   // payload: path; argument: OpenBits
-  kRead,   // length: bytes wanted. Answer: result and payload
-  kWrite,  // payload: bytes
-  kIoctl,  // request and argument
-  kClose,  // the descriptor is closed; the connection ends after the answer
-  kStat,   // payload: path. Answer: argument is a NodeKind, request the permission bits
-  kUname,  // answer: payload is machine, release and version, each ended by a NUL
+  kOpen,    // payload: path; descriptor: the new one; argument: OpenBits
+  kRead,    // descriptor; length: bytes wanted; argument: offset. Answer: result and payload
+  kWrite,   // descriptor; payload: bytes; argument: offset
+  kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
+  kIoctl,   // descriptor; request and argument
+  kSettle,  // answered once all that came before is done, also what no request tells: closes
+  kStat,    // payload: path. Answer: argument is a NodeKind, request the permissions, descriptor the inode
+  kStatDescriptor,  // descriptor. Answer as that of kStat
+  kUname,           // answer: payload is machine, release and version, each ended by a NUL
 };
 
 // Open flags by our own numbers: those of O_NOFOLLOW and others differ between processors.
 enum OpenBits : std::uint64_t { kOpenRead = 1, kOpenWrite = 2, kOpenTruncate = 4, kOpenAppend = 8 };
+
+// The offset of reads and writes that go on where the last one ended.
+inline constexpr std::uint64_t kAtPosition = UINT64_MAX;
 
 struct DeviceMessage {
   std::uint32_t operation;  // DeviceRequest; an answer repeats it
   std::int32_t result;      // answers: 0 or a count, or a negative errno
   std::uint32_t length;
   std::uint32_t request;
+  std::uint64_t descriptor;  // the inode of the program's socket
   std::uint64_t argument;
 };
-static_assert(sizeof(DeviceMessage) == 24 && alignof(DeviceMessage) <= 8);
+static_assert(sizeof(DeviceMessage) == 32 && alignof(DeviceMessage) <= 8);
+
+// What sysfs shows as the size of any attribute.
+inline constexpr std::int64_t kAttributeSize = 4096;
 
 // Longer reads and writes are cut to this, as the kernel's own device files do.
 inline constexpr std::size_t kMaxPayload = 8192;

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -42,15 +43,48 @@ UniqueFd Listen(const std::string& path) {
   return listener;
 }
 
+void Describe(const NodeStat& stat, std::uint64_t inode, DeviceMessage& answer) {
+  answer.argument = static_cast<std::uint64_t>(stat.kind);
+  answer.request = stat.permissions;
+  answer.descriptor = inode;
+}
+
+// As the kernel's generic_file_llseek on a file of an attribute's size, which is all data.
+DeviceResult Seek(const NodeStat& stat, const DeviceMessage& request, std::uint64_t& position) {
+  if (stat.kind != NodeKind::kAttribute) return -ESPIPE;
+  auto offset = static_cast<std::int64_t>(request.argument);
+  switch (request.request) {
+    case SEEK_SET:
+      break;
+    case SEEK_CUR:
+      offset += static_cast<std::int64_t>(position);
+      break;
+    case SEEK_END:
+      offset += kAttributeSize;
+      break;
+    case SEEK_DATA:
+    case SEEK_HOLE:
+      if (offset < 0 || offset >= kAttributeSize) return -ENXIO;
+      if (request.request == SEEK_HOLE) offset = kAttributeSize;
+      break;
+    default:
+      return -EINVAL;
+  }
+  if (offset < 0) return -EINVAL;
+  position = static_cast<std::uint64_t>(offset);
+  return 0;
+}
+
 }  // namespace
 
-// One descriptor of a program, or one question about a path.
-struct DeviceServer::Connection {
-  UniqueFd socket;
+// What one open gave a program, and all copies of it.
+struct DeviceServer::Descriptor {
+  UniqueFd socket;  // hung up once the last copy is closed
   std::string path;
-  std::shared_ptr<Device> node;  // outlives the descriptor that it opened
-  std::unique_ptr<OpenDevice> device;
+  Node node;  // outlives the open device
   OpenFlags flags;
+  std::unique_ptr<OpenDevice> device;
+  std::uint64_t position = 0;
 };
 
 DeviceServer::DeviceServer(const std::string& socket_path, KernelIdentity kernel)
@@ -67,7 +101,7 @@ DeviceServer::~DeviceServer() {
 
 void DeviceServer::AddNode(const std::string& path, std::shared_ptr<Device> device) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  nodes_[path] = std::move(device);
+  nodes_[path] = {std::move(device), ++last_inode_};
 }
 
 void DeviceServer::RemoveNode(const std::string& path) {
@@ -109,74 +143,89 @@ std::size_t DeviceServer::OpenCount(const std::string& path) const {
 }
 
 void DeviceServer::Run() {
-  std::vector<pollfd> sources;
-  bool can_accept = true;
   while (!stopping_) {
-    sources = {{wakeup_.fd(), POLLIN, 0}, {can_accept ? listener_.get() : -1, POLLIN, 0}};
-    for (const Connection& connection : connections_) sources.push_back({connection.socket.get(), POLLIN, 0});
-    poll(sources.data(), sources.size(), can_accept ? -1 : kRetryAcceptMs);
-    wakeup_.Take();
-    auto source = sources.begin() + 2;
-    for (auto connection = connections_.begin(); connection != connections_.end(); ++source) {
-      const bool ended = source->revents != 0 && !ServeMessage(*connection);
-      connection = ended ? connections_.erase(connection) : std::next(connection);
-    }
-    can_accept = sources[1].revents == 0 || Accept();
+    WaitForWork();
+    ServeDescriptors();
+    can_accept_ = AcceptCallers();
+    callers_.remove_if([this](UniqueFd& caller) { return ServeCaller(caller); });
   }
 }
 
-bool DeviceServer::Accept() {
-  UniqueFd socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-  if (!socket) return errno == EAGAIN || errno == EINTR || errno == ECONNABORTED;
-  connections_.emplace_back();
-  connections_.back().socket = std::move(socket);
-  return true;
+void DeviceServer::WaitForWork() {
+  std::vector<pollfd> sources = {{wakeup_.fd(), POLLIN, 0}};
+  if (can_accept_) sources.push_back({listener_.get(), POLLIN, 0});
+  for (const UniqueFd& caller : callers_) sources.push_back({caller.get(), POLLIN, 0});
+  for (const auto& [id, descriptor] : descriptors_) sources.push_back({descriptor.socket.get(), POLLIN, 0});
+  poll(sources.data(), sources.size(), can_accept_ ? -1 : kRetryAcceptMs);
+  wakeup_.Take();
 }
 
-bool DeviceServer::ServeMessage(Connection& connection) {
+void DeviceServer::ServeDescriptors() {
+  std::string bytes;
+  for (auto next = descriptors_.begin(); next != descriptors_.end();) {
+    const auto current = next++;
+    Descriptor& descriptor = current->second;
+    ssize_t received = 0;
+    do {
+      bytes.resize(kMaxPayload);
+      received = recv(descriptor.socket.get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
+      if (received <= 0) break;
+      bytes.resize(static_cast<std::size_t>(received));
+      Write(descriptor, bytes, kAtPosition);
+    } while (true);
+    // A write of no bytes looks like the end.
+    pollfd hang_up{descriptor.socket.get(), 0, 0};
+    if (received == 0 && poll(&hang_up, 1, 0) == 1) {
+      Close(descriptor);
+      descriptors_.erase(current);
+    }
+  }
+}
+
+bool DeviceServer::AcceptCallers() {
+  while (true) {
+    UniqueFd caller(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!caller) return errno == EAGAIN || errno == EINTR || errno == ECONNABORTED;
+    callers_.push_back(std::move(caller));
+  }
+}
+
+bool DeviceServer::ServeCaller(UniqueFd& caller) {
   DeviceMessage request{};
   std::string payload(kMaxPayload, '\0');
   std::array<iovec, 2> parts{{{&request, sizeof request}, {payload.data(), payload.size()}}};
   msghdr message{};
   message.msg_iov = parts.data();
   message.msg_iovlen = parts.size();
-  const ssize_t received = recvmsg(connection.socket.get(), &message, MSG_DONTWAIT);
-  if (received < 0 && (errno == EAGAIN || errno == EINTR)) return true;
-  if (received < static_cast<ssize_t>(sizeof request)) {
-    Close(connection);
-    return false;
-  }
+  const ssize_t received = recvmsg(caller.get(), &message, MSG_DONTWAIT);
+  if (received < 0 && (errno == EAGAIN || errno == EINTR)) return false;
+  if (received < static_cast<ssize_t>(sizeof request)) return true;
   payload.resize(static_cast<std::size_t>(received) - sizeof request);
 
+  ServeDescriptors();
   std::string answer_payload;
-  DeviceMessage answer = Answer(connection, request, payload, answer_payload);
+  DeviceMessage answer = Answer(request, payload, answer_payload);
   parts = {{{&answer, sizeof answer}, {answer_payload.data(), answer_payload.size()}}};
   message = {};
   message.msg_iov = parts.data();
   message.msg_iovlen = parts.size();
   // The program waits for this answer and has nothing else in its buffer: it cannot block.
-  return sendmsg(connection.socket.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT) > 0;
+  sendmsg(caller.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+  if (request.operation == static_cast<std::uint32_t>(DeviceRequest::kOpen) && answer.result == 0) {
+    shutdown(caller.get(), SHUT_WR);
+    descriptors_[request.descriptor].socket = std::move(caller);
+  }
+  return true;
 }
 
-DeviceMessage DeviceServer::Answer(Connection& connection, const DeviceMessage& request,
-                                   const std::string& payload, std::string& answer_payload) {
+DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::string& payload,
+                                   std::string& answer_payload) {
   DeviceMessage answer{};
-  answer.operation = request.operation;
   switch (static_cast<DeviceRequest>(request.operation)) {
     case DeviceRequest::kOpen:
-      answer.result = Open(connection, payload, request.argument);
+      answer.result = Open(request.descriptor, payload, request.argument);
       break;
-    case DeviceRequest::kRead:
-      answer.result = Read(connection, std::min<std::size_t>(request.length, kMaxPayload), answer_payload);
-      break;
-    case DeviceRequest::kWrite:
-      answer.result = Write(connection, payload);
-      break;
-    case DeviceRequest::kIoctl:
-      answer.result = Ioctl(connection, request.request, request.argument);
-      break;
-    case DeviceRequest::kClose:
-      Close(connection);
+    case DeviceRequest::kSettle:
       break;
     case DeviceRequest::kStat:
       answer.result = Stat(payload, answer);
@@ -187,27 +236,56 @@ DeviceMessage DeviceServer::Answer(Connection& connection, const DeviceMessage& 
       }
       break;
     default:
-      answer.result = -EINVAL;
+      if (const auto found = descriptors_.find(request.descriptor); found != descriptors_.end()) {
+        answer = AnswerFor(found->second, request, payload, answer_payload);
+      } else {
+        answer.result = -EIO;  // of a board that is gone
+      }
   }
+  answer.operation = request.operation;
   answer.length = static_cast<std::uint32_t>(answer_payload.size());
   return answer;
 }
 
-DeviceResult DeviceServer::Open(Connection& connection, const std::string& path, std::uint64_t open_bits) {
+DeviceMessage DeviceServer::AnswerFor(Descriptor& descriptor, const DeviceMessage& request,
+                                      const std::string& payload, std::string& answer_payload) {
+  DeviceMessage answer{};
+  switch (static_cast<DeviceRequest>(request.operation)) {
+    case DeviceRequest::kRead:
+      answer.result = Read(descriptor, request, answer_payload);
+      break;
+    case DeviceRequest::kWrite:
+      answer.result = Write(descriptor, payload, request.argument);
+      break;
+    case DeviceRequest::kSeek:
+      answer.result = Seek(descriptor.node.device->Stat(), request, descriptor.position);
+      answer.argument = descriptor.position;
+      break;
+    case DeviceRequest::kIoctl:
+      answer.result = Ioctl(descriptor, request.request, request.argument);
+      break;
+    case DeviceRequest::kStatDescriptor:
+      Describe(descriptor.node.device->Stat(), descriptor.node.inode, answer);
+      break;
+    default:
+      answer.result = -EINVAL;
+  }
+  return answer;
+}
+
+DeviceResult DeviceServer::Open(std::uint64_t id, const std::string& path, std::uint64_t open_bits) {
   const DeviceFaults faults = FaultsOf(path);
-  const std::shared_ptr<Device> node = FindNode(path);
+  Descriptor descriptor{{}, path, FindNode(path), FlagsOf(open_bits), {}};
   DeviceResult result = 0;
-  if (node == nullptr || faults.missing) {
+  if (descriptor.node.device == nullptr || faults.missing) {
     result = -ENOENT;
   } else if (faults.open_errno != 0) {
     result = -faults.open_errno;
   } else {
-    result = node->Open(FlagsOf(open_bits), connection.device);
+    result = descriptor.node.device->Open(descriptor.flags, descriptor.device);
   }
   if (result == 0) {
-    connection.path = path;
-    connection.node = node;
-    connection.flags = FlagsOf(open_bits);
+    descriptors_.insert_or_assign(id, std::move(descriptor));
     const std::lock_guard<std::mutex> lock(mutex_);
     ++open_counts_[path];
   }
@@ -215,32 +293,36 @@ DeviceResult DeviceServer::Open(Connection& connection, const std::string& path,
   return result;
 }
 
-DeviceResult DeviceServer::Read(Connection& connection, std::size_t capacity, std::string& bytes) {
-  if (connection.device == nullptr || !connection.flags.read) return -EBADF;
-  const DeviceFaults faults = FaultsOf(connection.path);
+DeviceResult DeviceServer::Read(Descriptor& descriptor, const DeviceMessage& request, std::string& bytes) {
+  if (!descriptor.flags.read) return -EBADF;
+  const DeviceFaults faults = FaultsOf(descriptor.path);
+  std::size_t capacity = std::min<std::size_t>(request.length, kMaxPayload);
   if (faults.max_read_bytes) capacity = std::min(capacity, *faults.max_read_bytes);
+  const bool at_position = request.argument == kAtPosition;
+  const std::uint64_t offset = at_position ? descriptor.position : request.argument;
   const DeviceResult result =
-      faults.read_errno != 0 ? -faults.read_errno : connection.device->Read(bytes, capacity);
+      faults.read_errno != 0 ? -faults.read_errno : descriptor.device->Read(bytes, capacity, offset);
   if (result < 0) bytes.clear();
-  Record({std::chrono::steady_clock::now(), connection.path, DeviceOperation::kRead, bytes, 0, 0, result});
+  if (result > 0 && at_position) descriptor.position += static_cast<std::uint64_t>(result);
+  Record({std::chrono::steady_clock::now(), descriptor.path, DeviceOperation::kRead, bytes, 0, 0, result});
   return result;
 }
 
-DeviceResult DeviceServer::Write(Connection& connection, const std::string& bytes) {
-  if (connection.device == nullptr || !connection.flags.write) return -EBADF;
-  const DeviceFaults faults = FaultsOf(connection.path);
-  const DeviceResult result = faults.write_errno != 0 ? -faults.write_errno : connection.device->Write(bytes);
-  Record({std::chrono::steady_clock::now(), connection.path, DeviceOperation::kWrite, bytes, 0, 0, result});
+DeviceResult DeviceServer::Write(Descriptor& descriptor, const std::string& bytes, std::uint64_t offset) {
+  if (!descriptor.flags.write) return -EBADF;
+  const DeviceFaults faults = FaultsOf(descriptor.path);
+  const DeviceResult result = faults.write_errno != 0 ? -faults.write_errno : descriptor.device->Write(bytes);
+  if (result > 0 && offset == kAtPosition) descriptor.position += static_cast<std::uint64_t>(result);
+  Record({std::chrono::steady_clock::now(), descriptor.path, DeviceOperation::kWrite, bytes, 0, 0, result});
   return result;
 }
 
-DeviceResult DeviceServer::Ioctl(Connection& connection, std::uint32_t request, std::uint64_t argument) {
-  if (connection.device == nullptr) return -EBADF;
-  const DeviceFaults faults = FaultsOf(connection.path);
+DeviceResult DeviceServer::Ioctl(Descriptor& descriptor, std::uint32_t request, std::uint64_t argument) {
+  const DeviceFaults faults = FaultsOf(descriptor.path);
   const DeviceResult result =
-      faults.ioctl_errno != 0 ? -faults.ioctl_errno : connection.device->Ioctl(request, argument);
+      faults.ioctl_errno != 0 ? -faults.ioctl_errno : descriptor.device->Ioctl(request, argument);
   Record({std::chrono::steady_clock::now(),
-          connection.path,
+          descriptor.path,
           DeviceOperation::kIoctl,
           {},
           request,
@@ -249,30 +331,25 @@ DeviceResult DeviceServer::Ioctl(Connection& connection, std::uint32_t request, 
   return result;
 }
 
-void DeviceServer::Close(Connection& connection) {
-  if (connection.device == nullptr) return;
-  connection.device.reset();
-  connection.node.reset();
+void DeviceServer::Close(const Descriptor& descriptor) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    --open_counts_[connection.path];
+    --open_counts_[descriptor.path];
   }
-  Record({std::chrono::steady_clock::now(), connection.path, DeviceOperation::kClose, {}, 0, 0, 0});
+  Record({std::chrono::steady_clock::now(), descriptor.path, DeviceOperation::kClose, {}, 0, 0, 0});
 }
 
-DeviceResult DeviceServer::Stat(const std::string& path, DeviceMessage& answer) {
-  const std::shared_ptr<Device> node = FindNode(path);
-  if (node == nullptr || FaultsOf(path).missing) return -ENOENT;
-  const NodeStat stat = node->Stat();
-  answer.argument = static_cast<std::uint64_t>(stat.kind);
-  answer.request = stat.permissions;
+DeviceResult DeviceServer::Stat(const std::string& path, DeviceMessage& answer) const {
+  const Node node = FindNode(path);
+  if (node.device == nullptr || FaultsOf(path).missing) return -ENOENT;
+  Describe(node.device->Stat(), node.inode, answer);
   return 0;
 }
 
-std::shared_ptr<Device> DeviceServer::FindNode(const std::string& path) const {
+DeviceServer::Node DeviceServer::FindNode(const std::string& path) const {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto found = nodes_.find(path);
-  return found == nodes_.end() ? nullptr : found->second;
+  return found == nodes_.end() ? Node{} : found->second;
 }
 
 DeviceFaults DeviceServer::FaultsOf(const std::string& path) const {

@@ -54,8 +54,8 @@ struct DeviceAccess {
 };
 
 // Answers the preloaded object's calls on the board's device nodes, each one as a synchronous
-// message over a unix socket. A node that is not there answers ENOENT. Any thread may call any
-// member.
+// message over a unix socket (device_protocol.h). A node that is not there answers ENOENT. Any thread may
+// call any member.
 class DeviceServer {
  public:
   static constexpr std::size_t kLogCapacity = 65536;
@@ -85,23 +85,32 @@ class DeviceServer {
   std::size_t OpenCount(const std::string& path) const;
 
  private:
-  struct Connection;
+  struct Node {
+    std::shared_ptr<Device> device;
+    std::uint64_t inode = 0;
+  };
+  struct Descriptor;
 
   void Run();
+  void WaitForWork();
+  // Takes what came past the preloaded object: bytes, which are a write, and closes.
+  void ServeDescriptors();
   // False when the system refuses another descriptor.
-  bool Accept();
-  // False when the connection is at its end.
-  bool ServeMessage(Connection& connection);
-  DeviceMessage Answer(Connection& connection, const DeviceMessage& request, const std::string& payload,
-                       std::string& answer_payload);
-  DeviceResult Open(Connection& connection, const std::string& path, std::uint64_t open_bits);
-  DeviceResult Read(Connection& connection, std::size_t capacity, std::string& bytes);
-  DeviceResult Write(Connection& connection, const std::string& bytes);
-  DeviceResult Ioctl(Connection& connection, std::uint32_t request, std::uint64_t argument);
-  void Close(Connection& connection);
-  DeviceResult Stat(const std::string& path, DeviceMessage& answer);
+  bool AcceptCallers();
+  // False while the request has not come yet.
+  bool ServeCaller(UniqueFd& caller);
+  DeviceMessage Answer(const DeviceMessage& request, const std::string& payload, std::string& answer_payload);
+  DeviceMessage AnswerFor(Descriptor& descriptor, const DeviceMessage& request, const std::string& payload,
+                          std::string& answer_payload);
+  DeviceResult Open(std::uint64_t id, const std::string& path, std::uint64_t open_bits);
+  DeviceResult Read(Descriptor& descriptor, const DeviceMessage& request, std::string& bytes);
+  DeviceResult Write(Descriptor& descriptor, const std::string& bytes, std::uint64_t offset);
+  DeviceResult Ioctl(Descriptor& descriptor, std::uint32_t request, std::uint64_t argument);
+  void Close(const Descriptor& descriptor);
+  DeviceResult Stat(const std::string& path, DeviceMessage& answer) const;
 
-  std::shared_ptr<Device> FindNode(const std::string& path) const;
+  // A node without a device when there is none.
+  Node FindNode(const std::string& path) const;
   DeviceFaults FaultsOf(const std::string& path) const;
   void Record(DeviceAccess access);
 
@@ -109,10 +118,15 @@ class DeviceServer {
   UniqueFd listener_;
   WakeupEvent wakeup_;
   std::atomic<bool> stopping_{false};
-  std::list<Connection> connections_;  // of the server's thread
+
+  // Of the server's thread: connections whose request has not come yet, and the descriptors by their id.
+  bool can_accept_ = true;
+  std::list<UniqueFd> callers_;
+  std::map<std::uint64_t, Descriptor> descriptors_;
 
   mutable std::mutex mutex_;
-  std::map<std::string, std::shared_ptr<Device>> nodes_;
+  std::map<std::string, Node> nodes_;
+  std::uint64_t last_inode_ = 0;
   std::map<std::string, DeviceFaults> faults_;
   std::map<std::string, std::size_t> open_counts_;
   std::deque<DeviceAccess> accesses_;

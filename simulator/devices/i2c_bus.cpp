@@ -47,7 +47,7 @@ class I2cBus::Descriptor : public OpenDevice {
  public:
   explicit Descriptor(I2cBus& bus) : bus_(bus) {}
 
-  DeviceResult Read(std::string& bytes, std::size_t capacity) override {
+  DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t /*offset*/) override {
     return bus_.ReadFrom(address_, bytes, std::min(capacity, kMaxTransferBytes));
   }
 

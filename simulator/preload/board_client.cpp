@@ -2,10 +2,8 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <pthread.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/uio.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -25,29 +23,6 @@ void CloseKeepingErrno(int fd) {
   next_close.get()(fd);
   errno = error;
 }
-
-// One request and its answer take the connection for themselves, also when threads share a
-// descriptor.
-class ConversationLock {
- public:
-  explicit ConversationLock(int fd) : mutex_(&mutexes[static_cast<unsigned>(fd) % kCount]) {
-    pthread_mutex_lock(mutex_);
-  }
-  ~ConversationLock() { pthread_mutex_unlock(mutex_); }
-  ConversationLock(const ConversationLock&) = delete;
-  ConversationLock& operator=(const ConversationLock&) = delete;
-
- private:
-  static constexpr unsigned kCount = 8;
-  static pthread_mutex_t mutexes[kCount];
-
-  pthread_mutex_t* mutex_;
-};
-
-pthread_mutex_t ConversationLock::mutexes[kCount] = {PTHREAD_MUTEX_INITIALIZER, PTHREAD_MUTEX_INITIALIZER,
-                                                     PTHREAD_MUTEX_INITIALIZER, PTHREAD_MUTEX_INITIALIZER,
-                                                     PTHREAD_MUTEX_INITIALIZER, PTHREAD_MUTEX_INITIALIZER,
-                                                     PTHREAD_MUTEX_INITIALIZER, PTHREAD_MUTEX_INITIALIZER};
 
 int ConnectToBoard() {
   const PathInRoot path(kDeviceSocketName);
@@ -108,7 +83,6 @@ struct Incoming {
 // `message` is the request and becomes the answer. Its result, or -1 and the errno of it.
 int Converse(int fd, DeviceMessage& message, Outgoing sent, Incoming received) {
   message.length = static_cast<uint32_t>(sent.size > 0 ? sent.size : received.size);
-  const ConversationLock lock(fd);
   if (!SendParts(fd, message, sent.bytes, sent.size) ||
       !ReceiveParts(fd, message, received.buffer, received.size)) {
     errno = EIO;
@@ -117,6 +91,22 @@ int Converse(int fd, DeviceMessage& message, Outgoing sent, Incoming received) {
   if (message.result >= 0) return message.result;
   errno = -message.result;
   return -1;
+}
+
+// A conversation on a connection of its own.
+int Call(DeviceMessage& message, Outgoing sent, Incoming received) {
+  const int fd = ConnectToBoard();
+  if (fd < 0) return -1;
+  const int result = Converse(fd, message, sent, received);
+  CloseKeepingErrno(fd);
+  return result;
+}
+
+int CallDevice(DeviceId device, DeviceMessage& message, Outgoing sent, Incoming received) {
+  message.descriptor = device;
+  const int result = Call(message, sent, received);
+  if (result < 0 && errno == ENODEV) errno = EIO;
+  return result;
 }
 
 DeviceMessage RequestFor(DeviceRequest operation) {
@@ -145,53 +135,59 @@ int OpenDeviceNode(const char* path, int flags) {
   const int fd = ConnectToBoard();
   if (fd < 0) return -1;
   DeviceMessage message = RequestFor(DeviceRequest::kOpen);
+  message.descriptor = SocketInode(fd);
   message.argument = OpenBitsOf(flags);
-  if (Converse(fd, message, {path, strlen(path)}, {nullptr, 0}) < 0 || !MarkAsDevice(fd)) {
+  if (Converse(fd, message, {path, strlen(path)}, {nullptr, 0}) < 0) {
     CloseKeepingErrno(fd);
     return -1;
   }
   if ((flags & O_CLOEXEC) == 0) fcntl(fd, F_SETFD, 0);
+  NoteDevice(fd, message.descriptor);
   return fd;
 }
 
-bool IsDevice(int fd) {
-  return IsMarkedAsDevice(fd);
-}
-
-ssize_t ReadDevice(int fd, void* buffer, size_t size) {
+ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset) {
   DeviceMessage message = RequestFor(DeviceRequest::kRead);
-  return Converse(fd, message, {nullptr, 0}, {buffer, CutToPayload(size)});
+  message.argument = offset;
+  return CallDevice(device, message, {nullptr, 0}, {buffer, CutToPayload(size)});
 }
 
-ssize_t WriteDevice(int fd, const void* bytes, size_t size) {
+ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset) {
   DeviceMessage message = RequestFor(DeviceRequest::kWrite);
-  return Converse(fd, message, {bytes, CutToPayload(size)}, {nullptr, 0});
+  message.argument = offset;
+  return CallDevice(device, message, {bytes, CutToPayload(size)}, {nullptr, 0});
 }
 
-int IoctlDevice(int fd, unsigned long request, uintptr_t argument) {
+int64_t SeekDevice(DeviceId device, int64_t offset, int whence) {
+  DeviceMessage message = RequestFor(DeviceRequest::kSeek);
+  message.request = static_cast<uint32_t>(whence);
+  message.argument = static_cast<uint64_t>(offset);
+  const int result = CallDevice(device, message, {nullptr, 0}, {nullptr, 0});
+  return result < 0 ? -1 : static_cast<int64_t>(message.argument);
+}
+
+int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument) {
   DeviceMessage message = RequestFor(DeviceRequest::kIoctl);
   message.request = static_cast<uint32_t>(request);
   message.argument = argument;
-  return Converse(fd, message, {nullptr, 0}, {nullptr, 0});
+  return CallDevice(device, message, {nullptr, 0}, {nullptr, 0});
 }
 
-// A child process that inherited the descriptor only lets go of it; its owner tells the board.
-int CloseDevice(int fd) {
-  if (IsOwnedByThisProcess(fd)) {
-    DeviceMessage message = RequestFor(DeviceRequest::kClose);
-    Converse(fd, message, {nullptr, 0}, {nullptr, 0});
-  }
-  UnmarkDevice(fd);
-  return next_close.get()(fd);
+void SettleDevices() {
+  const int error = errno;
+  DeviceMessage message = RequestFor(DeviceRequest::kSettle);
+  Call(message, {nullptr, 0}, {nullptr, 0});
+  errno = error;
 }
 
 int AskBoard(DeviceRequest question, const char* path, DeviceMessage& answer, void* buffer, size_t size) {
-  const int fd = ConnectToBoard();
-  if (fd < 0) return -1;
   answer = RequestFor(question);
-  const int result = Converse(fd, answer, {path, strlen(path)}, {buffer, size});
-  CloseKeepingErrno(fd);
-  return result;
+  return Call(answer, {path, strlen(path)}, {buffer, size});
+}
+
+int AskAbout(DeviceId device, DeviceRequest question, DeviceMessage& answer) {
+  answer = RequestFor(question);
+  return CallDevice(device, answer, {nullptr, 0}, {nullptr, 0});
 }
 
 }  // namespace rolu_sim

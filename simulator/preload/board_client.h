@@ -10,20 +10,27 @@ namespace rolu_sim {
 
 // Calls to the board. Failures are -1 with an errno, as the kernel would give them: what the board
 // answers, ENODEV when no board answers at a path, EIO when it went away under an open descriptor.
+// Each call has a connection of its own, so that threads, signal handlers and processes which share a
+// descriptor do not wait for each other here, and nothing is held over a fork. It takes a descriptor
+// for that time: EMFILE when there is none.
 
-// Opens a device node. The descriptor is the connection to the board and is known as a device.
+// Opens a device node.
 int OpenDeviceNode(const char* path, int flags);
 
-// A descriptor that OpenDeviceNode gave and that was not closed since, by whatever means.
-bool IsDevice(int fd);
+// What is asked of a device goes by its id, which descriptor_table.h tells.
+using DeviceId = uint64_t;
 
-ssize_t ReadDevice(int fd, void* buffer, size_t size);
-ssize_t WriteDevice(int fd, const void* bytes, size_t size);
-int IoctlDevice(int fd, unsigned long request, uintptr_t argument);
-// Also closes the descriptor.
-int CloseDevice(int fd);
+ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset = kAtPosition);
+ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset = kAtPosition);
+int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
+int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
+
+// Returns once the board knows of all closes so far. Keeps errno.
+void SettleDevices();
 
 // Asks the board a question about a path or about itself. The answer's payload is cut to `size`.
 int AskBoard(DeviceRequest question, const char* path, DeviceMessage& answer, void* buffer, size_t size);
+// The same about a device.
+int AskAbout(DeviceId device, DeviceRequest question, DeviceMessage& answer);
 
 }  // namespace rolu_sim

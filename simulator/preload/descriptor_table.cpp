@@ -1,58 +1,92 @@
 #include "simulator/preload/descriptor_table.h"
 
 #include <errno.h>
-#include <stdint.h>
+#include <string.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <atomic>
 
+#include "simulator/devices/board_paths.h"
+#include "simulator/preload/next_call.h"
+#include "simulator/preload/redirection.h"
+#include "simulator/preload/standard_streams.h"
+
 namespace rolu_sim {
 namespace {
 
-struct Entry {
-  std::atomic<uint32_t> inode{0};  // of the socket; 0: not a device
-  std::atomic<pid_t> owner{0};
-};
+NextCall<int (*)(int, struct stat64*)> next_fstat64("fstat64");
+
+// What is known of a descriptor: one of these, or the inode of a device (sockets have 32-bit ones).
+constexpr uint32_t kUnknown = 0;
+constexpr uint32_t kOrdinary = UINT32_MAX;
 
 constexpr int kEntries = 65536;
-Entry table[kEntries];
+std::atomic<uint32_t> table[kEntries];
 
-// Sockets have 32-bit inode numbers.
-uint32_t SocketInode(int fd) {
-  struct stat64 status {};
-  if (fstat64(fd, &status) != 0 || !S_ISSOCK(status.st_mode)) return 0;
-  return static_cast<uint32_t>(status.st_ino);
-}
-
+// A descriptor beyond the table stays unknown.
 bool IsInTable(int fd) {
   return fd >= 0 && fd < kEntries;
 }
 
+void Note(int fd, uint32_t known) {
+  if (!IsInTable(fd)) return;
+  table[fd].store(known, std::memory_order_release);
+  if (fd <= STDERR_FILENO) FollowStandardStream(fd, known != kUnknown && known != kOrdinary);
+}
+
+// Whether the socket's peer is the board's device server.
+bool IsConnectedToBoard(int fd) {
+  sockaddr_un peer{};
+  socklen_t size = sizeof peer - 1;
+  if (getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &size) != 0 || peer.sun_family != AF_UNIX)
+    return false;
+  return strcmp(peer.sun_path, PathInRoot(kDeviceSocketName).get()) == 0;
+}
+
+uint64_t LookAt(int fd) {
+  const int error = errno;
+  struct stat64 status {};
+  uint64_t device = 0;
+  if (next_fstat64.get()(fd, &status) == 0) {
+    if (S_ISSOCK(status.st_mode) && IsConnectedToBoard(fd)) device = status.st_ino;
+    Note(fd, device == 0 ? kOrdinary : static_cast<uint32_t>(device));
+  }
+  errno = error;
+  return device;
+}
+
+// Programs may have been started with a device as a standard stream.
+[[gnu::constructor]] void LookAtStandardStreams() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) DeviceOf(fd);
+}
+
 }  // namespace
 
-bool MarkAsDevice(int fd) {
-  if (!IsInTable(fd)) {
-    errno = EMFILE;
-    return false;
-  }
-  table[fd].owner.store(getpid(), std::memory_order_relaxed);
-  table[fd].inode.store(SocketInode(fd), std::memory_order_release);
-  return true;
+uint64_t SocketInode(int fd) {
+  const int error = errno;
+  struct stat64 status {};
+  const bool is_socket = next_fstat64.get()(fd, &status) == 0 && S_ISSOCK(status.st_mode);
+  errno = error;
+  return is_socket ? status.st_ino : 0;
 }
 
-void UnmarkDevice(int fd) {
-  table[fd].inode.store(0, std::memory_order_release);
+uint64_t KnownDeviceOf(int fd) {
+  if (!IsInTable(fd)) return 0;
+  const uint32_t known = table[fd].load(std::memory_order_acquire);
+  return known != kUnknown && known != kOrdinary && known == SocketInode(fd) ? known : 0;
 }
 
-bool IsMarkedAsDevice(int fd) {
-  if (!IsInTable(fd)) return false;
-  const uint32_t inode = table[fd].inode.load(std::memory_order_acquire);
-  return inode != 0 && inode == SocketInode(fd);
+uint64_t DeviceOf(int fd) {
+  if (IsInTable(fd) && table[fd].load(std::memory_order_acquire) == kOrdinary) return 0;
+  if (const uint64_t device = KnownDeviceOf(fd)) return device;
+  return fd < 0 || BoardRootPath() == nullptr ? 0 : LookAt(fd);
 }
 
-bool IsOwnedByThisProcess(int fd) {
-  return table[fd].owner.load(std::memory_order_relaxed) == getpid();
+void NoteDevice(int fd, uint64_t device) {
+  Note(fd, static_cast<uint32_t>(device));
 }
 
 }  // namespace rolu_sim

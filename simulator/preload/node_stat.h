@@ -19,27 +19,38 @@ struct NodeAttributes {
   unsigned major;
   unsigned minor;
   int64_t size;
+  uint64_t inode;
 };
 
+inline NodeAttributes AttributesIn(const DeviceMessage& answer) {
+  const bool is_device = answer.argument == static_cast<uint64_t>(NodeKind::kCharacterDevice);
+  return {(is_device ? S_IFCHR : S_IFREG) | answer.request, is_device ? kI2cMajor : 0,
+          is_device ? kI2cMinor : 0, is_device ? 0 : kAttributeSize, answer.descriptor};
+}
+
 // -1 with the board's errno for a node that is not there.
-inline int AskNodeAttributes(const char* path, NodeAttributes& attributes) {
+inline int AskAttributes(const char* path, NodeAttributes& attributes) {
   DeviceMessage answer{};
   if (AskBoard(DeviceRequest::kStat, path, answer, nullptr, 0) < 0) return -1;
-  const bool is_device = answer.argument == static_cast<uint64_t>(NodeKind::kCharacterDevice);
-  attributes.mode = (is_device ? S_IFCHR : S_IFREG) | answer.request;
-  attributes.major = is_device ? kI2cMajor : 0;
-  attributes.minor = is_device ? kI2cMinor : 0;
-  attributes.size = is_device ? 0 : 4096;  // what sysfs shows for any attribute
+  attributes = AttributesIn(answer);
   return 0;
 }
 
-// Fills any of the C library's stat records.
-template <typename StatRecord>
-int StatNode(const char* path, StatRecord* record) {
+inline int AskAttributes(DeviceId device, NodeAttributes& attributes) {
+  DeviceMessage answer{};
+  if (AskAbout(device, DeviceRequest::kStatDescriptor, answer) < 0) return -1;
+  attributes = AttributesIn(answer);
+  return 0;
+}
+
+// Fills any of the C library's stat records. `node` is a path or the id of a device.
+template <typename Node, typename StatRecord>
+int StatNode(Node node, StatRecord* record) {
   NodeAttributes attributes{};
-  if (AskNodeAttributes(path, attributes) < 0) return -1;
+  if (AskAttributes(node, attributes) < 0) return -1;
   memset(record, 0, sizeof *record);
   record->st_mode = attributes.mode;
+  record->st_ino = static_cast<decltype(record->st_ino)>(attributes.inode);
   record->st_nlink = 1;
   record->st_rdev = makedev(attributes.major, attributes.minor);
   record->st_size = static_cast<decltype(record->st_size)>(attributes.size);

@@ -19,18 +19,22 @@ NextCall<StatCall<struct stat>> next_stat("stat");
 NextCall<StatCall<struct stat64>> next_stat64("stat64");
 NextCall<StatCall<struct stat>> next_lstat("lstat");
 NextCall<StatCall<struct stat64>> next_lstat64("lstat64");
+NextCall<StatDescriptorCall<struct stat>> next_fstat("fstat");
+NextCall<StatDescriptorCall<struct stat64>> next_fstat64("fstat64");
 NextCall<StatAtCall<struct stat>> next_fstatat("fstatat");
 NextCall<StatAtCall<struct stat64>> next_fstatat64("fstatat64");
 NextCall<int (*)(int, const char*, int, unsigned, struct statx*)> next_statx("statx");
 NextCall<int (*)(const char*, int)> next_access("access");
 NextCall<int (*)(int, const char*, int, int)> next_faccessat("faccessat");
 
-int StatxNode(const char* path, struct statx* record) {
+template <typename Node>
+int StatxNode(Node node, struct statx* record) {
   NodeAttributes attributes{};
-  if (AskNodeAttributes(path, attributes) < 0) return -1;
+  if (AskAttributes(node, attributes) < 0) return -1;
   memset(record, 0, sizeof *record);
-  record->stx_mask = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_SIZE;
+  record->stx_mask = STATX_TYPE | STATX_MODE | STATX_INO | STATX_NLINK | STATX_SIZE;
   record->stx_mode = static_cast<uint16_t>(attributes.mode);
+  record->stx_ino = attributes.inode;
   record->stx_nlink = 1;
   record->stx_size = static_cast<uint64_t>(attributes.size);
   record->stx_blksize = 4096;
@@ -42,7 +46,7 @@ int StatxNode(const char* path, struct statx* record) {
 // The board's programs run as root: every node that is there may be read and written.
 int AccessNode(const char* path, int mode) {
   NodeAttributes attributes{};
-  if (AskNodeAttributes(path, attributes) < 0) return -1;
+  if (AskAttributes(path, attributes) < 0) return -1;
   if ((mode & X_OK) == 0) return 0;
   errno = EACCES;
   return -1;
@@ -73,6 +77,14 @@ ROLU_SIM_EXPORTED int lstat64(const char* path, struct stat64* record) noexcept 
   return rolu_sim::StatPath(rolu_sim::next_lstat64, rolu_sim::next_stat64, path, record);
 }
 
+ROLU_SIM_EXPORTED int fstat(int fd, struct stat* record) noexcept {
+  return rolu_sim::StatDescriptor(rolu_sim::next_fstat, fd, record);
+}
+
+ROLU_SIM_EXPORTED int fstat64(int fd, struct stat64* record) noexcept {
+  return rolu_sim::StatDescriptor(rolu_sim::next_fstat64, fd, record);
+}
+
 ROLU_SIM_EXPORTED int fstatat(int directory, const char* path, struct stat* record, int flags) noexcept {
   return rolu_sim::StatPathAt(rolu_sim::next_fstatat, directory, path, record, flags);
 }
@@ -83,6 +95,9 @@ ROLU_SIM_EXPORTED int fstatat64(int directory, const char* path, struct stat64* 
 
 ROLU_SIM_EXPORTED int statx(int directory, const char* path, int flags, unsigned mask,
                             struct statx* record) noexcept {
+  if (const rolu_sim::DeviceId device = rolu_sim::DeviceNamedBy(directory, path, flags)) {
+    return rolu_sim::StatxNode(device, record);
+  }
   switch (TargetOf(path)) {
     case Target::kDevice:
       return rolu_sim::StatxNode(path, record);
@@ -115,6 +130,43 @@ ROLU_SIM_EXPORTED int faccessat(int directory, const char* path, int mode, int f
     default:
       return rolu_sim::next_faccessat.get()(directory, path, mode, flags);
   }
+}
+
+// What the calls were in programs that were linked before glibc 2.33. The version names the layout of
+// the record; there is one.
+
+ROLU_SIM_EXPORTED int __xstat(int /*version*/, const char* path, struct stat* record) noexcept {
+  return stat(path, record);
+}
+
+ROLU_SIM_EXPORTED int __xstat64(int /*version*/, const char* path, struct stat64* record) noexcept {
+  return stat64(path, record);
+}
+
+ROLU_SIM_EXPORTED int __lxstat(int /*version*/, const char* path, struct stat* record) noexcept {
+  return lstat(path, record);
+}
+
+ROLU_SIM_EXPORTED int __lxstat64(int /*version*/, const char* path, struct stat64* record) noexcept {
+  return lstat64(path, record);
+}
+
+ROLU_SIM_EXPORTED int __fxstat(int /*version*/, int fd, struct stat* record) noexcept {
+  return fstat(fd, record);
+}
+
+ROLU_SIM_EXPORTED int __fxstat64(int /*version*/, int fd, struct stat64* record) noexcept {
+  return fstat64(fd, record);
+}
+
+ROLU_SIM_EXPORTED int __fxstatat(int /*version*/, int directory, const char* path, struct stat* record,
+                                 int flags) noexcept {
+  return fstatat(directory, path, record, flags);
+}
+
+ROLU_SIM_EXPORTED int __fxstatat64(int /*version*/, int directory, const char* path, struct stat64* record,
+                                   int flags) noexcept {
+  return fstatat64(directory, path, record, flags);
 }
 
 }  // extern "C"

@@ -14,6 +14,7 @@ namespace {
 
 NextCall<StatCall<struct stat>> next_stat("__stat64_time64");
 NextCall<StatCall<struct stat>> next_lstat("__lstat64_time64");
+NextCall<StatDescriptorCall<struct stat>> next_fstat("__fstat64_time64");
 NextCall<StatAtCall<struct stat>> next_fstatat("__fstatat64_time64");
 
 }  // namespace
@@ -27,6 +28,10 @@ ROLU_SIM_EXPORTED int stat(const char* path, struct stat* record) noexcept {
 
 ROLU_SIM_EXPORTED int lstat(const char* path, struct stat* record) noexcept {
   return rolu_sim::StatPath(rolu_sim::next_lstat, rolu_sim::next_stat, path, record);
+}
+
+ROLU_SIM_EXPORTED int fstat(int fd, struct stat* record) noexcept {
+  return rolu_sim::StatDescriptor(rolu_sim::next_fstat, fd, record);
 }
 
 ROLU_SIM_EXPORTED int fstatat(int directory, const char* path, struct stat* record, int flags) noexcept {

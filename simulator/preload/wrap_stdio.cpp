@@ -1,17 +1,18 @@
-// Streams on device nodes. The C library reads a stream's descriptor past the wrapped calls, so a
-// stream on a node is one with functions of its own.
+// Streams on device nodes.
 
 #include <errno.h>
 #include <fcntl.h>
-#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "simulator/devices/board_paths.h"
 #include "simulator/preload/board_client.h"
+#include "simulator/preload/descriptor_table.h"
 #include "simulator/preload/exported.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
+#include "simulator/preload/standard_streams.h"
 
 namespace rolu_sim {
 namespace {
@@ -20,27 +21,8 @@ using FopenCall = FILE* (*)(const char*, const char*);
 
 NextCall<FopenCall> next_fopen("fopen");
 NextCall<FopenCall> next_fopen64("fopen64");
-
-void* CookieOf(int fd) {
-  return reinterpret_cast<void*>(static_cast<intptr_t>(fd));
-}
-int DescriptorOf(void* cookie) {
-  return static_cast<int>(reinterpret_cast<intptr_t>(cookie));
-}
-
-ssize_t ReadCookie(void* cookie, char* buffer, size_t size) {
-  return ReadDevice(DescriptorOf(cookie), buffer, size);
-}
-
-// A stream's write function reports failure by 0.
-ssize_t WriteCookie(void* cookie, const char* bytes, size_t size) {
-  const ssize_t written = WriteDevice(DescriptorOf(cookie), bytes, size);
-  return written < 0 ? 0 : written;
-}
-
-int CloseCookie(void* cookie) {
-  return CloseDevice(DescriptorOf(cookie));
-}
+NextCall<FILE* (*)(int, const char*)> next_fdopen("fdopen");
+NextCall<int (*)(FILE*)> next_fileno("fileno");
 
 // The open flags of a stream's mode; -1 with EINVAL when it is none.
 int FlagsOfMode(const char* mode) {
@@ -65,8 +47,8 @@ FILE* OpenDeviceStream(const char* path, const char* mode) {
   if (flags < 0) return nullptr;
   const int fd = OpenDeviceNode(path, flags);
   if (fd < 0) return nullptr;
-  FILE* const stream = fopencookie(CookieOf(fd), mode, {ReadCookie, WriteCookie, nullptr, CloseCookie});
-  if (stream == nullptr) CloseDevice(fd);
+  FILE* const stream = OpenStreamOn(fd, mode);
+  if (stream == nullptr) close(fd);
   return stream;
 }
 
@@ -81,6 +63,11 @@ FILE* OpenStream(NextCall<FopenCall>& next, const char* path, const char* mode) 
   }
 }
 
+// The C library gives none for a stream with functions of its own.
+int DescriptorOf(FILE* stream) {
+  return stream->_fileno >= 0 ? stream->_fileno : next_fileno.get()(stream);
+}
+
 }  // namespace
 }  // namespace rolu_sim
 
@@ -92,6 +79,19 @@ ROLU_SIM_EXPORTED FILE* fopen(const char* path, const char* mode) {
 
 ROLU_SIM_EXPORTED FILE* fopen64(const char* path, const char* mode) {
   return rolu_sim::OpenStream(rolu_sim::next_fopen64, path, mode);
+}
+
+ROLU_SIM_EXPORTED FILE* fdopen(int fd, const char* mode) noexcept {
+  if (rolu_sim::DeviceOf(fd) == 0) return rolu_sim::next_fdopen.get()(fd, mode);
+  return rolu_sim::FlagsOfMode(mode) < 0 ? nullptr : rolu_sim::OpenStreamOn(fd, mode);
+}
+
+ROLU_SIM_EXPORTED int fileno(FILE* stream) noexcept {
+  return rolu_sim::DescriptorOf(stream);
+}
+
+ROLU_SIM_EXPORTED int fileno_unlocked(FILE* stream) noexcept {
+  return rolu_sim::DescriptorOf(stream);
 }
 
 }  // extern "C"

@@ -31,7 +31,7 @@ class TextNode : public Device {
   NodeStat Stat() const override { return {}; }
   DeviceResult Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice>& opened) override {
     class Descriptor : public OpenDevice {
-      DeviceResult Read(std::string& bytes, std::size_t capacity) override {
+      DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t /*offset*/) override {
         bytes = std::string(read_ ? "" : "350\n").substr(0, capacity);
         read_ = true;
         return static_cast<DeviceResult>(bytes.size());

@@ -108,6 +108,17 @@ TEST(RoluSim, lets_a_program_talk_to_the_microcontroller) {
               MatchesRegex(" +[0-9.]+ > MCVG [^\n]+\n +[0-9.]+ < 05DC +1500 units\n05DC\r\narmv7l\n"));
 }
 
+TEST(RoluSim, lets_scripts_use_the_whole_board) {
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"sh", SCRIPTS "whole_board.sh"},
+        std::vector<std::string>{"bash", SCRIPTS "whole_board.sh"},
+        std::vector<std::string>{"python3", SCRIPTS "whole_board.py"}}) {
+    RoluSim simulator(command);
+    EXPECT_EQ(simulator.WaitForExit(), 0);
+    EXPECT_EQ(simulator.Output(), "");
+  }
+}
+
 TEST(RoluSim, passes_signals_on_and_cleans_up) {
   RoluSim trapping({"sh", "-c", "trap 'echo got it; exit 3' TERM; echo ready; while :; do sleep 0.05; done"});
   trapping.ReadUntil("ready");

@@ -1,6 +1,7 @@
 #ifndef TESTS_SUPPORT_TEXT_NODE_H
 #define TESTS_SUPPORT_TEXT_NODE_H
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,7 +27,7 @@ class TextNode : public rolu_sim::Device {
   class Descriptor : public rolu_sim::OpenDevice {
    public:
     Descriptor(std::string rest, int end_errno) : rest_(std::move(rest)), end_errno_(end_errno) {}
-    rolu_sim::DeviceResult Read(std::string& bytes, size_t capacity) override {
+    rolu_sim::DeviceResult Read(std::string& bytes, size_t capacity, uint64_t /*offset*/) override {
       if (rest_.empty()) return -end_errno_;
       bytes = rest_.substr(0, capacity);
       rest_.erase(0, bytes.size());

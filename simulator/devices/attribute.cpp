@@ -54,11 +54,23 @@ std::string TextAttribute::Show() {
   return text_;
 }
 
-int ParseDecimal(std::string_view text, int highest) {
-  int number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+int ParseKernelNumber(std::string_view text, int highest) {
+  const auto skip = [&text](std::string_view prefix) {
+    const bool found = text.substr(0, prefix.size()) == prefix;
+    if (found) text.remove_prefix(prefix.size());
+    return found;
+  };
+  skip("+");
+  int base = 10;
+  if (skip("0x") || skip("0X")) {
+    base = 16;
+  } else if (!text.empty() && text.front() == '0') {
+    base = 8;
+  }
+  unsigned number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
   if (error != std::errc{} || end != text.data() + text.size()) return -EINVAL;
-  return number < 0 || number > highest ? -EINVAL : number;
+  return number > static_cast<unsigned>(highest) ? -EINVAL : static_cast<int>(number);
 }
 
 }  // namespace rolu_sim

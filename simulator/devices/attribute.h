@@ -44,7 +44,8 @@ class TextAttribute : public Attribute {
   std::string text_;
 };
 
-// The whole of `text` as a decimal number from 0 to `highest`; -EINVAL when it is none.
-int ParseDecimal(std::string_view text, int highest);
+// The whole of `text` as the kernel reads a number, from 0 to `highest`: decimal, octal after 0,
+// hexadecimal after 0x; -EINVAL when it is none.
+int ParseKernelNumber(std::string_view text, int highest);
 
 }  // namespace rolu_sim

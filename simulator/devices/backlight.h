@@ -20,7 +20,7 @@ class Backlight : public Attribute {
   std::string Show() override { return std::to_string(level_) + '\n'; }
 
   DeviceResult Store(std::string_view text) override {
-    const int level = ParseDecimal(text, kHighestLevel);
+    const int level = ParseKernelNumber(text, kHighestLevel);
     if (level < 0) return level;
     level_ = level;
     return 0;

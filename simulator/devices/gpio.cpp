@@ -1,6 +1,7 @@
 #include "simulator/devices/gpio.h"
 
 #include <atomic>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -30,10 +31,12 @@ class Direction : public Attribute {
  private:
   std::string Show() override { return line_->is_output ? "out\n" : "in\n"; }
 
+  // An output of any of the three names begins at the level that goes with it, also one that was an
+  // output before.
   DeviceResult Store(std::string_view text) override {
-    if (text != "in" && text != "out") return -EINVAL;
-    const bool to_output = text == "out";
-    if (to_output && !line_->is_output) line_->driven_by_program = false;
+    const bool to_output = text == "out" || text == "low" || text == "high";
+    if (!to_output && text != "in") return -EINVAL;
+    if (to_output) line_->driven_by_program = text == "high";
     line_->is_output = to_output;
     return 0;
   }
@@ -50,8 +53,9 @@ class Value : public Attribute {
 
   DeviceResult Store(std::string_view text) override {
     if (!line_->is_output) return -EPERM;
-    if (text != "0" && text != "1") return -EINVAL;
-    line_->driven_by_program = text == "1";
+    const int level = ParseKernelNumber(text, std::numeric_limits<int>::max());
+    if (level < 0) return level;
+    line_->driven_by_program = level != 0;
     return 0;
   }
 
@@ -65,7 +69,7 @@ class Export : public Attribute {
 
  private:
   DeviceResult Store(std::string_view text) override {
-    const auto found = lines_.find(ParseDecimal(text, kHighestLine));
+    const auto found = lines_.find(ParseKernelNumber(text, kHighestLine));
     if (found == lines_.end()) return -EINVAL;
     const auto& [number, line] = *found;
     if (line->exported.exchange(true)) return -EBUSY;

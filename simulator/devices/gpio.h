@@ -9,8 +9,7 @@ namespace rolu_sim {
 
 // The board's GPIO lines 34 to 37 and 45 as sysfs shows them. A line's direction and value are there
 // once a program has exported it: a second export answers EBUSY, that of any other line EINVAL. A
-// line starts as an input; one that becomes an output starts low, one that is an output already
-// keeps its level.
+// line starts as an input; the direction "out" or "low" drives it low, "high" high.
 class Gpio {
  public:
   // Adds the export attribute to `server`, which must outlive all programs' calls.

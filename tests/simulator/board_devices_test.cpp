@@ -91,9 +91,17 @@ TEST_F(BoardDevices, a_gpio_line_is_driven_from_its_own_side) {
   EXPECT_TRUE(board_.gpio().IsOutput(45));
   EXPECT_EQ(ReadFrom(Gpio45("value")), "0\n");
   EXPECT_EQ(WriteTo(Gpio45("value"), "1\n"), 0);
-  EXPECT_EQ(WriteTo(Gpio45("value"), "2"), EINVAL);
-  EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), 0);
+  EXPECT_EQ(WriteTo(Gpio45("value"), "high"), EINVAL);
   board_.gpio().SetInput(45, false);
+  EXPECT_TRUE(board_.gpio().Level(45));
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), 0);
+  EXPECT_FALSE(board_.gpio().Level(45)) << "an output goes low as well";
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "high\n"), 0);
+  EXPECT_TRUE(board_.gpio().Level(45));
+  EXPECT_EQ(ReadFrom(Gpio45("direction")), "out\n");
+  EXPECT_EQ(WriteTo(Gpio45("direction"), "low"), 0);
+  EXPECT_FALSE(board_.gpio().Level(45));
+  EXPECT_EQ(WriteTo(Gpio45("value"), "0x2"), 0) << "any number but 0 is high";
   EXPECT_TRUE(board_.gpio().Level(45));
 
   EXPECT_EQ(WriteTo(Gpio45("direction"), "in"), 0);
@@ -107,8 +115,8 @@ TEST_F(BoardDevices, a_gpio_line_is_driven_from_its_own_side) {
 
 TEST_F(BoardDevices, the_backlight_takes_its_levels_and_nothing_else) {
   EXPECT_EQ(ReadFrom(kBacklightPath), "10\n");
-  EXPECT_EQ(WriteTo(kBacklightPath, "7"), 0);
-  for (const char* const refused : {"11", "-1", "", "bright", "5 "}) {
+  EXPECT_EQ(WriteTo(kBacklightPath, "+07"), 0);
+  for (const char* const refused : {"11", "0xB", "08", "-1", "", "0x", "bright", "5 "}) {
     EXPECT_EQ(WriteTo(kBacklightPath, refused), EINVAL) << refused;
   }
   EXPECT_EQ(board_.backlight().level(), 7);

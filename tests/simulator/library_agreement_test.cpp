@@ -196,7 +196,7 @@ TEST_F(LibraryAgreement, peripherals_are_switched_where_they_are) {
   }
   EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_Deinitialize(), kSuccess);
   ASSERT_EQ(KAVO_ROLU_PERIPHERALCTRL_Initialize(), kSuccess);
-  EXPECT_TRUE(board_.gpio().Level(45)) << "the GPS receiver keeps its power";
+  EXPECT_FALSE(board_.gpio().Level(45)) << "the kernel drives a line low that is made an output once more";
   EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_Deinitialize(), kSuccess);
 }
 

@@ -87,8 +87,9 @@ struct DeviceServer::Descriptor {
   std::uint64_t position = 0;
 };
 
-DeviceServer::DeviceServer(const std::string& socket_path, KernelIdentity kernel)
-    : kernel_(std::move(kernel)), listener_(Listen(socket_path)) {
+DeviceServer::DeviceServer(const std::string& socket_path, KernelIdentity kernel,
+                           std::function<void()> on_serial_open)
+    : kernel_(std::move(kernel)), on_serial_open_(std::move(on_serial_open)), listener_(Listen(socket_path)) {
   const BlockedSignals blocked;
   thread_ = std::thread([this] { Run(); });
 }
@@ -229,6 +230,9 @@ DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::stri
       break;
     case DeviceRequest::kStat:
       answer.result = Stat(payload, answer);
+      break;
+    case DeviceRequest::kSerialOpens:
+      on_serial_open_();
       break;
     case DeviceRequest::kUname:
       for (const std::string& name : {kernel_.machine, kernel_.release, kernel_.version}) {

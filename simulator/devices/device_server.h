@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -60,8 +61,9 @@ class DeviceServer {
  public:
   static constexpr std::size_t kLogCapacity = 65536;
 
-  // Listens at `socket_path` from the start.
-  explicit DeviceServer(const std::string& socket_path, KernelIdentity kernel = {});
+  // Listens at `socket_path` from the start. Calls `on_serial_open` from its thread each time before a
+  // program opens the serial port, which it does not serve itself.
+  DeviceServer(const std::string& socket_path, KernelIdentity kernel, std::function<void()> on_serial_open);
   ~DeviceServer();
   DeviceServer(const DeviceServer&) = delete;
   DeviceServer& operator=(const DeviceServer&) = delete;
@@ -115,6 +117,7 @@ class DeviceServer {
   void Record(DeviceAccess access);
 
   const KernelIdentity kernel_;
+  const std::function<void()> on_serial_open_;
   UniqueFd listener_;
   WakeupEvent wakeup_;
   std::atomic<bool> stopping_{false};

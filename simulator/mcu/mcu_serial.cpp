@@ -151,6 +151,11 @@ McuSerial::ModelAccess::~ModelAccess() {
   serial_.SendFromOtherThread();
 }
 
+void McuSerial::FollowPrograms() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  FollowHost();
+}
+
 bool McuSerial::IsOpenByHost() const {
   const std::lock_guard<std::mutex> lock(mutex_);
   return terminal_.IsOpenByHost();
@@ -160,7 +165,6 @@ bool McuSerial::WaitForHostClosed(std::chrono::milliseconds timeout) {
   std::unique_lock<std::mutex> lock(mutex_);
   return host_closed_.wait_for(lock, timeout, [this] {
     FollowHost();
-    if (host_open_) wakeup_.Signal();
     return !host_open_;
   });
 }
@@ -169,12 +173,8 @@ void McuSerial::Run() {
   prctl(PR_SET_TIMERSLACK, 1UL);
   std::unique_lock<std::mutex> lock(mutex_);
   while (!stopping_) {
-    // A hung-up master would report that all the time: it is left out until a program opens.
-    const short master_events =
-        static_cast<short>((reading_stopped_ ? 0 : POLLIN) | (port_full_ ? POLLOUT : 0));
-    std::array<pollfd, 3> sources{{{wakeup_.fd(), POLLIN, 0},
-                                   {terminal_.watch(), POLLIN, 0},
-                                   {host_open_ ? terminal_.master() : -1, master_events, 0}}};
+    terminal_.WantRoom(port_full_);
+    std::array<pollfd, 2> sources{{{wakeup_.fd(), POLLIN, 0}, {terminal_.changes(), POLLIN, 0}}};
     timespec wait{};
     const std::optional<TimePoint> due = NextDue();
     if (due) {
@@ -184,6 +184,7 @@ void McuSerial::Run() {
     ppoll(sources.data(), sources.size(), due ? &wait : nullptr, nullptr);
     wakeup_.Take();
     lock.lock();
+    terminal_.TakeChanges();
 
     // A new program's command can only be among the bytes that are read here if the close of its
     // predecessor is known after it: nothing is answered between the two.
@@ -211,16 +212,13 @@ void McuSerial::ReceiveBytes() {
   }
 }
 
-// Another thread than the MCU's that calls it wakes that one up: it may sleep in the belief that
-// nobody has the port open.
 void McuSerial::FollowHost() {
-  if (terminal_.TakeHostClose()) {
-    terminal_.DiscardUnreadBytes();
-    outgoing_.clear();
-    port_full_ = false;
-    host_closed_.notify_all();
-  }
-  host_open_ = terminal_.IsOpenByHost();
+  const bool was_open = std::exchange(host_open_, terminal_.IsOpenByHost());
+  if (!was_open || host_open_) return;
+  terminal_.DiscardUnreadBytes();
+  outgoing_.clear();
+  port_full_ = false;
+  host_closed_.notify_all();
 }
 
 void McuSerial::HandleArrivedBytes() {

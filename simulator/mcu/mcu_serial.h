@@ -45,7 +45,8 @@ struct McuSerialOptions {
 // to their CR, lets the script or else the model answer, and writes the answer at once.
 //
 // As on a real port, what the MCU sends while no program has the port open is lost, and a program
-// that opens the port does not find bytes meant for its predecessor.
+// that opens the port does not find bytes meant for its predecessor: they go when that one's close is
+// noticed, which takes some ten microseconds unless FollowPrograms is called.
 //
 // Any thread may call any member at any time, except HangUp, Reopen and the destructor, which
 // belong to the owner.
@@ -105,8 +106,11 @@ class McuSerial {
   // After HangUp: a new port, with the model, the script and the log as they were.
   void Reopen();
 
-  // Whether a program has the port open, and a wait until none has (false after `timeout`). A
-  // close is noticed within some ten microseconds; after the wait, unread bytes are gone as well.
+  // Notices at once whether a program has closed the port.
+  void FollowPrograms();
+
+  // Whether a program has the port open, and a wait until none has (false after `timeout`). After the
+  // wait, unread bytes are gone as well.
   bool IsOpenByHost() const;
   bool WaitForHostClosed(std::chrono::milliseconds timeout);
 

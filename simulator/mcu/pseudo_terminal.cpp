@@ -3,14 +3,11 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
-#include <sys/inotify.h>
+#include <sys/epoll.h>
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
-#include <cstring>
 
 #include "simulator/system_error.h"
 
@@ -31,19 +28,30 @@ PseudoTerminal::PseudoTerminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CL
     cfmakeraw(&attributes);
     if (tcsetattr(device.get(), TCSANOW, &attributes) != 0) ThrowErrno("setting up " + device_path_);
   }
-  watch_ = UniqueFd(inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-  if (!watch_)
-    ThrowErrno("watching the serial port (a user has fs.inotify.max_user_instances boards at most)");
-  if (!WatchDevice()) ThrowErrno("watching " + device_path_);
+  changes_ = UniqueFd(epoll_create1(EPOLL_CLOEXEC));
+  if (!changes_) ThrowErrno("watching the serial port");
+  WatchMaster(EPOLL_CTL_ADD);
 }
 
 UniqueFd PseudoTerminal::OpenDevice() const {
   return UniqueFd(open(device_path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
 }
 
-bool PseudoTerminal::WatchDevice() {
-  watched_ = inotify_add_watch(watch(), device_path_.c_str(), IN_OPEN | IN_CLOSE);
-  return watched_ >= 0;
+void PseudoTerminal::WatchMaster(int operation) const {
+  epoll_event event{};
+  event.events = EPOLLIN | EPOLLET | (room_wanted_ ? EPOLLOUT : 0U);
+  if (epoll_ctl(changes(), operation, master(), &event) != 0) ThrowErrno("watching the serial port");
+}
+
+void PseudoTerminal::TakeChanges() const {
+  epoll_event event{};
+  epoll_wait(changes(), &event, 1, 0);
+}
+
+void PseudoTerminal::WantRoom(bool wanted) {
+  if (wanted == room_wanted_ || !master_) return;
+  room_wanted_ = wanted;
+  WatchMaster(EPOLL_CTL_MOD);
 }
 
 bool PseudoTerminal::IsOpenByHost() const {
@@ -51,46 +59,14 @@ bool PseudoTerminal::IsOpenByHost() const {
   return master_ && poll(&hang_up, 1, 0) == 0;
 }
 
-// The kernel merges equal events that follow one another, so the count of openers can fall short
-// of the truth; the hang-up state sets it right again.
-bool PseudoTerminal::TakeHostClose() {
-  bool closed = false;
-  alignas(inotify_event) std::array<char, 4096> buffer{};
-  ssize_t length = 0;
-  while ((length = read(watch(), buffer.data(), buffer.size())) > 0) {
-    for (std::size_t at = 0; at < static_cast<std::size_t>(length);) {
-      inotify_event event{};
-      std::memcpy(&event, buffer.data() + at, sizeof event);
-      at += sizeof event + event.len;
-      if (event.wd != watched_) continue;
-      if ((event.mask & IN_OPEN) != 0) ++openers_;
-      if ((event.mask & IN_CLOSE) != 0) {
-        openers_ = std::max(openers_ - 1, 0);
-        closed = closed || openers_ == 0;
-      }
-    }
-  }
-  if (IsOpenByHost()) {
-    openers_ = std::max(openers_, 1);
-  } else {
-    closed = closed || openers_ > 0;
-    openers_ = 0;
-  }
-  return closed;
-}
-
-// The watch is lifted meanwhile: it must not take this open for a program's. A process that has no
-// descriptor to spare keeps the bytes.
+// A process that has no descriptor to spare keeps the bytes.
 void PseudoTerminal::DiscardUnreadBytes() {
-  inotify_rm_watch(watch(), watched_);
   tcflush(OpenDevice().get(), TCIFLUSH);
-  WatchDevice();
 }
 
 void PseudoTerminal::Close() {
   master_.Reset();
-  watch_.Reset();
-  openers_ = 0;
+  changes_.Reset();
 }
 
 }  // namespace rolu_sim

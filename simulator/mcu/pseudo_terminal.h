@@ -6,24 +6,24 @@
 
 namespace rolu_sim {
 
-// A pseudo-terminal whose device is in raw mode, and a watch on who opens the device. No
-// descriptor of the device is held here, so a master that is hung up says that no program has the
-// device open; programs may open it again.
+// A pseudo-terminal whose device is in raw mode. No descriptor of the device is held here, so a master
+// that is hung up says that no program has the device open; programs may open it again.
 class PseudoTerminal {
  public:
   // Throws std::system_error.
   PseudoTerminal();
 
   int master() const { return master_.get(); }
-  // Readable when a program has opened or closed the device.
-  int watch() const { return watch_.get(); }
   const std::string& device_path() const { return device_path_; }
 
-  bool IsOpenByHost() const;
+  // Readable when bytes have come, when the last program has closed the device, and, where room is
+  // wanted, when there is some. TakeChanges first, then look: a change is told once. A hung-up master
+  // polled by itself would tell so all the time.
+  int changes() const { return changes_.get(); }
+  void TakeChanges() const;
+  void WantRoom(bool wanted);
 
-  // Takes what the watch has seen. True when, at some moment since the last call, the last program
-  // closed the device, whether or not another one has opened it since.
-  bool TakeHostClose();
+  bool IsOpenByHost() const;
 
   // Drops the bytes that no program has read.
   void DiscardUnreadBytes();
@@ -33,12 +33,11 @@ class PseudoTerminal {
 
  private:
   UniqueFd OpenDevice() const;
-  bool WatchDevice();
+  void WatchMaster(int operation) const;
 
   UniqueFd master_;
-  UniqueFd watch_;
-  int watched_ = -1;
-  int openers_ = 0;
+  UniqueFd changes_;
+  bool room_wanted_ = false;
   std::string device_path_;
 };
 

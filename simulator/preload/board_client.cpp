@@ -115,6 +115,13 @@ DeviceMessage RequestFor(DeviceRequest operation) {
   return message;
 }
 
+void Tell(DeviceRequest what) {
+  const int error = errno;
+  DeviceMessage message = RequestFor(what);
+  Call(message, {nullptr, 0}, {nullptr, 0});
+  errno = error;
+}
+
 uint64_t OpenBitsOf(int flags) {
   const int mode = flags & O_ACCMODE;
   uint64_t bits = 0;
@@ -174,10 +181,11 @@ int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument) {
 }
 
 void SettleDevices() {
-  const int error = errno;
-  DeviceMessage message = RequestFor(DeviceRequest::kSettle);
-  Call(message, {nullptr, 0}, {nullptr, 0});
-  errno = error;
+  Tell(DeviceRequest::kSettle);
+}
+
+void AnnounceSerialOpen() {
+  Tell(DeviceRequest::kSerialOpens);
 }
 
 int AskBoard(DeviceRequest question, const char* path, DeviceMessage& answer, void* buffer, size_t size) {

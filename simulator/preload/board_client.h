@@ -25,8 +25,13 @@ ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t of
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
 int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
 
-// Returns once the board knows of all closes so far. Keeps errno.
+// These keep errno.
+
+// Returns once the board knows of all closes so far.
 void SettleDevices();
+
+// What the MCU sent to the last program that had the serial port open is gone when this returns.
+void AnnounceSerialOpen();
 
 // Asks the board a question about a path or about itself. The answer's payload is cut to `size`.
 int AskBoard(DeviceRequest question, const char* path, DeviceMessage& answer, void* buffer, size_t size);

@@ -30,6 +30,7 @@ NextCall<CheckedOpenAtCall> next_openat64_2("__openat64_2");
 // Opens a path of the board; of a target other than kUntouched.
 int OpenOnBoard(Target target, const char* path, int flags) {
   if (target == Target::kSerialPort) {
+    AnnounceSerialOpen();
     return next_open.get()(PathInRoot(kSerialLinkName).get(), flags & ~O_CREAT);
   }
   if ((flags & O_DIRECTORY) != 0) {

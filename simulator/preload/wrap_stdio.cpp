@@ -57,6 +57,7 @@ FILE* OpenStream(NextCall<FopenCall>& next, const char* path, const char* mode) 
     case Target::kDevice:
       return OpenDeviceStream(path, mode);
     case Target::kSerialPort:
+      AnnounceSerialOpen();
       return next.get()(PathInRoot(kSerialLinkName).get(), mode);
     default:
       return next.get()(path, mode);

@@ -2,7 +2,11 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
+#include <pthread.h>
+#include <stdlib.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/utsname.h>
@@ -13,6 +17,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <iterator>
+#include <memory>
+#include <vector>
 
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
@@ -187,6 +193,16 @@ TEST_F(DeviceNodes, other_paths_pass_through) {
   EXPECT_EQ(status.st_size, 4);
 }
 
+TEST_F(DeviceNodes, a_program_finds_nothing_that_the_mcu_sent_to_the_one_before) {
+  for (int i = 0; i < 100; ++i) {
+    const UniqueFd port(open(kSerialPath, O_RDWR | O_NOCTTY | O_CLOEXEC));
+    pollfd waiting{port.get(), POLLIN, 0};
+    EXPECT_EQ(poll(&waiting, 1, 0), 0);
+    board_.mcu().SendRaw("unread\r\n");
+    EXPECT_EQ(poll(&waiting, 1, std::chrono::milliseconds(10s).count()), 1);
+  }
+}
+
 std::ptrdiff_t OpenDescriptors() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
                        std::filesystem::directory_iterator());
@@ -207,6 +223,36 @@ TEST(Board, is_gone_without_a_trace) {
   const int seen = access(kI2cBusPath, F_OK) == 0 ? 0 : errno;
   const int here = syscall(SYS_faccessat, AT_FDCWD, kI2cBusPath, F_OK) == 0 ? 0 : errno;
   EXPECT_EQ(seen, here) << "the board still answers";
+}
+
+// Whatever small number of some kernel object a user may have.
+TEST(Board, has_room_beside_two_hundred_others) {
+  constexpr int kBoards = 200;
+  rlimit descriptors{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &descriptors), 0);
+  const rlimit all_descriptors{descriptors.rlim_max, descriptors.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &all_descriptors), 0);
+  if (access("/dev/shm", W_OK) == 0)
+    setenv("TMPDIR", "/dev/shm", 1);  // a disk would take a second and a half
+  // Two threads each, in the address space of a 32-bit program.
+  pthread_attr_t small_stacks;
+  pthread_attr_t usual_stacks;
+  pthread_getattr_default_np(&usual_stacks);
+  pthread_attr_init(&small_stacks);
+  pthread_attr_setstacksize(&small_stacks, 1 << 20);
+  pthread_setattr_default_np(&small_stacks);
+
+  std::vector<std::unique_ptr<Board>> boards;
+  for (int i = 0; i < kBoards; ++i) boards.push_back(std::make_unique<Board>());
+  for (const auto& board : boards) {
+    const UniqueFd port(open(board->mcu().DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    ASSERT_EQ(write(port.get(), "MCVG\r", 5), 5);
+    char answer[8] = {};
+    EXPECT_GT(read(port.get(), answer, sizeof answer), 0);
+  }
+  boards.clear();
+  pthread_setattr_default_np(&usual_stacks);
+  setrlimit(RLIMIT_NOFILE, &descriptors);
 }
 
 }  // namespace

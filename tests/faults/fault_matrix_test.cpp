@@ -136,8 +136,7 @@ class Lane : public CallTable {
 };
 
 // Lanes are processes: the library is one for a process, and one command at a time waits for its
-// answer there. Each has a board, whose port is watched, and a user may have 128 watches (inotify): so a
-// test with many lanes counts as several where tests run at the same time.
+// answer there.
 constexpr size_t kSomeLanes = 4;
 constexpr size_t kManyLanes = 12;
 

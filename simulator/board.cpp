@@ -25,7 +25,7 @@ Board::Board(BoardOptions options)
       backlight_(std::make_shared<Backlight>()),
       light_sensor_(std::make_shared<TextAttribute>(kIndoorLight)),
       wireless_(root_),
-      devices_(root_.DeviceSocketPath(), std::move(options.kernel), [this] { mcu_.FollowPrograms(); }),
+      devices_(root_, std::move(options.kernel), [this] { mcu_.FollowPrograms(); }),
       gpio_(devices_) {
   i2c_->Attach(ResetController::kAddress, reset_controller_);
   i2c_->Attach(kRegisterDeviceAddress, register_device_);

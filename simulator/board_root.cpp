@@ -1,17 +1,20 @@
 #include "simulator/board_root.h"
 
+#include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
 #include "simulator/devices/board_paths.h"
 #include "simulator/system_error.h"
+#include "simulator/unique_fd.h"
 
 namespace rolu_sim {
 namespace {
@@ -34,12 +37,29 @@ constexpr std::array<Part, 7> kParts = {{{kSerialLinkName, std::filesystem::file
                                          {"/control", std::filesystem::file_type::socket},
                                          {"/wlan0-up", std::filesystem::file_type::regular}}};
 
+// Without symbolic links: a program's working directory may be in it, and is compared with it.
 std::string ParentDirectory() {
   const char* const configured = getenv("TMPDIR");
-  if (configured == nullptr || *configured != '/' || std::string_view(configured).size() > kMaxParentLength) {
-    return "/tmp";
+  if (configured == nullptr || *configured != '/') return "/tmp";
+  const std::string directory = std::filesystem::weakly_canonical(configured);
+  return directory.size() > kMaxParentLength ? "/tmp" : directory;
+}
+
+// Of the directories that are shown.
+bool IsShown(const std::string& name, const std::filesystem::directory_entry& entry) {
+  const bool is_within = name == kShownDirectory || name.rfind(kShownDirectory + std::string("/"), 0) == 0;
+  const std::filesystem::file_status status = entry.symlink_status();
+  return is_within && (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
+}
+
+// By whole paths, one after the other: in a board's own process a removal from within a directory would
+// ask that board.
+void RemoveShown(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    for (const auto& entry : std::filesystem::directory_iterator(path, ignored)) RemoveShown(entry.path());
   }
-  return configured;
+  std::filesystem::remove(path, ignored);
 }
 
 }  // namespace
@@ -70,13 +90,14 @@ bool BoardRoot::HoldsOnlyParts(const std::string& directory) {
   const std::filesystem::recursive_directory_iterator entries(directory);
   return std::all_of(begin(entries), end(entries), [&](const std::filesystem::directory_entry& entry) {
     const std::string name = entry.path().string().substr(directory.size());
-    return std::any_of(kParts.begin(), kParts.end(), [&](const Part& part) {
-      return part.name == name && part.type == entry.symlink_status().type();
-    });
+    return IsShown(name, entry) || std::any_of(kParts.begin(), kParts.end(), [&](const Part& part) {
+             return part.name == name && part.type == entry.symlink_status().type();
+           });
   });
 }
 
 void BoardRoot::RemoveParts(const std::string& directory) {
+  RemoveShown(directory + kShownDirectory);
   std::error_code ignored;
   for (const Part& part : kParts) std::filesystem::remove(directory + part.name, ignored);
 }
@@ -91,6 +112,24 @@ std::string BoardRoot::CommandDirectory() const {
 
 std::string BoardRoot::DeviceSocketPath() const {
   return path_ + kDeviceSocketName;
+}
+
+bool BoardRoot::ShowDirectory(const std::string& path, const Entries& entries) const {
+  const std::filesystem::path directory = path_ + kShownDirectory + path;
+  std::error_code failed;
+  std::filesystem::create_directories(directory, failed);
+  for (const auto& shown : std::filesystem::directory_iterator(directory, failed)) {
+    if (entries.count(shown.path().filename()) == 0) RemoveShown(shown.path());
+  }
+  for (const auto& [name, is_directory] : entries) {
+    if (failed) break;
+    if (is_directory) {
+      std::filesystem::create_directory(directory / name, failed);
+    } else if (!UniqueFd(open((directory / name).c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0644))) {
+      failed = std::error_code(errno, std::generic_category());
+    }
+  }
+  return !failed;
 }
 
 void BoardRoot::LinkSerialPort(const std::string& device_path) const {

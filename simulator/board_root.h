@@ -3,13 +3,15 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <map>
 #include <string>
 
 namespace rolu_sim {
 
 // The directory that holds what the board shows: proc/vpm_serial (a link to the MCU's port), bin/
-// (commands that stand in for the system's) and sockets. A private one is removed with everything in
-// it on destruction, by the process that made it and no other; in a named one only the board's parts are.
+// (commands that stand in for the system's), shown/ (the board's directories) and sockets. A private one is
+// removed with everything in it on destruction, by the process that made it and no other; in a named one only
+// the board's parts are.
 class BoardRoot {
  public:
   // The longest path of a directory in which the sockets' paths fit the system's limit.
@@ -30,6 +32,10 @@ class BoardRoot {
   // Replaces or removes the link to the MCU's port.
   void LinkSerialPort(const std::string& device_path) const;
   void UnlinkSerialPort() const;
+
+  // Shows a directory with these entries and no others. False when the system refuses it.
+  using Entries = std::map<std::string, bool>;  // by name: whether it is a directory
+  bool ShowDirectory(const std::string& path, const Entries& entries) const;
 
   // What a board has put into a directory: whether nothing else is there, and its removal, which leaves
   // all else as it is.

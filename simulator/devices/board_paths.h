@@ -5,7 +5,8 @@
 namespace rolu_sim {
 
 // The paths of the board's hardware, all that the preloaded object redirects. The serial port is a
-// path inside the board root; the others are nodes that the board's device server answers for.
+// path inside the board root; the others are nodes that the board's device server answers for, and the
+// directories that hold nothing but such nodes.
 inline constexpr char kSerialPath[] = "/proc/vpm_serial";
 inline constexpr char kI2cBusPath[] = "/dev/i2c-3";
 inline constexpr char kGpioExportPath[] = "/sys/class/gpio/export";
@@ -30,8 +31,17 @@ inline constexpr std::array<const char*, 14> kDevicePaths = {
     kLuxPath,
 };
 
-// Names inside the board root.
+// /dev, /proc and the upper directories of /sys are the system's, and do not list what is the board's.
+inline constexpr std::array<const char*, 3> kBoardDirectories = {
+    "/sys/class/gpio",
+    "/sys/devices/omapdss",
+    "/sys/devices/platform/ehci-omap.0",
+};
+
+// Names inside the board root. The last is where the board's directories are shown, with an empty file for
+// each node: what a program sees that lists one.
 inline constexpr char kSerialLinkName[] = "/proc/vpm_serial";
 inline constexpr char kDeviceSocketName[] = "/devices";
+inline constexpr char kShownDirectory[] = "/shown";
 
 }  // namespace rolu_sim

@@ -24,6 +24,7 @@ enum class DeviceRequest : std::uint32_t {
   kSettle,  // answered once all that came before is done, also what no request tells: closes
   kStat,    // payload: path. Answer: argument is a NodeKind, request the permissions, descriptor the inode
   kStatDescriptor,  // descriptor. Answer as that of kStat
+  kShow,            // payload: path of a directory or node. It is there below the board root when answered
   kSerialOpens,     // a program is about to open the serial port
   kUname,           // answer: payload is machine, release and version, each ended by a NUL
 };

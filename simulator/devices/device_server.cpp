@@ -87,9 +87,11 @@ struct DeviceServer::Descriptor {
   std::uint64_t position = 0;
 };
 
-DeviceServer::DeviceServer(const std::string& socket_path, KernelIdentity kernel,
-                           std::function<void()> on_serial_open)
-    : kernel_(std::move(kernel)), on_serial_open_(std::move(on_serial_open)), listener_(Listen(socket_path)) {
+DeviceServer::DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open)
+    : root_(root),
+      kernel_(std::move(kernel)),
+      on_serial_open_(std::move(on_serial_open)),
+      listener_(Listen(root.DeviceSocketPath())) {
   const BlockedSignals blocked;
   thread_ = std::thread([this] { Run(); });
 }
@@ -231,6 +233,9 @@ DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::stri
     case DeviceRequest::kStat:
       answer.result = Stat(payload, answer);
       break;
+    case DeviceRequest::kShow:
+      answer.result = Show(payload);
+      break;
     case DeviceRequest::kSerialOpens:
       on_serial_open_();
       break;
@@ -344,10 +349,38 @@ void DeviceServer::Close(const Descriptor& descriptor) {
 }
 
 DeviceResult DeviceServer::Stat(const std::string& path, DeviceMessage& answer) const {
+  if (!IsThere(path)) return -ENOENT;
   const Node node = FindNode(path);
-  if (node.device == nullptr || FaultsOf(path).missing) return -ENOENT;
   Describe(node.device->Stat(), node.inode, answer);
   return 0;
+}
+
+DeviceResult DeviceServer::Show(const std::string& path) const {
+  const std::string parent = path.substr(0, path.rfind('/'));
+  const bool is_node = IsThere(path);
+  const BoardRoot::Entries entries = EntriesOf(is_node ? parent : path);
+  if (entries.empty()) return -ENOENT;
+  return root_.ShowDirectory(is_node ? parent : path, entries) ? 0 : -EIO;
+}
+
+bool DeviceServer::IsThere(const std::string& path) const {
+  return FindNode(path).device != nullptr && !FaultsOf(path).missing;
+}
+
+BoardRoot::Entries DeviceServer::EntriesOf(const std::string& directory) const {
+  const std::string start = directory + '/';
+  std::vector<std::string> paths;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const auto& [path, node] : nodes_) paths.push_back(path);
+  }
+  BoardRoot::Entries entries;
+  for (const std::string& path : paths) {
+    if (path.compare(0, start.size(), start) != 0 || !IsThere(path)) continue;
+    const std::size_t end = path.find('/', start.size());
+    entries[path.substr(start.size(), end - start.size())] = end != std::string::npos;
+  }
+  return entries;
 }
 
 DeviceServer::Node DeviceServer::FindNode(const std::string& path) const {

@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "simulator/board_root.h"
 #include "simulator/devices/device.h"
 #include "simulator/devices/device_protocol.h"
 #include "simulator/unique_fd.h"
@@ -61,9 +62,9 @@ class DeviceServer {
  public:
   static constexpr std::size_t kLogCapacity = 65536;
 
-  // Listens at `socket_path` from the start. Calls `on_serial_open` from its thread each time before a
-  // program opens the serial port, which it does not serve itself.
-  DeviceServer(const std::string& socket_path, KernelIdentity kernel, std::function<void()> on_serial_open);
+  // Listens in the board root from the start, and shows its directories there. Calls `on_serial_open` from
+  // its thread each time before a program opens the serial port, which it does not serve itself.
+  DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
   ~DeviceServer();
   DeviceServer(const DeviceServer&) = delete;
   DeviceServer& operator=(const DeviceServer&) = delete;
@@ -110,12 +111,16 @@ class DeviceServer {
   DeviceResult Ioctl(Descriptor& descriptor, std::uint32_t request, std::uint64_t argument);
   void Close(const Descriptor& descriptor);
   DeviceResult Stat(const std::string& path, DeviceMessage& answer) const;
+  DeviceResult Show(const std::string& path) const;
 
+  bool IsThere(const std::string& path) const;
+  BoardRoot::Entries EntriesOf(const std::string& directory) const;
   // A node without a device when there is none.
   Node FindNode(const std::string& path) const;
   DeviceFaults FaultsOf(const std::string& path) const;
   void Record(DeviceAccess access);
 
+  const BoardRoot& root_;
   const KernelIdentity kernel_;
   const std::function<void()> on_serial_open_;
   UniqueFd listener_;

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 
-#include "simulator/devices/board_paths.h"
 #include "simulator/preload/descriptor_table.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/node_stat.h"
@@ -22,14 +21,16 @@ using StatAtCall = int (*)(int, const char*, Record*, int);
 template <typename Record>
 int StatPath(NextCall<StatCall<Record>>& next, NextCall<StatCall<Record>>& following, const char* path,
              Record* record) {
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return StatNode(path, record);
-    case Target::kSerialPort:
-      return following.get()(PathInRoot(kSerialLinkName).get(), record);
-    default:
-      return next.get()(path, record);
-  }
+  Place place(path);
+  if (place.target() == Target::kDevice) return StatNode(place.board_path(), record);
+  const char* const system_path = place.SystemPath();
+  if (system_path == nullptr) return -1;
+  return (place.target() == Target::kSerialPort ? following : next).get()(system_path, record);
+}
+
+// The flags for a call about the place itself.
+inline int FlagsFor(const Place& place, int flags) {
+  return place.target() == Target::kSerialPort ? flags & ~AT_SYMLINK_NOFOLLOW : flags;
 }
 
 // fstatat and statx take a descriptor by itself as well.
@@ -47,14 +48,11 @@ template <typename Record>
 int StatPathAt(NextCall<StatAtCall<Record>>& next, int directory, const char* path, Record* record,
                int flags) {
   if (const DeviceId device = DeviceNamedBy(directory, path, flags)) return StatNode(device, record);
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return StatNode(path, record);
-    case Target::kSerialPort:
-      return next.get()(directory, PathInRoot(kSerialLinkName).get(), record, flags & ~AT_SYMLINK_NOFOLLOW);
-    default:
-      return next.get()(directory, path, record, flags);
-  }
+  Place place(path, directory);
+  if (place.target() == Target::kDevice) return StatNode(place.board_path(), record);
+  const char* const system_path = place.SystemPath();
+  if (system_path == nullptr) return -1;
+  return next.get()(directory, system_path, record, FlagsFor(place, flags));
 }
 
 }  // namespace rolu_sim

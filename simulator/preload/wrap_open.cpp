@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <stdarg.h>
 
-#include "simulator/devices/board_paths.h"
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/exported.h"
 #include "simulator/preload/next_call.h"
@@ -27,17 +26,19 @@ NextCall<CheckedOpenCall> next_open64_2("__open64_2");
 NextCall<CheckedOpenAtCall> next_openat_2("__openat_2");
 NextCall<CheckedOpenAtCall> next_openat64_2("__openat64_2");
 
+// What the board has is there or not: no flag makes a file of it.
+constexpr int kMaking = O_CREAT | O_EXCL;
+
 // Opens a path of the board; of a target other than kUntouched.
-int OpenOnBoard(Target target, const char* path, int flags) {
-  if (target == Target::kSerialPort) {
-    AnnounceSerialOpen();
-    return next_open.get()(PathInRoot(kSerialLinkName).get(), flags & ~O_CREAT);
-  }
-  if ((flags & O_DIRECTORY) != 0) {
+int OpenOnBoard(Place& place, int flags) {
+  if (place.target() == Target::kDevice) {
+    if ((flags & O_DIRECTORY) == 0) return OpenDeviceNode(place.board_path(), flags);
     errno = ENOTDIR;
     return -1;
   }
-  return OpenDeviceNode(path, flags);
+  if (place.target() == Target::kSerialPort) AnnounceSerialOpen();
+  const char* const path = place.SystemPath();
+  return path == nullptr ? -1 : next_open.get()(path, flags & ~kMaking);
 }
 
 bool TakesMode(int flags) {
@@ -46,25 +47,27 @@ bool TakesMode(int flags) {
 
 // A callee that does not look at the mode takes any.
 int Open(NextCall<OpenCall>& next, const char* path, int flags, mode_t mode) {
-  const Target target = TargetOf(path);
-  if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
-  return next.get()(path, flags, mode);
+  Place place(path);
+  if (place.target() != Target::kUntouched) return OpenOnBoard(place, flags);
+  return next.get()(place.SystemPath(), flags, mode);
 }
 
 int OpenAt(NextCall<OpenAtCall>& next, int directory, const char* path, int flags, mode_t mode) {
-  const Target target = TargetOf(path);
-  if (target != Target::kUntouched) return OpenOnBoard(target, path, flags);
-  return next.get()(directory, path, flags, mode);
+  Place place(path, directory);
+  if (place.target() != Target::kUntouched) return OpenOnBoard(place, flags);
+  return next.get()(directory, place.SystemPath(), flags, mode);
 }
 
 int OpenChecked(NextCall<CheckedOpenCall>& next, const char* path, int flags) {
-  const Target target = TargetOf(path);
-  return target == Target::kUntouched ? next.get()(path, flags) : OpenOnBoard(target, path, flags);
+  Place place(path);
+  if (place.target() != Target::kUntouched) return OpenOnBoard(place, flags);
+  return next.get()(place.SystemPath(), flags);
 }
 
 int OpenAtChecked(NextCall<CheckedOpenAtCall>& next, int directory, const char* path, int flags) {
-  const Target target = TargetOf(path);
-  return target == Target::kUntouched ? next.get()(directory, path, flags) : OpenOnBoard(target, path, flags);
+  Place place(path, directory);
+  if (place.target() != Target::kUntouched) return OpenOnBoard(place, flags);
+  return next.get()(directory, place.SystemPath(), flags);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "simulator/devices/board_paths.h"
 #include "simulator/preload/exported.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/node_stat.h"
@@ -14,6 +13,8 @@
 
 namespace rolu_sim {
 namespace {
+
+using AccessCall = int (*)(const char*, int);
 
 NextCall<StatCall<struct stat>> next_stat("stat");
 NextCall<StatCall<struct stat64>> next_stat64("stat64");
@@ -24,7 +25,8 @@ NextCall<StatDescriptorCall<struct stat64>> next_fstat64("fstat64");
 NextCall<StatAtCall<struct stat>> next_fstatat("fstatat");
 NextCall<StatAtCall<struct stat64>> next_fstatat64("fstatat64");
 NextCall<int (*)(int, const char*, int, unsigned, struct statx*)> next_statx("statx");
-NextCall<int (*)(const char*, int)> next_access("access");
+NextCall<AccessCall> next_access("access");
+NextCall<AccessCall> next_euidaccess("euidaccess");
 NextCall<int (*)(int, const char*, int, int)> next_faccessat("faccessat");
 
 template <typename Node>
@@ -52,12 +54,18 @@ int AccessNode(const char* path, int mode) {
   return -1;
 }
 
+int Access(NextCall<AccessCall>& next, const char* path, int mode) {
+  Place place(path);
+  if (place.target() == Target::kDevice) return AccessNode(place.board_path(), mode);
+  const char* const system_path = place.SystemPath();
+  return system_path == nullptr ? -1 : next.get()(system_path, mode);
+}
+
 }  // namespace
 }  // namespace rolu_sim
 
-using rolu_sim::PathInRoot;
+using rolu_sim::Place;
 using rolu_sim::Target;
-using rolu_sim::TargetOf;
 
 extern "C" {
 
@@ -98,38 +106,31 @@ ROLU_SIM_EXPORTED int statx(int directory, const char* path, int flags, unsigned
   if (const rolu_sim::DeviceId device = rolu_sim::DeviceNamedBy(directory, path, flags)) {
     return rolu_sim::StatxNode(device, record);
   }
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return rolu_sim::StatxNode(path, record);
-    case Target::kSerialPort:
-      return rolu_sim::next_statx.get()(directory, PathInRoot(rolu_sim::kSerialLinkName).get(),
-                                        flags & ~AT_SYMLINK_NOFOLLOW, mask, record);
-    default:
-      return rolu_sim::next_statx.get()(directory, path, flags, mask, record);
-  }
+  Place place(path, directory);
+  if (place.target() == Target::kDevice) return rolu_sim::StatxNode(place.board_path(), record);
+  const char* const system_path = place.SystemPath();
+  if (system_path == nullptr) return -1;
+  return rolu_sim::next_statx.get()(directory, system_path, rolu_sim::FlagsFor(place, flags), mask, record);
 }
 
 ROLU_SIM_EXPORTED int access(const char* path, int mode) noexcept {
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return rolu_sim::AccessNode(path, mode);
-    case Target::kSerialPort:
-      return rolu_sim::next_access.get()(PathInRoot(rolu_sim::kSerialLinkName).get(), mode);
-    default:
-      return rolu_sim::next_access.get()(path, mode);
-  }
+  return rolu_sim::Access(rolu_sim::next_access, path, mode);
+}
+
+ROLU_SIM_EXPORTED int euidaccess(const char* path, int mode) noexcept {
+  return rolu_sim::Access(rolu_sim::next_euidaccess, path, mode);
+}
+
+ROLU_SIM_EXPORTED int eaccess(const char* path, int mode) noexcept {
+  return rolu_sim::Access(rolu_sim::next_euidaccess, path, mode);
 }
 
 ROLU_SIM_EXPORTED int faccessat(int directory, const char* path, int mode, int flags) noexcept {
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return rolu_sim::AccessNode(path, mode);
-    case Target::kSerialPort:
-      return rolu_sim::next_faccessat.get()(directory, PathInRoot(rolu_sim::kSerialLinkName).get(), mode,
-                                            flags & ~AT_SYMLINK_NOFOLLOW);
-    default:
-      return rolu_sim::next_faccessat.get()(directory, path, mode, flags);
-  }
+  Place place(path, directory);
+  if (place.target() == Target::kDevice) return rolu_sim::AccessNode(place.board_path(), mode);
+  const char* const system_path = place.SystemPath();
+  if (system_path == nullptr) return -1;
+  return rolu_sim::next_faccessat.get()(directory, system_path, mode, rolu_sim::FlagsFor(place, flags));
 }
 
 // What the calls were in programs that were linked before glibc 2.33. The version names the layout of

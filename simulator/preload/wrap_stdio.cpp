@@ -6,7 +6,6 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "simulator/devices/board_paths.h"
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/descriptor_table.h"
 #include "simulator/preload/exported.h"
@@ -53,15 +52,11 @@ FILE* OpenDeviceStream(const char* path, const char* mode) {
 }
 
 FILE* OpenStream(NextCall<FopenCall>& next, const char* path, const char* mode) {
-  switch (TargetOf(path)) {
-    case Target::kDevice:
-      return OpenDeviceStream(path, mode);
-    case Target::kSerialPort:
-      AnnounceSerialOpen();
-      return next.get()(PathInRoot(kSerialLinkName).get(), mode);
-    default:
-      return next.get()(path, mode);
-  }
+  Place place(path);
+  if (place.target() == Target::kDevice) return OpenDeviceStream(place.board_path(), mode);
+  if (place.target() == Target::kSerialPort) AnnounceSerialOpen();
+  const char* const system_path = place.SystemPath();
+  return system_path == nullptr ? nullptr : next.get()(system_path, mode);
 }
 
 // The C library gives none for a stream with functions of its own.

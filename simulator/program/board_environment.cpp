@@ -56,7 +56,8 @@ std::string BoardDirectory(const std::string& named) {
   const char* const met = getenv(kRootVariable);
   if (named.empty() && met != nullptr && *met != '\0') return met;
   if (named.empty()) throw UsageError("which board? Name its directory with --board DIR");
-  std::string directory = std::filesystem::absolute(named).lexically_normal().string();
+  // Without symbolic links: programs on the board compare it with their working directory.
+  std::string directory = std::filesystem::weakly_canonical(std::filesystem::absolute(named)).string();
   while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
   return directory;
 }

@@ -1,5 +1,6 @@
 // A program's calls on the board's paths, compiled as distributions compile programs (fortified).
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <poll.h>
@@ -18,6 +19,8 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "simulator/board.h"
@@ -152,6 +155,50 @@ TEST_F(DeviceNodes, stat_and_access_tell_what_is_there) {
   EXPECT_EQ(access(kI2cBusPath, R_OK | W_OK), 0);
   EXPECT_EQ(access(kLuxPath, F_OK), -1);
   EXPECT_EQ(errno, ENOENT);
+}
+
+std::set<std::string> ScannedNames(const char* directory) {
+  dirent** entries = nullptr;
+  const int count = scandir(directory, &entries, nullptr, alphasort);
+  std::set<std::string> names;
+  for (int i = 0; i < count; ++i) {
+    names.insert(entries[i]->d_name);
+    free(entries[i]);
+  }
+  free(entries);
+  return names;
+}
+
+TEST_F(DeviceNodes, directories_show_what_is_there_now) {
+  const std::string lines = "/sys/class/gpio/gpio45";
+  EXPECT_THAT(ScannedNames("/sys/class/gpio"), ElementsAre(".", "..", "export"));
+  EXPECT_EQ(opendir(lines.c_str()), nullptr);
+  const UniqueFd exporting(open(kGpioExportPath, O_WRONLY | O_CLOEXEC));
+  ASSERT_EQ(write(exporting.get(), "45", 2), 2);
+  EXPECT_THAT(ScannedNames(lines.c_str()), ElementsAre(".", "..", "direction", "value"));
+  DeviceFaults faults;
+  faults.missing = true;
+  board_.devices().SetFaults(lines + "/value", faults);
+  EXPECT_THAT(ScannedNames(lines.c_str()), ElementsAre(".", "..", "direction"));
+  board_.devices().SetFaults(lines + "/direction", faults);
+  EXPECT_THAT(ScannedNames("/sys/class/gpio"), ElementsAre(".", "..", "export"));
+}
+
+TEST_F(DeviceNodes, paths_are_taken_as_the_system_takes_them) {
+  char path[PATH_MAX];
+  EXPECT_STREQ(realpath("/sys//class/./gpio/../gpio/export", path), kGpioExportPath);
+  EXPECT_EQ(realpath("/sys/class/gpio/gpio45", path), nullptr);
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(readlink(kI2cBusPath, path, sizeof path), -1);
+  EXPECT_EQ(errno, EINVAL);
+  const UniqueFd before(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+  ASSERT_EQ(chdir("/sys/class/gpio"), 0);
+  EXPECT_STREQ(getcwd(path, sizeof path), "/sys/class/gpio");
+  EXPECT_EQ(access("export", W_OK), 0);
+  EXPECT_TRUE(UniqueFd(open("export", O_WRONLY | O_CLOEXEC)));
+  struct stat status {};
+  EXPECT_EQ(stat("../../class", &status), 0);
+  EXPECT_EQ(fchdir(before.get()), 0);
 }
 
 TEST_F(DeviceNodes, a_child_that_closes_an_inherited_node_leaves_it_open) {

@@ -56,6 +56,7 @@ with tempfile.TemporaryDirectory() as directory:
 assert stat.S_ISREG(os.stat(LUX).st_mode) and os.access(LUX, os.R_OK)
 refuses(errno.EACCES, write, LUX, "1")
 
+is_("what no program has exported", os.listdir(GPIO), ["export"])
 refuses(errno.ENOENT, text_of, GPIO + "/gpio37/value")
 write(GPIO + "/export", "37")
 refuses(errno.EBUSY, write, GPIO + "/export", "37")
@@ -66,6 +67,16 @@ is_("a low line", os.pread(value, 8, 0), b"0\n")
 write(GPIO + "/gpio37/value", "1")
 is_("a line that went high", os.pread(value, 8, 0), b"1\n")
 os.close(value)
+is_("files", sorted(entry.path for entry in os.scandir(GPIO + "/gpio37") if entry.is_file()),
+    [GPIO + "/gpio37/direction", GPIO + "/gpio37/value"])
+is_("directories", [path for path, _, _ in os.walk(GPIO)], [GPIO, GPIO + "/gpio37"])
+directory = os.open(GPIO, os.O_RDONLY | os.O_DIRECTORY)
+with open(os.open("gpio37/value", os.O_RDONLY, dir_fd=directory)) as file:
+    is_("a file of an open directory", file.read(), "1\n")
+os.chdir(GPIO)
+is_("the working directory", os.getcwd(), GPIO)
+is_("a path from there", os.path.realpath("gpio37/value"), GPIO + "/gpio37/value")
+os.chdir("/")
 
 bus = os.open(I2C, os.O_RDWR)
 assert stat.S_ISCHR(os.fstat(bus).st_mode)

@@ -45,12 +45,23 @@ is "and the next is at the end" "$(cat <&7)" ""
 exec 7<&-
 succeeds "cp $lux $work/copy" && is "cp" "$(cat "$work/copy")" 350
 
+is "ls, of what no program has exported" "$(ls -m $gpio)" export
+refuses "[ -e $gpio/gpio37 ]"
 refuses "echo out > $gpio/gpio37/direction"
 succeeds "echo 37 > $gpio/export"
 refuses "echo 37 > $gpio/export"
 succeeds "echo out > $gpio/gpio37/direction"
 succeeds "echo 1 > $gpio/gpio37/value"
 is "the line's level" "$(cat $gpio/gpio37/value)" 1
+is "ls" "$(ls -m $gpio)" "export, gpio37"
+is "ls -l" "$(ls -lR $gpio $lux /dev/i2c-3 /proc/vpm_serial 2>&1 > /dev/null)" ""
+is "a pattern" "$(echo $gpio/gpio*/value)" $gpio/gpio37/value
+is "find" "$(find /sys/devices/omapdss -type f)" $backlight
+is "realpath" "$(realpath $gpio//gpio37/../gpio37)" $gpio/gpio37
+is "work in a directory" "$(cd $gpio/gpio37 && echo 0 > value && cat ../gpio37/value && /bin/pwd)" \
+  "$(printf '0\n%s' $gpio/gpio37)"
+succeeds "[ -d $gpio/gpio37 ] && [ -w $gpio/gpio37/value ]"
+refuses "cd $gpio/gpio36"
 
 exec 3<> /dev/i2c-3 && refuses "printf x >&3" # the bus needs an address first
 exec 3>&-

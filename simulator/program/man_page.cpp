@@ -113,6 +113,40 @@ and
 .fi
 )";
 
+constexpr char kLimitsHelp[] = R"(Programs that are statically linked or set\-user\-ID, raw system calls, and
+.BR glob (3),
+.BR ftw (3),
+.BR fts (3)
+and
+.BR freopen (3)
+of the C library do not see the board. What such a program writes to a descriptor that it inherited is taken, but
+it does not hear of a refusal; what it reads from one is at its end at once.
+.PP
+Every other program may open, duplicate, inherit and list the board's files as on the board, except that
+.IP \(bu 2
+the files that the library uses are there and no others: no
+.IR unexport ,
+no
+.IR uevent ;
+.IP \(bu
+.IR /dev ,
+.I /proc
+and the directories above
+.IR /sys/class/gpio ,
+.I /sys/devices/omapdss
+and
+.I /sys/devices/platform/ehci\-omap.0
+are your system's, and do not list what the board has in them;
+.IP \(bu
+.IR /dev/stdin ,
+.I /dev/fd
+and
+.I /proc/self/fd
+do not open a device once more (ENXIO);
+.IP \(bu
+an I2C bus takes an address, reads and writes; combined and SMBus transfers are refused (ENOTTY).
+)";
+
 }  // namespace
 
 std::string ManPage(const CLI::App& app) {
@@ -128,9 +162,7 @@ std::string ManPage(const CLI::App& app) {
   text += ".SH ENVIRONMENT\n";
   text += Item("ROLU_SIM_ROOT", "The directory of the board that a program meets; run and join set it.");
   text += Item("TMPDIR", "Where run makes the board's directory, if the path is short enough; else /tmp.");
-  text +=
-      ".SH LIMITS\nPrograms that are statically linked or set\\-user\\-ID, and raw system calls, do not see "
-      "the board.\n";
+  text += std::string(".SH LIMITS\n") + kLimitsHelp;
   return text;
 }
 

@@ -1,8 +1,12 @@
 #include "simulator/devices/attribute.h"
 
+#include <unistd.h>
+
 #include <charconv>
 #include <optional>
 #include <system_error>
+
+#include "simulator/devices/device_protocol.h"
 
 namespace rolu_sim {
 namespace {
@@ -30,6 +34,30 @@ class Attribute::Descriptor : public OpenDevice {
     if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
     const DeviceResult result = attribute_.Store(text);
     return result < 0 ? result : static_cast<DeviceResult>(bytes.size());
+  }
+
+  // As in a file of an attribute's size that is all data.
+  DeviceResult Seek(std::uint32_t whence, std::int64_t offset, std::uint64_t& position) override {
+    switch (whence) {
+      case SEEK_SET:
+        break;
+      case SEEK_CUR:
+        offset += static_cast<std::int64_t>(position);
+        break;
+      case SEEK_END:
+        offset += kAttributeSize;
+        break;
+      case SEEK_DATA:
+      case SEEK_HOLE:
+        if (offset < 0 || offset >= kAttributeSize) return -ENXIO;
+        if (whence == SEEK_HOLE) offset = kAttributeSize;
+        break;
+      default:
+        return -EINVAL;
+    }
+    if (offset < 0) return -EINVAL;
+    position = static_cast<std::uint64_t>(offset);
+    return 0;
   }
 
  private:

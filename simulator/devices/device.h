@@ -35,6 +35,8 @@ class OpenDevice {
   // where in its text an attribute is read.
   virtual DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t offset);
   virtual DeviceResult Write(std::string_view bytes);
+  // `whence` and `offset` are those of lseek; moves the position unless it fails.
+  virtual DeviceResult Seek(std::uint32_t whence, std::int64_t offset, std::uint64_t& position);
   // Requests take a number as their argument; none of the board's take a pointer.
   virtual DeviceResult Ioctl(std::uint32_t request, std::uint64_t argument);
 };

@@ -4,7 +4,6 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -47,32 +46,6 @@ void Describe(const NodeStat& stat, std::uint64_t inode, DeviceMessage& answer) 
   answer.argument = static_cast<std::uint64_t>(stat.kind);
   answer.request = stat.permissions;
   answer.descriptor = inode;
-}
-
-// As the kernel's generic_file_llseek on a file of an attribute's size, which is all data.
-DeviceResult Seek(const NodeStat& stat, const DeviceMessage& request, std::uint64_t& position) {
-  if (stat.kind != NodeKind::kAttribute) return -ESPIPE;
-  auto offset = static_cast<std::int64_t>(request.argument);
-  switch (request.request) {
-    case SEEK_SET:
-      break;
-    case SEEK_CUR:
-      offset += static_cast<std::int64_t>(position);
-      break;
-    case SEEK_END:
-      offset += kAttributeSize;
-      break;
-    case SEEK_DATA:
-    case SEEK_HOLE:
-      if (offset < 0 || offset >= kAttributeSize) return -ENXIO;
-      if (request.request == SEEK_HOLE) offset = kAttributeSize;
-      break;
-    default:
-      return -EINVAL;
-  }
-  if (offset < 0) return -EINVAL;
-  position = static_cast<std::uint64_t>(offset);
-  return 0;
 }
 
 }  // namespace
@@ -267,7 +240,8 @@ DeviceMessage DeviceServer::AnswerFor(Descriptor& descriptor, const DeviceMessag
       answer.result = Write(descriptor, payload, request.argument);
       break;
     case DeviceRequest::kSeek:
-      answer.result = Seek(descriptor.node.device->Stat(), request, descriptor.position);
+      answer.result = descriptor.device->Seek(request.request, static_cast<std::int64_t>(request.argument),
+                                              descriptor.position);
       answer.argument = descriptor.position;
       break;
     case DeviceRequest::kIoctl:

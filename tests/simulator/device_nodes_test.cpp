@@ -157,9 +157,10 @@ TEST_F(DeviceNodes, stat_and_access_tell_what_is_there) {
   EXPECT_EQ(errno, ENOENT);
 }
 
+// The emulator has no room for a disk's directory offsets in the 32-bit records.
 std::set<std::string> ScannedNames(const char* directory) {
-  dirent** entries = nullptr;
-  const int count = scandir(directory, &entries, nullptr, alphasort);
+  dirent64** entries = nullptr;
+  const int count = scandir64(directory, &entries, nullptr, alphasort64);
   std::set<std::string> names;
   for (int i = 0; i < count; ++i) {
     names.insert(entries[i]->d_name);

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "simulator/devices/board_paths.h"
 #include "simulator/system_error.h"
@@ -52,14 +53,19 @@ bool IsShown(const std::string& name, const std::filesystem::directory_entry& en
   return is_within && (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
 }
 
-// By whole paths, one after the other: in a board's own process a removal from within a directory would
-// ask that board.
+// By whole paths, the deepest first: in a board's own process a removal from within a directory would ask
+// that board.
 void RemoveShown(const std::filesystem::path& path) {
   std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    for (const auto& entry : std::filesystem::directory_iterator(path, ignored)) RemoveShown(entry.path());
+  std::vector<std::filesystem::path> paths = {path};
+  for (std::size_t next = 0; next < paths.size(); ++next) {
+    if (!std::filesystem::is_directory(paths[next], ignored)) continue;
+    for (const auto& entry : std::filesystem::directory_iterator(paths[next], ignored))
+      paths.push_back(entry);
   }
-  std::filesystem::remove(path, ignored);
+  for (auto deepest = paths.rbegin(); deepest != paths.rend(); ++deepest) {
+    std::filesystem::remove(*deepest, ignored);
+  }
 }
 
 }  // namespace

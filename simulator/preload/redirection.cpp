@@ -59,10 +59,9 @@ const char* BoardRootPath() {
 }
 
 PathInRoot::PathInRoot(const char* name, const char* rest) {
-  path_[0] = '\0';
   const char* const root = BoardRootPath();
-  if (root == nullptr || strlen(root) + strlen(name) + strlen(rest) >= sizeof path_) return;
-  strcat(strcat(strcpy(path_, root), name), rest);
+  const int length = root == nullptr ? -1 : snprintf(path_, sizeof path_, "%s%s%s", root, name, rest);
+  if (length < 0 || length >= static_cast<int>(sizeof path_)) path_[0] = '\0';
 }
 
 Place::Place(const char* path, int directory) : path_(path) {

@@ -64,7 +64,8 @@ char* AsOnBoard(char* path) {
 char* RealPathOnBoard(Place& place, char* resolved) {
   const char* const system_path = place.SystemPath();
   if (system_path == nullptr || access(system_path, F_OK) != 0) return nullptr;
-  return resolved == nullptr ? strdup(place.board_path()) : strcpy(resolved, place.board_path());
+  const char* const path = place.board_path();
+  return resolved == nullptr ? strdup(path) : static_cast<char*>(memcpy(resolved, path, strlen(path) + 1));
 }
 
 }  // namespace

@@ -18,13 +18,14 @@
 
 #include "simulator/board.h"
 
-// Programs that were linked before glibc 2.33 call these.
+// What the stat calls are in programs that were linked before glibc 2.33.
 extern "C" {
-int __xstat(int version, const char* path, struct stat* record);
-int __lxstat64(int version, const char* path, struct stat64* record);
-int __fxstat(int version, int fd, struct stat* record);
-int __fxstat64(int version, int fd, struct stat64* record);
-int __fxstatat(int version, int directory, const char* path, struct stat* record, int flags);
+int OldStat(int version, const char* path, struct stat* record) __asm__("__xstat");
+int OldLstat64(int version, const char* path, struct stat64* record) __asm__("__lxstat64");
+int OldFstat(int version, int fd, struct stat* record) __asm__("__fxstat");
+int OldFstat64(int version, int fd, struct stat64* record) __asm__("__fxstat64");
+int OldFstatat(int version, int directory, const char* path, struct stat* record,
+               int flags) __asm__("__fxstatat");
 }
 
 namespace rolu_sim {
@@ -165,11 +166,11 @@ TEST_F(BoardDescriptor, every_stat_call_tells_what_it_is) {
   EXPECT_TRUE(is_lux(status, fstat(file.get(), &status)));
   EXPECT_TRUE(is_lux(status64, fstat64(file.get(), &status64)));
   EXPECT_TRUE(is_lux(status, fstatat(file.get(), "", &status, AT_EMPTY_PATH)));
-  EXPECT_TRUE(is_lux(status, __xstat(kStatVersion, kLuxPath, &status)));
-  EXPECT_TRUE(is_lux(status64, __lxstat64(kStatVersion, kLuxPath, &status64)));
-  EXPECT_TRUE(is_lux(status, __fxstat(kStatVersion, file.get(), &status)));
-  EXPECT_TRUE(is_lux(status64, __fxstat64(kStatVersion, file.get(), &status64)));
-  EXPECT_TRUE(is_lux(status, __fxstatat(kStatVersion, AT_FDCWD, kLuxPath, &status, 0)));
+  EXPECT_TRUE(is_lux(status, OldStat(kStatVersion, kLuxPath, &status)));
+  EXPECT_TRUE(is_lux(status64, OldLstat64(kStatVersion, kLuxPath, &status64)));
+  EXPECT_TRUE(is_lux(status, OldFstat(kStatVersion, file.get(), &status)));
+  EXPECT_TRUE(is_lux(status64, OldFstat64(kStatVersion, file.get(), &status64)));
+  EXPECT_TRUE(is_lux(status, OldFstatat(kStatVersion, AT_FDCWD, kLuxPath, &status, 0)));
   struct statx extended {};
   ASSERT_EQ(statx(file.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &extended), 0);
   EXPECT_EQ(extended.stx_mode, S_IFREG | 0444);

@@ -61,7 +61,7 @@ class LookingDevice : public rolu_sim::Device {
   class Descriptor : public rolu_sim::OpenDevice {
    public:
     explicit Descriptor(LookingDevice& device) : device_(device) {}
-    rolu_sim::DeviceResult Read(std::string& bytes, size_t) override {
+    rolu_sim::DeviceResult Read(std::string& bytes, size_t, uint64_t) override {
       device_.Look();
       bytes = "1";
       return 1;

@@ -1,5 +1,6 @@
 #include "bench/io_thread_load.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
@@ -34,7 +35,8 @@ IoThreadLoad MeasureIoThreadLoad(std::chrono::milliseconds duration) {
   const double start = Seconds(CLOCK_MONOTONIC);
   std::this_thread::sleep_for(duration);
   const double elapsed = Seconds(CLOCK_MONOTONIC) - start;
-  const double processor = OtherThreadsSeconds() - processor_before;
+  // The two clocks are not read at the same moment.
+  const double processor = std::max(OtherThreadsSeconds() - processor_before, 0.0);
   const std::uint64_t switches = VoluntarySwitches(thread) - switches_before;
   return {static_cast<double>(switches) / elapsed, 100.0 * processor / elapsed};
 }

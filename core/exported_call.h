@@ -8,11 +8,9 @@ constexpr ROLU_STATUS StatusCode(uint32_t method_result) {
   return static_cast<ROLU_STATUS>(method_result);
 }
 
-// A `bool` argument by the byte that the caller passed: any but 0 is on. The language knows no other value
-// than 0 and 1, so a compiler may hand on a 2 as it is or look at the lowest bit alone; the volatile read
-// keeps it from either.
-inline bool IsOn(const bool& argument) {
-  return *reinterpret_cast<const volatile unsigned char*>(&argument) != 0;
-}
+// Names the symbol of a function that is defined with another parameter than the header declares: a `bool`
+// of any byte but 0 is on, but the language knows no other value than 0 and 1, so that of a 2 a compiler may
+// see the lowest bit alone. Defined for the byte, the function sees what the caller passed.
+#define EXPORTED_AS(name) __asm__(name)
 
 #endif  // CORE_EXPORTED_CALL_H

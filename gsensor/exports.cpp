@@ -19,8 +19,10 @@ ROLU_STATUS KAVO_ROLU_GSENSOR_GetResolution(ROLU_GSENSOR_RES* resolution) {
 ROLU_STATUS KAVO_ROLU_GSENSOR_SetResolution(ROLU_GSENSOR_RES resolution) {
   return StatusCode(gGSensorMgr.SetResolution(resolution));
 }
-ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on) {
-  return StatusCode(gGSensorMgr.AlarmEnabled(IsOn(on)));
+extern "C" KAVO_ROLU_API ROLU_STATUS AlarmEnabledByByte(unsigned char on)
+    EXPORTED_AS("KAVO_ROLU_GSENSOR_AlarmEnabled");
+ROLU_STATUS AlarmEnabledByByte(unsigned char on) {
+  return StatusCode(gGSensorMgr.AlarmEnabled(on != 0));
 }
 ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event) {
   return StatusCode(gGSensorMgr.SetAlarmEvent(event));

@@ -120,7 +120,9 @@
  *
  * The port's descriptor is 3 or above, also in a process that has closed 0, 1 or 2, and is closed in
  * programs that the process executes. While no line arrives and no call runs, the I/O thread sleeps and does
- * not wake up by itself.
+ * not wake up by itself. It looks at the port every 5 ms while a line has begun and not ended (half a second
+ * at most), while the port fails or has hung up, and always if the process had no descriptor left for the
+ * event that wakes the thread up.
  */
 #ifndef KAVO_ROLU_H
 #define KAVO_ROLU_H

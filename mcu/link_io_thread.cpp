@@ -99,24 +99,28 @@ void AwaitReplyTaken() REQUIRES(io_op_lock) {
   }
 }
 
-void StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
+// The event to signal, null if the line was not stored.
+pthread_cond_t* StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
   AwaitReplyTaken();
   // The MCU has not seen a command that is still queued: this line answers an earlier one. The caller
   // that took the reply before may have queued it just now.
-  if (tx_index > 0) return;
+  if (tx_index > 0) return nullptr;
   memcpy(last_command_result, line, length + 1);
   last_command_valid = true;
-  if (vpm_resp_event != nullptr) pthread_cond_signal(vpm_resp_event);
+  return vpm_resp_event;
 }
 
 void HandleLine(const char* line, size_t length) {
   if (io_op_lock->TimeLock(kLineLockMs) != 0) return;
+  pthread_cond_t* stored = nullptr;
   if (line[0] == '[' || line[length - 1] == ']') {
     HandleBracketedMessage(line);
   } else {
-    StoreReply(line, length);
+    stored = StoreReply(line, length);
   }
   io_op_lock->Unlock();
+  // With the lock held the caller would wake up only to wait for it. The event outlives this thread.
+  if (stored != nullptr) pthread_cond_signal(stored);
 }
 
 }  // namespace

@@ -14,11 +14,15 @@ void SettleOwedCloses() {
 }
 
 // Who finds the lock taken relies on who holds it: that one comes here when it has let go, and the next one
-// settles at once what it finds.
-void SettleIfFree() {
-  while (owed_closes > 0 && CriSectCtx.TimeLock(0) == 0) {
+// settles at once what it finds. So the letting go must be seen before the look at what is owed, as the owing
+// is before the look at the lock; the fence holds the first order, which a mutex alone does not.
+void SettleIfFree() NO_THREAD_SAFETY_ANALYSIS {
+  const CancellationOff until_it_is_settled;
+  std::atomic_thread_fence(std::memory_order_seq_cst);
+  while (owed_closes > 0 && pthread_mutex_trylock(CriSectCtx.mutex()) == 0) {
     SettleOwedCloses();
     CriSectCtx.Unlock();
+    std::atomic_thread_fence(std::memory_order_seq_cst);
   }
 }
 

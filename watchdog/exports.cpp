@@ -13,8 +13,9 @@ ROLU_STATUS KAVO_ROLU_WD_GetLibVersion(unsigned char* version) {
 ROLU_STATUS KAVO_ROLU_WD_Trigger(void) {
   return StatusCode(gWDMgr.Trigger());
 }
-ROLU_STATUS KAVO_ROLU_WD_Enabled(bool enable) {
-  return StatusCode(gWDMgr.Enabled(IsOn(enable)));
+extern "C" KAVO_ROLU_API ROLU_STATUS EnabledByByte(unsigned char enable) EXPORTED_AS("KAVO_ROLU_WD_Enabled");
+ROLU_STATUS EnabledByByte(unsigned char enable) {
+  return StatusCode(gWDMgr.Enabled(enable != 0));
 }
 ROLU_STATUS KAVO_ROLU_WD_GetTime(unsigned short* time) {
   return StatusCode(gWDMgr.GetTime(time));

@@ -73,8 +73,14 @@ TEST(QuietRule, OnlyTheWaitForAnAnswerHurriesACommand) {
   EXPECT_EQ(TakeReply(0), "none");
   EXPECT_TRUE(tx_urgent);
   EXPECT_TRUE(IsReadable(vpm_wake_event, 0));
+  cancel_queued_commands();
+  EXPECT_FALSE(tx_urgent) << "what was taken back hurries nothing after it";
+  ASSERT_TRUE(Queue("A\r"));
+  ASSERT_TRUE(Queue("B\r"));
+  EXPECT_EQ(TakeReply(0), "none");
   link.Resume();
   EXPECT_EQ(link.Receive(4), "A\rB\r") << "commands that are queued together leave together";
+  EXPECT_TRUE(WaitUntil([] { return !tx_urgent; })) << "what was written hurries nothing after it";
 }
 
 TEST(QuietRule, CommandThatNobodyWaitsForLeavesAfterAPoll) {
@@ -249,6 +255,9 @@ TEST(ReplyStore, LineThatCameBeforeTheCommandLeftIsNotItsAnswer) {
 
 TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   PausedLink link;
+  ASSERT_EQ(send_vpm_command("RTCS\r", 5, 2), 0);
+  EXPECT_EQ(TakeReply(0), "none") << "who gave up waits for nothing more";
+  cancel_queued_commands();
   link.Resume();
   // Were each of them kept for a while, the last one would not be there within the time.
   constexpr int kReplies = 60;

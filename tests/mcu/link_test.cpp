@@ -23,6 +23,7 @@
 #include "kavo_rolu.h"
 #include "mcu/transaction.h"
 #include "mcu/turn.h"
+#include "mcu/unsolicited.h"
 #include "simulator/mcu/mcu_serial.h"
 #include "tests/mcu/paused_link.h"
 #include "tests/support/process_state.h"
@@ -187,6 +188,30 @@ TEST_F(OpenLink, OwedClosesAreSettledWhoeverEndsATurn) {
   EXPECT_EQ(Ask("Hello"), "OK");
 }
 
+// An opening that waits for its turn while a close is owed must find the link closed: what was registered
+// and queued before is the old users'.
+TEST(Link, OwedCloseComesBeforeAnOpeningThatWaits) {
+  McuSerial mcu;
+  ROLU_GSENSOR_DATA sample;
+  for (int round = 0; round < 30; ++round) {
+    ASSERT_TRUE(Open(mcu.DevicePath()));
+    {
+      const ScopedLock lock(*io_op_lock);
+      push_gsensor_alarm_data("[GI:000100010001]");
+    }
+    std::thread opener;
+    {
+      const Turn held;
+      std::thread(OweClose).join();
+      opener = std::thread([&] { EXPECT_TRUE(Open(mcu.DevicePath())); });
+      std::this_thread::sleep_for(milliseconds(1));
+    }
+    opener.join();
+    EXPECT_EQ(pop_gsensor_alarm_data(&sample), -2);
+    EXPECT_EQ(VPMClose(), 0);
+  }
+}
+
 // Numbers 0, 1 and 2 are free for a while.
 class ClosedStandardStreams {
  public:
@@ -304,6 +329,27 @@ struct CancelledCall {
   int post_delay_ms;
   std::string answer;
 };
+
+// A thread that leaves, whose close is owed and settled by itself, ends behind that, too.
+void* LeaveAndEnd(void*) {
+  OweClose();
+  pthread_testcancel();
+  return nullptr;
+}
+
+TEST(Link, CancelledThreadThatSettlesAnOwedCloseKeepsNoLock) {
+  McuSerial mcu;
+  for (int round = 0; round < 50; ++round) {
+    ASSERT_TRUE(Open(mcu.DevicePath()));
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, nullptr, LeaveAndEnd, nullptr), 0);
+    EXPECT_EQ(pthread_cancel(thread), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    // Cancelled before it began, it owes nothing.
+    EXPECT_EQ(VPMClose(), 0);
+    EXPECT_EQ(Users(), 0);
+  }
+}
 
 void* AskAndEnd(void* argument) {
   auto* call = static_cast<CancelledCall*>(argument);

@@ -1,7 +1,9 @@
 // How managers come up and go down, on the simulated board.
 #include <gmock/gmock.h>
+#include <pthread.h>
 
 #include <chrono>
+#include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
@@ -93,6 +95,30 @@ TEST_F(AttachedBoard, StartUpThatFailsHalfWayGivesBackWhatItTook) {
   EXPECT_EQ(gVPMMgr.VPMErrorCheck(error_reply), 0x304);
   EXPECT_EQ(gVPMMgr.Deinitialize(), ROLU_STATUS_SUCCESS);
   EXPECT_EQ(gVPMMgr.VPMErrorCheck(error_reply), 0);
+}
+
+void* BringUpAndEnd(void* status) {
+  *static_cast<ROLU_STATUS*>(status) = KAVO_ROLU_VPM_Initialize(0);
+  pthread_testcancel();
+  return nullptr;
+}
+
+// The line with the firmware's version is written, so that a cancelled thread could end there.
+TEST_F(AttachedBoard, CancelledThreadBringsItsFamilyUpFirst) {
+  setvbuf(stdout, nullptr, _IOLBF, 0);
+  board.mcu().Script(CommandMatch::Exactly("ATF0"),
+                     rolu_sim::Reply::Line("*VER:001.010*", std::chrono::milliseconds(200)));
+  ROLU_STATUS status = ROLU_STATUS_NOT_INITIALIZED;
+  pthread_t thread;
+  ASSERT_EQ(pthread_create(&thread, nullptr, BringUpAndEnd, &status), 0);
+  EXPECT_TRUE(board.mcu().WaitForCommand("ATF0", kGenerous));
+  EXPECT_EQ(pthread_cancel(thread), 0);
+  void* result = nullptr;
+  ASSERT_EQ(pthread_join(thread, &result), 0);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  EXPECT_EQ(status, ROLU_STATUS_SUCCESS);
+  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
+  EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
 }
 
 // The turn of another thread takes longer than the 2 s that a close waits.

@@ -166,4 +166,16 @@ TEST_F(WallClock, SetBackLengthensTheWaitForTheLink) {
   ExpectNextCallsWhole();
 }
 
+// The caller loses the processor between queuing its command and waiting for the answer, and both lines come
+// meanwhile: on a line that is busy, a command leaves without anybody's wait.
+TEST_F(WallClock, LinesThatComeBeforeTheWaitAreKept) {
+  ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
+  for (int round = 0; round < 5; ++round) {
+    EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_SUCCESS) << "the line is busy";
+    rolu_test::PauseAtNextLook(milliseconds(20));
+    EXPECT_EQ(KAVO_ROLU_VPM_SetRTCTime({14, 7, 25, 5, 13, 45, 30}), ROLU_STATUS_SUCCESS);
+  }
+  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
+}
+
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <thread>
 
 namespace {
 
@@ -14,6 +15,7 @@ constexpr long long kNsPerSecond = 1000000000;
 constexpr long long kSliceNs = 2000000;
 
 std::atomic<long long> moved_by_s{0};
+std::atomic<long long> pause_at_next_look_ms{0};
 std::atomic<int> waits_for_conditions{0};
 std::atomic<int> waits_for_locks{0};
 
@@ -54,6 +56,10 @@ void rolu_test::MoveWallClock(std::chrono::seconds by) {
   moved_by_s += by.count();
 }
 
+void rolu_test::PauseAtNextLook(std::chrono::milliseconds pause) {
+  pause_at_next_look_ms = pause.count();
+}
+
 int rolu_test::WaitsForConditions() {
   return waits_for_conditions;
 }
@@ -64,7 +70,10 @@ int rolu_test::WaitsForLocks() {
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
   *time = MachineTime(clock);
-  if (clock == CLOCK_REALTIME) time->tv_sec += static_cast<time_t>(moved_by_s);
+  if (clock != CLOCK_REALTIME) return 0;
+  const std::chrono::milliseconds pause(pause_at_next_look_ms.exchange(0));
+  if (pause.count() > 0) std::this_thread::sleep_for(pause);
+  time->tv_sec += static_cast<time_t>(moved_by_s);
   return 0;
 }
 

@@ -12,6 +12,9 @@ namespace rolu_test {
 // Sets the clock forward; back if `by` is negative. A wait learns of it within a few milliseconds.
 void MoveWallClock(std::chrono::seconds by);
 
+// The next look at the clock takes this long: the wait whose deadline it is for begins so much later.
+void PauseAtNextLook(std::chrono::milliseconds pause);
+
 // How many threads now wait for a condition, or for a lock, until a time of the clock: their deadlines
 // are taken. What was to be had at once does not count.
 int WaitsForConditions();

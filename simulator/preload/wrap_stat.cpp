@@ -134,40 +134,41 @@ ROLU_SIM_EXPORTED int faccessat(int directory, const char* path, int mode, int f
 }
 
 // What the calls were in programs that were linked before glibc 2.33. The version names the layout of
-// the record; there is one.
+// the record; there is one. They do not call the new ones by name: those may be a sanitizer's, which call
+// these.
 
 ROLU_SIM_EXPORTED int __xstat(int /*version*/, const char* path, struct stat* record) noexcept {
-  return stat(path, record);
+  return rolu_sim::StatPath(rolu_sim::next_stat, rolu_sim::next_stat, path, record);
 }
 
 ROLU_SIM_EXPORTED int __xstat64(int /*version*/, const char* path, struct stat64* record) noexcept {
-  return stat64(path, record);
+  return rolu_sim::StatPath(rolu_sim::next_stat64, rolu_sim::next_stat64, path, record);
 }
 
 ROLU_SIM_EXPORTED int __lxstat(int /*version*/, const char* path, struct stat* record) noexcept {
-  return lstat(path, record);
+  return rolu_sim::StatPath(rolu_sim::next_lstat, rolu_sim::next_stat, path, record);
 }
 
 ROLU_SIM_EXPORTED int __lxstat64(int /*version*/, const char* path, struct stat64* record) noexcept {
-  return lstat64(path, record);
+  return rolu_sim::StatPath(rolu_sim::next_lstat64, rolu_sim::next_stat64, path, record);
 }
 
 ROLU_SIM_EXPORTED int __fxstat(int /*version*/, int fd, struct stat* record) noexcept {
-  return fstat(fd, record);
+  return rolu_sim::StatDescriptor(rolu_sim::next_fstat, fd, record);
 }
 
 ROLU_SIM_EXPORTED int __fxstat64(int /*version*/, int fd, struct stat64* record) noexcept {
-  return fstat64(fd, record);
+  return rolu_sim::StatDescriptor(rolu_sim::next_fstat64, fd, record);
 }
 
 ROLU_SIM_EXPORTED int __fxstatat(int /*version*/, int directory, const char* path, struct stat* record,
                                  int flags) noexcept {
-  return fstatat(directory, path, record, flags);
+  return rolu_sim::StatPathAt(rolu_sim::next_fstatat, directory, path, record, flags);
 }
 
 ROLU_SIM_EXPORTED int __fxstatat64(int /*version*/, int directory, const char* path, struct stat64* record,
                                    int flags) noexcept {
-  return fstatat64(directory, path, record, flags);
+  return rolu_sim::StatPathAt(rolu_sim::next_fstatat64, directory, path, record, flags);
 }
 
 }  // extern "C"

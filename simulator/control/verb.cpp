@@ -172,7 +172,8 @@ std::string Describe(const Action& action) {
 std::string Synopsis(const Verb& verb) {
   std::string text = verb.name;
   for (const Parameter& parameter : verb.parameters) {
-    text += fmt::format(parameter.required ? " {}" : " [{}]", UpperCase(parameter.name));
+    const std::string name = UpperCase(parameter.name);
+    text += parameter.required ? ' ' + name : " [" + name + ']';
   }
   return text;
 }

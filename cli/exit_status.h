@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+
+namespace rolu {
+
+// What the programs exit with; kExitStatusTexts says it to their users.
+enum ExitStatus : int {
+  kDone = 0,
+  kPartlyDone = 1,
+  kWrongUse = 2,
+  kRefused = 3,
+  kNoAnswer = 4,
+  kBusy = 5,
+  kBitten = 6,
+  // As env(1) and timeout(1) have them.
+  kBoardFailed = 125,
+  kNotExecutable = 126,
+  kNotFound = 127,
+  kSignalBase = 128,  // plus the number of the signal
+};
+
+struct ExitStatusText {
+  const char* number;
+  const char* meaning;
+};
+
+inline constexpr ExitStatusText kExitStatusTexts[] = {
+    {"0", "all was done"},
+    {"1", "not all was done: a part failed, a question was not answered with yes, or a wait ended in vain"},
+    {"2", "wrong use: unknown name, bad value, unusable file; nothing was sent to the board"},
+    {"3", "the board refused: an error of the MCU, a value it does not take, something it does not provide"},
+    {"4", "no answer: the MCU is silent, its port cannot be opened, a device is missing, or no board is up"},
+    {"5", "busy: another process holds the MCU's port"},
+    {"6", "the watchdog of a simulated board bit, with --fail-on-bite"},
+    {"125", "rolu-sim could not set the board up"},
+    {"126", "rolu-sim could not run the program"},
+    {"127", "rolu-sim did not find the program"},
+    {"129-143",
+     "a signal ended the work, or the program on a simulated board: 128 and its number (130: Ctrl-C)"},
+};
+
+// The same as a part of a help text.
+std::string ExitStatusHelp();
+
+}  // namespace rolu

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rolu {
+
+// "; did you mean status?" when one of the known names is near to the unknown one, else nothing: the end of
+// an error message.
+std::string Suggestion(std::string_view unknown, const std::vector<std::string>& known);
+
+}  // namespace rolu

@@ -1,0 +1,31 @@
+#include "cli/nearest_name.h"
+
+#include <gtest/gtest.h>
+
+namespace rolu_test {
+namespace {
+
+TEST(NearestName, is_suggested_for_a_slip_and_for_nothing_else) {
+  const std::vector<std::string> known = {
+      "status", "set", "on", "off", "ignition-on", "ignition-off", "battery.voltage", "battery.lbp"};
+  const struct {
+    const char* unknown;
+    const char* suggestion;
+  } kRows[] = {
+      {"stauts", "; did you mean status?"},  // two neighbours swapped count once
+      {"statu", "; did you mean status?"},
+      {"sst", "; did you mean set?"},
+      {"bat", "; did you mean battery.voltage?"},  // the first that begins like it
+      {"battery.lpb", "; did you mean battery.lbp?"},
+      {"of", "; did you mean off?"},
+      {"oo", ""},                                       // half of "on" is not near
+      {"ignition-of", "; did you mean ignition-off?"},  // not typed to its end; the other is one slip away
+      {"watch", ""},
+      {"", ""},
+  };
+  for (const auto& row : kRows)
+    EXPECT_EQ(rolu::Suggestion(row.unknown, known), row.suggestion) << row.unknown;
+}
+
+}  // namespace
+}  // namespace rolu_test

@@ -1,22 +1,23 @@
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
-#include <map>
 #include <random>
 #include <string>
 
+#include "cli/command_line.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
+#include "cli/silenced_output.h"
 #include "simulator/preloaded.h"
 #include "soak/report.h"
 #include "soak/soak.h"
 
 namespace {
 
-constexpr int kViolated = 1;
-constexpr int kMisused = 2;
+constexpr int kViolated = rolu::kPartlyDone;
 
 struct CommandLine {
   rolu_soak::SoakOptions soak;
@@ -31,13 +32,9 @@ bool Parse(int argc, char** argv, CommandLine& parsed, int& exit_status) {
       "or not at all, and checks each answer, each call's time and what the process holds.\n"
       "Exit status: 0 all held, 1 something was violated, 2 wrong use."};
   app.name("rolu-soak");
-  double seconds = 60;
   parsed.soak.seed = std::random_device()();
-  const std::map<std::string, double> units = {{"s", 1}, {"m", 60}, {"min", 60}, {"h", 3600}};
-  app.add_option("--time", seconds, "How long: 90s (the default is 60s), 30m, 8h")
-      ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_SENSITIVE, "TIME"))
-      ->check(CLI::Range(1.0, 7 * 24 * 3600.0))
-      ->option_text("TIME");
+  rolu::AddDurationOption(app, "--time", parsed.soak.time, "How long, like 90s, 30m or 8h; 60s without it",
+                          std::chrono::seconds(1), std::chrono::hours(7 * 24));
   app.add_option(
          "--seed", parsed.soak.seed,
          "Of all that is drawn; without it each run has its own. How the threads interleave remains chance")
@@ -46,42 +43,20 @@ bool Parse(int argc, char** argv, CommandLine& parsed, int& exit_status) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    exit_status = app.exit(error) == 0 ? 0 : kMisused;
+    exit_status = rolu::Conclude(app, error);
     return false;
   }
-  parsed.soak.time = std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
   parsed.soak.show_progress = isatty(STDERR_FILENO) == 1;
   return true;
 }
 
-// The library's VPM start-up prints a line each time.
-class QuietOutput {
- public:
-  QuietOutput() : output_(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
-    std::fflush(stdout);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    dup2(nowhere, STDOUT_FILENO);
-    close(nowhere);
-  }
-  ~QuietOutput() {
-    std::fflush(stdout);
-    dup2(output_, STDOUT_FILENO);
-    close(output_);
-  }
-  QuietOutput(const QuietOutput&) = delete;
-  QuietOutput& operator=(const QuietOutput&) = delete;
-
- private:
-  int output_;
-};
-
 int Run(const rolu_soak::SoakOptions& options) {
-  fmt::print(stderr, "rolu-soak: seed {}\n", options.seed);
+  rolu::Say(fmt::format("seed {}", options.seed));
   rolu_soak::InstallSignalHandler();
   rolu_soak::Soak soak(options);
   bool all_returned = false;
   {
-    const QuietOutput quiet;
+    const rolu::SilencedOutput silenced;
     all_returned = soak.Run();
   }
   if (options.show_progress) fmt::print(stderr, "\n");
@@ -107,7 +82,7 @@ int main(int argc, char** argv) {
     rolu_sim::EnsurePreloaded(argc, argv);
     return Run(command_line.soak);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "rolu-soak: %s\n", error.what());
+    rolu::SayProblem(error.what());
     return kViolated;
   }
 }

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <utility>
 
+#include "cli/duration.h"
+#include "cli/nearest_name.h"
 #include "simulator/control/clock_text.h"
-#include "simulator/control/duration.h"
-#include "simulator/control/nearest_name.h"
 #include "simulator/mcu/voltage_curve.h"
 
 namespace rolu_sim {
@@ -111,7 +111,7 @@ Parameter Choice(std::string name, std::vector<std::string> choices, std::string
     std::string text = ChoiceText(given, choices);
     if (std::find(choices.begin(), choices.end(), text) == choices.end()) {
       throw UsageError(
-          fmt::format(R"("{}" must be {}, not "{}"{})", name, range, text, DidYouMean(text, choices)));
+          fmt::format(R"("{}" must be {}, not "{}"{})", name, range, text, rolu::Suggestion(text, choices)));
     }
     return Json(std::move(text));
   };
@@ -134,13 +134,13 @@ Parameter Text(std::string name, std::string help) {
 Parameter Duration(std::string name, std::string help) {
   Parameter parameter;
   parameter.name = std::move(name);
-  parameter.range = "a time of at most a week, as 500ms, 2s, 1.5min or 2h";
+  parameter.range = fmt::format("a time of at most a week, as {}", rolu::kDurationExamples);
   parameter.help = std::move(help);
   parameter.check = [name = parameter.name, range = parameter.range](const Json& given) {
-    const auto duration =
-        given.is_number() ? DurationFromSeconds(given.get<double>()) : ParseDuration(AsText(given));
+    const auto duration = given.is_number() ? rolu::DurationFromSeconds(given.get<double>(), kLongestTime)
+                                            : rolu::ParseDuration(AsText(given), kLongestTime);
     if (!duration) Refuse(name, given, range);
-    return Json(FormatDuration(*duration));
+    return Json(rolu::FormatDuration(*duration));
   };
   return parameter;
 }

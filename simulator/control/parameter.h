@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -36,7 +37,10 @@ Parameter Number(std::string name, double least, double most, std::string_view u
 Parameter Choice(std::string name, std::vector<std::string> choices, std::string help);
 Parameter Text(std::string name, std::string help);
 
-// In its one form as FormatDuration has it.
+// The longest time that a board waits for anything.
+inline constexpr std::chrono::milliseconds kLongestTime = std::chrono::hours(7 * 24);
+
+// In its one form as FormatDuration has it; a plain number is in seconds.
 Parameter Duration(std::string name, std::string help);
 
 // Hexadecimal digits in pairs, with or without blanks between them.

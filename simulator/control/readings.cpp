@@ -8,9 +8,9 @@
 #include <chrono>
 #include <cmath>
 
+#include "cli/nearest_name.h"
 #include "simulator/control/clock_text.h"
 #include "simulator/control/desk.h"
-#include "simulator/control/nearest_name.h"
 #include "simulator/trace/printable.h"
 
 namespace rolu_sim {
@@ -293,7 +293,7 @@ const Reading* FindReading(std::string_view name) {
 std::string UnknownReading(std::string_view name) {
   std::vector<std::string> names;
   for (const Reading& reading : Readings()) names.push_back(reading.name);
-  return fmt::format("nothing to read is called \"{}\"{}", name, DidYouMean(name, names));
+  return fmt::format("there is no reading \"{}\"{}", name, rolu::Suggestion(name, names));
 }
 
 Json ReadBoard(Desk& desk, const std::vector<std::string>& names) {

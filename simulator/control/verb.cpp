@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "simulator/control/duration.h"
-#include "simulator/control/nearest_name.h"
+#include "cli/duration.h"
+#include "cli/nearest_name.h"
 
 namespace rolu_sim {
 namespace {
@@ -47,7 +47,7 @@ std::string Arguments::Bytes(const char* name) const {
 }
 
 std::chrono::milliseconds Arguments::Duration(const char* name) const {
-  return ParseDuration(Text(name)).value_or(std::chrono::milliseconds(0));
+  return rolu::ParseDuration(Text(name)).value_or(std::chrono::milliseconds(0));
 }
 
 const std::vector<Verb>& Verbs() {
@@ -68,10 +68,25 @@ const Verb* FindVerb(std::string_view name) {
   return found == Verbs().end() ? nullptr : &*found;
 }
 
+std::vector<std::string> FaultKinds() {
+  constexpr std::string_view kPrefix = "fault-";
+  std::vector<std::string> kinds;
+  for (const Verb& verb : FaultVerbs()) {
+    if (verb.name.starts_with(kPrefix)) kinds.push_back(verb.name.substr(kPrefix.size()));
+  }
+  return kinds;
+}
+
+std::string FallbackText(const Parameter& parameter) {
+  const Json& fallback = parameter.fallback;
+  if (fallback.is_null()) return "";
+  return fmt::format(" (else {})", fallback.is_string() ? fallback.get<std::string>() : fallback.dump());
+}
+
 std::string UnknownVerb(std::string_view name) {
   std::vector<std::string> names;
   for (const Verb& verb : Verbs()) names.push_back(verb.name);
-  return fmt::format("there is no verb \"{}\"{}", name, DidYouMean(name, names));
+  return fmt::format("there is no verb \"{}\"{}", name, rolu::Suggestion(name, names));
 }
 
 Arguments CheckArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored,
@@ -82,7 +97,7 @@ Arguments CheckArguments(const Verb& verb, const Json& members, const std::vecto
     const Parameter* const parameter = FindParameter(verb, name);
     if (parameter == nullptr) {
       problems.push_back({name, fmt::format("{} has no \"{}\"{}", verb.name, name,
-                                            DidYouMean(name, NamesOf(verb.parameters)))});
+                                            rolu::Suggestion(name, NamesOf(verb.parameters)))});
       continue;
     }
     try {
@@ -152,11 +167,7 @@ Action ParseFault(std::string_view text) {
   const std::string kind = words.front();
   words.front() = "fault-" + kind;
   if (FindVerb(words.front()) == nullptr) {
-    std::vector<std::string> kinds;
-    for (const Verb& verb : FaultVerbs()) {
-      if (verb.name.compare(0, 6, "fault-") == 0) kinds.push_back(verb.name.substr(6));
-    }
-    throw UsageError(fmt::format("there is no fault \"{}\"{}", kind, DidYouMean(kind, kinds)));
+    throw UsageError(fmt::format("there is no fault \"{}\"{}", kind, rolu::Suggestion(kind, FaultKinds())));
   }
   return ParseAction(words);
 }
@@ -181,11 +192,8 @@ std::string Synopsis(const Verb& verb) {
 std::string FullHelp(const Verb& verb) {
   std::string text = fmt::format("{}\n\n{}.\n", Synopsis(verb), verb.help);
   for (const Parameter& parameter : verb.parameters) {
-    text += fmt::format("\n  {:<14}{}: {}", UpperCase(parameter.name), parameter.help, parameter.range);
-    if (!parameter.fallback.is_null()) {
-      const Json& fallback = parameter.fallback;
-      text += fmt::format(" (else {})", fallback.is_string() ? fallback.get<std::string>() : fallback.dump());
-    }
+    text += fmt::format("\n  {:<14}{}: {}{}", UpperCase(parameter.name), parameter.help, parameter.range,
+                        FallbackText(parameter));
   }
   text += verb.parameters.empty() ? "" : "\n\nA value may also be given by its name, as name=value.\n";
   return text;

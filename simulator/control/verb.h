@@ -52,6 +52,12 @@ std::vector<Verb> FaultVerbs();
 // Null when there is none of this name.
 const Verb* FindVerb(std::string_view name);
 
+// What ParseFault takes: "silence" for the verb fault-silence.
+std::vector<std::string> FaultKinds();
+
+// " (else 30s)" for a parameter that may be left out, or nothing.
+std::string FallbackText(const Parameter& parameter);
+
 // A sentence about a verb that is not there.
 std::string UnknownVerb(std::string_view name);
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "cli/duration.h"
+
 namespace rolu_sim {
 namespace {
 
@@ -23,29 +25,14 @@ double ParseNumber(const std::string& word, std::string_view text) {
   return number;
 }
 
-std::chrono::milliseconds ParseTime(const std::string& word, std::string_view text) {
-  double milliseconds_per_unit = 0;
-  if (text.size() > 2 && text.substr(text.size() - 2) == "ms") {
-    milliseconds_per_unit = 1;
-    text.remove_suffix(2);
-  } else if (text.size() > 1 && text.back() == 's') {
-    milliseconds_per_unit = 1000;
-    text.remove_suffix(1);
-  } else {
-    Refuse(word, "a time ends in s or ms, as in 2s=12.6");
-  }
-  constexpr double kMaxMilliseconds = 1e9;
-  const double milliseconds = ParseNumber(word, text) * milliseconds_per_unit;
-  if (milliseconds < 0 || milliseconds > kMaxMilliseconds) Refuse(word, "a time is from 0s to 1000000s");
-  return std::chrono::milliseconds(std::llround(milliseconds));
-}
-
 VoltageCurve::Point ParsePoint(const std::string& word) {
   const std::size_t equals = word.find('=');
   if (equals == std::string::npos) Refuse(word, "a point is a time and a voltage, as in 2s=12.6");
   const std::string_view text = word;
+  const auto time = rolu::ParseDuration(text.substr(0, equals));
+  if (!time) Refuse(word, std::string("a time has a unit, as ") + rolu::kDurationExamples);
   VoltageCurve::Point point;
-  point.at = ParseTime(word, text.substr(0, equals));
+  point.at = *time;
   point.volts = ParseNumber(word, text.substr(equals + 1));
   if (point.volts < 0 || point.volts > VoltageCurve::kMaxVolts) Refuse(word, "a voltage is from 0 to 100");
   return point;

@@ -21,7 +21,7 @@ class VoltageCurve {
   // A battery that stays at `volts`.
   explicit VoltageCurve(double volts);
 
-  // Reads points as "0s=12.6 2500ms=11.0 5s=12.8": times in s or ms that grow from point to point,
+  // Reads points as "0s=12.6 2500ms=11.0 5s=12.8": times with their units that grow from point to point,
   // volts from 0 to kMaxVolts. Throws std::invalid_argument with a sentence for the user.
   static VoltageCurve Parse(std::string_view text);
 

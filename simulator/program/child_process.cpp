@@ -6,10 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
-#include <iostream>
 
-#include "simulator/program/exit_status.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
 
 namespace rolu_sim {
 namespace {
@@ -17,8 +16,8 @@ namespace {
 constexpr int kHeld[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGALRM, SIGWINCH};
 
 int ReportFailedStart(const std::string& program, int error) {
-  std::cerr << "rolu-sim: " << program << ": " << std::strerror(error) << '\n';
-  return error == ENOENT ? kNotFound : kNotExecutable;
+  rolu::SayProblem(program + ": " + rolu::ErrnoText(error));
+  return error == ENOENT ? rolu::kNotFound : rolu::kNotExecutable;
 }
 
 bool IsIgnored(int number) {
@@ -62,7 +61,7 @@ int WaitForEnd(pid_t child, const HeldSignals& signals) {
     }
     int status = 0;
     if (waitpid(child, &status, WNOHANG) != child) continue;
-    return WIFSIGNALED(status) ? kSignalBase + WTERMSIG(status) : WEXITSTATUS(status);
+    return WIFSIGNALED(status) ? rolu::kSignalBase + WTERMSIG(status) : WEXITSTATUS(status);
   }
 }
 

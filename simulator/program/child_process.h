@@ -27,7 +27,7 @@ class HeldSignals {
 };
 
 // Runs one program in place of this process: signals that are sent to this process go on to the
-// program. Gives the program's exit status, or one of exit_status.h after a message.
+// program. Gives the program's exit status, or one of cli/exit_status.h after a message.
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals);
 
 // Becomes the program; comes back only when it cannot be started, as RunChild does then.

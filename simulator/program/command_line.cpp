@@ -10,12 +10,12 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulator/control/duration.h"
-#include "simulator/control/nearest_name.h"
+#include "cli/command_line.h"
+#include "cli/messages.h"
+#include "cli/nearest_name.h"
 #include "simulator/program/control_words.h"
-#include "simulator/program/exit_status.h"
+#include "simulator/program/documents.h"
 #include "simulator/program/help_text.h"
-#include "simulator/program/manual.h"
 
 namespace rolu_sim {
 namespace {
@@ -49,12 +49,10 @@ CLI::Validator CheckedBy(Parse parse, std::string name) {
       "", std::move(name));
 }
 
+// A time that a board can wait for.
 void AddDuration(CLI::App& app, const std::string& name, std::chrono::milliseconds& value,
                  const std::string& help) {
-  app.add_option_function<std::string>(
-         name, [&value](const std::string& text) { value = *ParseDuration(text); }, help)
-      ->type_name("TIME")
-      ->check(CheckedBy(Duration("TIME", "").check, "duration"));
+  rolu::AddDurationOption(app, name, value, help, std::chrono::milliseconds(0), kLongestTime);
 }
 
 void AddBoardSettings(CLI::App& app, BoardSettings& settings) {
@@ -85,7 +83,7 @@ void AddBoardSettings(CLI::App& app, BoardSettings& settings) {
   app.add_option("--trace-format", settings.trace_format, "How: json (a file's default) or text (that of -)")
       ->check(CLI::IsMember({"json", "text"}))
       ->type_name("FORMAT");
-  app.add_flag("--fail-on-bite", settings.fail_on_bite, "Exit with status 3 if the watchdog bit");
+  app.add_flag("--fail-on-bite", settings.fail_on_bite, "Exit with status 6 if the watchdog bit");
 }
 
 void AddBoardChoice(CLI::App& app, BoardChoice& board) {
@@ -112,8 +110,8 @@ void BringOptionsForward(std::vector<std::string>& words) {
 }  // namespace
 
 CommandLine::CommandLine() : app_(kDescription, "rolu-sim") {
-  app_.formatter(std::make_shared<HelpText>("rolu-sim [SUBCOMMAND] [OPTIONS] [--] [PROGRAM [ARGUMENT...]]"));
-  app_.footer(std::string(kExamples) + kExitStatusHelp);
+  app_.formatter(
+      std::make_shared<HelpText>("rolu-sim [SUBCOMMAND] [OPTIONS] [--] [PROGRAM [ARGUMENT...]]", kExamples));
   app_.set_version_flag("--version", "rolu-sim " ROLU_SIM_VERSION);
   app_.require_subcommand(1);
   DefineRun();
@@ -123,11 +121,11 @@ CommandLine::CommandLine() : app_(kDescription, "rolu-sim") {
   DefineTrace();
   DefineScenarios();
   AddSubcommand("man", "Prints the man page", "rolu-sim man", [this](CLI::App&) {
-    std::cout << ManPage(app_);
+    std::cout << SimulatorManPage(app_);
     return 0;
   })->group("");
   AddSubcommand("completion", "Prints the completion for bash", "rolu-sim completion", [this](CLI::App&) {
-    std::cout << BashCompletion(app_);
+    std::cout << SimulatorCompletion(app_);
     return 0;
   })->group("");
 }
@@ -146,10 +144,7 @@ int CommandLine::Execute(std::vector<std::string> words) {
     }
     return 0;
   } catch (const CLI::ParseError& stop) {
-    if (stop.get_exit_code() == 0) return app_.exit(stop);
-    const std::string of = short_form_ ? "" : words[0] + ' ';
-    std::cerr << fmt::format("rolu-sim: {}\nTry 'rolu-sim {}--help'.\n", ProblemOf(stop, words[0]), of);
-    return kWrongUse;
+    return rolu::Conclude(app_, stop);
   }
 }
 
@@ -160,16 +155,6 @@ void CommandLine::TakeMarkedWords(std::vector<std::string>& words) {
   if (subcommand == nullptr || !subcommand->get_prefix_command() || mark == words.end()) return;
   marked_words_.assign(mark, words.end());
   words.erase(mark, words.end());
-}
-
-std::string CommandLine::ProblemOf(const CLI::ParseError& stop, const std::string& subcommand) const {
-  const CLI::App* const app = FindSubcommand(subcommand);
-  const std::vector<std::string> rest = app_.remaining(true);
-  const bool has_extras = stop.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
-  if (!has_extras || app == nullptr || rest.empty()) return stop.what();
-  if (rest.front().substr(0, 1) != "-") return fmt::format("\"{}\" is one word too many", rest.front());
-  return fmt::format("there is no option \"{}\"{}", rest.front(),
-                     DidYouMean(rest.front(), LongOptions(*app)));
 }
 
 // The words that are not options. The parser takes an option that it does not know for one of them.
@@ -186,7 +171,6 @@ CLI::App* CommandLine::AddSubcommand(const char* name, const char* description, 
                                      std::function<int(CLI::App&)> work) {
   CLI::App* const subcommand = app_.add_subcommand(name, description);
   subcommand->formatter(std::make_shared<HelpText>(usage));
-  subcommand->footer(kExitStatusHelp);
   works_.emplace_back(subcommand, std::move(work));
   return subcommand;
 }
@@ -204,7 +188,7 @@ void CommandLine::DefineRun() {
                     "rolu-sim run [OPTIONS] [--] PROGRAM [ARGUMENT...]", [this](CLI::App& app) {
                       run_.command = WordsFor(app, "PROGRAM");
                       const int status = rolu_sim::Run(run_);
-                      if (status == kNotFound && short_form_) SuggestSubcommand(run_.command.front());
+                      if (status == rolu::kNotFound && short_form_) SuggestSubcommand(run_.command.front());
                       return status;
                     });
   run->prefix_command();
@@ -215,8 +199,8 @@ void CommandLine::DefineRun() {
 void CommandLine::SuggestSubcommand(const std::string& word) const {
   std::vector<std::string> names;
   for (const auto& [subcommand, work] : works_) names.push_back(subcommand->get_name());
-  const std::string suggestion = DidYouMean(word, names);
-  if (!suggestion.empty()) std::cerr << fmt::format("rolu-sim: nor is it a subcommand{}\n", suggestion);
+  const std::string suggestion = rolu::Suggestion(word, names);
+  if (!suggestion.empty()) rolu::Say("it is not a subcommand either" + suggestion);
 }
 
 void CommandLine::DefineServe() {
@@ -233,7 +217,7 @@ void CommandLine::DefineServe() {
 void CommandLine::DefineJoin() {
   CLI::App* const join =
       AddSubcommand("join", "Runs a program on a board that is up",
-                    "rolu-sim join DIR [--wait TIME] [--] PROGRAM [ARGUMENT...]", [this](CLI::App& app) {
+                    "rolu-sim join DIR [--wait DURATION] [--] PROGRAM [ARGUMENT...]", [this](CLI::App& app) {
                       join_.command = WordsFor(app, "PROGRAM");
                       return rolu_sim::Join(join_);
                     });
@@ -251,8 +235,10 @@ void CommandLine::DefineCtl() {
   ctl->prefix_command();
   ctl->add_flag("--json", ctl_.json, "Print answers as JSON");
   AddBoardChoice(*ctl, ctl_.board);
-  ctl->footer("Values go in their order, or as name=value. rolu-sim ctl WORD --help says more.\n\n" +
-              ControlHelp() + '\n' + kExitStatusHelp);
+  ctl->formatter(std::make_shared<HelpText>(
+      "rolu-sim ctl [OPTIONS] WORD [VALUE...]",
+      "Values go in their order, or as name=value. rolu-sim ctl WORD --help says more.\n\n" + ControlHelp() +
+          '\n'));
 }
 
 void CommandLine::DefineTrace() {

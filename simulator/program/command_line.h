@@ -30,7 +30,6 @@ class CommandLine {
   CLI::App* AddSubcommand(const char* name, const char* description, const char* usage,
                           std::function<int(CLI::App&)> work);
   void TakeMarkedWords(std::vector<std::string>& words);
-  std::string ProblemOf(const CLI::ParseError& stop, const std::string& subcommand) const;
   std::vector<std::string> WordsFor(const CLI::App& app, const char* what) const;
   const CLI::App* FindSubcommand(const std::string& name) const;
   void SuggestSubcommand(const std::string& word) const;

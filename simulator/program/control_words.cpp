@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "simulator/control/nearest_name.h"
+#include "cli/nearest_name.h"
 #include "simulator/control/readings.h"
 
 namespace rolu_sim {
@@ -58,6 +58,12 @@ const std::vector<Verb>& ControlWords() {
   return words;
 }
 
+std::vector<Verb> AllWords() {
+  std::vector<Verb> all = ControlWords();
+  all.insert(all.end(), Verbs().begin(), Verbs().end());
+  return all;
+}
+
 const Verb& ControlWord(std::string_view name) {
   return *std::find_if(ControlWords().begin(), ControlWords().end(),
                        [&](const Verb& word) { return word.name == name; });
@@ -65,18 +71,14 @@ const Verb& ControlWord(std::string_view name) {
 
 std::string UnknownWord(std::string_view word) {
   std::vector<std::string> names;
-  for (const auto* const some : {&ControlWords(), &Verbs()}) {
-    for (const Verb& verb : *some) names.push_back(verb.name);
-  }
-  return fmt::format("there is no verb \"{}\"{}", word, DidYouMean(word, names));
+  for (const Verb& verb : AllWords()) names.push_back(verb.name);
+  return fmt::format("there is no verb \"{}\"{}", word, rolu::Suggestion(word, names));
 }
 
 std::string ControlHelp() {
   std::string text;
   std::string subject;
-  std::vector<Verb> all = ControlWords();
-  all.insert(all.end(), Verbs().begin(), Verbs().end());
-  for (const Verb& verb : all) {
+  for (const Verb& verb : AllWords()) {
     if (verb.subject != subject) {
       subject = verb.subject;
       text += fmt::format("{}{}:\n", text.empty() ? "" : "\n", subject);

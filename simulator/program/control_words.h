@@ -11,6 +11,9 @@ namespace rolu_sim {
 const std::vector<Verb>& ControlWords();
 const Verb& ControlWord(std::string_view name);
 
+// These and the verbs.
+std::vector<Verb> AllWords();
+
 // A sentence about a word that is neither one of these nor a verb.
 std::string UnknownWord(std::string_view word);
 

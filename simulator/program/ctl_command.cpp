@@ -5,14 +5,15 @@
 #include <algorithm>
 #include <iostream>
 
+#include "cli/duration.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "simulator/control/control_client.h"
-#include "simulator/control/duration.h"
 #include "simulator/control/readings.h"
 #include "simulator/control/verb.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"
-#include "simulator/program/exit_status.h"
 #include "simulator/program/served_directory.h"
 #include "simulator/scenario/scenario_files.h"
 #include "simulator/trace/trace_record.h"
@@ -56,8 +57,8 @@ class CtlCommand {
   // Answers are said as they are with --json, else in words.
   int Report(const Json& answer) const {
     if (!answer["ok"].get<bool>()) {
-      std::cerr << fmt::format("rolu-sim: {}\n", answer["error"].get<std::string>());
-      return answer["kind"] == "refused" ? kRefused : kWrongUse;
+      rolu::SayProblem(answer["error"].get<std::string>());
+      return answer["kind"] == "refused" ? rolu::kRefused : rolu::kWrongUse;
     }
     if (json_) {
       std::cout << answer.dump() << '\n';
@@ -123,9 +124,9 @@ class CtlCommand {
       return 0;
     }
     if (!client.TimedOut()) throw NoBoardError("the board went away");
-    std::cerr << fmt::format("rolu-sim: \"{}\" did not come within {}\n", arguments.Text("text"),
-                             FormatDuration(arguments.Duration("timeout")));
-    return kRefused;
+    rolu::SayProblem(fmt::format("\"{}\" did not come within {}", arguments.Text("text"),
+                                 rolu::FormatDuration(arguments.Duration("timeout"))));
+    return rolu::kPartlyDone;
   }
 
   // What was done to the board by hand is known to who did it.

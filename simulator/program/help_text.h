@@ -3,36 +3,35 @@
 #include <CLI/CLI.hpp>
 #include <string>
 #include <utility>
-#include <vector>
+
+#include "cli/exit_status.h"
 
 namespace rolu_sim {
 
-// The help of one subcommand, or of the whole program, with a usage line of its own.
+// The help of one subcommand, or of the whole program: with a usage line of its own and the exit statuses.
 class HelpText : public CLI::Formatter {
  public:
-  explicit HelpText(std::string usage) : usage_(std::move(usage)) { column_width(26); }
+  explicit HelpText(std::string usage, std::string footer = {})
+      : usage_(std::move(usage)), footer_(std::move(footer)) {
+    column_width(26);
+  }
 
   const std::string& usage() const { return usage_; }
 
   std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
     return "Usage: " + usage_ + "\n";
   }
+  std::string make_footer(const CLI::App* /*app*/) const override {
+    return footer_ + rolu::ExitStatusHelp() + "run and join give the program's own status.\n";
+  }
 
  private:
   const std::string usage_;
+  const std::string footer_;
 };
 
-// "--help", "--json" and so on.
-inline std::vector<std::string> LongOptions(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::Option* const option : app.get_options()) {
-    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-  }
-  return names;
-}
-
 // Of an app whose formatter is a HelpText.
-inline const std::string& UsageOf(const CLI::App& app) {
+inline std::string UsageOf(const CLI::App& app) {
   return dynamic_cast<const HelpText&>(*app.get_formatter()).usage();
 }
 

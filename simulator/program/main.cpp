@@ -4,16 +4,17 @@
 #include <iostream>
 #include <vector>
 
+#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "simulator/control/control_client.h"
 #include "simulator/control/parameter.h"
 #include "simulator/program/command_line.h"
-#include "simulator/program/exit_status.h"
 #include "simulator/scenario/scenario.h"
 
 namespace {
 
 int Report(const std::exception& problem, int status) {
-  std::cerr << "rolu-sim: " << problem.what() << '\n';
+  rolu::SayProblem(problem.what());
   return status;
 }
 
@@ -22,13 +23,13 @@ int Execute(int argc, char** argv) {
     rolu_sim::CommandLine command_line;
     return command_line.Execute(std::vector<std::string>(argv + 1, argv + argc));
   } catch (const rolu_sim::UsageError& problem) {
-    return Report(problem, rolu_sim::kWrongUse);
+    return Report(problem, rolu::kWrongUse);
   } catch (const rolu_sim::ScenarioError& problem) {
-    return Report(problem, rolu_sim::kWrongUse);
+    return Report(problem, rolu::kWrongUse);
   } catch (const rolu_sim::NoBoardError& problem) {
-    return Report(problem, rolu_sim::kNoBoard);
+    return Report(problem, rolu::kNoAnswer);
   } catch (const std::exception& problem) {
-    return Report(problem, rolu_sim::kBoardFailed);
+    return Report(problem, rolu::kBoardFailed);
   }
 }
 
@@ -38,6 +39,6 @@ int main(int argc, char** argv) {
   const int status = Execute(argc, argv);
   std::cout.flush();
   if (std::cout || status != 0) return status;
-  std::cerr << "rolu-sim: standard output cannot be written\n";
-  return rolu_sim::kRefused;
+  rolu::SayProblem("standard output cannot be written");
+  return rolu::kPartlyDone;
 }

@@ -6,12 +6,13 @@
 
 #include <iostream>
 
+#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "simulator/control/control_client.h"
 #include "simulator/control/control_server.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/commands.h"
-#include "simulator/program/exit_status.h"
 #include "simulator/program/served_directory.h"
 
 namespace rolu_sim {
@@ -24,11 +25,10 @@ void EndThisProcess() {
 
 // What is to be said of a board at its end, and the exit status that it makes of the program's.
 int Conclude(Desk& desk, const BoardSettings& settings, int status) {
-  if (desk.replay() != nullptr) std::cerr << fmt::format("rolu-sim: {}\n", desk.replay()->Summary());
+  if (desk.replay() != nullptr) rolu::Say(desk.replay()->Summary());
   if (!settings.fail_on_bite || desk.BiteCount() == 0) return status;
-  std::cerr << fmt::format("rolu-sim: failed: the watchdog bit (--fail-on-bite); bites: {}\n",
-                           desk.BiteCount());
-  return kBitten;
+  rolu::SayProblem(fmt::format("failed: the watchdog bit (--fail-on-bite); bites: {}", desk.BiteCount()));
+  return rolu::kBitten;
 }
 
 }  // namespace

@@ -4,10 +4,11 @@
 
 #include <iostream>
 
+#include "cli/exit_status.h"
+#include "cli/messages.h"
 #include "simulator/control/control_client.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/commands.h"
-#include "simulator/program/exit_status.h"
 #include "simulator/scenario/scenario_files.h"
 #include "simulator/trace/trace_writer.h"
 
@@ -22,8 +23,8 @@ int Check(const std::vector<std::string>& files) {
       const Scenario scenario = ParseScenario(file.text, file.name);
       std::cout << fmt::format("{}: good, {} events\n", name, scenario.events.size());
     } catch (const std::exception& problem) {
-      std::cerr << fmt::format("rolu-sim: {}\n", problem.what());
-      status = kWrongUse;
+      rolu::SayProblem(problem.what());
+      status = rolu::kWrongUse;
     }
   }
   return status;
@@ -40,10 +41,10 @@ int ShowTrace(const TraceOptions& options) {
   const TraceFormat format = options.json ? TraceFormat::kJson : TraceFormat::kText;
   while (const auto line = client.ReadLine(deadline)) {
     std::cout << FormatLine(TraceRecordFromJson(Json::parse(*line)), format) << std::flush;
-    if (!std::cout) return kRefused;
+    if (!std::cout) return rolu::kPartlyDone;
   }
   if (options.follow && !client.TimedOut()) {
-    std::cerr << fmt::format("rolu-sim: the board at {} went down\n", directory);
+    rolu::Say(fmt::format("the board at {} went down", directory));
   }
   return 0;
 }

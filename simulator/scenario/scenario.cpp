@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "simulator/control/nearest_name.h"
+#include "cli/nearest_name.h"
 #include "simulator/scenario/positioned_json.h"
 
 namespace rolu_sim {
@@ -61,8 +61,8 @@ class ScenarioReader {
   void CheckNames(const Json& root) {
     for (const auto& [name, value] : root.items()) {
       if (name == "description" || name == "events") continue;
-      Complain(PointerTo("", name),
-               fmt::format("a scenario has no \"{}\"{}", name, DidYouMean(name, {"description", "events"})));
+      Complain(PointerTo("", name), fmt::format("a scenario has no \"{}\"{}", name,
+                                                rolu::Suggestion(name, {"description", "events"})));
     }
   }
 

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <optional>
 
-#include "simulator/control/nearest_name.h"
+#include "cli/nearest_name.h"
 #include "simulator/installed_files.h"
 
 namespace rolu_sim {
@@ -43,7 +43,7 @@ ScenarioFile ReadScenarioFile(const std::string& file_or_name) {
     if (auto text = ReadFile(ready)) return {ready.string(), std::move(*text)};
   }
   throw UsageError(fmt::format("there is no file and no ready-made scenario \"{}\"{}", file_or_name,
-                               DidYouMean(file_or_name, ReadyScenarioNames())));
+                               rolu::Suggestion(file_or_name, ReadyScenarioNames())));
 }
 
 }  // namespace rolu_sim

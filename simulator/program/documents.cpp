@@ -1,0 +1,148 @@
+#include "simulator/program/documents.h"
+
+#include <fmt/format.h>
+
+#include "cli/command_line.h"
+#include "cli/completion.h"
+#include "cli/man_page.h"
+#include "simulator/control/readings.h"
+#include "simulator/program/control_words.h"
+#include "simulator/program/help_text.h"
+#include "simulator/scenario/scenario_files.h"
+
+namespace rolu_sim {
+namespace {
+
+using rolu::RoffItem;
+using rolu::RoffText;
+using Paths = rolu::Candidates::Paths;
+
+std::string VerbItem(const Verb& verb) {
+  std::string text = RoffText(verb.help + '.');
+  for (const Parameter& parameter : verb.parameters) {
+    text += fmt::format(
+        "\n.br\n\\fI{}\\fR: {}", parameter.name,
+        RoffText(fmt::format("{}; {}{}.", parameter.help, parameter.range, FallbackText(parameter))));
+  }
+  return RoffItem(Synopsis(verb), text);
+}
+
+std::string VerbItems() {
+  std::string text;
+  std::string subject;
+  for (const Verb& verb : AllWords()) {
+    if (verb.subject != subject) text += fmt::format(".SS {}\n", RoffText(subject = verb.subject));
+    text += VerbItem(verb);
+  }
+  text += ".SS Readings\n";
+  for (const Reading& reading : Readings()) text += RoffItem(reading.name, RoffText(reading.help + '.'));
+  return text;
+}
+
+constexpr char kScenarioHelp[] = R"(A scenario is a JSON object with a
+.I description
+and a list of
+.IR events .
+Each event has a time
+.I at
+(as "2s", "500ms", or a number of seconds), a verb
+.I do
+and the verb's values by their names; it is repeated if it has
+.I every
+and
+.IR repeat .
+.PP
+.nf
+{
+  "description": "the ignition goes off, and the power after it",
+  "events": [
+    {"at": "2s", "do": "ignition", "state": "off"},
+    {"at": 3.5, "do": "power\-off\-warning", "cause": "ignition"},
+    {"at": "4s", "every": "500ms", "repeat": 10, "do": "shock"}
+  ]
+}
+.fi
+)";
+
+constexpr char kLimitsHelp[] = R"(Programs that are statically linked or set\-user\-ID, raw system calls, and
+.BR glob (3),
+.BR ftw (3),
+.BR fts (3)
+and
+.BR freopen (3)
+of the C library do not see the board. What such a program writes to a descriptor that it inherited is taken, but
+it does not hear of a refusal; what it reads from one is at its end at once.
+.PP
+Every other program may open, duplicate, inherit and list the board's files as on the board, except that
+.IP \(bu 2
+the files that the library uses are there and no others: no
+.IR unexport ,
+no
+.IR uevent ;
+.IP \(bu
+.IR /dev ,
+.I /proc
+and the directories above
+.IR /sys/class/gpio ,
+.I /sys/devices/omapdss
+and
+.I /sys/devices/platform/ehci\-omap.0
+are your system's, and do not list what the board has in them;
+.IP \(bu
+.IR /dev/stdin ,
+.I /dev/fd
+and
+.I /proc/self/fd
+do not open a device once more (ENXIO);
+.IP \(bu
+an I2C bus takes an address, reads and writes; combined and SMBus transfers are refused (ENOTTY).
+)";
+
+// What can follow a verb: the choices of its first value, and the names of all.
+void AddVerb(const Verb& verb, rolu::CompletionTable& table) {
+  const std::string command = "rolu-sim ctl " + verb.name;
+  std::string& words = table.arguments[command].words;
+  if (!verb.parameters.empty()) words = fmt::format("{}", fmt::join(verb.parameters.front().choices, " "));
+  for (const Parameter& parameter : verb.parameters) {
+    rolu::AddWord(words, parameter.name + '=');
+    if (parameter.choices.empty()) continue;
+    table.values[command + '=' + parameter.name].words = fmt::format("{}", fmt::join(parameter.choices, " "));
+  }
+  rolu::AddWord(table.arguments["rolu-sim ctl"].words, verb.name);
+}
+
+}  // namespace
+
+std::string SimulatorManPage(const CLI::App& app) {
+  return rolu::ManPage(app, ROLU_SIM_VERSION, "run programs against a simulated board", UsageOf) +
+         ".PP\nrun and join give the program's own status.\n"
+         ".SH WORDS OF CTL\nValues go in their order, or as name=value.\n" +
+         VerbItems() + ".SH SCENARIOS\n" + kScenarioHelp + ".SH ENVIRONMENT\n" +
+         RoffItem("ROLU_SIM_ROOT", "The directory of the board that a program meets; run and join set it.") +
+         RoffItem("TMPDIR",
+                  "Where run makes the board's directory, if the path is short enough; else /tmp.") +
+         ".SH LIMITS\n" + kLimitsHelp;
+}
+
+std::string SimulatorCompletion(const CLI::App& app) {
+  rolu::CompletionTable table;
+  for (const Verb& verb : AllWords()) AddVerb(verb, table);
+  const std::string scenarios = fmt::format("{}", fmt::join(ReadyScenarioNames(), " "));
+  table.arguments["rolu-sim ctl play"] = {"scenario= " + scenarios, Paths::kFiles};
+  // The short form: the options of run, and a program.
+  const std::string run = fmt::format("{}", fmt::join(rolu::LongOptions(*app.get_subcommand("run")), " "));
+  table.arguments["rolu-sim"] = {run, Paths::kProgram};
+  table.arguments["rolu-sim run"].paths = Paths::kProgram;
+  table.arguments["rolu-sim join"].paths = Paths::kProgram;
+  table.arguments["rolu-sim serve"].paths = Paths::kDirectories;
+  for (const char* const option : {"--scenario", "--show"}) table.values[option] = {scenarios, Paths::kFiles};
+  for (const char* const option : {"--replay", "--trace", "--check"})
+    table.values[option].paths = Paths::kFiles;
+  table.values["--fault"].words = fmt::format("{}", fmt::join(FaultKinds(), " "));
+  table.values["--mode"].words = "12 24";
+  table.values["--trace-format"].words = "json text";
+  table.values["--board"].paths = Paths::kDirectories;
+  return rolu::BashCompletion(app, std::move(table));
+}
+
+}  // namespace rolu_sim

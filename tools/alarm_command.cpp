@@ -3,11 +3,10 @@
 #include <array>
 #include <charconv>
 
+#include "cli/nearest_name.h"
 #include "tools/command.h"
-#include "tools/messages.h"
-#include "tools/nearest.h"
-#include "tools/report.h"
-#include "tools/session.h"
+#include "tools/command_error.h"
+#include "tools/reading.h"
 #include "tools/settings_table.h"
 #include "tools/status_words.h"
 
@@ -56,17 +55,6 @@ std::uint8_t ParseDay(const std::string& text) {
                                             Suggestion(text, known)));
 }
 
-ExitStatus PrintAlarm(Session& session, const CommonOptions& common) {
-  Report report;
-  for (const Setting* const setting : SettingsNamed({"alarm"})) {
-    Value value;
-    ThrowUnlessDone(session.Read(*setting, value), fmt::format("read {}", setting->name));
-    report.AddValue(*setting, value);
-  }
-  report.Print(common.json);
-  return kDone;
-}
-
 // The MCU's clock compares what the mode names only; the rest stays 0.
 void CheckReadBack(ALARM_MODE mode, const VPM_ALARM_TIME& time) {
   ALARM_MODE mode_now = ALARM_MODE_NONE;
@@ -88,20 +76,20 @@ ExitStatus SetAlarm(ALARM_MODE mode, const AlarmOptions& options, const CommonOp
   ThrowUnlessDone(KAVO_ROLU_VPM_SetAlarmTime(mode, time), "set the alarm");
   ThrowUnlessDone(KAVO_ROLU_VPM_SetAlarmActive(1), "switch the alarm on");
   CheckReadBack(mode, time);
-  return PrintAlarm(session, common);
+  return ReadAndPrint(session, "alarm", common);
 }
 
 ExitStatus SwitchOff(const CommonOptions& common) {
   Session session(common);
   session.Require(Family::kVpm);
   ThrowUnlessDone(KAVO_ROLU_VPM_SetAlarmActive(0), "switch the alarm off");
-  return PrintAlarm(session, common);
+  return ReadAndPrint(session, "alarm", common);
 }
 
 ExitStatus Show(const CommonOptions& common) {
   Session session(common);
   session.Require(Family::kVpm);
-  return PrintAlarm(session, common);
+  return ReadAndPrint(session, "alarm", common);
 }
 
 }  // namespace

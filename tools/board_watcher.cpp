@@ -5,20 +5,12 @@
 
 #include <cmath>
 
-#include "kavo_rolu.h"
-#include "tools/messages.h"
+#include "cli/messages.h"
+#include "tools/setting.h"
 #include "tools/status_words.h"
 
 namespace rolu {
 namespace {
-
-double Thousandths(float volts) {
-  return std::round(static_cast<double>(volts) * 1000.0) / 1000.0;
-}
-
-std::string VoltsText(double volts) {
-  return fmt::format("{:.3f} V", volts);
-}
 
 timespec FromNow(std::chrono::milliseconds time) {
   timespec deadline{};
@@ -119,7 +111,7 @@ void BoardWatcher::TellState() {
   }
   if (told_.volts) {
     values["volts"] = *told_.volts;
-    detail += fmt::format("{}car battery {}", detail.empty() ? "" : ", ", VoltsText(*told_.volts));
+    detail += fmt::format("{}car battery {} V", detail.empty() ? "" : ", ", VoltsText(*told_.volts));
   }
   events_.Put(EventKind::kState, std::move(values), detail);
 }
@@ -157,7 +149,7 @@ bool BoardWatcher::LookAtVoltage() {
     const bool is_first = !told_.volts;
     if (is_first || std::abs(volts - *told_.volts) >= settings_.volts_step) {
       told_.volts = volts;
-      if (!is_first) events_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts));
+      if (!is_first) events_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts) + " V");
     }
   }
   return NoteAnswer(status, "the car battery");

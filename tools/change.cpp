@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
+
+#include "cli/messages.h"
+#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/settings_table.h"
 #include "tools/status_words.h"
@@ -22,8 +25,8 @@ std::string McuRange(const Setting& setting) {
   const Setting* const range = FindSetting(fmt::format("{}.range", system));
   Value limits;
   if (range == nullptr || range->read(limits) != ROLU_STATUS_SUCCESS) return "";
-  return fmt::format("; the MCU's range is {:.3f} to {:.3f} V", limits.front().get<double>(),
-                     limits.back().get<double>());
+  return fmt::format("; the MCU's range is {} to {} V", VoltsText(limits.front().get<double>()),
+                     VoltsText(limits.back().get<double>()));
 }
 
 void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
@@ -42,6 +45,29 @@ void GiveUp(Change& change) {
 
 bool IsProtection(const Setting& setting) {
   return setting.name == "battery.preboot" || setting.name == "battery.lbp";
+}
+
+Change ParseChange(const std::string& name, std::string_view text) {
+  Change change;
+  change.setting = &SettingNamed(name);
+  if (!change.setting->IsWritable()) throw CommandError(kWrongUse, fmt::format("{} can only be read", name));
+  try {
+    change.wanted = ParseValue(*change.setting, text);
+  } catch (const std::invalid_argument& problem) {
+    throw CommandError(kWrongUse, fmt::format("{} {}", name, problem.what()));
+  }
+  return change;
+}
+
+std::vector<std::string> ConsequencesOf(const std::vector<Change>& changes) {
+  std::vector<std::string> consequences;
+  for (const Change& change : changes) {
+    const Setting& setting = *change.setting;
+    if (!MustAsk(setting, change.wanted)) continue;
+    consequences.push_back(
+        fmt::format("{} ({}={})", setting.consequence, setting.name, ValueText(setting, change.wanted)));
+  }
+  return consequences;
 }
 
 void Apply(Session& session, Change& change) {
@@ -86,6 +112,18 @@ void PrintChange(const Change& change) {
   const std::string asked =
       rounded ? fmt::format(", the nearest to {} that the MCU holds", ValueText(setting, change.wanted)) : "";
   Out(fmt::format("{} = {}{}{}\n", setting.name, WithUnit(setting, *change.read_back), asked, before));
+}
+
+ExitStatus ApplyAndPrint(Session& session, std::vector<Change>& changes, bool json) {
+  Outcome outcome;
+  Document document = Document::object();
+  ApplyAll(session, changes, [&](const Change& change) {
+    outcome.Add(change.result);
+    document[std::string(change.setting->name)] = ChangeAsJson(change);
+    if (!json || !change.problem.empty()) PrintChange(change);
+  });
+  if (json) PrintJson(document);
+  return outcome.Result();
 }
 
 Document ChangeAsJson(const Change& change) {

@@ -15,15 +15,21 @@ namespace rolu {
 struct Change {
   const Setting* setting = nullptr;
   Value wanted;
-  std::optional<Value> before;     // as it was read before; nothing if it could not be
-  std::optional<Value> read_back;  // as it was read after
+  std::optional<Value> before{};     // as it was read before; nothing if it could not be
+  std::optional<Value> read_back{};  // as it was read after
   ExitStatus result = kDone;
-  std::string problem;  // why it is not as wanted; empty when it is
+  std::string problem{};  // why it is not as wanted; empty when it is
 };
 
 // The setting whose change switches off those that IsProtection tells.
 inline constexpr std::string_view kBatteryMode = "battery.mode";
 bool IsProtection(const Setting& setting);
+
+// The change of the setting `name` to what `text` says. Throws CommandError(kWrongUse).
+Change ParseChange(const std::string& name, std::string_view text);
+
+// What must be confirmed before these are applied.
+std::vector<std::string> ConsequencesOf(const std::vector<Change>& changes);
 
 // Reads the setting, writes it, reads it back and compares; the results are in `change`. A `before`
 // that is there already is kept.
@@ -35,6 +41,9 @@ void ApplyAll(Session& session, std::vector<Change>& changes, const std::functio
 
 // "battery.mode = 24V (was 12V)" on standard output, or the problem on standard error.
 void PrintChange(const Change& change);
+
+// Applies all and prints what became of each, as lines or as one JSON object.
+ExitStatus ApplyAndPrint(Session& session, std::vector<Change>& changes, bool json);
 
 // {"wanted": ..., "before": ..., "value": ..., "error": ...}: what is there of it.
 Document ChangeAsJson(const Change& change);

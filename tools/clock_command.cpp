@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/report.h"
 #include "tools/session.h"
 #include "tools/status_words.h"

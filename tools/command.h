@@ -1,7 +1,6 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,10 +28,6 @@ void OnRun(CLI::App* command, Invocation& invocation, Run run) {
     invocation.action = [&invocation, run] { return static_cast<int>(run(invocation.common)); };
   });
 }
-
-// An option that takes a duration, "20s".
-void AddDurationOption(CLI::App* command, const std::string& name, std::chrono::milliseconds& time,
-                       const std::string& help);
 
 // Each adds its subcommand to `app`.
 void AddStatusCommand(CLI::App& app, Invocation& invocation);

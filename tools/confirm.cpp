@@ -7,8 +7,9 @@
 #include <cstdio>
 #include <optional>
 
+#include "cli/messages.h"
+#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 
 namespace rolu {
 namespace {

@@ -3,11 +3,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
 #include <optional>
 
+#include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/latency.h"
-#include "tools/messages.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/port_owner.h"
 #include "tools/report.h"
@@ -49,6 +53,77 @@ constexpr DeviceFile kLines[] = {
     {"/sys/class/gpio/gpio34/value", "digital output 2", F_OK},
     {"/sys/class/gpio/gpio45/value", "GPS power", F_OK},
 };
+
+constexpr std::size_t kLossesToGiveUp = 2;
+
+class ProgressBar {
+ public:
+  explicit ProgressBar(unsigned total) : total_(total), visible_(isatty(STDERR_FILENO) == 1) {}
+  ~ProgressBar() {
+    if (visible_) fmt::print(stderr, "\r\033[K");
+  }
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+
+  void Show(unsigned done) const {
+    constexpr unsigned kWidth = 40;
+    if (!visible_) return;
+    const unsigned filled = kWidth * done / total_;
+    fmt::print(stderr, "\rasking the MCU [{:#>{}}{:.>{}}] {}/{}", "", filled, "", kWidth - filled, done,
+               total_);
+    std::fflush(stderr);
+  }
+
+ private:
+  unsigned total_;
+  bool visible_;
+};
+
+// How fast the MCU answers.
+class Latency {
+ public:
+  void AddAnswer(std::chrono::microseconds time) { times_.push_back(time); }
+  void AddLoss() { ++lost_; }
+
+  std::size_t answered() const { return times_.size(); }
+  std::size_t lost() const { return lost_; }
+
+  // The time within which `percent` per cent of the answers came (nearest rank); 0 is the shortest. There
+  // must be answers.
+  double Milliseconds(unsigned percent) const {
+    std::vector<std::chrono::microseconds> sorted = times_;
+    std::sort(sorted.begin(), sorted.end());
+    const std::size_t rank = (sorted.size() * percent + 99) / 100;
+    return static_cast<double>(sorted[std::max<std::size_t>(rank, 1) - 1].count()) / 1000.0;
+  }
+
+ private:
+  std::vector<std::chrono::microseconds> times_;
+  std::size_t lost_ = 0;
+};
+
+// Asks the MCU `questions` times for its platform's name. Gives up after some losses in a row.
+Latency MeasureLatency(unsigned questions) {
+  using Clock = std::chrono::steady_clock;
+  const ProgressBar progress(questions);
+  Latency latency;
+  std::size_t lost_in_a_row = 0;
+  for (unsigned asked = 0; asked < questions && lost_in_a_row < kLossesToGiveUp; ++asked) {
+    interrupt::ThrowIfRequested();
+    progress.Show(asked);
+    std::array<char, 16> name{};
+    const Clock::time_point start = Clock::now();
+    const ROLU_STATUS status = KAVO_ROLU_VPM_GetPlatformName(name.data());
+    if (status == ROLU_STATUS_SUCCESS) {
+      latency.AddAnswer(std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start));
+      lost_in_a_row = 0;
+    } else {
+      latency.AddLoss();
+      ++lost_in_a_row;
+    }
+  }
+  return latency;
+}
 
 class Examination {
  public:
@@ -131,18 +206,15 @@ class Examination {
       AddBad("MCU's answers", "none came", kNoAnswer);
       return;
     }
-    const std::string text = fmt::format(
-        "{} of {}: minimum {:.1f} ms, median {:.1f} ms, 99th percentile {:.1f} ms", latency_->answered(),
-        latency_->answered() + latency_->lost(), Milliseconds(0), Milliseconds(50), Milliseconds(99));
+    const std::string text =
+        fmt::format("{} of {}: minimum {:.1f} ms, median {:.1f} ms, 99th percentile {:.1f} ms",
+                    latency_->answered(), latency_->answered() + latency_->lost(), latency_->Milliseconds(0),
+                    latency_->Milliseconds(50), latency_->Milliseconds(99));
     if (latency_->lost() == 0) {
       Add("MCU's answers", Finding::kGood, text);
     } else {
       AddBad("MCU's answers", text + "; some were lost", kPartlyDone);
     }
-  }
-
-  double Milliseconds(unsigned percent) const {
-    return static_cast<double>(latency_->Percentile(percent).count()) / 1000.0;
   }
 
   void LookForDevices() {
@@ -196,9 +268,9 @@ class Examination {
     if (latency_ && latency_->answered() > 0) {
       document["latency"] = {{"asked", latency_->answered() + latency_->lost()},
                              {"answered", latency_->answered()},
-                             {"minimum_ms", Milliseconds(0)},
-                             {"median_ms", Milliseconds(50)},
-                             {"p99_ms", Milliseconds(99)}};
+                             {"minimum_ms", latency_->Milliseconds(0)},
+                             {"median_ms", latency_->Milliseconds(50)},
+                             {"p99_ms", latency_->Milliseconds(99)}};
     }
     return document;
   }

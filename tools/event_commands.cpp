@@ -4,7 +4,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
-#include <spawn.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,9 +12,10 @@
 #include <chrono>
 #include <utility>
 
+#include "cli/messages.h"
+#include "cli/nearest_name.h"
+#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
-#include "tools/nearest.h"
 
 namespace rolu {
 namespace {
@@ -25,46 +26,16 @@ std::vector<std::string> KnownEvents() {
   return names;
 }
 
-// The environment of this process and two variables more.
-std::vector<std::string> EnvironmentOf(const Event& event, std::string_view name) {
-  std::vector<std::string> environment;
-  char** end = environ;
-  while (*end != nullptr) ++end;
-  environment.assign(environ, end);
-  environment.push_back(fmt::format("ROLU_EVENT={}", name));
-  environment.push_back(fmt::format("ROLU_TIME={}", event.time));
-  return environment;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) pointers.push_back(text.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-// 0, or the errno of why the shell could not be started.
-int StartShell(const std::string& command, std::vector<std::string> environment, pid_t& pid) {
-  std::vector<std::string> arguments = {"sh", "-c", command};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, STDERR_FILENO, STDOUT_FILENO);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t defaults;
-  sigemptyset(&defaults);
-  sigaddset(&defaults, SIGPIPE);
-  posix_spawnattr_setsigdefault(&attributes, &defaults);
-  // A process group of its own, so that what the shell starts ends with it.
-  posix_spawnattr_setpgroup(&attributes, 0);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
-  const int error = posix_spawn(&pid, "/bin/sh", &actions, &attributes, Pointers(arguments).data(),
-                                Pointers(environment).data());
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return error;
+[[noreturn]] void BecomeShell(const std::string& command, const Event& event, std::string_view name) {
+  signal(SIGPIPE, SIG_DFL);
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  dup2(nothing, STDIN_FILENO);
+  dup2(STDERR_FILENO, STDOUT_FILENO);
+  setenv("ROLU_EVENT", std::string(name).c_str(), 1);  // NOLINT(concurrency-mt-unsafe): it has one thread
+  setenv("ROLU_TIME", event.time.c_str(), 1);          // NOLINT(concurrency-mt-unsafe)
+  execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+  SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(errno)));
+  _exit(kNotFound);
 }
 
 }  // namespace
@@ -81,13 +52,15 @@ EventCommands::EventCommands(std::vector<std::pair<std::string, std::string>> co
 void EventCommands::Start(const Event& event, std::string_view name) {
   for (const auto& [wanted, command] : commands_) {
     if (wanted != name) continue;
-    pid_t pid = 0;
-    const int error = StartShell(command, EnvironmentOf(event, name), pid);
-    if (error == 0) {
-      running_.push_back({pid, command});
-    } else {
-      SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(error)));
+    const pid_t pid = fork();
+    if (pid < 0) {
+      SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(errno)));
+      continue;
     }
+    // A process group of its own, so that what the shell starts ends with it; whoever comes first makes it.
+    setpgid(pid, pid);
+    if (pid == 0) BecomeShell(command, event, name);
+    running_.push_back({pid, command});
   }
 }
 
@@ -104,9 +77,7 @@ bool EventCommands::HasEnded(const Running& running, int flags) {
 }
 
 void EventCommands::Reap() {
-  running_.erase(std::remove_if(running_.begin(), running_.end(),
-                                [this](const Running& running) { return HasEnded(running, WNOHANG); }),
-                 running_.end());
+  std::erase_if(running_, [this](const Running& running) { return HasEnded(running, WNOHANG); });
 }
 
 void EventCommands::WaitForEnd() {

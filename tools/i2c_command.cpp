@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/report.h"
 #include "tools/status_words.h"
@@ -55,7 +55,7 @@ ROLU_IIC_TRANSFER TransferWith(unsigned address, Bytes& data) {
   return transfer;
 }
 
-Bytes Read(unsigned address, unsigned count) {
+Bytes ReadBytes(unsigned address, unsigned count) {
   Bytes data(count);
   ROLU_IIC_TRANSFER transfer = TransferWith(address, data);
   ThrowUnlessDone(KAVO_ROLU_IIC_Read(&transfer), fmt::format("read from address 0x{:02x}", address));
@@ -83,7 +83,8 @@ ExitStatus RunRead(const I2cOptions& options, const CommonOptions& common) {
   const unsigned address = ParseAddress(options.address);
   std::optional<unsigned> first;
   if (!options.register_number.empty()) first = ParseByte(options.register_number, "the register", 0, 0xFF);
-  const Bytes data = first ? ReadRegisters(address, *first, options.count) : Read(address, options.count);
+  const Bytes data =
+      first ? ReadRegisters(address, *first, options.count) : ReadBytes(address, options.count);
   if (common.json) {
     Document document = {{"address", address}, {"bytes", data}};
     if (first) document["register"] = *first;

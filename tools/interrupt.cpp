@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "tools/messages.h"
+#include "tools/command_error.h"
 
 namespace rolu::interrupt {
 namespace {

@@ -1,15 +1,18 @@
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 
+#include "cli/messages.h"
+#include "tools/change.h"
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/load_plan.h"
-#include "tools/messages.h"
 #include "tools/output.h"
+#include "tools/session.h"
+#include "tools/settings_file.h"
 #include "tools/settings_table.h"
+#include "tools/status_words.h"
 
 namespace rolu {
 namespace {
@@ -19,17 +22,82 @@ struct LoadOptions {
   bool dry_run = false;
 };
 
-std::string ConsequenceOf(const Change& change) {
-  return fmt::format("{} ({}={})", change.setting->consequence, change.setting->name,
-                     ValueText(*change.setting, change.wanted));
+// What must be done so that the unit is as a file says, in the order in which it is done.
+struct LoadPlan {
+  std::vector<Change> changes;
+  std::vector<const Setting*> unchanged;
+  std::vector<const Setting*> not_in_file;
+};
+
+const SavedSetting* FindIn(const SettingsFile& file, const Setting& setting) {
+  const auto found = std::find_if(file.settings.begin(), file.settings.end(),
+                                  [&](const SavedSetting& saved) { return saved.setting == &setting; });
+  return found == file.settings.end() ? nullptr : &*found;
 }
 
-std::vector<std::string> Consequences(const LoadPlan& plan) {
-  std::vector<std::string> consequences;
-  for (const Change& change : plan.changes) {
-    if (MustAsk(*change.setting, change.wanted)) consequences.push_back(ConsequenceOf(change));
+bool HasChangeOf(const LoadPlan& plan, std::string_view name) {
+  return std::any_of(plan.changes.begin(), plan.changes.end(),
+                     [&](const Change& change) { return change.setting->name == name; });
+}
+
+void PlanSetting(Session& session, const Setting& setting, const SavedSetting* saved, LoadPlan& plan) {
+  const bool is_switched_off = IsProtection(setting) && HasChangeOf(plan, kBatteryMode);
+  if (saved == nullptr) plan.not_in_file.push_back(&setting);
+  if (saved == nullptr && !is_switched_off) return;
+  Change change;
+  change.setting = &setting;
+  Value now;
+  if (session.Read(setting, now) == ROLU_STATUS_SUCCESS) change.before = now;
+  if (saved == nullptr && !change.before) return;
+  change.wanted = saved == nullptr ? *change.before : saved->value;
+  const bool is_same = change.before && IsSame(*change.before, change.wanted);
+  const bool needs_switching_on = is_switched_off && change.wanted == true;
+  if (is_same && !needs_switching_on) {
+    plan.unchanged.push_back(&setting);
+  } else {
+    plan.changes.push_back(std::move(change));
   }
-  return consequences;
+}
+
+// Reads the unit and compares. A change of the battery mode switches both protections off: they are then set
+// after it, to what the file says, or to what they were.
+LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
+  LoadPlan plan;
+  for (const Setting& setting : Settings()) {
+    if (!setting.IsSaved()) continue;
+    interrupt::ThrowIfRequested();
+    PlanSetting(session, setting, FindIn(file, setting), plan);
+    if (!session.McuIsUnreachable()) continue;
+    throw CommandError(kNoAnswer,
+                       fmt::format("nothing was changed: {}", DescribeWithHint(session.McuProblem())));
+  }
+  return plan;
+}
+
+// Reads the settings of the file once more, those of `plan` that failed left out, and gives those that are
+// not as the file says: one setting may have moved another.
+std::vector<Change> FindDeviations(Session& session, const SettingsFile& file, const LoadPlan& plan) {
+  std::vector<Change> deviations;
+  for (const SavedSetting& saved : file.settings) {
+    if (interrupt::Signal() != 0) break;
+    const auto failed = std::find_if(plan.changes.begin(), plan.changes.end(), [&](const Change& change) {
+      return change.setting == saved.setting && !change.problem.empty();
+    });
+    if (failed != plan.changes.end()) continue;
+    Value now;
+    const ROLU_STATUS status = session.Read(*saved.setting, now);
+    if (status == ROLU_STATUS_SUCCESS && IsSame(saved.value, now, saved.setting->rounding)) continue;
+    Change deviation;
+    deviation.setting = saved.setting;
+    deviation.wanted = saved.value;
+    deviation.result = status == ROLU_STATUS_SUCCESS ? kRefused : WordsOf(status).exit_status;
+    deviation.problem =
+        status == ROLU_STATUS_SUCCESS
+            ? fmt::format("is in the file, but the unit ends with {}", ValueText(*saved.setting, now))
+            : "could not be read at the end: " + Describe(status);
+    deviations.push_back(std::move(deviation));
+  }
+  return deviations;
 }
 
 void ShowDifference(const LoadPlan& plan) {
@@ -59,20 +127,16 @@ void PrintPlan(const LoadPlan& plan, bool dry_run) {
              {"not_in_file", NamesOf(plan.not_in_file)}});
 }
 
-void Judge(std::vector<Change>& changes, Outcome& outcome) {
+void Judge(const std::vector<Change>& changes, Outcome& outcome) {
   for (const Change& change : changes) {
-    if (change.problem.empty()) {
-      outcome.Done();
-      continue;
-    }
-    outcome.Failed(change.result);
-    PrintChange(change);
+    outcome.Add(change.result);
+    if (!change.problem.empty()) PrintChange(change);
   }
 }
 
 ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
   ApplyAll(session, plan.changes, [](const Change&) {});
-  std::vector<Change> deviations = FindDeviations(session, file, plan);
+  const std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
   Outcome outcome;
   Judge(plan.changes, outcome);
@@ -90,7 +154,7 @@ ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
     if (common.json) PrintPlan(plan, true);
     return kDone;
   }
-  Confirm(common, Consequences(plan));
+  Confirm(common, ConsequencesOf(plan.changes));
   const ExitStatus result = Apply(session, file, plan);
   if (common.json) PrintPlan(plan, false);
   interrupt::ThrowIfRequested();

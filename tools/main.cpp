@@ -1,15 +1,17 @@
 // rolu: the board from a shell.
 
+#include <errno.h>
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <exception>
 
-#include "tools/command_line.h"
+#include "cli/command_line.h"
+#include "cli/messages.h"
+#include "tools/command.h"
+#include "tools/command_error.h"
+#include "tools/documents.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 
 namespace {
@@ -25,9 +27,52 @@ void OpenStandardDescriptors() {
   if (file > STDERR_FILENO) close(file);
 }
 
-int RunAction(const Invocation& invocation) {
+// For the build, which installs what it prints.
+void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(const CLI::App&)) {
+  app.add_flag_callback(option, [&app, generate] { throw CLI::CallForVersion(generate(app), 0); })->group("");
+}
+
+void AddCommands(CLI::App& app, Invocation& invocation) {
+  for (const auto add : {AddStatusCommand, AddGetCommand, AddSetCommand, AddListCommand, AddSaveCommand,
+                         AddLoadCommand, AddWatchCommand, AddDoctorCommand, AddClockCommand, AddAlarmCommand,
+                         AddWatchdogCommand, AddI2cCommand, AddPinsCommand, AddLightCommand,
+                         AddBacklightCommand, AddDefaultsCommand, AddResetCommand, AddForceShutdownCommand}) {
+    add(app, invocation);
+  }
+}
+
+void BuildCommandLine(CLI::App& app, Invocation& invocation) {
+  app.name("rolu");
+  app.description("The board from a shell: reads, sets and watches the in-vehicle computer's hardware.");
+  app.set_version_flag("--version", "rolu " ROLU_VERSION);
+  app.add_flag("--json", invocation.common.json, "Print results as JSON, with units");
+  app.add_flag("--force", invocation.common.force, "Go on although another process holds the MCU's port");
+  app.add_flag("-y,--yes", invocation.common.yes,
+               "Do not ask before what cuts power, switches a protection off or resets");
+  AddGenerator(app, "--generate-man", RoluManPage);
+  AddGenerator(app, "--generate-completion", RoluCompletion);
+  app.require_subcommand(1);
+  app.footer(
+      "Examples:\n"
+      "  rolu status\n"
+      "  rolu set ignition.off-event-delay=20\n"
+      "  rolu watch --on ignition-off 'logger ignition off'\n"
+      "  rolu doctor\n"
+      "\n" +
+      ExitStatusHelp() +
+      "\n'rolu COMMAND --help' says more about a command; 'rolu list' lists the settings.");
+  AddCommands(app, invocation);
+}
+
+int Run(int argc, char** argv) {
+  Invocation invocation;
+  CLI::App app;
+  BuildCommandLine(app, invocation);
   try {
+    app.parse(argc, argv);
     return invocation.action();
+  } catch (const CLI::ParseError& stop) {
+    return Conclude(app, stop);
   } catch (const CommandError& error) {
     SayProblem(error.what());
     return error.status();
@@ -45,30 +90,10 @@ int AfterFlush(int exit_status) {
   return exit_status == kDone ? kPartlyDone : exit_status;
 }
 
-int Run(int argc, char** argv) {
-  Invocation invocation;
-  CLI::App app;
-  BuildCommandLine(app, invocation);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& stop) {
-    if (stop.get_exit_code() == 0) return app.exit(stop);
-    SayProblem(ParseProblem(app, stop));
-    Say(fmt::format("try '{} --help'", GivenCommand(app)));
-    return kWrongUse;
-  }
-  return RunAction(invocation);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   OpenStandardDescriptors();
   interrupt::Watch();
-  try {
-    return AfterFlush(Run(argc, argv));
-  } catch (const std::exception& error) {
-    SayProblem(error.what());
-    return kPartlyDone;
-  }
+  return AfterFlush(Run(argc, argv));
 }

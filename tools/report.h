@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/exit_status.h"
+#include "cli/exit_status.h"
 #include "tools/setting.h"
 
 namespace rolu {
@@ -20,12 +20,12 @@ using Document = nlohmann::ordered_json;
 class Report {
  public:
   void AddValue(const Setting& setting, const Value& value);
-  void AddValue(std::string name, const Value& value, std::string text, std::string unit = {});
+  void AddValue(std::string name, const Value& value, std::string text, std::string_view unit = {});
   // What could not be read, and what was not asked for a reason.
-  void AddProblem(std::string name, ROLU_STATUS status);
-  void AddSkipped(std::string name, std::string reason);
+  void AddProblem(std::string_view name, ROLU_STATUS status);
+  void AddSkipped(std::string_view name, std::string_view reason);
   // A line over the fields that follow; not part of the JSON.
-  void AddTitle(std::string title);
+  void AddTitle(std::string_view title);
 
   void Print(bool json) const;
 
@@ -33,17 +33,13 @@ class Report {
   void PrintValues() const;
 
  private:
-  enum class Form { kTitle, kValue, kProblem, kSkipped };
   struct Field {
-    Form form;
     std::string name;
-    Value value;
-    std::string text;  // the value, or why there is none
-    std::string unit;
-    ROLU_STATUS status = 0;
+    Document json;     // null: a title
+    std::string text;  // the value without its unit, or why there is none
+    const char* colour = "";
   };
 
-  Document AsJson() const;
   void PrintText() const;
 
   std::vector<Field> fields_;
@@ -58,15 +54,12 @@ void PrintJsonLine(const Document& document);
 // How well the parts of a command went.
 class Outcome {
  public:
-  void Done() { ++done_; }
-  void Failed(ExitStatus status) {
+  void Add(ExitStatus status) {
+    if (status == kDone) ++done_;
     if (first_failure_ == kDone) first_failure_ = status;
   }
   // kDone, kPartlyDone when some went well, else what the first failure was.
-  ExitStatus Result() const {
-    if (first_failure_ == kDone) return kDone;
-    return done_ > 0 ? kPartlyDone : first_failure_;
-  }
+  ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
 
  private:
   int done_ = 0;

@@ -3,10 +3,11 @@
 
 #include <stdexcept>
 
+#include "cli/messages.h"
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
@@ -35,10 +36,10 @@ SettingsFile ReadUnit(Session& session, Outcome& outcome) {
     Value value;
     const ROLU_STATUS status = session.Read(setting, value);
     if (status != ROLU_STATUS_SUCCESS) {
-      outcome.Failed(WordsOf(status).exit_status);
+      outcome.Add(WordsOf(status).exit_status);
       SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status)));
     } else if (CanBeSetAgain(setting, value)) {
-      outcome.Done();
+      outcome.Add(kDone);
       file.settings.push_back({&setting, value});
     } else {
       Say(fmt::format("{} is not in the file: it is {}, which cannot be set again", setting.name,

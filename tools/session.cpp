@@ -1,15 +1,13 @@
 #include "tools/session.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
 
-#include "tools/common_options.h"
+#include "cli/messages.h"
+#include "cli/silenced_output.h"
+#include "tools/command_error.h"
 #include "tools/gpio_lines.h"
-#include "tools/messages.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"
 
@@ -22,7 +20,7 @@ struct FamilyWords {
 };
 
 // By Family.
-constexpr FamilyWords kFamilyWords[kFamilies] = {
+constexpr FamilyWords kFamilyWords[] = {
     {"the core", KAVO_ROLU_CORE_DeInit},
     {"the vehicle power management", KAVO_ROLU_VPM_Deinitialize},
     {"the watchdog", KAVO_ROLU_WD_Deinitialize},
@@ -33,30 +31,6 @@ constexpr FamilyWords kFamilyWords[kFamilies] = {
 std::size_t IndexOf(Family family) {
   return static_cast<std::size_t>(family);
 }
-
-// What the library prints on standard output while this lives goes nowhere: this program's output
-// is read by other programs.
-class SilencedOutput {
- public:
-  SilencedOutput() {
-    std::fflush(stdout);
-    saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (saved_ >= 0 && nowhere >= 0) dup2(nowhere, STDOUT_FILENO);
-    if (nowhere >= 0) close(nowhere);
-  }
-  ~SilencedOutput() {
-    std::fflush(stdout);
-    if (saved_ < 0) return;
-    dup2(saved_, STDOUT_FILENO);
-    close(saved_);
-  }
-  SilencedOutput(const SilencedOutput&) = delete;
-  SilencedOutput& operator=(const SilencedOutput&) = delete;
-
- private:
-  int saved_ = -1;
-};
 
 ROLU_STATUS BringUpVpm() {
   const SilencedOutput silenced;

@@ -3,13 +3,11 @@
 #include <array>
 #include <optional>
 
-#include "tools/exit_status.h"
-#include "tools/family.h"
+#include "cli/exit_status.h"
+#include "tools/common_options.h"
 #include "tools/setting.h"
 
 namespace rolu {
-
-struct CommonOptions;
 
 // This program's use of the board: brings the families up as they are needed, and takes down what
 // it brought up, on every way out.
@@ -57,7 +55,8 @@ class Session {
 
   const CommonOptions& options_;
   const int patience_;
-  std::array<std::optional<ROLU_STATUS>, kFamilies> states_;
+  static constexpr std::size_t kFamilies = 5;
+  std::array<std::optional<ROLU_STATUS>, kFamilies> states_;  // by Family
   bool port_checked_ = false;
   int unanswered_ = 0;
 };

@@ -1,36 +1,21 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <stdexcept>
 
+#include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
-#include "tools/nearest.h"
-#include "tools/settings_table.h"
 
 namespace rolu {
 namespace {
 
 Change ParseAssignment(const std::string& text) {
   const std::size_t equals = text.find('=');
-  if (equals == std::string::npos) {
-    throw CommandError(kWrongUse, fmt::format("'{}' is not NAME=VALUE", text));
-  }
-  const Setting& setting = SettingNamed(text.substr(0, equals));
-  if (!setting.IsWritable()) {
-    throw CommandError(kWrongUse, fmt::format("{} can only be read", setting.name));
-  }
-  Change change;
-  change.setting = &setting;
-  try {
-    change.wanted = ParseValue(setting, text.substr(equals + 1));
-  } catch (const std::invalid_argument& problem) {
-    throw CommandError(kWrongUse, fmt::format("{} {}", setting.name, problem.what()));
-  }
-  return change;
+  if (equals == std::string::npos) throw CommandError(kWrongUse, fmt::format("'{}' is not NAME=VALUE", text));
+  return ParseChange(text.substr(0, equals), text.substr(equals + 1));
 }
 
 // In the order of the table, whose rows depend on earlier ones only.
@@ -69,29 +54,12 @@ void RemindOfProtections(const std::vector<Change>& changes) {
 
 ExitStatus RunSet(const std::vector<std::string>& assignments, const CommonOptions& common) {
   std::vector<Change> changes = ParseAssignments(assignments);
-  std::vector<std::string> consequences;
-  for (const Change& change : changes) {
-    if (!MustAsk(*change.setting, change.wanted)) continue;
-    consequences.push_back(fmt::format("{} ({}={})", change.setting->consequence, change.setting->name,
-                                       ValueText(*change.setting, change.wanted)));
-  }
-  Confirm(common, consequences);
+  Confirm(common, ConsequencesOf(changes));
   Session session(common);
-  Outcome outcome;
-  Document document = Document::object();
-  ApplyAll(session, changes, [&](const Change& change) {
-    if (change.problem.empty()) {
-      outcome.Done();
-    } else {
-      outcome.Failed(change.result);
-    }
-    document[std::string(change.setting->name)] = ChangeAsJson(change);
-    if (!common.json || !change.problem.empty()) PrintChange(change);
-  });
-  if (common.json) PrintJson(document);
+  const ExitStatus result = ApplyAndPrint(session, changes, common.json);
   RemindOfProtections(changes);
   interrupt::ThrowIfRequested();
-  return outcome.Result();
+  return result;
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "tools/nearest.h"
+#include "cli/nearest_name.h"
 
 namespace rolu {
 namespace {
@@ -141,13 +141,21 @@ std::string ValueText(const Setting& setting, const Value& value) {
     std::string text;
     for (const Value& element : value) {
       if (!text.empty()) text += ' ';
-      text += element.is_number_float() ? fmt::format("{:.3f}", element.get<double>()) : element.dump();
+      text += element.is_number_float() ? VoltsText(element.get<double>()) : element.dump();
     }
     return text;
   }
-  if (setting.kind == Kind::kVolts) return fmt::format("{:.3f}", value.get<double>());
+  if (setting.kind == Kind::kVolts) return VoltsText(value.get<double>());
   if (setting.kind == Kind::kCelsius) return fmt::format("{:.1f}", value.get<double>());
   return value.dump();
+}
+
+double Thousandths(float volts) {
+  return std::round(static_cast<double>(volts) * 1000.0) / 1000.0;
+}
+
+std::string VoltsText(double volts) {
+  return fmt::format("{:.3f}", volts);
 }
 
 bool IsSame(const Value& wanted, const Value& found, double allowance) {

@@ -6,9 +6,11 @@
 #include <vector>
 
 #include "kavo_rolu.h"
-#include "tools/family.h"
 
 namespace rolu {
+
+// The parts of the library that are brought up on their own, in the order in which they are.
+enum class Family { kCore, kVpm, kWatchdog, kGsensor, kPeripherals };
 
 // A setting's value, as JSON has it: number, boolean, text, or a list of numbers.
 using Value = nlohmann::json;
@@ -68,6 +70,10 @@ void CheckValue(const Setting& setting, const Value& value);
 
 // For people and scripts: "12.600", "on", "07:30", "1 0". The unit is not part of it.
 std::string ValueText(const Setting& setting, const Value& value);
+
+// A voltage as a multiple of a thousandth, and how it is written: "12.600".
+double Thousandths(float volts);
+std::string VoltsText(double volts);
 
 // Equal; numbers also when they are no more than `allowance` (as a rule the setting's rounding) apart.
 bool IsSame(const Value& wanted, const Value& found, double allowance = 0);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -20,13 +21,23 @@ std::string Printable(const char* text, std::size_t size) {
   return printable;
 }
 
-ROLU_STATUS ImageInfo(std::array<char, 128>& release) {
-  std::array<char, 128> version{};
-  ROLU_IMAGE_INFO info{nullptr, nullptr, release.data(), version.data()};
-  return KAVO_ROLU_CORE_GetImageinfo(&info);
+// A text that the library writes into `Size` bytes.
+template <std::size_t Size, typename Get>
+ROLU_STATUS ReadText(Value& value, Get get) {
+  std::array<char, Size> text{};
+  const ROLU_STATUS status = get(text.data());
+  if (status == ROLU_STATUS_SUCCESS) value = Printable(text.data(), text.size());
+  return status;
 }
 
-constexpr std::string_view kNoAlarm = "none";
+ROLU_STATUS BatteryRange(CAR_BATTERY_MODE mode, Value& value) {
+  BATTERY_INFO info{};
+  const ROLU_STATUS status = KAVO_ROLU_VPM_GetLBPThresholdInfo(mode, &info);
+  if (status == ROLU_STATUS_SUCCESS) {
+    value = {Thousandths(info.range_start), Thousandths(info.range_mid), Thousandths(info.range_end)};
+  }
+  return status;
+}
 
 // The alarm's mode and time are one thing to the MCU: a part is changed by writing the whole.
 template <typename Change>
@@ -49,96 +60,98 @@ ROLU_STATUS ShowAlarm(Value& value, Show show) {
   VPM_ALARM_TIME time{};
   const ROLU_STATUS status = KAVO_ROLU_VPM_GetAlarmTime(&mode, &time);
   if (status != ROLU_STATUS_SUCCESS) return status;
-  value = mode == ALARM_MODE_NONE ? Value(kNoAlarm) : show(mode, time);
+  value = mode == ALARM_MODE_NONE ? Value("none") : Value(show(mode, time));
   return status;
 }
 
 }  // namespace
 
+Value AsValue(CAR_BATTERY_MODE mode) {
+  return mode == CAR_BATTERY_MODE_24V ? "24V" : "12V";
+}
+
+Value AsValue(WAKEUP_SOURCE source) {
+  if (source == WAKEUP_SOURCE_NONE) return "none";
+  if (source == WAKEUP_SOURCE_RTC_ALARM) return "alarm";
+  return fmt::format("source-{}", static_cast<int>(source));
+}
+
+Value AsValue(const VPM_FIRMWARE_INFO& info) {
+  return Printable(info.text, sizeof info.text);
+}
+
+Value AsValue(const VPM_RTC_TIME& time) {
+  return ClockText(time);
+}
+
+Value AsValue(const ROLU_GSENSOR_DATA& sample) {
+  return {sample.x, sample.y, sample.z};
+}
+
+Value Celsius(float raw) {
+  return std::round(static_cast<double>(raw) * 10.0) / 10.0;
+}
+
+Value InfoNumber(const BACKUP_BATTERY_INFO& info) {
+  return info.info_value;
+}
+
+Value SetFlags(const BACKUP_BATTERY_INFO& info) {
+  const std::pair<int, std::uint8_t> flags[] = {
+      {0, info.status_bit0},   {1, info.status_bit1},   {2, info.status_bit2},   {7, info.status_bit7},
+      {8, info.status_bit8},   {9, info.status_bit9},   {10, info.status_bit10}, {11, info.status_bit11},
+      {14, info.status_bit14}, {15, info.status_bit15},
+  };
+  Value bits = Value::array();
+  for (const auto& [bit, set] : flags) {
+    if (set != 0) bits.push_back(bit);
+  }
+  return bits;
+}
+
 ROLU_STATUS LibraryVersion(Value& value) {
-  std::array<unsigned char, 18> version{};
-  const ROLU_STATUS status = KAVO_ROLU_CORE_GetLibVersion(version.data());
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  std::array<char, 18> text{};
-  std::memcpy(text.data(), version.data(), text.size());
-  value = Printable(text.data(), text.size());
-  return status;
+  return ReadText<18>(value, [](char* text) {
+    std::array<unsigned char, 18> version{};
+    const ROLU_STATUS status = KAVO_ROLU_CORE_GetLibVersion(version.data());
+    std::memcpy(text, version.data(), version.size());
+    return status;
+  });
 }
 
 ROLU_STATUS Machine(Value& value) {
-  std::array<char, 65> name{};
-  ROLU_PLATFORM_NAME platform{name.data(), nullptr};
-  const ROLU_STATUS status = KAVO_ROLU_CORE_GetPlatformName(&platform);
-  if (status == ROLU_STATUS_SUCCESS) value = Printable(name.data(), name.size());
-  return status;
+  return ReadText<65>(value, [](char* name) {
+    ROLU_PLATFORM_NAME platform{name, nullptr};
+    return KAVO_ROLU_CORE_GetPlatformName(&platform);
+  });
 }
 
 ROLU_STATUS KernelRelease(Value& value) {
-  std::array<char, 128> release{};
-  const ROLU_STATUS status = ImageInfo(release);
-  if (status == ROLU_STATUS_SUCCESS) value = Printable(release.data(), release.size());
-  return status;
-}
-
-ROLU_STATUS Firmware(Value& value) {
-  VPM_FIRMWARE_INFO info{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetFWVersion(&info);
-  if (status == ROLU_STATUS_SUCCESS) value = Printable(info.text, sizeof info.text);
-  return status;
+  return ReadText<128>(value, [](char* release) {
+    std::array<char, 128> version{};
+    ROLU_IMAGE_INFO info{nullptr, nullptr, release, version.data()};
+    return KAVO_ROLU_CORE_GetImageinfo(&info);
+  });
 }
 
 ROLU_STATUS McuPlatform(Value& value) {
-  std::array<char, 16> name{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetPlatformName(name.data());
-  if (status == ROLU_STATUS_SUCCESS) value = Printable(name.data(), name.size());
-  return status;
+  return ReadText<16>(value, KAVO_ROLU_VPM_GetPlatformName);
 }
 
-ROLU_STATUS BatteryMode(Value& value) {
-  CAR_BATTERY_MODE mode{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetCurrentCarBatteryMode(&mode);
-  if (status == ROLU_STATUS_SUCCESS) value = mode == CAR_BATTERY_MODE_24V ? "24V" : "12V";
-  return status;
+ROLU_STATUS BatteryRange12V(Value& value) {
+  return BatteryRange(CAR_BATTERY_MODE_12V, value);
+}
+
+ROLU_STATUS BatteryRange24V(Value& value) {
+  return BatteryRange(CAR_BATTERY_MODE_24V, value);
 }
 
 ROLU_STATUS SetBatteryMode(const Value& value) {
   return KAVO_ROLU_VPM_SetCurrentCarBatteryMode(value == "24V" ? CAR_BATTERY_MODE_24V : CAR_BATTERY_MODE_12V);
 }
 
-ROLU_STATUS LastWakeup(Value& value) {
-  WAKEUP_SOURCE source = WAKEUP_SOURCE_NONE;
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetLastWakeupSource(&source);
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  switch (source) {
-    case WAKEUP_SOURCE_NONE:
-      value = "none";
-      break;
-    case WAKEUP_SOURCE_RTC_ALARM:
-      value = "alarm";
-      break;
-    default:
-      value = fmt::format("source-{}", static_cast<int>(source));
-  }
-  return status;
-}
-
-ROLU_STATUS ClockTime(Value& value) {
-  VPM_RTC_TIME time{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetRTCTime(&time);
-  if (status == ROLU_STATUS_SUCCESS) value = ClockText(time);
-  return status;
-}
-
 ROLU_STATUS AlarmMode(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE mode, const VPM_ALARM_TIME&) -> Value {
-    switch (mode) {
-      case ALARM_MODE_HOURLY:
-        return "hourly";
-      case ALARM_MODE_DAILY:
-        return "daily";
-      default:
-        return "weekly";
-    }
+  return ShowAlarm(value, [](ALARM_MODE mode, const VPM_ALARM_TIME&) {
+    return mode == ALARM_MODE_HOURLY ? "hourly" : mode == ALARM_MODE_DAILY ? "daily" : "weekly";
   });
 }
 
@@ -149,7 +162,7 @@ ROLU_STATUS SetAlarmMode(const Value& value) {
 }
 
 ROLU_STATUS AlarmTime(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) -> Value {
+  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) {
     return fmt::format("{:02}:{:02}", time.hour, time.minute);
   });
 }
@@ -162,54 +175,17 @@ ROLU_STATUS SetAlarmTime(const Value& value) {
 }
 
 ROLU_STATUS AlarmWeekday(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) -> Value { return time.weekday; });
+  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) { return time.weekday; });
 }
 
 ROLU_STATUS SetAlarmWeekday(const Value& value) {
   return ChangeAlarm([&](ALARM_MODE&, VPM_ALARM_TIME& time) { time.weekday = value.get<std::uint8_t>(); });
 }
 
-ROLU_STATUS BackupTemperature(Value& value) {
-  float celsius = 0;
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetBackupBatteryTemperture(&celsius);
-  if (status == ROLU_STATUS_SUCCESS) value = std::round(static_cast<double>(celsius) * 10.0) / 10.0;
-  return status;
-}
-
-ROLU_STATUS BackupInfo(Value& value) {
-  BACKUP_BATTERY_INFO info{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetBackupBatteryInfo(&info);
-  if (status == ROLU_STATUS_SUCCESS) value = info.info_value;
-  return status;
-}
-
-ROLU_STATUS BackupFlags(Value& value) {
-  BACKUP_BATTERY_INFO info{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetBackupBatteryInfo(&info);
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  const std::pair<int, std::uint8_t> flags[] = {
-      {0, info.status_bit0},   {1, info.status_bit1},   {2, info.status_bit2},   {7, info.status_bit7},
-      {8, info.status_bit8},   {9, info.status_bit9},   {10, info.status_bit10}, {11, info.status_bit11},
-      {14, info.status_bit14}, {15, info.status_bit15},
-  };
-  value = Value::array();
-  for (const auto& [bit, set] : flags) {
-    if (set != 0) value.push_back(bit);
-  }
-  return status;
-}
-
-ROLU_STATUS GsensorSample(Value& value) {
-  ROLU_GSENSOR_DATA sample{};
-  const ROLU_STATUS status = KAVO_ROLU_GSENSOR_GetData(&sample);
-  if (status == ROLU_STATUS_SUCCESS) value = {sample.x, sample.y, sample.z};
-  return status;
-}
-
 ROLU_STATUS InputPins(Value& value) {
   std::array<unsigned char, 2> pins{};
   const ROLU_STATUS status = KAVO_ROLU_DIO_ReadDIPin(pins.data());
-  if (status == ROLU_STATUS_SUCCESS) value = {pins[0], pins[1]};
+  if (status == ROLU_STATUS_SUCCESS) value = pins;
   return status;
 }
 

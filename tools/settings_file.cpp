@@ -13,8 +13,9 @@
 #include <set>
 #include <stdexcept>
 
-#include "tools/messages.h"
-#include "tools/nearest.h"
+#include "cli/messages.h"
+#include "cli/nearest_name.h"
+#include "tools/command_error.h"
 #include "tools/output.h"
 #include "tools/settings_table.h"
 

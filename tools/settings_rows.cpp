@@ -16,6 +16,25 @@ constexpr double kThresholdStep = 63;
 constexpr std::string_view kMcuUnits = "MCU units";
 constexpr std::string_view kSensorUnits = "sensor units";
 
+// What can only be read.
+Setting Reading(std::string_view name, std::string_view help, Kind kind, ROLU_STATUS (*read)(Value&),
+                std::string_view unit = {}, Family family = Family::kVpm) {
+  return {.name = name, .help = help, .family = family, .kind = kind, .unit = unit, .read = read};
+}
+
+// A whole number.
+Setting Number(std::string_view name, std::string_view help, double minimum, double maximum,
+               ROLU_STATUS (*read)(Value&), ROLU_STATUS (*write)(const Value&),
+               Family family = Family::kVpm) {
+  return {.name = name,
+          .help = help,
+          .family = family,
+          .minimum = minimum,
+          .maximum = maximum,
+          .read = read,
+          .write = write};
+}
+
 // A delay of the MCU's.
 template <auto Get, auto Set>
 Setting Delay(std::string_view name, std::string_view help) {
@@ -24,8 +43,8 @@ Setting Delay(std::string_view name, std::string_view help) {
           .unit = kMcuUnits,
           .minimum = 1,
           .maximum = 65535,
-          .read = Number<Get>,
-          .write = SetNumber<Set>};
+          .read = Read<Get>,
+          .write = Write<Set>};
 }
 
 template <auto Get, auto Set>
@@ -37,8 +56,8 @@ Setting Threshold(std::string_view name, std::string_view help) {
           .minimum = 0,
           .maximum = 100,
           .rounding = kVoltageStep,
-          .read = Voltage<Get>,
-          .write = SetVoltage<Set>,
+          .read = Read<Get>,
+          .write = Write<Set>,
           .asks = AsksFirst::kAlways,
           .consequence = "moves a threshold of the low-battery protections"};
 }
@@ -50,8 +69,8 @@ Setting Switch(std::string_view name, std::string_view help, AsksFirst asks = As
   return {.name = name,
           .help = help,
           .kind = Kind::kFlag,
-          .read = Flag<Get>,
-          .write = SetFlag<Set>,
+          .read = ReadFlag<Get>,
+          .write = WriteFlag<Set>,
           .asks = asks,
           .consequence = consequence};
 }
@@ -61,8 +80,8 @@ Setting WakeupSource(std::string_view name) {
   return {.name = name,
           .help = "Whether this cause may wake the computer; the MCU defines what it is",
           .kind = Kind::kFlag,
-          .read = FlagOf<KAVO_ROLU_VPM_GetWakeupSourceControlStatus, Source>,
-          .write = SetFlagOf<KAVO_ROLU_VPM_SetWakeupSourceControlStatus, Source>};
+          .read = ReadFlagOf<KAVO_ROLU_VPM_GetWakeupSourceControlStatus, Source>,
+          .write = WriteFlagOf<KAVO_ROLU_VPM_SetWakeupSourceControlStatus, Source>};
 }
 
 template <SHUTDOWN_SOURCE Source>
@@ -70,8 +89,8 @@ Setting ShutdownSource(std::string_view name) {
   return {.name = name,
           .help = "Whether this cause may shut the computer down; the MCU defines what it is",
           .kind = Kind::kFlag,
-          .read = FlagOf<KAVO_ROLU_VPM_GetShutdownSourceControlStatus, Source>,
-          .write = SetFlagOf<KAVO_ROLU_VPM_SetShutdownSourceControlStatus, Source>};
+          .read = ReadFlagOf<KAVO_ROLU_VPM_GetShutdownSourceControlStatus, Source>,
+          .write = WriteFlagOf<KAVO_ROLU_VPM_SetShutdownSourceControlStatus, Source>};
 }
 
 // A switched peripheral keeps its state, but is a switch of the moment: not saved.
@@ -81,68 +100,39 @@ Setting Peripheral(std::string_view name, std::string_view help) {
           .help = help,
           .family = Family::kPeripherals,
           .kind = Kind::kFlag,
-          .read = FlagOf<KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl, Type>,
-          .write = SetFlagOf<KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl, Type>,
+          .read = ReadFlagOf<KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl, Type>,
+          .write = WriteFlagOf<KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl, Type>,
           .saved = false};
 }
 
 std::vector<Setting> BoardSettings() {
   return {
-      {.name = "board.machine",
-       .help = "The processor, as the kernel names it",
-       .family = Family::kCore,
-       .kind = Kind::kText,
-       .read = Machine},
-      {.name = "board.kernel",
-       .help = "The kernel's release",
-       .family = Family::kCore,
-       .kind = Kind::kText,
-       .read = KernelRelease},
-      {.name = "board.library",
-       .help = "The library's interface version",
-       .family = Family::kCore,
-       .kind = Kind::kText,
-       .read = LibraryVersion},
-      {.name = "mcu.firmware", .help = "The MCU's firmware", .kind = Kind::kText, .read = Firmware},
-      {.name = "mcu.platform",
-       .help = "The platform's name, as the MCU tells it",
-       .kind = Kind::kText,
-       .read = McuPlatform},
-      {.name = "mcu.keep-alive-mode",
-       .help = "Keep-alive mode; the MCU defines what the values do",
-       .maximum = 9,
-       .read = Number<KAVO_ROLU_VPM_GetKeepAliveMode>,
-       .write = SetNumber<KAVO_ROLU_VPM_SetKeepAliveMode>},
-      {.name = "mcu.at-mode",
-       .help = "AT mode; the MCU defines what the values do",
-       .maximum = 9,
-       .read = Number<KAVO_ROLU_VPM_GetATMode>,
-       .write = SetNumber<KAVO_ROLU_VPM_SetATMode>},
+      Reading("board.machine", "The processor, as the kernel names it", Kind::kText, Machine, {},
+              Family::kCore),
+      Reading("board.kernel", "The kernel's release", Kind::kText, KernelRelease, {}, Family::kCore),
+      Reading("board.library", "The library's interface version", Kind::kText, LibraryVersion, {},
+              Family::kCore),
+      Reading("mcu.firmware", "The MCU's firmware", Kind::kText, Read<KAVO_ROLU_VPM_GetFWVersion>),
+      Reading("mcu.platform", "The platform's name, as the MCU tells it", Kind::kText, McuPlatform),
+      Number("mcu.keep-alive-mode", "Keep-alive mode; the MCU defines what the values do", 0, 9,
+             Read<KAVO_ROLU_VPM_GetKeepAliveMode>, Write<KAVO_ROLU_VPM_SetKeepAliveMode>),
+      Number("mcu.at-mode", "AT mode; the MCU defines what the values do", 0, 9,
+             Read<KAVO_ROLU_VPM_GetATMode>, Write<KAVO_ROLU_VPM_SetATMode>),
   };
 }
 
 std::vector<Setting> BatterySettings() {
   return {
-      {.name = "battery.voltage",
-       .help = "The car battery's voltage now",
-       .kind = Kind::kVolts,
-       .unit = "V",
-       .read = Voltage<KAVO_ROLU_VPM_GetCarBatteryVoltage>},
-      {.name = "battery.12v.range",
-       .help = "The MCU's battery range, start, middle and end, of a 12 V system",
-       .kind = Kind::kList,
-       .unit = "V",
-       .read = BatteryRange<CAR_BATTERY_MODE_12V>},
-      {.name = "battery.24v.range",
-       .help = "The same of a 24 V system",
-       .kind = Kind::kList,
-       .unit = "V",
-       .read = BatteryRange<CAR_BATTERY_MODE_24V>},
+      Reading("battery.voltage", "The car battery's voltage now", Kind::kVolts,
+              Read<KAVO_ROLU_VPM_GetCarBatteryVoltage>, "V"),
+      Reading("battery.12v.range", "The MCU's battery range, start, middle and end, of a 12 V system",
+              Kind::kList, BatteryRange12V, "V"),
+      Reading("battery.24v.range", "The same of a 24 V system", Kind::kList, BatteryRange24V, "V"),
       {.name = "battery.mode",
        .help = "The vehicle's battery system; a change switches both protections off",
        .kind = Kind::kChoice,
        .choices = {"12V", "24V"},
-       .read = BatteryMode,
+       .read = Read<KAVO_ROLU_VPM_GetCurrentCarBatteryMode>,
        .write = SetBatteryMode,
        .asks = AsksFirst::kAlways,
        .consequence = "switches the pre-boot and the low-battery protection off until they are switched on"},
@@ -169,16 +159,10 @@ std::vector<Setting> BatterySettings() {
 
 std::vector<Setting> PowerSettings() {
   return {
-      {.name = "ignition.state",
-       .help = "Whether the ignition is on",
-       .kind = Kind::kFlag,
-       .read = Flag<KAVO_ROLU_VPM_GetIgnitionStatus>},
-      {.name = "ignition.mode",
-       .help = "How the MCU handles the ignition; it defines what the modes do",
-       .minimum = 1,
-       .maximum = 2,
-       .read = Number<KAVO_ROLU_VPM_GetIgnitionMode>,
-       .write = SetNumber<KAVO_ROLU_VPM_SetIgnitionMode>},
+      Reading("ignition.state", "Whether the ignition is on", Kind::kFlag,
+              ReadFlag<KAVO_ROLU_VPM_GetIgnitionStatus>),
+      Number("ignition.mode", "How the MCU handles the ignition; it defines what the modes do", 1, 2,
+             Read<KAVO_ROLU_VPM_GetIgnitionMode>, Write<KAVO_ROLU_VPM_SetIgnitionMode>),
       Delay<KAVO_ROLU_VPM_GetIgnOnDelay, KAVO_ROLU_VPM_SetIgnOnDelay>(
           "ignition.on-delay", "From ignition on to the computer being switched on"),
       Delay<KAVO_ROLU_VPM_GetIgnOffEventDelay, KAVO_ROLU_VPM_SetIgnOffEventDelay>(
@@ -199,7 +183,8 @@ std::vector<Setting> PowerSettings() {
       Switch<KAVO_ROLU_VPM_GetForceShutDown, KAVO_ROLU_VPM_SetForceShutDown>(
           "shutdown.forced", "Whether the forced shutdown is on", AsksFirst::kSwitchingOn,
           "switches the forced shutdown on, which cuts the power after its delay"),
-      {.name = "wakeup.last", .help = "What woke the computer last", .kind = Kind::kText, .read = LastWakeup},
+      Reading("wakeup.last", "What woke the computer last", Kind::kText,
+              Read<KAVO_ROLU_VPM_GetLastWakeupSource>),
       WakeupSource<WAKEUP_SOURCE_0>("wakeup.source-0"),
       WakeupSource<WAKEUP_SOURCE_1>("wakeup.source-1"),
       WakeupSource<WAKEUP_SOURCE_2>("wakeup.source-2"),
@@ -212,21 +197,16 @@ std::vector<Setting> PowerSettings() {
 
 std::vector<Setting> ClockAndBackupSettings() {
   return {
-      {.name = "clock.time",
-       .help = "The MCU's clock; 'rolu clock' sets it",
-       .kind = Kind::kText,
-       .read = ClockTime},
+      Reading("clock.time", "The MCU's clock; 'rolu clock' sets it", Kind::kText,
+              Read<KAVO_ROLU_VPM_GetRTCTime>),
       {.name = "alarm.mode",
        .help = "How often the wake-up alarm comes",
        .kind = Kind::kChoice,
        .choices = {"hourly", "daily", "weekly"},
        .read = AlarmMode,
        .write = SetAlarmMode},
-      {.name = "alarm.weekday",
-       .help = "The day of a weekly alarm; which day is 0 is the MCU's definition",
-       .maximum = 6,
-       .read = AlarmWeekday,
-       .write = SetAlarmWeekday},
+      Number("alarm.weekday", "The day of a weekly alarm; which day is 0 is the MCU's definition", 0, 6,
+             AlarmWeekday, SetAlarmWeekday),
       {.name = "alarm.time",
        .help = "The wake-up alarm's time; an hourly alarm uses the minute only",
        .kind = Kind::kTimeOfDay,
@@ -234,37 +214,22 @@ std::vector<Setting> ClockAndBackupSettings() {
        .write = SetAlarmTime},
       Switch<KAVO_ROLU_VPM_GetAlarmActive, KAVO_ROLU_VPM_SetAlarmActive>(
           "alarm.active", "Whether the wake-up alarm is on (it is wake-up source 6)"),
-      {.name = "backup.voltage",
-       .help = "The backup battery's voltage",
-       .kind = Kind::kVolts,
-       .unit = "V",
-       .read = Voltage<KAVO_ROLU_VPM_GetBackupBatteryVoltage>},
-      {.name = "backup.charge",
-       .help = "Its charge",
-       .unit = "%",
-       .read = Number<KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge>},
-      {.name = "backup.capacity",
-       .help = "Its remaining capacity",
-       .unit = kMcuUnits,
-       .read = Number<KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity>},
-      {.name = "backup.temperature",
-       .help = "Its temperature",
-       .kind = Kind::kCelsius,
-       .unit = "degC",
-       .read = BackupTemperature},
-      {.name = "backup.remaining-time",
-       .help = "How long it will last",
-       .unit = kMcuUnits,
-       .read = Number<KAVO_ROLU_VPM_GetBackupBatteryRemainingTime>},
-      {.name = "backup.time-to-full",
-       .help = "How long it needs to be full",
-       .unit = kMcuUnits,
-       .read = Number<KAVO_ROLU_VPM_GetBackupBatteryTimeToFull>},
-      {.name = "backup.info", .help = "Its information number; the meaning is the MCU's", .read = BackupInfo},
-      {.name = "backup.flags",
-       .help = "The bits that are set in its status word",
-       .kind = Kind::kList,
-       .read = BackupFlags},
+      Reading("backup.voltage", "The backup battery's voltage", Kind::kVolts,
+              Read<KAVO_ROLU_VPM_GetBackupBatteryVoltage>, "V"),
+      Reading("backup.charge", "Its charge", Kind::kNumber,
+              Read<KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge>, "%"),
+      Reading("backup.capacity", "Its remaining capacity", Kind::kNumber,
+              Read<KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity>, kMcuUnits),
+      Reading("backup.temperature", "Its temperature", Kind::kCelsius,
+              ReadAs<KAVO_ROLU_VPM_GetBackupBatteryTemperture, Celsius>, "degC"),
+      Reading("backup.remaining-time", "How long it will last", Kind::kNumber,
+              Read<KAVO_ROLU_VPM_GetBackupBatteryRemainingTime>, kMcuUnits),
+      Reading("backup.time-to-full", "How long it needs to be full", Kind::kNumber,
+              Read<KAVO_ROLU_VPM_GetBackupBatteryTimeToFull>, kMcuUnits),
+      Reading("backup.info", "Its information number; the meaning is the MCU's", Kind::kNumber,
+              ReadAs<KAVO_ROLU_VPM_GetBackupBatteryInfo, InfoNumber>),
+      Reading("backup.flags", "The bits that are set in its status word", Kind::kList,
+              ReadAs<KAVO_ROLU_VPM_GetBackupBatteryInfo, SetFlags>),
   };
 }
 
@@ -276,20 +241,12 @@ std::vector<Setting> DeviceSettings() {
        .unit = kMcuUnits,
        .minimum = 1,
        .maximum = 65535,
-       .read = Number<KAVO_ROLU_WD_GetTime>,
-       .write = SetNumber<KAVO_ROLU_WD_SetTime>},
-      {.name = "gsensor.sample",
-       .help = "The acceleration now: x, y and z",
-       .family = Family::kGsensor,
-       .kind = Kind::kList,
-       .unit = kSensorUnits,
-       .read = GsensorSample},
-      {.name = "gsensor.resolution",
-       .help = "Resolution code; the MCU defines what the codes mean",
-       .family = Family::kGsensor,
-       .maximum = 3,
-       .read = Number<KAVO_ROLU_GSENSOR_GetResolution>,
-       .write = SetNumber<KAVO_ROLU_GSENSOR_SetResolution>},
+       .read = Read<KAVO_ROLU_WD_GetTime>,
+       .write = Write<KAVO_ROLU_WD_SetTime>},
+      Reading("gsensor.sample", "The acceleration now: x, y and z", Kind::kList,
+              Read<KAVO_ROLU_GSENSOR_GetData>, kSensorUnits, Family::kGsensor),
+      Number("gsensor.resolution", "Resolution code; the MCU defines what the codes mean", 0, 3,
+             Read<KAVO_ROLU_GSENSOR_GetResolution>, Write<KAVO_ROLU_GSENSOR_SetResolution>, Family::kGsensor),
       {.name = "gsensor.alarm-threshold",
        .help = "Acceleration above this is an alarm",
        .family = Family::kGsensor,
@@ -297,8 +254,8 @@ std::vector<Setting> DeviceSettings() {
        .minimum = 2000,
        .maximum = 15000,
        .rounding = kThresholdStep,
-       .read = Number<KAVO_ROLU_GSENSOR_GetAlarmThreshold>,
-       .write = SetNumber<KAVO_ROLU_GSENSOR_SetAlarmThreshold>},
+       .read = Read<KAVO_ROLU_GSENSOR_GetAlarmThreshold>,
+       .write = Write<KAVO_ROLU_GSENSOR_SetAlarmThreshold>},
       {.name = "gsensor.wakeup-threshold",
        .help = "Acceleration above this wakes the computer",
        .family = Family::kGsensor,
@@ -306,27 +263,16 @@ std::vector<Setting> DeviceSettings() {
        .minimum = 63,
        .maximum = 15999,
        .rounding = kThresholdStep,
-       .read = Number<KAVO_ROLU_GSENSOR_GetWakeupThreshold>,
-       .write = SetNumber<KAVO_ROLU_GSENSOR_SetWakeupThreshold>},
+       .read = Read<KAVO_ROLU_GSENSOR_GetWakeupThreshold>,
+       .write = Write<KAVO_ROLU_GSENSOR_SetWakeupThreshold>},
       Peripheral<PERIPHERAL_TYPE_MCU_SWITCH>("peripheral.mcu-switch", "The switch that the MCU holds"),
       Peripheral<PERIPHERAL_TYPE_WLAN>("peripheral.wlan", "The wireless network interface"),
       Peripheral<PERIPHERAL_TYPE_GPS>("peripheral.gps", "The power of the GPS receiver"),
-      {.name = "display.backlight",
-       .help = "The backlight's level",
-       .family = Family::kCore,
-       .maximum = 10,
-       .read = Number<KAVO_ROLU_DISPLAY_GetBright>,
-       .write = SetNumber<KAVO_ROLU_DISPLAY_SetBright>},
-      {.name = "light.level",
-       .help = "The ambient light",
-       .family = Family::kCore,
-       .unit = "lux",
-       .read = Number<KAVO_ROLU_LIGHTSENSOR_GetStatus>},
-      {.name = "pins.inputs",
-       .help = "The two digital inputs, 1 is high",
-       .family = Family::kCore,
-       .kind = Kind::kList,
-       .read = InputPins},
+      Number("display.backlight", "The backlight's level", 0, 10, Read<KAVO_ROLU_DISPLAY_GetBright>,
+             Write<KAVO_ROLU_DISPLAY_SetBright>, Family::kCore),
+      Reading("light.level", "The ambient light", Kind::kNumber, Read<KAVO_ROLU_LIGHTSENSOR_GetStatus>, "lux",
+              Family::kCore),
+      Reading("pins.inputs", "The two digital inputs, 1 is high", Kind::kList, InputPins, {}, Family::kCore),
   };
 }
 

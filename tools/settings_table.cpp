@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
-#include "tools/messages.h"
-#include "tools/nearest.h"
+#include <algorithm>
+
+#include "cli/nearest_name.h"
+#include "tools/command_error.h"
 
 namespace rolu {
 
@@ -29,6 +31,13 @@ const std::vector<SettingGroup>& SettingGroups() {
   return groups;
 }
 
+std::string_view TitleOf(std::string_view group) {
+  const auto& groups = SettingGroups();
+  const auto known = std::find_if(groups.begin(), groups.end(),
+                                  [&](const SettingGroup& each) { return each.name == group; });
+  return known == groups.end() ? group : known->title;
+}
+
 const Setting* FindSetting(std::string_view name) {
   for (const Setting& setting : Settings()) {
     if (setting.name == name) return &setting;
@@ -50,6 +59,9 @@ const Setting& SettingNamed(std::string_view name) {
 
 std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names) {
   std::vector<const Setting*> found;
+  if (names.empty()) {
+    for (const Setting& setting : Settings()) found.push_back(&setting);
+  }
   for (const std::string& name : names) {
     const std::size_t before = found.size();
     for (const Setting& setting : Settings()) {

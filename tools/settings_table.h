@@ -18,14 +18,17 @@ struct SettingGroup {
 };
 const std::vector<SettingGroup>& SettingGroups();
 
+// "Car battery" for "battery".
+std::string_view TitleOf(std::string_view group);
+
 // Null when there is none.
 const Setting* FindSetting(std::string_view name);
 
 // The setting of that name. Throws CommandError(kWrongUse) that suggests the nearest.
 const Setting& SettingNamed(std::string_view name);
 
-// The settings that names mean: each one a setting or a group ("battery"). In the order given;
-// the same throw.
+// The settings that names mean, each name a setting or a group ("battery"), in the order given; all settings
+// where no name is given. The same throw.
 std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names);
 
 std::vector<std::string> SettingNames();

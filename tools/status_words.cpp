@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "tools/messages.h"
+#include "tools/command_error.h"
 
 namespace rolu {
 namespace {

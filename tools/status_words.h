@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "cli/exit_status.h"
 #include "kavo_rolu.h"
-#include "tools/exit_status.h"
 
 namespace rolu {
 

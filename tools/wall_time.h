@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -23,9 +22,5 @@ long SecondsBetween(const VPM_RTC_TIME& from, const VPM_RTC_TIME& to);
 
 // Now, with milliseconds and the offset from UTC: "2026-11-24T21:38:15.123+01:00".
 std::string TimeStamp();
-
-// "20ms", "2s", "1.5min" is not one: a whole number with its unit, ms, s, min or h. Throws
-// std::invalid_argument with the reason.
-std::chrono::milliseconds ParseDuration(std::string_view text);
 
 }  // namespace rolu

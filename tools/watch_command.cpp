@@ -6,10 +6,11 @@
 #include <limits>
 #include <optional>
 
+#include "cli/command_line.h"
+#include "cli/messages.h"
 #include "tools/command.h"
 #include "tools/event_commands.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/wall_time.h"
 #include "tools/watch_process.h"
@@ -175,8 +176,8 @@ void AddWatchCommand(CLI::App& app, Invocation& invocation) {
       ->type_name("EVENT COMMAND");
   command->add_option("--count", options->count, "End after so many events")
       ->check(CLI::Range(1U, std::numeric_limits<unsigned>::max()));
-  AddDurationOption(command, "--for", options->time, "End after this time, like 20s");
-  AddDurationOption(command, "--interval", options->settings.interval,
+  AddDurationOption(*command, "--for", options->time, "End after this time, like 20s");
+  AddDurationOption(*command, "--interval", options->settings.interval,
                     "Time between two looks at ignition and voltage");
   command
       ->add_option("--step", options->settings.volts_step,

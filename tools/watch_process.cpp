@@ -9,8 +9,9 @@
 #include <exception>
 #include <system_error>
 
+#include "cli/messages.h"
+#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/port_owner.h"
 #include "tools/session.h"
 #include "tools/status_words.h"

@@ -1,10 +1,12 @@
 #include <fmt/format.h>
 
+#include "cli/command_line.h"
+#include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/messages.h"
 #include "tools/output.h"
 #include "tools/report.h"
 #include "tools/session.h"
@@ -42,11 +44,10 @@ Feeding FeedUntilEnd(const WatchdogOptions& options) {
   Feeding feeding;
   while (true) {
     const ROLU_STATUS status = KAVO_ROLU_WD_Trigger();
+    feeding.outcome.Add(WordsOf(status).exit_status);
     if (status == ROLU_STATUS_SUCCESS) {
       ++feeding.fed;
-      feeding.outcome.Done();
     } else {
-      feeding.outcome.Failed(WordsOf(status).exit_status);
       SayProblem("could not feed the watchdog: " + Describe(status));
     }
     const bool is_over = options.duration.count() > 0 && Clock::now() - start >= options.duration;
@@ -63,9 +64,7 @@ void TellFeeding(const CommonOptions& common, const char* state, const Feeding& 
 }
 
 void SetTime(Session& session, unsigned time) {
-  Change change;
-  change.setting = &SettingNamed("watchdog.time");
-  change.wanted = time;
+  Change change{.setting = &SettingNamed("watchdog.time"), .wanted = time};
   Apply(session, change);
   if (!change.problem.empty()) {
     throw CommandError(change.result, fmt::format("watchdog.time = {} {}", time, change.problem));
@@ -129,16 +128,16 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
   on->add_option("--time", options->time, "The time in which it must be fed, 1 to 65535 MCU units")
       ->check(CLI::Range(1, 65535));
   on->add_flag("--feed", options->feed, "Feed it until Ctrl-C, then switch it off");
-  AddDurationOption(on, "--every", options->every, "Time between two feedings, 500ms unless given");
-  AddDurationOption(on, "--for", options->duration, "With --feed: end after this time");
+  AddDurationOption(*on, "--every", options->every, "Time between two feedings, 500ms unless given");
+  AddDurationOption(*on, "--for", options->duration, "With --feed: end after this time");
   OnRun(on, invocation, [options](const CommonOptions& common) { return RunOn(*options, common); });
 
   OnRun(NewCommand(*watchdog, "off", "Switch the watchdog off", ""), invocation, RunOff);
 
   CLI::App* const feed = NewCommand(*watchdog, "feed", "Feed the watchdog once, or for a time",
                                     "  rolu watchdog feed\n  rolu watchdog feed --for 10min --every 1s");
-  AddDurationOption(feed, "--for", options->duration, "Feed it again and again for this time");
-  AddDurationOption(feed, "--every", options->every, "Time between two feedings, 500ms unless given");
+  AddDurationOption(*feed, "--for", options->duration, "Feed it again and again for this time");
+  AddDurationOption(*feed, "--every", options->every, "Time between two feedings, 500ms unless given");
   OnRun(feed, invocation, [options](const CommonOptions& common) { return RunFeed(*options, common); });
 }
 

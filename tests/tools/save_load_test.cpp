@@ -183,7 +183,7 @@ TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
       {with("\"version\":1", R"("version":1,"later":1)"), "has an unknown part 'later'"},
       {with("\"settings\":", "\"settinks\":"), "has no settings"},
       {with("watchdog.time", "watchdog.tine"),
-       "there is no setting 'watchdog.tine'; did you mean 'watchdog.time'?"},
+       "there is no setting 'watchdog.tine'; did you mean watchdog.time?"},
       {with("watchdog.time", "battery.voltage"), "battery.voltage is not a setting to load"},
       {with("\"value\":7", "\"value\":70000"),
        "watchdog.time must be a whole number from 1 to 65535, not 70000"},

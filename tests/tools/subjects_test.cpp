@@ -114,7 +114,7 @@ TEST_F(RoluTest, devices_beside_the_mcu_are_read_and_set) {
       {"pins drive low high", 0, "pins.outputs  low high\n"},
       {"pins read", 0, "pins.inputs  1 0\n"},
       {"pins", 0, "pins.inputs  1 0\n"},
-      {"pins raed", 2, "", "did you mean 'read'?"},
+      {"pins raed", 2, "", "did you mean read?"},
   });
   EXPECT_FALSE(board.gpio().Level(35));
   EXPECT_TRUE(board.gpio().Level(34));

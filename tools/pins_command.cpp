@@ -1,49 +1,22 @@
-// pins, light and backlight: devices beside the MCU.
-
 #include <fmt/format.h>
 
 #include <array>
 
-#include "tools/change.h"
 #include "tools/command.h"
-#include "tools/messages.h"
 #include "tools/output.h"
-#include "tools/report.h"
-#include "tools/session.h"
-#include "tools/settings_table.h"
+#include "tools/reading.h"
 #include "tools/status_words.h"
 
 namespace rolu {
 namespace {
 
-ExitStatus Show(const char* name, const CommonOptions& common) {
-  const Setting& setting = SettingNamed(name);
+ExitStatus RunReadPins(const CommonOptions& common) {
   Session session(common);
-  Value value;
-  ThrowUnlessDone(session.Read(setting, value), fmt::format("read {}", name));
-  Report report;
-  report.AddValue(setting, value);
-  report.Print(common.json);
-  return kDone;
+  return ReadAndPrint(session, "pins.inputs", common);
 }
 
-ExitStatus SetBacklight(const std::string& level, const CommonOptions& common) {
-  Change change;
-  change.setting = &SettingNamed("display.backlight");
-  try {
-    change.wanted = ParseValue(*change.setting, level);
-  } catch (const std::invalid_argument& problem) {
-    throw CommandError(kWrongUse, fmt::format("the level {}", problem.what()));
-  }
-  Session session(common);
-  Apply(session, change);
-  if (common.json) PrintJson({{std::string(change.setting->name), ChangeAsJson(change)}});
-  if (!common.json || !change.problem.empty()) PrintChange(change);
-  return change.result;
-}
-
-// Reading needs the lines to be there; preparing them gives them their directions anew, after which
-// the outputs are low. So nothing but these two prepares them.
+// Preparing the lines gives them their directions anew, after which the outputs are low. So reading, which
+// needs the lines to be there, does not prepare them.
 void PreparePins() {
   ThrowUnlessDone(KAVO_ROLU_DIO_Initialize(), "prepare the lines");
 }
@@ -84,9 +57,8 @@ void AddPinsCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const pins = NewCommand(app, "pins", "Read the digital inputs and drive the outputs",
                                     "  rolu pins\n  rolu pins drive high low");
   pins->require_subcommand(0, 1);
-  const auto read = [](const CommonOptions& common) { return Show("pins.inputs", common); };
-  OnRun(pins, invocation, read);
-  OnRun(NewCommand(*pins, "read", "Read the two inputs, as 'rolu pins' does", ""), invocation, read);
+  OnRun(pins, invocation, RunReadPins);
+  OnRun(NewCommand(*pins, "read", "Read the two inputs, as 'rolu pins' does", ""), invocation, RunReadPins);
   OnRun(NewCommand(*pins, "prepare", "Make the lines available; both outputs go low", ""), invocation,
         RunPrepare);
   CLI::App* const drive = NewCommand(*pins, "drive", "Drive the two outputs, which keep their levels",
@@ -96,21 +68,6 @@ void AddPinsCommand(CLI::App& app, Invocation& invocation) {
       ->expected(2)
       ->check(CLI::IsMember({"high", "low", "1", "0"}));
   OnRun(drive, invocation, [levels](const CommonOptions& common) { return RunDrive(*levels, common); });
-}
-
-void AddLightCommand(CLI::App& app, Invocation& invocation) {
-  OnRun(NewCommand(app, "light", "Read the ambient light", "  rolu light --json"), invocation,
-        [](const CommonOptions& common) { return Show("light.level", common); });
-}
-
-void AddBacklightCommand(CLI::App& app, Invocation& invocation) {
-  auto level = std::make_shared<std::string>();
-  CLI::App* const command =
-      NewCommand(app, "backlight", "Show or set the backlight", "  rolu backlight\n  rolu backlight 7");
-  command->add_option("LEVEL", *level, "0 to 10; without it the level is shown");
-  OnRun(command, invocation, [level](const CommonOptions& common) {
-    return level->empty() ? Show("display.backlight", common) : SetBacklight(*level, common);
-  });
 }
 
 }  // namespace rolu

@@ -1,0 +1,83 @@
+#include "tools/documents.h"
+
+#include <fmt/format.h>
+
+#include "cli/command_line.h"
+#include "cli/completion.h"
+#include "cli/man_page.h"
+#include "tools/port_owner.h"
+#include "tools/settings_table.h"
+#include "tools/watch_events.h"
+
+namespace rolu {
+namespace {
+
+// "rolu alarm daily [OPTIONS] TIME".
+std::string Usage(const CLI::App& app) {
+  std::string usage = PathOf(app) + " [OPTIONS]";
+  if (!ShownSubcommands(app).empty()) return usage + " COMMAND";
+  for (const CLI::Option* const option : app.get_options()) {
+    if (!option->get_positional()) continue;
+    const std::string name = option->get_name(true) + (option->get_expected_max() > 2 ? "..." : "");
+    usage += option->get_required() ? " " + name : " [" + name + "]";
+  }
+  return usage;
+}
+
+std::string SettingItems() {
+  std::string text;
+  for (const Setting& setting : Settings()) {
+    const std::string unit = setting.unit.empty() ? "" : fmt::format(" ({})", setting.unit);
+    text += RoffItem(setting.name, RoffText(fmt::format("{}. {}: {}{}.", setting.help,
+                                                        setting.IsWritable() ? "Takes" : "Read only",
+                                                        RangeText(setting), unit)));
+  }
+  return text;
+}
+
+// What the positional argument of a command may be.
+Candidates ArgumentsOf(const CLI::Option& argument) {
+  Candidates candidates;
+  if (argument.get_name(true) == "FILE") candidates.paths = Candidates::Paths::kFiles;
+  if (argument.get_name(true) == "NAME") {
+    for (const SettingGroup& group : SettingGroups()) AddWord(candidates.words, group.name);
+    for (const Setting& setting : Settings()) AddWord(candidates.words, setting.name);
+  }
+  if (argument.get_name(true) == "NAME=VALUE") {
+    for (const Setting& setting : Settings()) {
+      if (setting.IsWritable()) AddWord(candidates.words, fmt::format("{}=", setting.name));
+    }
+  }
+  return candidates;
+}
+
+}  // namespace
+
+std::string RoluManPage(const CLI::App& app) {
+  return ManPage(app, ROLU_VERSION, "the board from a shell", Usage) +
+         ".SH SETTINGS\nThe names that get, set, status and list take; a group is what stands before the "
+         "first "
+         "dot.\n" +
+         SettingItems() + ".SH ENVIRONMENT\n" +
+         RoffItem("NO_COLOR", "When it is set and not empty, nothing is coloured.") + ".SH FILES\n" +
+         RoffItem(kMcuPort, "The MCU's port. One process at a time may use it.");
+}
+
+std::string RoluCompletion(const CLI::App& app) {
+  CompletionTable table;
+  for (const CLI::App* const command : ShownSubcommands(app)) {
+    for (const CLI::Option* const option : command->get_options()) {
+      if (option->get_positional()) table.arguments[PathOf(*command)] = ArgumentsOf(*option);
+    }
+  }
+  for (const Setting& setting : Settings()) {
+    if (!setting.IsWritable()) continue;
+    std::string& values = table.values[fmt::format("rolu set={}", setting.name)].words;
+    if (setting.kind == Kind::kFlag) values = "on off";
+    for (const std::string_view choice : setting.choices) AddWord(values, choice);
+  }
+  for (const EventName& event : EventNames()) AddWord(table.values["--on"].words, event.name);
+  return BashCompletion(app, std::move(table));
+}
+
+}  // namespace rolu

@@ -1,0 +1,76 @@
+#include <algorithm>
+
+#include "cli/messages.h"
+#include "tools/command.h"
+#include "tools/gpio_lines.h"
+#include "tools/reading.h"
+#include "tools/settings_table.h"
+#include "tools/status_words.h"
+
+namespace rolu {
+namespace {
+
+// A user who wants to know how things are learns soon that the MCU does not answer.
+constexpr int kPatience = 1;
+
+// Why `status`, which must change nothing, does not ask for a setting now; null when it does.
+const char* ReasonNotToAsk(const Setting& setting) {
+  if (setting.family == Family::kPeripherals && GpsLineIsOn()) {
+    return "not asked: the GPS receiver is on, and asking may interrupt its power; 'rolu get peripheral' "
+           "asks";
+  }
+  if (setting.name == "pins.inputs" && !PinsArePrepared()) {
+    return "the lines are not prepared; 'rolu pins prepare' does it";
+  }
+  return nullptr;
+}
+
+bool NeedsMcu(const Setting* setting) {
+  return setting->family != Family::kCore;
+}
+
+Report ReadAll(Session& session, const std::vector<const Setting*>& settings, Outcome& outcome) {
+  Report report;
+  std::string_view group;
+  for (const Setting* const setting : settings) {
+    if (GroupOf(*setting) != group) {
+      group = GroupOf(*setting);
+      report.AddTitle(TitleOf(group));
+    }
+    if (const char* const reason = ReasonNotToAsk(*setting)) {
+      report.AddSkipped(setting->name, reason);
+      continue;
+    }
+    const ROLU_STATUS status = ReadInto(session, *setting, report, outcome);
+    if (status != ROLU_STATUS_SUCCESS) report.AddProblem(setting->name, status);
+  }
+  return report;
+}
+
+ExitStatus RunStatus(const std::vector<std::string>& names, const CommonOptions& common) {
+  const std::vector<const Setting*> settings = SettingsNamed(names);
+  Session session(common, kPatience);
+  // The quickest way to learn that the MCU is silent.
+  if (std::any_of(settings.begin(), settings.end(), NeedsMcu)) session.Use(Family::kWatchdog);
+  Outcome outcome;
+  ReadAll(session, settings, outcome).Print(common.json);
+  // The board tells some things without the MCU; they do not make a silent MCU a part of a success.
+  if (!session.McuIsUnreachable()) return outcome.Result();
+  SayProblem(DescribeWithHint(session.McuProblem()));
+  return kNoAnswer;
+}
+
+}  // namespace
+
+void AddStatusCommand(CLI::App& app, Invocation& invocation) {
+  auto names = std::make_shared<std::vector<std::string>>();
+  CLI::App* const command =
+      NewCommand(app, "status", "Show everything that can be read from the board",
+                 "  rolu status\n  rolu status battery ignition\n  rolu status --json "
+                 "| jq '.\"battery.voltage\".value'\n"
+                 "The G-sensor is switched on for its readings, and off again with its alarm.");
+  command->add_option("NAME", *names, "Only these settings or groups");
+  OnRun(command, invocation, [names](const CommonOptions& common) { return RunStatus(*names, common); });
+}
+
+}  // namespace rolu

@@ -37,7 +37,7 @@ bool Parse(int argc, char** argv, CommandLine& parsed, int& exit_status) {
                           std::chrono::seconds(1), std::chrono::hours(7 * 24));
   app.add_option(
          "--seed", parsed.soak.seed,
-         "Of all that is drawn; without it each run has its own. How the threads interleave remains chance")
+         "Seed of all random choices; without it each run has its own. The order of the threads stays random")
       ->option_text("N");
   app.add_flag("--promises", parsed.list, "Only lists the calls with what they promise");
   try {

@@ -14,7 +14,6 @@
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 #include "simulator/program/control_words.h"
-#include "simulator/program/documents.h"
 #include "simulator/program/help_text.h"
 
 namespace rolu_sim {
@@ -66,7 +65,7 @@ void AddBoardSettings(CLI::App& app, BoardSettings& settings) {
       ->take_all()
       ->allow_extra_args(false)
       ->check(CheckedBy(ParseFault, "fault"));
-  app.add_option("--seed", settings.seed, "What random faults start from; without it, another one each time")
+  app.add_option("--seed", settings.seed, "Seed of the random faults; without it each run has another")
       ->type_name("NUMBER")
       ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
   app.add_option("--battery", settings.battery,
@@ -80,7 +79,8 @@ void AddBoardSettings(CLI::App& app, BoardSettings& settings) {
   app.add_flag("--baud", settings.paced, "Let bytes take the time of the 115200 bit/s line");
   app.add_option("--trace", settings.trace, "Write each line on the wire to a file, or - for standard error")
       ->type_name("FILE");
-  app.add_option("--trace-format", settings.trace_format, "How: json (a file's default) or text (that of -)")
+  app.add_option("--trace-format", settings.trace_format,
+                 "json (the default for a file) or text (the default for -)")
       ->check(CLI::IsMember({"json", "text"}))
       ->type_name("FORMAT");
   app.add_flag("--fail-on-bite", settings.fail_on_bite, "Exit with status 6 if the watchdog bit");
@@ -90,7 +90,7 @@ void AddBoardChoice(CLI::App& app, BoardChoice& board) {
   app.add_option("--board", board.directory,
                  "The board's directory; else the board that this program runs on")
       ->type_name("DIR");
-  AddDuration(app, "--wait", board.patience, "Wait so long for the board to come up");
+  AddDuration(app, "--wait", board.patience, "Wait this long for the board to come up");
 }
 
 // The options of ctl may stand behind its words too, where the parser leaves what begins with a hyphen
@@ -223,7 +223,7 @@ void CommandLine::DefineJoin() {
                     });
   join->prefix_command();
   join->add_option("DIR", join_.board.directory, "The board's directory")->required();
-  AddDuration(*join, "--wait", join_.board.patience, "Wait so long for the board to come up");
+  AddDuration(*join, "--wait", join_.board.patience, "Wait this long for the board to come up");
 }
 
 void CommandLine::DefineCtl() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -54,5 +55,9 @@ struct ScenariosOptions {
   std::vector<std::string> checked;  // the files to be checked
 };
 int Scenarios(const ScenariosOptions& options);
+
+// The man page, and the completion for bash: from the definitions of the command line and of the verbs.
+std::string SimulatorManPage(const CLI::App& app);
+std::string SimulatorCompletion(const CLI::App& app);
 
 }  // namespace rolu_sim

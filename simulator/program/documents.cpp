@@ -1,11 +1,10 @@
-#include "simulator/program/documents.h"
-
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
 #include "cli/completion.h"
 #include "cli/man_page.h"
 #include "simulator/control/readings.h"
+#include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"
 #include "simulator/program/help_text.h"
 #include "simulator/scenario/scenario_files.h"

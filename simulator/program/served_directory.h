@@ -6,9 +6,9 @@
 
 namespace rolu_sim {
 
-// The directory of a served board, which this process alone holds until this is destroyed. What a board
-// that was killed has left in it is taken away; where anything else is, it is refused. At the end it is
-// removed if it was made here and is empty.
+// The directory of a served board, which this process alone holds until this is destroyed. It removes
+// what a killed board left there and refuses a directory that holds anything else. At the end it removes the
+// directory if it made it and it is empty.
 class ServedDirectory {
  public:
   // Throws UsageError, or std::system_error.

@@ -68,7 +68,8 @@ void CheckReadBack(ALARM_MODE mode, const VPM_ALARM_TIME& time) {
     throw CommandError(kRefused, "the alarm was set, but reads back differently; see 'rolu alarm show'");
 }
 
-ExitStatus SetAlarm(ALARM_MODE mode, const AlarmOptions& options, const CommonOptions& common) {
+template <ALARM_MODE mode>
+ExitStatus SetAlarm(const AlarmOptions& options, const CommonOptions& common) {
   VPM_ALARM_TIME time = ParseTime(options.time, mode);
   if (mode == ALARM_MODE_WEEKLY) time.weekday = ParseDay(options.day);
   Session session(common);
@@ -106,22 +107,19 @@ void AddAlarmCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const hourly =
       NewCommand(*alarm, "hourly", "Wake the computer each hour", "  rolu alarm hourly 15");
   hourly->add_option("MINUTE", options->time, "00 to 59")->required();
-  OnRun(hourly, invocation,
-        [options](const CommonOptions& common) { return SetAlarm(ALARM_MODE_HOURLY, *options, common); });
+  OnRun(hourly, invocation, SetAlarm<ALARM_MODE_HOURLY>, options);
 
   CLI::App* const daily =
       NewCommand(*alarm, "daily", "Wake the computer each day", "  rolu alarm daily 07:30");
   daily->add_option("TIME", options->time, "HH:MM, in the time of the MCU's clock")->required();
-  OnRun(daily, invocation,
-        [options](const CommonOptions& common) { return SetAlarm(ALARM_MODE_DAILY, *options, common); });
+  OnRun(daily, invocation, SetAlarm<ALARM_MODE_DAILY>, options);
 
   CLI::App* const weekly =
       NewCommand(*alarm, "weekly", "Wake the computer once a week", "  rolu alarm weekly monday 06:00");
   weekly->add_option("DAY", options->day, "sunday to saturday, or 0 to 6 in the MCU's counting (sunday is 0)")
       ->required();
   weekly->add_option("TIME", options->time, "HH:MM, in the time of the MCU's clock")->required();
-  OnRun(weekly, invocation,
-        [options](const CommonOptions& common) { return SetAlarm(ALARM_MODE_WEEKLY, *options, common); });
+  OnRun(weekly, invocation, SetAlarm<ALARM_MODE_WEEKLY>, options);
 
   OnRun(NewCommand(*alarm, "off", "Switch the alarm off; its time stays", ""), invocation, SwitchOff);
 }

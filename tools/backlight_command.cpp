@@ -19,7 +19,7 @@ void AddBacklightCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const command =
       NewCommand(app, "backlight", "Show or set the backlight", "  rolu backlight\n  rolu backlight 7");
   command->add_option("LEVEL", *level, "0 to 10; without it the level is shown");
-  OnRun(command, invocation, [level](const CommonOptions& common) { return RunBacklight(*level, common); });
+  OnRun(command, invocation, RunBacklight, level);
 }
 
 }  // namespace rolu

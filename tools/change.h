@@ -21,7 +21,7 @@ struct Change {
   std::string problem{};  // why it is not as wanted; empty when it is
 };
 
-// The setting whose change switches off those that IsProtection tells.
+// A change of this setting switches off the protections, which IsProtection names.
 inline constexpr std::string_view kBatteryMode = "battery.mode";
 bool IsProtection(const Setting& setting);
 

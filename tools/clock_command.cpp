@@ -100,7 +100,7 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const show =
       NewCommand(*clock, "show", "Show the clock and how far it is ahead of the system's", "");
   AddUtcFlag(show, *options);
-  OnRun(show, invocation, [options](const CommonOptions& common) { return RunShow(*options, common); });
+  OnRun(show, invocation, RunShow, options);
 
   CLI::App* const set =
       NewCommand(*clock, "set", "Set the clock to a time", "  rolu clock set '2026-11-24 21:38:15'");
@@ -108,12 +108,12 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   set->add_option("--weekday", options->weekday, "0 to 6, in the MCU's counting; without it Sunday is 0")
       ->check(CLI::Range(0, 6));
   AddUtcFlag(set, *options);
-  OnRun(set, invocation, [options](const CommonOptions& common) { return RunSet(*options, common); });
+  OnRun(set, invocation, RunSet, options);
 
   CLI::App* const sync =
       NewCommand(*clock, "sync", "Set the clock to the system's time", "  rolu clock sync");
   AddUtcFlag(sync, *options);
-  OnRun(sync, invocation, [options](const CommonOptions& common) { return RunSync(*options, common); });
+  OnRun(sync, invocation, RunSync, options);
 }
 
 }  // namespace rolu

@@ -17,15 +17,21 @@ struct Invocation {
 };
 
 // A subcommand. `examples` are whole command lines, one to a line.
-CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
-                     const std::string& examples);
+inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
+                            const std::string& examples) {
+  CLI::App* const command = parent.add_subcommand(name, help);
+  // The common options may stand behind the subcommand.
+  command->fallthrough();
+  if (!examples.empty()) command->footer("Examples:\n" + examples);
+  return command;
+}
 
-// Runs `run(common options)` when `command` is the one that was given, and none of its subcommands.
-template <typename Run>
-void OnRun(CLI::App* command, Invocation& invocation, Run run) {
-  command->callback([command, &invocation, run] {
+// Runs `run(*options, common options)` when `command` is the one that was given, and none of its subcommands.
+template <typename Run, typename... Options>
+void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<Options>... options) {
+  command->callback([=, &invocation] {
     if (!command->get_subcommands().empty()) return;
-    invocation.action = [&invocation, run] { return static_cast<int>(run(invocation.common)); };
+    invocation.action = [=, &invocation] { return static_cast<int>(run(*options..., invocation.common)); };
   });
 }
 
@@ -48,5 +54,10 @@ void AddDoctorCommand(CLI::App& app, Invocation& invocation);
 void AddDefaultsCommand(CLI::App& app, Invocation& invocation);
 void AddResetCommand(CLI::App& app, Invocation& invocation);
 void AddForceShutdownCommand(CLI::App& app, Invocation& invocation);
+
+// rolu(1) as roff, and the completion for bash: from the definitions of the commands and the table of
+// settings.
+std::string RoluManPage(const CLI::App& app);
+std::string RoluCompletion(const CLI::App& app);
 
 }  // namespace rolu

@@ -7,7 +7,6 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <optional>
 
 #include "cli/messages.h"
 #include "tools/command.h"
@@ -54,74 +53,54 @@ constexpr DeviceFile kLines[] = {
     {"/sys/class/gpio/gpio45/value", "GPS power", F_OK},
 };
 
-constexpr std::size_t kLossesToGiveUp = 2;
-
-class ProgressBar {
- public:
-  explicit ProgressBar(unsigned total) : total_(total), visible_(isatty(STDERR_FILENO) == 1) {}
-  ~ProgressBar() {
-    if (visible_) fmt::print(stderr, "\r\033[K");
+// Shows on a terminal how far the asking is; with `done` equal to `total` it is gone.
+void ShowProgress(unsigned done, unsigned total) {
+  constexpr unsigned kWidth = 40;
+  if (isatty(STDERR_FILENO) != 1) return;
+  const unsigned filled = kWidth * done / total;
+  fmt::print(stderr, "\r\033[K");
+  if (done < total) {
+    fmt::print(stderr, "asking the MCU [{:#>{}}{:.>{}}] {}/{}", "", filled, "", kWidth - filled, done, total);
   }
-  ProgressBar(const ProgressBar&) = delete;
-  ProgressBar& operator=(const ProgressBar&) = delete;
-
-  void Show(unsigned done) const {
-    constexpr unsigned kWidth = 40;
-    if (!visible_) return;
-    const unsigned filled = kWidth * done / total_;
-    fmt::print(stderr, "\rasking the MCU [{:#>{}}{:.>{}}] {}/{}", "", filled, "", kWidth - filled, done,
-               total_);
-    std::fflush(stderr);
-  }
-
- private:
-  unsigned total_;
-  bool visible_;
-};
+  std::fflush(stderr);
+}
 
 // How fast the MCU answers.
-class Latency {
- public:
-  void AddAnswer(std::chrono::microseconds time) { times_.push_back(time); }
-  void AddLoss() { ++lost_; }
+struct Latency {
+  std::vector<double> answers_ms;  // the shortest first
+  std::size_t lost = 0;
 
-  std::size_t answered() const { return times_.size(); }
-  std::size_t lost() const { return lost_; }
+  std::size_t asked() const { return answers_ms.size() + lost; }
 
   // The time within which `percent` per cent of the answers came (nearest rank); 0 is the shortest. There
   // must be answers.
-  double Milliseconds(unsigned percent) const {
-    std::vector<std::chrono::microseconds> sorted = times_;
-    std::sort(sorted.begin(), sorted.end());
-    const std::size_t rank = (sorted.size() * percent + 99) / 100;
-    return static_cast<double>(sorted[std::max<std::size_t>(rank, 1) - 1].count()) / 1000.0;
+  double Percentile(unsigned percent) const {
+    const std::size_t rank = (answers_ms.size() * percent + 99) / 100;
+    return answers_ms[std::max<std::size_t>(rank, 1) - 1];
   }
-
- private:
-  std::vector<std::chrono::microseconds> times_;
-  std::size_t lost_ = 0;
 };
 
-// Asks the MCU `questions` times for its platform's name. Gives up after some losses in a row.
-Latency MeasureLatency(unsigned questions) {
+// Asks the MCU for its platform's name, again and again. Gives up after two losses in a row.
+Latency MeasureLatency() {
   using Clock = std::chrono::steady_clock;
-  const ProgressBar progress(questions);
   Latency latency;
-  std::size_t lost_in_a_row = 0;
-  for (unsigned asked = 0; asked < questions && lost_in_a_row < kLossesToGiveUp; ++asked) {
-    interrupt::ThrowIfRequested();
-    progress.Show(asked);
+  unsigned lost_in_a_row = 0;
+  for (unsigned asked = 0; asked < kQuestions && lost_in_a_row < 2; ++asked) {
+    ShowProgress(asked, kQuestions);
+    if (interrupt::Signal() != 0) break;
     std::array<char, 16> name{};
     const Clock::time_point start = Clock::now();
-    const ROLU_STATUS status = KAVO_ROLU_VPM_GetPlatformName(name.data());
-    if (status == ROLU_STATUS_SUCCESS) {
-      latency.AddAnswer(std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start));
+    if (KAVO_ROLU_VPM_GetPlatformName(name.data()) == ROLU_STATUS_SUCCESS) {
+      latency.answers_ms.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
       lost_in_a_row = 0;
     } else {
-      latency.AddLoss();
+      ++latency.lost;
       ++lost_in_a_row;
     }
   }
+  ShowProgress(kQuestions, kQuestions);
+  interrupt::ThrowIfRequested();
+  std::sort(latency.answers_ms.begin(), latency.answers_ms.end());
   return latency;
 }
 
@@ -149,13 +128,10 @@ class Examination {
   }
 
   static void PrintCheck(const std::string& subject, Finding finding, const std::string& text) {
+    constexpr const char* kMarks[] = {"\033[32mok  \033[0m", "\033[33mnote\033[0m", "\033[31mBAD \033[0m"};
+    const std::string_view mark = kMarks[static_cast<std::size_t>(finding)];
     const bool colour = MayColour(STDOUT_FILENO);
-    const char* const mark = finding == Finding::kGood ? "ok  " : finding == Finding::kNote ? "note" : "BAD ";
-    const char* const paint = finding == Finding::kGood   ? "\033[32m"
-                              : finding == Finding::kNote ? "\033[33m"
-                                                          : "\033[31m";
-    OutNow(fmt::format("{}{}{}  {:<22}  {}\n", colour ? paint : "", mark, colour ? "\033[0m" : "", subject,
-                       text));
+    OutNow(fmt::format("{}  {:<22}  {}\n", colour ? mark : mark.substr(5, 4), subject, text));
   }
 
   bool PortIsThere() {
@@ -163,7 +139,7 @@ class Examination {
     if (stat(kMcuPort, &port) != 0) {
       AddBad("MCU port", fmt::format("{}: {}", kMcuPort, ErrnoText(errno)), kNoAnswer);
     } else if (!S_ISCHR(port.st_mode)) {
-      AddBad("MCU port", fmt::format("{} is no character device", kMcuPort), kNoAnswer);
+      AddBad("MCU port", fmt::format("{} is not a character device", kMcuPort), kNoAnswer);
     } else {
       Add("MCU port", Finding::kGood, fmt::format("{} is there", kMcuPort));
       return true;
@@ -179,7 +155,7 @@ class Examination {
     }
     if (search.hidden_processes > 0) {
       Add("MCU port's owner", Finding::kNote,
-          fmt::format("none seen, but {} processes of others could not be looked at; root can",
+          fmt::format("none was found, but {} processes belong to other users; only root can look at them",
                       search.hidden_processes));
     } else {
       Add("MCU port's owner", Finding::kGood, "no other process uses it");
@@ -201,16 +177,16 @@ class Examination {
   }
 
   void AskForLatency() {
-    latency_ = MeasureLatency(kQuestions);
-    if (latency_->answered() == 0) {
+    latency_ = MeasureLatency();
+    const std::size_t answered = latency_.answers_ms.size();
+    if (answered == 0) {
       AddBad("MCU's answers", "none came", kNoAnswer);
       return;
     }
-    const std::string text =
-        fmt::format("{} of {}: minimum {:.1f} ms, median {:.1f} ms, 99th percentile {:.1f} ms",
-                    latency_->answered(), latency_->answered() + latency_->lost(), latency_->Milliseconds(0),
-                    latency_->Milliseconds(50), latency_->Milliseconds(99));
-    if (latency_->lost() == 0) {
+    const std::string text = fmt::format(
+        "{} of {}: minimum {:.1f} ms, median {:.1f} ms, 99th percentile {:.1f} ms", answered,
+        latency_.asked(), latency_.Percentile(0), latency_.Percentile(50), latency_.Percentile(99));
+    if (latency_.lost == 0) {
       Add("MCU's answers", Finding::kGood, text);
     } else {
       AddBad("MCU's answers", text + "; some were lost", kPartlyDone);
@@ -265,12 +241,12 @@ class Examination {
     Document document = {
         {"in_order", status_ == kDone}, {"verdict", Verdict()}, {"checks", std::move(checks)}};
     if (!firmware_.empty()) document["firmware"] = firmware_;
-    if (latency_ && latency_->answered() > 0) {
-      document["latency"] = {{"asked", latency_->answered() + latency_->lost()},
-                             {"answered", latency_->answered()},
-                             {"minimum_ms", latency_->Milliseconds(0)},
-                             {"median_ms", latency_->Milliseconds(50)},
-                             {"p99_ms", latency_->Milliseconds(99)}};
+    if (!latency_.answers_ms.empty()) {
+      document["latency"] = {{"asked", latency_.asked()},
+                             {"answered", latency_.answers_ms.size()},
+                             {"minimum_ms", latency_.Percentile(0)},
+                             {"median_ms", latency_.Percentile(50)},
+                             {"p99_ms", latency_.Percentile(99)}};
     }
     return document;
   }
@@ -278,7 +254,7 @@ class Examination {
   const CommonOptions& common_;
   Session session_;
   std::vector<Check> checks_;
-  std::optional<Latency> latency_;
+  Latency latency_;
   std::string firmware_;
   ExitStatus status_ = kDone;
 };

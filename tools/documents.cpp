@@ -1,10 +1,9 @@
-#include "tools/documents.h"
-
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
 #include "cli/completion.h"
 #include "cli/man_page.h"
+#include "tools/command.h"
 #include "tools/port_owner.h"
 #include "tools/settings_table.h"
 #include "tools/watch_events.h"

@@ -57,7 +57,8 @@ void EventCommands::Start(const Event& event, std::string_view name) {
       SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(errno)));
       continue;
     }
-    // A process group of its own, so that what the shell starts ends with it; whoever comes first makes it.
+    // A process group of its own, so that what the shell starts ends with it. Both processes make it: either
+    // may come first.
     setpgid(pid, pid);
     if (pid == 0) BecomeShell(command, event, name);
     running_.push_back({pid, command});

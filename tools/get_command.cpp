@@ -43,7 +43,7 @@ void AddGetCommand(CLI::App& app, Invocation& invocation) {
   command->add_option("NAME", options->names, "Names of settings or groups; 'rolu list' lists them")
       ->required();
   command->add_flag("-n,--value-only", options->value_only, "Print the values only, without names and units");
-  OnRun(command, invocation, [options](const CommonOptions& common) { return RunGet(*options, common); });
+  OnRun(command, invocation, RunGet, options);
 }
 
 }  // namespace rolu

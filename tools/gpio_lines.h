@@ -11,7 +11,7 @@ namespace rolu {
 // on again.
 bool GpsLineIsOn();
 
-// Whether the lines of the digital inputs were made available, or there are no lines to be so.
+// Whether the lines of the digital inputs are there, or the system has no lines at all.
 bool PinsArePrepared();
 
 // Brings the peripherals up and leaves the receiver as it was.

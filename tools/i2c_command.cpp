@@ -141,7 +141,7 @@ void AddI2cCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const i2c = NewCommand(app, "i2c", "Read from and write to devices on the I2C bus",
                                    "  rolu i2c read 0x48 --register 0x00 --count 2\n"
                                    "  rolu i2c write 0x48 0x01 0x60\n  rolu i2c dump 0x48\n"
-                                   "A device is taken even if a kernel driver uses it.");
+                                   "rolu uses a device even if a kernel driver has it.");
   i2c->require_subcommand(1);
 
   CLI::App* const read =
@@ -151,17 +151,17 @@ void AddI2cCommand(CLI::App& app, Invocation& invocation) {
   read->add_option("--count", options->count, "How many bytes")
       ->check(CLI::Range(1, 256))
       ->capture_default_str();
-  OnRun(read, invocation, [options](const CommonOptions& common) { return RunRead(*options, common); });
+  OnRun(read, invocation, RunRead, options);
 
   CLI::App* const write =
       NewCommand(*i2c, "write", "Write bytes; asks first", "  rolu i2c write 0x48 0x01 0x60");
   AddAddress(write, *options);
   write->add_option("BYTE", options->bytes, "0 to 255, or 0x00 to 0xff")->required();
-  OnRun(write, invocation, [options](const CommonOptions& common) { return RunWrite(*options, common); });
+  OnRun(write, invocation, RunWrite, options);
 
   CLI::App* const dump = NewCommand(*i2c, "dump", "Read all 256 registers", "  rolu i2c dump 0x48");
   AddAddress(dump, *options);
-  OnRun(dump, invocation, [options](const CommonOptions& common) { return RunDump(*options, common); });
+  OnRun(dump, invocation, RunDump, options);
 }
 
 }  // namespace rolu

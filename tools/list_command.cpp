@@ -55,7 +55,7 @@ void AddListCommand(CLI::App& app, Invocation& invocation) {
       NewCommand(app, "list", "List the settings and what they take; asks the board nothing",
                  "  rolu list\n  rolu list battery");
   command->add_option("NAME", *names, "Only these settings or groups");
-  OnRun(command, invocation, [names](const CommonOptions& common) { return RunList(*names, common); });
+  OnRun(command, invocation, RunList, names);
 }
 
 }  // namespace rolu

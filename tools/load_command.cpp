@@ -141,7 +141,7 @@ ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
   Outcome outcome;
   Judge(plan.changes, outcome);
   Judge(deviations, outcome);
-  // Whatever failed, the unit has become a part of what the file says.
+  // Something failed, so the unit is only partly as the file says.
   return outcome.Result() == kDone ? kDone : kPartlyDone;
 }
 
@@ -176,7 +176,7 @@ void AddLoadCommand(CLI::App& app, Invocation& invocation) {
   command->add_option("FILE", options->path, "A file that 'rolu save' wrote; - is standard input")
       ->required();
   command->add_flag("--dry-run", options->dry_run, "Only show the difference");
-  OnRun(command, invocation, [options](const CommonOptions& common) { return RunLoad(*options, common); });
+  OnRun(command, invocation, RunLoad, options);
 }
 
 }  // namespace rolu

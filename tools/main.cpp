@@ -10,7 +10,6 @@
 #include "cli/messages.h"
 #include "tools/command.h"
 #include "tools/command_error.h"
-#include "tools/documents.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
 

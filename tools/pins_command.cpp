@@ -67,7 +67,7 @@ void AddPinsCommand(CLI::App& app, Invocation& invocation) {
       ->required()
       ->expected(2)
       ->check(CLI::IsMember({"high", "low", "1", "0"}));
-  OnRun(drive, invocation, [levels](const CommonOptions& common) { return RunDrive(*levels, common); });
+  OnRun(drive, invocation, RunDrive, levels);
 }
 
 }  // namespace rolu

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace rolu {
 namespace {
@@ -53,16 +54,23 @@ bool IsMasterOf(const fs::path& process, const fs::path& descriptor, unsigned nu
   return false;
 }
 
+// Empty where the directory cannot be read; `error` says why.
+std::vector<fs::path> EntriesOf(const fs::path& directory, std::error_code& error) {
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator at(directory, error); !error && at != fs::directory_iterator();
+       at.increment(error)) {
+    entries.push_back(at->path());
+  }
+  return entries;
+}
+
 enum class Holding { kNothing, kPort, kFarEnd, kUnknown };
 
 Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
   const std::optional<unsigned> number = PseudoTerminalNumber(port);
   std::error_code error;
   Holding holding = Holding::kNothing;
-  fs::directory_iterator descriptors(process / "fd", error);
-  if (error) return error == std::errc::permission_denied ? Holding::kUnknown : Holding::kNothing;
-  for (; descriptors != fs::directory_iterator(); descriptors.increment(error)) {
-    const fs::path& descriptor = descriptors->path();
+  for (const fs::path& descriptor : EntriesOf(process / "fd", error)) {
     const std::string target = Link(descriptor);
     // Files elsewhere are not asked: they may be on a server that is not there.
     if (target.rfind("/dev/", 0) != 0 && target.rfind("/proc/", 0) != 0) continue;
@@ -70,7 +78,7 @@ Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
     struct stat file {};
     if (stat(descriptor.c_str(), &file) == 0 && IsSameFile(port, file)) holding = Holding::kPort;
   }
-  return holding;
+  return error == std::errc::permission_denied ? Holding::kUnknown : holding;
 }
 
 std::string CommandOf(const fs::path& process) {
@@ -99,21 +107,14 @@ PortSearch FindPortOwner() {
   struct stat port {};
   if (stat(kMcuPort, &port) != 0) return search;
   std::error_code error;
-  for (fs::directory_iterator processes("/proc", error); !error && processes != fs::directory_iterator();
-       processes.increment(error)) {
-    const fs::path& process = processes->path();
+  for (const fs::path& process : EntriesOf("/proc", error)) {
     const std::optional<pid_t> pid = ProcessNumber(process.filename());
     if (!pid) continue;
-    switch (WhatProcessHolds(process, port)) {
-      case Holding::kPort:
-        search.owner = PortOwner{*pid, CommandOf(process)};
-        return search;
-      case Holding::kUnknown:
-        ++search.hidden_processes;
-        break;
-      default:
-        break;
-    }
+    const Holding holding = WhatProcessHolds(process, port);
+    if (holding == Holding::kUnknown) ++search.hidden_processes;
+    if (holding != Holding::kPort) continue;
+    search.owner = PortOwner{*pid, CommandOf(process)};
+    break;
   }
   return search;
 }
@@ -122,10 +123,9 @@ int DuplicateOwnPort() {
   struct stat port {};
   if (stat(kMcuPort, &port) != 0) return -1;
   std::error_code error;
-  for (fs::directory_iterator descriptors("/proc/self/fd", error);
-       !error && descriptors != fs::directory_iterator(); descriptors.increment(error)) {
+  for (const fs::path& path : EntriesOf("/proc/self/fd", error)) {
     int descriptor = -1;
-    const std::string name = descriptors->path().filename();
+    const std::string name = path.filename();
     std::from_chars(name.data(), name.data() + name.size(), descriptor);
     struct stat file {};
     if (fstat(descriptor, &file) == 0 && IsSameFile(port, file)) {

@@ -22,7 +22,7 @@ struct PortSearch {
 };
 
 // Looks for another process that has the MCU's port open. When the port is a pseudo-terminal, the
-// process at its other end is no owner: it is the MCU.
+// process at its other end is not an owner: it is the MCU.
 PortSearch FindPortOwner();
 
 // Another descriptor for this process's own open port, which nobody inherits; -1 when it is not open. It

@@ -82,7 +82,7 @@ void AddSaveCommand(CLI::App& app, Invocation& invocation) {
                  "  rolu save unit-17.json\n  rolu save - | ssh depot 'cat > unit-17.json'");
   command->add_option("FILE", *path, "The file, written whole or not at all; - is standard output")
       ->required();
-  OnRun(command, invocation, [path](const CommonOptions& common) { return RunSave(*path, common); });
+  OnRun(command, invocation, RunSave, path);
 }
 
 }  // namespace rolu

@@ -102,23 +102,22 @@ ROLU_STATUS Session::McuProblem() const {
   return ROLU_STATUS_SUCCESS;
 }
 
-ROLU_STATUS Session::Noted(ROLU_STATUS status) {
+ROLU_STATUS Session::Ask(Family family, const std::function<ROLU_STATUS()>& question) {
+  const ROLU_STATUS up = Use(family);
+  if (up != ROLU_STATUS_SUCCESS) return up;
+  if (family == Family::kCore) return question();
+  if (McuIsSilent()) return ROLU_STATUS_VPM_NO_REPLY;
+  const ROLU_STATUS status = question();
   unanswered_ = status == ROLU_STATUS_VPM_NO_REPLY ? unanswered_ + 1 : 0;
   return status;
 }
 
 ROLU_STATUS Session::Read(const Setting& setting, Value& value) {
-  const ROLU_STATUS up = Use(setting.family);
-  if (up != ROLU_STATUS_SUCCESS) return up;
-  if (setting.family == Family::kCore) return setting.read(value);
-  return McuIsSilent() ? ROLU_STATUS{ROLU_STATUS_VPM_NO_REPLY} : Noted(setting.read(value));
+  return Ask(setting.family, [&] { return setting.read(value); });
 }
 
 ROLU_STATUS Session::Write(const Setting& setting, const Value& value) {
-  const ROLU_STATUS up = Use(setting.family);
-  if (up != ROLU_STATUS_SUCCESS) return up;
-  if (setting.family == Family::kCore) return setting.write(value);
-  return McuIsSilent() ? ROLU_STATUS{ROLU_STATUS_VPM_NO_REPLY} : Noted(setting.write(value));
+  return Ask(setting.family, [&] { return setting.write(value); });
 }
 
 ExitStatus Session::Close() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 
 #include "cli/exit_status.h"
@@ -51,7 +52,7 @@ class Session {
   void EnsurePortIsOurs();
   ROLU_STATUS BringUp(Family family);
   ROLU_STATUS BringUpWatchdog();
-  ROLU_STATUS Noted(ROLU_STATUS status);
+  ROLU_STATUS Ask(Family family, const std::function<ROLU_STATUS()>& question);
 
   const CommonOptions& options_;
   const int patience_;

@@ -40,7 +40,7 @@ bool IsNamed(const std::vector<Change>& changes, std::string_view name) {
                      [&](const Change& change) { return change.setting->name == name; });
 }
 
-// A change of the battery mode leaves behind it what this says.
+// A change of the battery mode switches protections off; this says how to switch them on again.
 void RemindOfProtections(const std::vector<Change>& changes) {
   if (!IsNamed(changes, kBatteryMode)) return;
   std::string left_off;
@@ -75,8 +75,7 @@ void AddSetCommand(CLI::App& app, Invocation& invocation) {
   command
       ->add_option("NAME=VALUE", *assignments, "Settings with their new values; 'rolu list' tells the ranges")
       ->required();
-  OnRun(command, invocation,
-        [assignments](const CommonOptions& common) { return RunSet(*assignments, common); });
+  OnRun(command, invocation, RunSet, assignments);
 }
 
 }  // namespace rolu

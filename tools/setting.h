@@ -75,7 +75,7 @@ std::string ValueText(const Setting& setting, const Value& value);
 double Thousandths(float volts);
 std::string VoltsText(double volts);
 
-// Equal; numbers also when they are no more than `allowance` (as a rule the setting's rounding) apart.
+// Whether they are equal; numbers may be `allowance` apart, which as a rule is the setting's rounding.
 bool IsSame(const Value& wanted, const Value& found, double allowance = 0);
 
 // Whether setting it to `value` must be confirmed.

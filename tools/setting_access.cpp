@@ -12,6 +12,8 @@
 namespace rolu::access {
 namespace {
 
+constexpr char kNoAlarm[] = "none";
+
 // At most `size` bytes up to a NUL, and only characters that print.
 std::string Printable(const char* text, std::size_t size) {
   std::string printable(text, strnlen(text, size));
@@ -30,38 +32,19 @@ ROLU_STATUS ReadText(Value& value, Get get) {
   return status;
 }
 
-ROLU_STATUS BatteryRange(CAR_BATTERY_MODE mode, Value& value) {
-  BATTERY_INFO info{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetLBPThresholdInfo(mode, &info);
-  if (status == ROLU_STATUS_SUCCESS) {
-    value = {Thousandths(info.range_start), Thousandths(info.range_mid), Thousandths(info.range_end)};
-  }
-  return status;
-}
-
 // The alarm's mode and time are one thing to the MCU: a part is changed by writing the whole.
 template <typename Change>
 ROLU_STATUS ChangeAlarm(Change change) {
-  ALARM_MODE mode = ALARM_MODE_NONE;
-  VPM_ALARM_TIME time{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetAlarmTime(&mode, &time);
+  Alarm alarm{};
+  const ROLU_STATUS status = GetAlarm(&alarm);
   if (status != ROLU_STATUS_SUCCESS) return status;
+  VPM_ALARM_TIME& time = alarm.time;
   // An alarm that was never set may hold anything.
   if (time.weekday > 6) time.weekday = 0;
   if (time.hour > 23) time.hour = 0;
   if (time.minute > 59) time.minute = 0;
-  change(mode, time);
-  return KAVO_ROLU_VPM_SetAlarmTime(mode, time);
-}
-
-template <typename Show>
-ROLU_STATUS ShowAlarm(Value& value, Show show) {
-  ALARM_MODE mode = ALARM_MODE_NONE;
-  VPM_ALARM_TIME time{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetAlarmTime(&mode, &time);
-  if (status != ROLU_STATUS_SUCCESS) return status;
-  value = mode == ALARM_MODE_NONE ? Value("none") : Value(show(mode, time));
-  return status;
+  change(alarm);
+  return KAVO_ROLU_VPM_SetAlarmTime(alarm.mode, time);
 }
 
 }  // namespace
@@ -86,6 +69,10 @@ Value AsValue(const VPM_RTC_TIME& time) {
 
 Value AsValue(const ROLU_GSENSOR_DATA& sample) {
   return {sample.x, sample.y, sample.z};
+}
+
+Value AsValue(const BATTERY_INFO& info) {
+  return {Thousandths(info.range_start), Thousandths(info.range_mid), Thousandths(info.range_end)};
 }
 
 Value Celsius(float raw) {
@@ -137,49 +124,53 @@ ROLU_STATUS McuPlatform(Value& value) {
   return ReadText<16>(value, KAVO_ROLU_VPM_GetPlatformName);
 }
 
-ROLU_STATUS BatteryRange12V(Value& value) {
-  return BatteryRange(CAR_BATTERY_MODE_12V, value);
-}
-
-ROLU_STATUS BatteryRange24V(Value& value) {
-  return BatteryRange(CAR_BATTERY_MODE_24V, value);
-}
-
 ROLU_STATUS SetBatteryMode(const Value& value) {
   return KAVO_ROLU_VPM_SetCurrentCarBatteryMode(value == "24V" ? CAR_BATTERY_MODE_24V : CAR_BATTERY_MODE_12V);
 }
 
-ROLU_STATUS AlarmMode(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE mode, const VPM_ALARM_TIME&) {
-    return mode == ALARM_MODE_HOURLY ? "hourly" : mode == ALARM_MODE_DAILY ? "daily" : "weekly";
-  });
+ROLU_STATUS GetAlarm(Alarm* alarm) {
+  return KAVO_ROLU_VPM_GetAlarmTime(&alarm->mode, &alarm->time);
+}
+
+Value AlarmMode(const Alarm& alarm) {
+  switch (alarm.mode) {
+    case ALARM_MODE_NONE:
+      return kNoAlarm;
+    case ALARM_MODE_HOURLY:
+      return "hourly";
+    case ALARM_MODE_DAILY:
+      return "daily";
+    default:
+      return "weekly";
+  }
+}
+
+Value AlarmTime(const Alarm& alarm) {
+  if (alarm.mode == ALARM_MODE_NONE) return kNoAlarm;
+  return fmt::format("{:02}:{:02}", alarm.time.hour, alarm.time.minute);
+}
+
+Value AlarmWeekday(const Alarm& alarm) {
+  return alarm.mode == ALARM_MODE_NONE ? Value(kNoAlarm) : Value(alarm.time.weekday);
 }
 
 ROLU_STATUS SetAlarmMode(const Value& value) {
-  return ChangeAlarm([&](ALARM_MODE& mode, VPM_ALARM_TIME&) {
-    mode = value == "hourly" ? ALARM_MODE_HOURLY : value == "daily" ? ALARM_MODE_DAILY : ALARM_MODE_WEEKLY;
-  });
-}
-
-ROLU_STATUS AlarmTime(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) {
-    return fmt::format("{:02}:{:02}", time.hour, time.minute);
+  return ChangeAlarm([&](Alarm& alarm) {
+    alarm.mode = value == "hourly"  ? ALARM_MODE_HOURLY
+                 : value == "daily" ? ALARM_MODE_DAILY
+                                    : ALARM_MODE_WEEKLY;
   });
 }
 
 ROLU_STATUS SetAlarmTime(const Value& value) {
-  return ChangeAlarm([text = value.get<std::string>()](ALARM_MODE&, VPM_ALARM_TIME& time) {
-    time.hour = static_cast<std::uint8_t>(std::stoi(text.substr(0, 2)));
-    time.minute = static_cast<std::uint8_t>(std::stoi(text.substr(3)));
+  return ChangeAlarm([text = value.get<std::string>()](Alarm& alarm) {
+    alarm.time.hour = static_cast<std::uint8_t>(std::stoi(text.substr(0, 2)));
+    alarm.time.minute = static_cast<std::uint8_t>(std::stoi(text.substr(3)));
   });
 }
 
-ROLU_STATUS AlarmWeekday(Value& value) {
-  return ShowAlarm(value, [](ALARM_MODE, const VPM_ALARM_TIME& time) { return time.weekday; });
-}
-
 ROLU_STATUS SetAlarmWeekday(const Value& value) {
-  return ChangeAlarm([&](ALARM_MODE&, VPM_ALARM_TIME& time) { time.weekday = value.get<std::uint8_t>(); });
+  return ChangeAlarm([&](Alarm& alarm) { alarm.time.weekday = value.get<std::uint8_t>(); });
 }
 
 ROLU_STATUS InputPins(Value& value) {

@@ -33,6 +33,7 @@ Value AsValue(CAR_BATTERY_MODE mode);
 Value AsValue(WAKEUP_SOURCE source);
 Value AsValue(const VPM_FIRMWARE_INFO& info);
 Value AsValue(const VPM_RTC_TIME& time);
+Value AsValue(const BATTERY_INFO& info);
 Value AsValue(const ROLU_GSENSOR_DATA& sample);
 
 template <typename Raw>
@@ -42,6 +43,21 @@ Value IsOn(Raw raw) {
 Value Celsius(float raw);
 Value InfoNumber(const BACKUP_BATTERY_INFO& info);
 Value SetFlags(const BACKUP_BATTERY_INFO& info);
+
+// What the library gives in two pieces, or for one of several, as one thing.
+struct Alarm {
+  ALARM_MODE mode;
+  VPM_ALARM_TIME time;
+};
+ROLU_STATUS GetAlarm(Alarm* alarm);
+Value AlarmMode(const Alarm& alarm);
+Value AlarmTime(const Alarm& alarm);
+Value AlarmWeekday(const Alarm& alarm);
+
+template <CAR_BATTERY_MODE Mode>
+ROLU_STATUS GetBatteryRange(BATTERY_INFO* info) {
+  return KAVO_ROLU_VPM_GetLBPThresholdInfo(Mode, info);
+}
 
 template <auto Get, auto Show>
 ROLU_STATUS ReadAs(Value& value) {
@@ -95,14 +111,9 @@ ROLU_STATUS LibraryVersion(Value& value);
 ROLU_STATUS Machine(Value& value);
 ROLU_STATUS KernelRelease(Value& value);
 ROLU_STATUS McuPlatform(Value& value);
-ROLU_STATUS BatteryRange12V(Value& value);
-ROLU_STATUS BatteryRange24V(Value& value);
 ROLU_STATUS SetBatteryMode(const Value& value);
-ROLU_STATUS AlarmMode(Value& value);
 ROLU_STATUS SetAlarmMode(const Value& value);
-ROLU_STATUS AlarmTime(Value& value);
 ROLU_STATUS SetAlarmTime(const Value& value);
-ROLU_STATUS AlarmWeekday(Value& value);
 ROLU_STATUS SetAlarmWeekday(const Value& value);
 ROLU_STATUS InputPins(Value& value);
 

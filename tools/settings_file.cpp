@@ -45,7 +45,7 @@ std::string ReadWhole(const std::string& path) {
   source.read(text.data(), static_cast<std::streamsize>(text.size()));
   text.resize(static_cast<std::size_t>(source.gcount()));
   if (source.bad() || text.empty()) Refuse(path, {"is empty or cannot be read"});
-  if (text.size() > kLargestFile) Refuse(path, {"is too large for a file of settings"});
+  if (text.size() > kLargestFile) Refuse(path, {"is too large: a file of settings has at most 1 MiB"});
   return text;
 }
 
@@ -78,11 +78,11 @@ std::string TextMember(const Value& document, const char* key) {
 
 void CheckFrame(const std::string& path, const Value& document) {
   if (!document.is_object() || TextMember(document, "format") != kFormat) {
-    Refuse(path, {"is no file of settings that 'rolu save' wrote"});
+    Refuse(path, {"was not written by 'rolu save'"});
   }
   const auto version = document.find("version");
   if (version == document.end() || *version != kVersion) {
-    Refuse(path, {fmt::format("is of version {}; this program knows version {}",
+    Refuse(path, {fmt::format("has version {}; this program reads version {}",
                               version == document.end() ? "none" : version->dump(), kVersion)});
   }
   static const std::set<std::string> known = {"format", "version", "saved_at", "firmware", "settings"};
@@ -100,7 +100,7 @@ std::string ProblemWith(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
   if (setting == nullptr)
     return fmt::format("there is no setting '{}'{}", name, Suggestion(name, SettingNames()));
-  if (!setting->IsSaved()) return fmt::format("{} is not a setting to load", name);
+  if (!setting->IsSaved()) return fmt::format("{} cannot be loaded", name);
   if (!entry.is_object() || !entry.contains("value")) return fmt::format("{} has no value", name);
   for (const auto& [key, value] : entry.items()) {
     if (key != "value" && key != "unit") return fmt::format("{} has an unknown part '{}'", name, key);

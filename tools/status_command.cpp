@@ -70,7 +70,7 @@ void AddStatusCommand(CLI::App& app, Invocation& invocation) {
                  "| jq '.\"battery.voltage\".value'\n"
                  "The G-sensor is switched on for its readings, and off again with its alarm.");
   command->add_option("NAME", *names, "Only these settings or groups");
-  OnRun(command, invocation, [names](const CommonOptions& common) { return RunStatus(*names, common); });
+  OnRun(command, invocation, RunStatus, names);
 }
 
 }  // namespace rolu

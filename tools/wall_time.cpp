@@ -45,7 +45,8 @@ VPM_RTC_TIME ParseClock(std::string_view text) {
   if (const std::size_t mark = given.find('T'); mark != std::string::npos) given[mark] = ' ';
   std::tm fields{};
   const bool is_read = strptime(given.c_str(), "%Y-%m-%d %H:%M:%S", &fields) != nullptr;
-  // The calendar carries a 31st of April over to May, and what was read leniently is written strictly.
+  // timegm turns the 31st of April into the 1st of May, and strptime takes "7:3" for 07:03. So the text is
+  // written again and compared.
   timegm(&fields);
   const VPM_RTC_TIME time = ClockOf(fields);
   if (is_read && ClockText(time) == given) return time;

@@ -1,19 +1,27 @@
+#include <errno.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <optional>
+#include <system_error>
 
 #include "cli/command_line.h"
 #include "cli/messages.h"
+#include "tools/board_watcher.h"
 #include "tools/command.h"
+#include "tools/command_error.h"
 #include "tools/event_commands.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/port_owner.h"
+#include "tools/session.h"
+#include "tools/status_words.h"
 #include "tools/wall_time.h"
-#include "tools/watch_process.h"
 
 namespace rolu {
 namespace {
@@ -45,6 +53,100 @@ void Tell(const Event& event, bool json) {
     OutNow(
         fmt::format("{}  {}{}{}\n", event.time, name.words, event.detail.empty() ? "" : ": ", event.detail));
   }
+}
+
+struct WatchTask {
+  WatchSettings settings;
+  CommonOptions common;
+  BoardState told;            // what has been told before
+  bool port_returns = false;  // the port hung up under the process before this one
+};
+
+// The exit status of a process whose port hung up, or has not come back yet. No command ends with it.
+inline constexpr int kPortAway = 64;
+
+// Comes back when an end is asked for: by a signal, or by the reader of the events, who goes away.
+void WatchUntilAsked(const EventPipe& events) {
+  pollfd ends[] = {
+      {events.Descriptor(), 0, 0}, {interrupt::Descriptor(), POLLIN, 0}, {DuplicateOwnPort(), 0, 0}};
+  while (poll(ends, 3, -1) < 0 && errno == EINTR) continue;
+  // What was up has gone with the port: nothing is left to be taken down.
+  if (ends[2].revents != 0) _exit(kPortAway);
+}
+
+ExitStatus WatchBoard(const WatchTask& task, EventPipe& events) {
+  BoardWatcher watcher(events, task.settings, task.told);
+  Session session(task.common);
+  session.Require(Family::kVpm);
+  session.Require(Family::kGsensor);
+  if (task.port_returns) events.Put(EventKind::kMcuBack);
+  const ROLU_STATUS alarm = watcher.Start();
+  if (alarm != ROLU_STATUS_SUCCESS) Say("G-sensor alarms are not watched: " + Describe(alarm));
+  WatchUntilAsked(events);
+  watcher.Stop();
+  return session.Close();
+}
+
+int WatchAsProcess(const WatchTask& task, EventPipe& events) {
+  try {
+    return WatchBoard(task, events);
+  } catch (const CommandError& error) {
+    if (task.port_returns) return kPortAway;
+    SayProblem(error.what());
+    return error.status();
+  } catch (const std::exception& error) {
+    SayProblem(error.what());
+    return kPartlyDone;
+  }
+}
+
+// A process of its own that uses the library, and sees what happens on the board. A port that hung up is
+// dead for the process that opened it, and stays so: the library opens it again only when all families
+// are down, and the G-sensor goes down only with the MCU's answer. Another process can take over.
+class WatchProcess {
+ public:
+  // Call it while no other thread runs. Throws std::system_error.
+  explicit WatchProcess(const WatchTask& task);
+  ~WatchProcess() { End(); }
+  WatchProcess(const WatchProcess&) = delete;
+  WatchProcess& operator=(const WatchProcess&) = delete;
+
+  EventPipe& events() { return *events_; }
+
+  // Lets it take down what it brought up, after the question in hand, and gives its exit status.
+  int End();
+
+ private:
+  std::optional<EventPipe> events_;
+  pid_t pid_ = -1;
+  int status_ = 0;
+};
+
+WatchProcess::WatchProcess(const WatchTask& task) {
+  events_.emplace();
+  pid_ = fork();
+  if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "fork");
+  if (pid_ > 0) {
+    events_->BeReader();
+    return;
+  }
+  events_->BeWriter();
+  interrupt::Watch();
+  _exit(WatchAsProcess(task, *events_));
+}
+
+int WatchProcess::End() {
+  if (pid_ < 0) return status_;
+  events_.reset();
+  int status = 0;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;
+  pid_ = -1;
+  status_ = WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) {
+    SayProblem(fmt::format("the process that watches was ended by signal {}", WTERMSIG(status)));
+    status_ = kSignalBase + WTERMSIG(status);
+  }
+  return status_;
 }
 
 // Tells what a process of its own sees, and lets another take over where the port hung up.
@@ -159,19 +261,17 @@ std::string EventList() {
 
 void AddWatchCommand(CLI::App& app, Invocation& invocation) {
   auto options = std::make_shared<WatchOptions>();
-  CLI::App* const command =
-      NewCommand(app, "watch", "Tell alarms, warnings, ignition and voltage as they change, until Ctrl-C",
-                 "  rolu watch\n"
-                 "  rolu watch --json --for 20s\n"
-                 "  rolu watch --on power-off-ignition 'systemctl poweroff' --on shock 'logger shock'\n"
-                 "\nEvents:\n" +
-                     EventList() +
-                     "\nThe G-sensor is switched on meanwhile, with its alarm. A command of --on runs beside "
-                     "the watching, with\n"
-                     "ROLU_EVENT and ROLU_TIME in its environment and its output on standard error. An MCU "
-                     "that falls silent\n"
-                     "does not end the watching, nor does a port that hangs up: once it is back, what has "
-                     "changed is told.");
+  CLI::App* const command = NewCommand(
+      app, "watch", "Tell alarms, warnings, ignition and voltage as they change, until Ctrl-C",
+      "  rolu watch\n"
+      "  rolu watch --json --for 20s\n"
+      "  rolu watch --on power-off-ignition 'systemctl poweroff' --on shock 'logger shock'\n"
+      "\nEvents:\n" +
+          EventList() +
+          "\nThe G-sensor and its alarm are on meanwhile. A command of --on runs beside the watching, with\n"
+          "ROLU_EVENT and ROLU_TIME in its environment and its output on standard error. The watching\n"
+          "goes on when the MCU falls silent or its port hangs up. Once the port is back, it tells what\n"
+          "has changed.");
   command->add_option("--on", options->commands, "Run COMMAND in a shell at each EVENT; may be repeated")
       ->type_name("EVENT COMMAND");
   command->add_option("--count", options->count, "End after so many events")

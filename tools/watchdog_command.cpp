@@ -117,7 +117,7 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const watchdog =
       NewCommand(app, "watchdog", "Switch the watchdog on and off, and feed it",
                  "  rolu watchdog on --time 60 --feed\n  rolu watchdog feed\n  rolu watchdog off\n"
-                 "'rolu get watchdog.time' tells its time. Whether it is on cannot be read.");
+                 "'rolu get watchdog.time' tells its time. The board does not tell whether it is on.");
   watchdog->require_subcommand(1);
 
   CLI::App* const on =
@@ -130,7 +130,7 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
   on->add_flag("--feed", options->feed, "Feed it until Ctrl-C, then switch it off");
   AddDurationOption(*on, "--every", options->every, "Time between two feedings, 500ms unless given");
   AddDurationOption(*on, "--for", options->duration, "With --feed: end after this time");
-  OnRun(on, invocation, [options](const CommonOptions& common) { return RunOn(*options, common); });
+  OnRun(on, invocation, RunOn, options);
 
   OnRun(NewCommand(*watchdog, "off", "Switch the watchdog off", ""), invocation, RunOff);
 
@@ -138,7 +138,7 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
                                     "  rolu watchdog feed\n  rolu watchdog feed --for 10min --every 1s");
   AddDurationOption(*feed, "--for", options->duration, "Feed it again and again for this time");
   AddDurationOption(*feed, "--every", options->every, "Time between two feedings, 500ms unless given");
-  OnRun(feed, invocation, [options](const CommonOptions& common) { return RunFeed(*options, common); });
+  OnRun(feed, invocation, RunFeed, options);
 }
 
 }  // namespace rolu

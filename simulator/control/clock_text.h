@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/mcu/calendar.h"
+#include "simulator/mcu/clock.h"
 
 namespace rolu_sim {
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "protocol/values.h"
 #include "simulator/control/desk.h"
 #include "simulator/control/verb.h"
 
@@ -9,6 +10,12 @@ namespace rolu_sim {
 namespace {
 
 constexpr char kDevices[] = "Devices";
+
+std::vector<std::string> GpioLines() {
+  std::vector<std::string> lines;
+  for (const int line : rolu_protocol::kGpioLines) lines.push_back(std::to_string(line));
+  return lines;
+}
 
 std::uint8_t AddressOf(const Arguments& arguments) {
   return static_cast<std::uint8_t>(arguments.Integer("address"));
@@ -73,7 +80,7 @@ std::vector<Verb> DeviceVerbs() {
       {"pin",
        kDevices,
        "Drives a GPIO line from outside",
-       {Choice("line", {"34", "35", "36", "37", "45"}, "the line; 37 and 36 are the digital inputs"),
+       {Choice("line", GpioLines(), "the line; 37 and 36 are the digital inputs"),
         Choice("level", {"0", "1"}, "the level")},
        DriveLine},
       {"lux",

@@ -1,5 +1,6 @@
 // What goes wrong, on the wire and with the devices.
 
+#include "protocol/values.h"
 #include "simulator/control/board_faults.h"
 #include "simulator/control/board_files.h"
 #include "simulator/control/desk.h"
@@ -15,11 +16,8 @@ constexpr std::string_view kAnyCommand = "any";
 // The library waits 3 s for an answer.
 constexpr char kLateAnswer[] = "3200ms";
 
-// The error replies of the MCU.
 std::vector<std::string> ErrorReplies() {
-  return {"ERR-C01", "ERR-R01", "ERR-M01", "ERR-M02", "ERR-M03", "ERR-M04", "ERR-M06", "ERR-M08",
-          "ERR-W01", "ERR-W02", "ERR-B01", "ERR-B02", "ERR-E01", "ERR-E02", "ERR-E03", "ERR-E04",
-          "ERR-L01", "ERR-G01", "ERR-G02", "ERR-A01", "ERR-T01", "ERR-Q01", "ERR-Q02"};
+  return {rolu_protocol::kErrorReplies.begin(), rolu_protocol::kErrorReplies.end()};
 }
 
 AnswerFault FaultOf(AnswerFaultKind kind, const Arguments& arguments) {
@@ -129,7 +127,8 @@ std::vector<Verb> FaultVerbs() {
        "Delays answers until nobody waits for them any more (3 s is how long the library does)",
        AnswerParameters({Optional(Duration("time", "by how much"), kLateAnswer)}), DelayAnswers},
       {"fault-error", kFaults, "Refuses commands with an error reply; the MCU does not carry them out",
-       AnswerParameters({Optional(Choice("error", ErrorReplies(), "the reply"), "ERR-M08")}),
+       AnswerParameters(
+           {Optional(Choice("error", ErrorReplies(), "the reply"), rolu_protocol::kRefusedParameterReply)}),
        AnswerWithError},
       {"fault-garble", kFaults, "Garbles characters of answers, at random",
        AnswerParameters({Characters(1, 64, "how many")}), DistortAnswers<AnswerFaultKind::kGarble>},

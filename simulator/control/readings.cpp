@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "cli/nearest_name.h"
+#include "protocol/values.h"
 #include "simulator/control/clock_text.h"
 #include "simulator/control/desk.h"
 #include "simulator/trace/printable.h"
@@ -45,7 +46,7 @@ Json DescribeBattery(Desk& desk) {
                   {"threshold_of_12v_system_v", threshold(BatteryMode::k12V, protection)},
                   {"threshold_of_24v_system_v", threshold(BatteryMode::k24V, protection)}};
     };
-    return Json{{"system_v", mcu.battery.mode == BatteryMode::k24V ? 24 : 12},
+    return Json{{"system_v", SystemOf(mcu.battery.mode).volts},
                 {"voltage_v", std::round(mcu.battery.VoltsAt(now) * 1000) / 1000},
                 {"reading_units", mcu.battery.RawAt(now)},
                 {"preboot_protection", thresholds(Protection::kPreboot)},
@@ -98,9 +99,9 @@ Json DescribeSources(Desk& desk) {
 Json DescribeClock(Desk& desk) {
   return desk.board().mcu().WithModel([](McuModel& mcu) {
     const TimePoint now = std::chrono::steady_clock::now();
-    const AlarmSetting& alarm = mcu.clock.alarm;
+    const rolu_protocol::AlarmTime& alarm = mcu.clock.alarm;
     const auto next = mcu.clock.NextAlarm(now);
-    const bool is_on = mcu.power_sources.wakeup_enabled[PowerSourcesState::kAlarmSource];
+    const bool is_on = mcu.power_sources.wakeup_enabled[rolu_protocol::kAlarmSource];
     const char* repeats = "never";
     if (alarm.match_minute) repeats = "hourly";
     if (alarm.match_hour) repeats = "daily";
@@ -157,10 +158,9 @@ Json DescribeGSensor(Desk& desk) {
 }
 
 Json DescribePins(Desk& desk) {
-  constexpr std::array<int, 5> kLines = {34, 35, 36, 37, 45};
   const Gpio& gpio = desk.board().gpio();
   Json pins = Json::object();
-  for (const int line : kLines) {
+  for (const int line : rolu_protocol::kGpioLines) {
     pins[fmt::format("gpio{}", line)] = {{"exported", gpio.IsExported(line)},
                                          {"direction", gpio.IsOutput(line) ? "out" : "in"},
                                          {"level", gpio.Level(line) ? 1 : 0}};
@@ -173,12 +173,11 @@ Json DescribeBacklight(Desk& desk) {
 }
 
 Json DescribePeripherals(Desk& desk) {
-  constexpr int kGpsPowerLine = 45;
   const bool mcu_switch =
       desk.board().mcu().WithModel([](McuModel& mcu) { return mcu.peripheral_switch.on; });
   return {{"mcu_switch", mcu_switch},
           {"wlan", desk.board().wireless().IsUp()},
-          {"gps_power", desk.board().gpio().Level(kGpsPowerLine)}};
+          {"gps_power", desk.board().gpio().Level(rolu_protocol::kGpsPowerLine)}};
 }
 
 Json DescribeRegisterDevices(Desk& desk) {

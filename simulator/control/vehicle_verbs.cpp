@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "protocol/values.h"
 #include "simulator/control/clock_text.h"
 #include "simulator/control/desk.h"
 #include "simulator/control/verb.h"
@@ -15,25 +15,20 @@ namespace {
 
 constexpr char kVehicle[] = "Vehicle and MCU";
 
-constexpr double kZeroCelsiusInKelvin = 273.15;
+using rolu_protocol::kZeroCelsiusInKelvin;
 
-struct WakeupName {
-  const char* name;
-  std::uint8_t code;
-};
-constexpr std::array<WakeupName, 9> kWakeupNames = {{{"none", 0x00},
-                                                     {"0", 0x10},
-                                                     {"1", 0x01},
-                                                     {"2", 0x60},
-                                                     {"3", 0x50},
-                                                     {"4", 0x20},
-                                                     {"5", 0x21},
-                                                     {"alarm", PowerSourcesState::kAlarmWakeupCode},
-                                                     {"10", 0x40}}};
+std::string NameOfSource(int source) {
+  if (source == rolu_protocol::kNoSource) return "none";
+  return source == rolu_protocol::kAlarmSource ? "alarm" : std::to_string(source);
+}
 
+// Each once: some have several codes, which stand next to each other.
 std::vector<std::string> WakeupNames() {
   std::vector<std::string> names;
-  for (const WakeupName& entry : kWakeupNames) names.emplace_back(entry.name);
+  for (const rolu_protocol::WakeupCode& known : rolu_protocol::kWakeupCodes) {
+    const std::string name = NameOfSource(known.source);
+    if (names.empty() || names.back() != name) names.push_back(name);
+  }
   return names;
 }
 
@@ -85,9 +80,10 @@ std::string WarnOfPowerOff(Desk& desk, const Arguments& arguments) {
 
 std::string SetWakeupSource(Desk& desk, const Arguments& arguments) {
   const std::string source = arguments.Text("source");
-  const auto* const entry = std::find_if(kWakeupNames.begin(), kWakeupNames.end(),
-                                         [&](const WakeupName& name) { return name.name == source; });
-  WithModel(desk, [&](McuModel& mcu) { mcu.power_sources.last_wakeup_code = entry->code; });
+  const auto* const known = std::find_if(
+      rolu_protocol::kWakeupCodes.begin(), rolu_protocol::kWakeupCodes.end(),
+      [&](const rolu_protocol::WakeupCode& code) { return NameOfSource(code.source) == source; });
+  WithModel(desk, [&](McuModel& mcu) { mcu.power_sources.last_wakeup_code = known->code; });
   return {};
 }
 

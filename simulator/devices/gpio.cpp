@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "protocol/values.h"
 #include "simulator/devices/attribute.h"
 #include "simulator/devices/board_paths.h"
 
@@ -21,7 +22,6 @@ struct Gpio::Line {
 
 namespace {
 
-constexpr int kBoardLines[] = {34, 35, 36, 37, 45};
 constexpr int kHighestLine = 1023;
 
 class Direction : public Attribute {
@@ -86,7 +86,7 @@ class Export : public Attribute {
 }  // namespace
 
 Gpio::Gpio(DeviceServer& server) {
-  for (const int number : kBoardLines) lines_[number] = std::make_shared<Line>();
+  for (const int number : rolu_protocol::kGpioLines) lines_[number] = std::make_shared<Line>();
   server.AddNode(kGpioExportPath, std::make_shared<Export>(lines_, server));
 }
 

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
-#include "simulator/mcu/mcu_command.h"
+#include "protocol/values.h"
+#include "simulator/mcu/time_point.h"
 #include "simulator/mcu/voltage_curve.h"
 
 namespace rolu_sim {
@@ -17,17 +17,15 @@ enum class BatteryMode : std::uint8_t { k24V = 2, k12V = 3 };
 // The two low-battery protections, with the numbers that the wire uses.
 enum class Protection : std::uint8_t { kPreboot = 0, kLowBattery = 1 };
 
-// What the MCU knows of one electrical system: volts per raw unit (also as the text that it
-// answers), and the range of thresholds that it accepts, in raw units.
-struct BatterySystem {
-  double volts_per_unit;
-  std::string_view scale_text;
-  std::uint16_t range_start;
-  std::uint16_t range_mid;
-  std::uint16_t range_end;
+// The thresholds that the MCU accepts, in raw units.
+struct ThresholdRange {
+  std::uint16_t start;
+  std::uint16_t mid;
+  std::uint16_t end;
 };
 
-const BatterySystem& SystemOf(BatteryMode mode);
+const rolu_protocol::BatterySystem& SystemOf(BatteryMode mode);
+const ThresholdRange& RangeOf(BatteryMode mode);
 
 struct BatteryState {
   BatteryMode mode = BatteryMode::k12V;
@@ -49,16 +47,11 @@ struct BatteryState {
   bool IsProtectedAndLow(TimePoint now) const;
   std::optional<TimePoint> NextLowBatteryChange(TimePoint now) const;
 
-  void RestoreDefaults();
-
  private:
   // Below it a reading is nearer to a number below the low-battery threshold.
   double LowVolts() const;
 
   std::array<std::array<std::uint16_t, 2>, 2> thresholds_{{{1454, 1454}, {747, 747}}};
 };
-
-// MCVG, MCVU, MCPR, MCBG, MCBS, MCCG, MCCS, MCPG, MCPS.
-std::vector<McuCommand> BatteryCommands();
 
 }  // namespace rolu_sim

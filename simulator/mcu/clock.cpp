@@ -3,9 +3,6 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
-#include <string>
-
-#include "simulator/mcu/mcu_model.h"
 
 namespace rolu_sim {
 namespace {
@@ -15,86 +12,89 @@ constexpr std::array<std::uint8_t ClockTime::*, 7> kFields = {
     &ClockTime::year, &ClockTime::month,  &ClockTime::day,   &ClockTime::weekday,
     &ClockTime::hour, &ClockTime::minute, &ClockTime::second};
 
-constexpr unsigned kMatchFlag = 0x01;
-constexpr unsigned kAfternoonFlag = 0x02;  // of the hour's byte only, in the place of its weight 40
-
 constexpr int kMinutesPerHour = 60;
 constexpr int kMinutesPerDay = 24 * kMinutesPerHour;
 constexpr int kMinutesPerWeek = 7 * kMinutesPerDay;
 
-std::optional<ClockTime> ParseTime(std::string_view fields) {
+constexpr std::int64_t kSecondsPerDay = 86400;
+constexpr std::int64_t kDaysPerCentury = 36525;
+
+// Within the century every fourth year is a leap year, 2000 among them.
+int DaysInYear(int year) {
+  return year % 4 == 0 ? 366 : 365;
+}
+
+int DaysInMonth(int year, int month) {
+  static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (month == 2 && DaysInYear(year) == 366) return 29;
+  return kDays[static_cast<std::size_t>(month - 1)];
+}
+
+std::int64_t DaysSince2000(const ClockTime& time) {
+  std::int64_t days = time.day - 1;
+  for (int year = 0; year < time.year; ++year) days += DaysInYear(year);
+  for (int month = 1; month < time.month; ++month) days += DaysInMonth(time.year, month);
+  return days;
+}
+
+void SetDate(ClockTime& time, std::int64_t days_since_2000) {
+  int year = 0;
+  for (; days_since_2000 >= DaysInYear(year); ++year) days_since_2000 -= DaysInYear(year);
+  int month = 1;
+  for (; days_since_2000 >= DaysInMonth(year, month); ++month) days_since_2000 -= DaysInMonth(year, month);
+  time.year = static_cast<std::uint8_t>(year);
+  time.month = static_cast<std::uint8_t>(month);
+  time.day = static_cast<std::uint8_t>(days_since_2000 + 1);
+}
+
+std::int64_t Modulo(std::int64_t number, std::int64_t divisor) {
+  const std::int64_t rest = number % divisor;
+  return rest < 0 ? rest + divisor : rest;
+}
+
+}  // namespace
+
+bool IsValid(const ClockTime& time) {
+  return time.year <= 99 && time.month >= 1 && time.month <= 12 && time.day >= 1 &&
+         time.day <= DaysInMonth(time.year, time.month) && time.weekday <= 6 && time.hour <= 23 &&
+         time.minute <= 59 && time.second <= 59;
+}
+
+ClockTime AddSeconds(const ClockTime& time, std::int64_t seconds) {
+  const std::int64_t sum = (time.hour * 60 + time.minute) * 60 + time.second + seconds;
+  const std::int64_t second_of_day = Modulo(sum, kSecondsPerDay);
+  const std::int64_t days = (sum - second_of_day) / kSecondsPerDay;
+  ClockTime later;
+  SetDate(later, Modulo(DaysSince2000(time) + days, kDaysPerCentury));
+  later.weekday = static_cast<std::uint8_t>(Modulo(time.weekday + days, 7));
+  later.hour = static_cast<std::uint8_t>(second_of_day / 3600);
+  later.minute = static_cast<std::uint8_t>(second_of_day / 60 % 60);
+  later.second = static_cast<std::uint8_t>(second_of_day % 60);
+  return later;
+}
+
+std::uint64_t NumberOf(const ClockTime& time) {
+  std::uint64_t number = 0;
+  for (const auto field : kFields) number = number << 8U | time.*field;
+  return number;
+}
+
+std::optional<ClockTime> ClockTimeOf(std::uint64_t number) {
   ClockTime time;
-  for (std::size_t index = 0; index < kFields.size(); ++index) {
-    const std::optional<std::uint16_t> number = ParseHex(fields.substr(2 * index, 2));
-    if (!number) return std::nullopt;
-    time.*kFields[index] = static_cast<std::uint8_t>(*number);
-  }
+  unsigned shift = 8 * kFields.size();
+  for (const auto field : kFields) time.*field = static_cast<std::uint8_t>(number >> (shift -= 8));
   if (!IsValid(time)) return std::nullopt;
   return time;
 }
 
-// The first line says that the command has arrived, the second what became of it.
-AnswerLines WriteTime(McuModel& model, std::string_view fields, TimePoint now) {
-  const std::optional<ClockTime> time = ParseTime(fields);
-  if (!time) return {"OK", std::string(kRefusedParameterReply)};
-  model.clock.Set(*time, now);
-  return {"OK", "OK"};
+std::optional<rolu_protocol::AlarmTime> ValidAlarmTimeOf(std::uint64_t number) {
+  const rolu_protocol::AlarmTime time = rolu_protocol::AlarmTimeOf(number);
+  // Digits above 9 do not come back as they were. Whether it is the afternoon the hour tells.
+  constexpr std::uint64_t kAfternoon = rolu_protocol::alarm::kAfternoon << 8U;
+  const bool is_decimal = (rolu_protocol::NumberOf(time) | kAfternoon) == (number | kAfternoon);
+  if (!is_decimal || time.weekday > 6 || time.hour > 23 || time.minute > 59) return std::nullopt;
+  return time;
 }
-
-AnswerLines ReadTime(McuModel& model, std::string_view /*fields*/, TimePoint now) {
-  const ClockTime time = model.clock.TimeAt(now);
-  std::string line;
-  for (const auto field : kFields) line += FormatHex(time.*field, 2);
-  return {line};
-}
-
-unsigned ReverseBits(unsigned byte) {
-  unsigned reversed = 0;
-  for (unsigned bit = 0; bit < 8; ++bit) reversed |= (byte >> bit & 1U) << (7U - bit);
-  return reversed;
-}
-
-// An alarm field is a BCD byte with the order of its bits reversed; its flags sit where the tens have
-// no use for a bit.
-std::optional<std::uint8_t> ParseAlarmValue(unsigned byte, unsigned flags, unsigned highest) {
-  const unsigned bcd = ReverseBits(byte & ~flags);
-  const unsigned value = bcd / 16 * 10 + bcd % 16;
-  if (bcd % 16 > 9 || value > highest) return std::nullopt;
-  return static_cast<std::uint8_t>(value);
-}
-
-std::string FormatAlarmValue(unsigned value, unsigned flags) {
-  return FormatHex(static_cast<std::uint16_t>(ReverseBits(value / 10 * 16 + value % 10) | flags), 2);
-}
-
-unsigned MatchFlag(bool match) {
-  return match ? kMatchFlag : 0U;
-}
-
-AnswerLines WriteAlarm(McuModel& model, std::string_view fields, TimePoint /*now*/) {
-  const std::optional<std::uint16_t> weekday_byte = ParseHex(fields.substr(0, 2));
-  const std::optional<std::uint16_t> hour_byte = ParseHex(fields.substr(2, 2));
-  const std::optional<std::uint16_t> minute_byte = ParseHex(fields.substr(4, 2));
-  if (!weekday_byte || !hour_byte || !minute_byte) return RefuseParameter();
-  const std::optional<std::uint8_t> weekday = ParseAlarmValue(*weekday_byte, kMatchFlag, 6);
-  const std::optional<std::uint8_t> hour = ParseAlarmValue(*hour_byte, kMatchFlag | kAfternoonFlag, 23);
-  const std::optional<std::uint8_t> minute = ParseAlarmValue(*minute_byte, kMatchFlag, 59);
-  if (!weekday || !hour || !minute) return RefuseParameter();
-  const auto matches = [](unsigned byte) { return (byte & kMatchFlag) != 0; };
-  model.clock.alarm = {
-      *weekday, *hour, *minute, matches(*weekday_byte), matches(*hour_byte), matches(*minute_byte)};
-  return AnswerOk();
-}
-
-AnswerLines ReadAlarm(McuModel& model, std::string_view /*fields*/, TimePoint /*now*/) {
-  const AlarmSetting& alarm = model.clock.alarm;
-  const unsigned afternoon = alarm.hour >= 12 ? kAfternoonFlag : 0U;
-  return {FormatAlarmValue(alarm.weekday, MatchFlag(alarm.match_weekday)) +
-          FormatAlarmValue(alarm.hour, MatchFlag(alarm.match_hour) | afternoon) +
-          FormatAlarmValue(alarm.minute, MatchFlag(alarm.match_minute))};
-}
-
-}  // namespace
 
 void ClockState::Set(const ClockTime& time, TimePoint now) {
   set_time_ = time;
@@ -124,15 +124,6 @@ std::optional<TimePoint> ClockState::NextAlarm(TimePoint after) const {
     }
   }
   return std::nullopt;
-}
-
-std::vector<McuCommand> ClockCommands() {
-  return {
-      {"RTCS", 14, 14, WriteTime},
-      {"RTCG", 0, 0, ReadTime},
-      {"RTAS", 6, 6, WriteAlarm},
-      {"RTAG", 0, 0, ReadAlarm},
-  };
 }
 
 }  // namespace rolu_sim

@@ -2,30 +2,45 @@
 
 #include <cstdint>
 #include <optional>
-#include <vector>
 
-#include "simulator/mcu/calendar.h"
-#include "simulator/mcu/mcu_command.h"
+#include "protocol/values.h"
+#include "simulator/mcu/time_point.h"
 
 namespace rolu_sim {
 
-// The alarm comes at second 0 of each minute at which the fields that are to match do; without any
-// it never comes.
-struct AlarmSetting {
+// A time of the MCU's clock, as it goes over the wire: years since 2000, and a weekday that counts
+// on its own and need not belong to the date.
+struct ClockTime {
+  std::uint8_t year = 0;
+  std::uint8_t month = 1;
+  std::uint8_t day = 1;
   std::uint8_t weekday = 0;
   std::uint8_t hour = 0;
   std::uint8_t minute = 0;
-  bool match_weekday = false;
-  bool match_hour = false;
-  bool match_minute = false;
+  std::uint8_t second = 0;
 };
 
-// The clock runs on from the time that it was last set to. The alarm's switch is one of the wake-up
-// sources.
+// Whether the fields are a time from 2000 to 2099.
+bool IsValid(const ClockTime& time);
+
+// The valid `time`, `seconds` later; 2099 ends in 2000. The C library's calendar is no help: on the
+// board its time ends in 2038.
+ClockTime AddSeconds(const ClockTime& time, std::int64_t seconds);
+
+// The seven bytes of the wire as a number. Nothing when they are no valid time.
+std::uint64_t NumberOf(const ClockTime& time);
+std::optional<ClockTime> ClockTimeOf(std::uint64_t number);
+
+// Nothing when the bytes of the wire are no decimals, or beyond their units.
+std::optional<rolu_protocol::AlarmTime> ValidAlarmTimeOf(std::uint64_t number);
+
+// The clock runs on from the time that it was last set to. Its alarm comes at second 0 of each minute at
+// which the fields that are to match do; without any it never comes. The alarm's switch is one of the
+// wake-up sources.
 struct ClockState {
   static constexpr ClockTime kFactoryTime = {14, 7, 25, 5, 12, 0, 0};
 
-  AlarmSetting alarm;
+  rolu_protocol::AlarmTime alarm;
 
   void Set(const ClockTime& time, TimePoint now);
   ClockTime TimeAt(TimePoint now) const;
@@ -33,14 +48,9 @@ struct ClockState {
   // When the alarm's fields next match, later than `after`.
   std::optional<TimePoint> NextAlarm(TimePoint after) const;
 
-  void RestoreDefaults() { alarm = {}; }
-
  private:
   ClockTime set_time_ = kFactoryTime;
   TimePoint set_at_{};
 };
-
-// RTCS, RTCG, RTAS, RTAG.
-std::vector<McuCommand> ClockCommands();
 
 }  // namespace rolu_sim

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <optional>
 
-#include "simulator/mcu/mcu_command.h"
+#include "simulator/mcu/time_point.h"
 
 namespace rolu_sim {
 

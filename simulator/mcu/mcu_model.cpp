@@ -1,51 +1,25 @@
 #include "simulator/mcu/mcu_model.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace rolu_sim {
 namespace {
 
-AnswerLines RestoreDefaults(McuModel& model, std::string_view /*fields*/, TimePoint /*now*/) {
-  model.RestoreDefaults();
-  return AnswerOk();
-}
-
-std::vector<McuCommand> SettingsCommands() {
-  return {{"EEDF", 0, 0, RestoreDefaults}};
-}
-
-std::vector<McuCommand> AllCommands() {
-  std::vector<McuCommand> all;
-  for (const auto subject : {BackupBatteryCommands, BatteryCommands, ClockCommands, GSensorCommands,
-                             IdentityCommands, IgnitionCommands, PeripheralSwitchCommands, PowerOffCommands,
-                             PowerSourceCommands, SettingsCommands, WatchdogCommands}) {
-    const std::vector<McuCommand> commands = subject();
-    all.insert(all.end(), commands.begin(), commands.end());
-  }
-  return all;
-}
-
-// The longest code wins, so that one code may begin with another.
-const McuCommand* FindCommand(std::string_view text) {
-  static const std::vector<McuCommand> commands = AllCommands();
-  const McuCommand* found = nullptr;
-  for (const McuCommand& command : commands) {
-    if (text.substr(0, command.code.size()) != command.code) continue;
-    if (found == nullptr || command.code.size() > found->code.size()) found = &command;
-  }
-  return found;
+// The state as it left the factory, but for these members.
+template <typename State, typename... Member>
+void RestoreAllBut(State& state, Member State::*... members) {
+  State factory;
+  ((factory.*members = std::move(state.*members)), ...);
+  state = std::move(factory);
 }
 
 }  // namespace
 
-AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
-  const McuCommand* const known = FindCommand(command);
-  if (known == nullptr) return {std::string(kUnknownCommandReply)};
-  const std::string_view fields = command.substr(known->code.size());
-  if (fields.size() < known->min_field_characters || fields.size() > known->max_field_characters) {
-    return RefuseParameter();
-  }
-  return known->execute(*this, fields, now);
+std::string FormatSample(const GSensorSample& sample) {
+  const auto word = [](std::int16_t axis) { return static_cast<std::uint16_t>(axis); };
+  return fmt::format("{:04X}{:04X}{:04X}", word(sample.x), word(sample.y), word(sample.z));
 }
 
 void McuModel::SetVehicle(BatteryMode mode) {
@@ -62,24 +36,24 @@ void McuModel::SetBatteryCurve(VoltageCurve curve, TimePoint start) {
 bool McuModel::ShakeTo(const GSensorSample& sample) {
   gsensor.sample = sample;
   if (!gsensor.RaisesAlarm()) return false;
-  unsent_.push_back(AlarmLine(sample));
+  unsent_.push_back(fmt::format("{}{}]", rolu_protocol::kAlarmMessage, FormatSample(sample)));
   return true;
 }
 
-// The message class 00, the kind, and nothing more to tell.
 void McuModel::WarnOfPowerOff(PowerOffWarning warning) {
-  unsent_.push_back("[00" + FormatHex(static_cast<std::uint16_t>(warning), 2) + "]");
+  unsent_.emplace_back(warning == PowerOffWarning::kIgnition ? rolu_protocol::kIgnitionWarning
+                                                             : rolu_protocol::kLowBatteryWarning);
 }
 
 void McuModel::RestoreDefaults() {
-  battery.RestoreDefaults();
-  clock.RestoreDefaults();
-  gsensor.RestoreDefaults();
-  ignition.RestoreDefaults();
+  RestoreAllBut(battery, &BatteryState::curve, &BatteryState::curve_start);
+  clock.alarm = {};
+  RestoreAllBut(gsensor, &GSensorState::on, &GSensorState::sample);
+  RestoreAllBut(ignition, &IgnitionState::on);
   peripheral_switch = {};
-  power_off.RestoreDefaults();
-  power_sources.RestoreDefaults();
-  watchdog.RestoreDefaults();
+  power_off = {};
+  RestoreAllBut(power_sources, &PowerSourcesState::last_wakeup_code);
+  RestoreAllBut(watchdog, &WatchdogState::trigger_count, &WatchdogState::last_trigger);
 }
 
 }  // namespace rolu_sim

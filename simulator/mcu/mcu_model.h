@@ -1,28 +1,40 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "simulator/mcu/backup_battery.h"
+#include "protocol/commands.h"
 #include "simulator/mcu/battery.h"
 #include "simulator/mcu/clock.h"
-#include "simulator/mcu/gsensor.h"
 #include "simulator/mcu/held_condition.h"
-#include "simulator/mcu/identity.h"
-#include "simulator/mcu/ignition.h"
-#include "simulator/mcu/mcu_command.h"
-#include "simulator/mcu/mcu_event.h"
-#include "simulator/mcu/peripheral_switch.h"
-#include "simulator/mcu/power_off.h"
-#include "simulator/mcu/power_sources.h"
-#include "simulator/mcu/watchdog.h"
+#include "simulator/mcu/mcu_state.h"
 
 namespace rolu_sim {
 
-// Why the MCU is about to cut the power, with the numbers that the wire uses.
-enum class PowerOffWarning : std::uint8_t { kIgnition = 0, kLowVoltage = 1 };
+// The lines that the MCU answers to one command, without their line ends. Most commands have one.
+using AnswerLines = std::vector<std::string>;
+
+// Why the MCU is about to cut the power.
+enum class PowerOffWarning { kIgnition, kLowVoltage };
+
+// What the MCU does to the computer; nothing of it shows on the wire. A simulated computer runs on.
+enum class McuEventKind {
+  kPowerOff,      // the power is cut, as ATPO ordered
+  kAlarmWakeup,   // the clock's alarm woke the computer
+  kWatchdogBite,  // the watchdog was not triggered in time: the computer is reset
+};
+
+struct McuEvent {
+  McuEventKind kind;
+  TimePoint time;
+};
+
+// The three axes as the wire has them.
+std::string FormatSample(const GSensorSample& sample);
 
 // The microcontroller as a state machine: a command and the time go in, answer lines come out. It
 // has no thread, no clock and no lock; McuSerial guards the one behind a port (see its WithModel).
@@ -86,6 +98,9 @@ class McuModel {
   void RecordEvent(McuEventKind kind, TimePoint time) { events_.push_back({kind, time}); }
 
  private:
+  // The last line of the answer to the command at this place of the table.
+  std::string CarryOut(std::size_t command, const rolu_protocol::Values& fields, TimePoint now);
+
   void FollowPowerOffConditions(TimePoint now);
   void FollowWatchdog(TimePoint now);
   void FollowAlarm(TimePoint now);

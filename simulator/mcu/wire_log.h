@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/mcu/mcu_command.h"
+#include "simulator/mcu/time_point.h"
 
 namespace rolu_sim {
 

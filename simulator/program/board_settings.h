@@ -7,7 +7,7 @@
 
 #include "simulator/control/desk.h"
 #include "simulator/scenario/scenario.h"
-#include "simulator/trace/trace_writer.h"
+#include "simulator/trace/trace_record.h"
 
 namespace rolu_sim {
 

@@ -10,7 +10,7 @@
 #include "simulator/program/board_environment.h"
 #include "simulator/program/commands.h"
 #include "simulator/scenario/scenario_files.h"
-#include "simulator/trace/trace_writer.h"
+#include "simulator/trace/trace_record.h"
 
 namespace rolu_sim {
 namespace {

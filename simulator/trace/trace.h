@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "protocol/words.h"
 #include "simulator/mcu/wire_log.h"
 #include "simulator/trace/trace_record.h"
-#include "simulator/trace/wire_words.h"
 
 namespace rolu_sim {
 
@@ -47,7 +47,7 @@ class Trace {
 
   const TimePoint start_;
   mutable std::mutex mutex_;
-  WireWords words_;
+  rolu_protocol::Words words_;
   std::deque<TraceRecord> records_;
   std::uint64_t first_ = 0;
   std::vector<Listener> listeners_;

@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "simulator/trace/wire_words.h"
+#include "protocol/words.h"
 #include "tests/desk/tool.h"
 
 namespace desk_test {
@@ -48,7 +48,7 @@ TEST(WireWords, say_what_commands_and_answers_mean) {
       {"MCVG", "measure the car battery's voltage", "02E", "an answer to MCVG that does not fit"},
       {"WHAT", "a command that is not known", "ERR-C01", "refused: the MCU does not know the command"},
   };
-  rolu_sim::WireWords words;
+  rolu_protocol::Words words;
   for (const auto& row : kRows) {
     EXPECT_EQ(words.OfCommand(row.command), row.says);
     EXPECT_EQ(words.OfAnswer(row.answer), row.answer_says) << row.command;

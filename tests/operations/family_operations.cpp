@@ -1,5 +1,5 @@
 // The power manager's identity and clock, and the other families.
-#include "simulator/mcu/identity.h"
+#include "simulator/mcu/mcu_state.h"
 #include "tests/operations/operations.h"
 #include "tests/operations/vpm_calls.h"
 

@@ -58,13 +58,13 @@ void McuModel::FollowWatchdog(TimePoint now) {
 }
 
 std::optional<TimePoint> McuModel::NextAlarm() const {
-  if (!power_sources.wakeup_enabled[PowerSourcesState::kAlarmSource]) return std::nullopt;
+  if (!power_sources.wakeup_enabled[rolu_protocol::kAlarmSource]) return std::nullopt;
   return clock.NextAlarm(alarm_followed_to_);
 }
 
 void McuModel::FollowAlarm(TimePoint now) {
   for (auto alarm = NextAlarm(); alarm && *alarm <= now; alarm = NextAlarm()) {
-    power_sources.last_wakeup_code = PowerSourcesState::kAlarmWakeupCode;
+    power_sources.last_wakeup_code = rolu_protocol::WakeupCodeOf(rolu_protocol::kAlarmSource);
     RecordEvent(McuEventKind::kAlarmWakeup, *alarm);
     alarm_followed_to_ = *alarm;
   }

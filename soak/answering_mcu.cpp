@@ -2,7 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
+
+#include "protocol/commands.h"
+#include "protocol/values.h"
+#include "soak/drawn_answer.h"
+#include "tests/support/made_call.h"
+#include "tests/support/wire_model.h"
 
 namespace rolu_soak {
 namespace {
@@ -27,22 +34,39 @@ constexpr Chance kChances[] = {
 // Well below the 3 s that the library waits, so that a loaded machine does not turn it into silence.
 constexpr std::uint32_t kLongestDelayMs = 1500;
 
-constexpr std::array<const char*, 6> kErrors = {"ERR-M08", "ERR-C01", "ERR-W02",
-                                                "ERR-E04", "ERR-G01", "ERR-Q02"};
+bool BeginsWith(std::string_view text, std::string_view begin) {
+  return text.substr(0, begin.size()) == begin;
+}
+
+// What a start-up keeps for later calls stays as the tests' tables have it.
+bool MayBeDistorted(std::string_view command) {
+  return !BeginsWith(command, "ATF0") && !BeginsWith(command, "MCVU");
+}
+
+std::string BytesOf(const Reply& reply) {
+  return rolu_test::BytesOf(rolu_test::Answer(reply));
+}
+
+// Of two lines the last one.
+std::optional<std::string> ReplyIn(const std::string& sent, int answer_lines) {
+  std::vector<std::string> lines = rolu_test::ReplyLines(sent);
+  const auto wanted = static_cast<std::size_t>(answer_lines);
+  if (lines.size() < wanted) return std::nullopt;
+  return std::move(lines[wanted - 1]);
+}
 
 }  // namespace
 
 AnsweringMcu::AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Findings& violations)
-    : lanes_(lanes), violations_(violations), random_(seed), desk_faults_(seed, [](const std::string&) {}) {}
-
-void AnsweringMcu::Plan(const std::string& code, milliseconds delay) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  plans_[code].push_back(delay);
+    : lanes_(lanes), violations_(violations), random_(seed), desk_faults_(seed, [](const std::string&) {}) {
+  // More than any call has. What the process holds is compared, so the list has its whole size from the
+  // start.
+  plans_.reserve(8);
 }
 
-void AnsweringMcu::ForgetPlans() {
+void AnsweringMcu::Plan(const std::vector<PlannedAnswer>& answers) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  plans_.clear();
+  plans_ = answers;
 }
 
 void AnsweringMcu::ForgetLateAnswer() {
@@ -50,70 +74,67 @@ void AnsweringMcu::ForgetLateAnswer() {
   late_.clear();
 }
 
-Reply AnsweringMcu::Answer(std::string_view command) {
+Reply AnsweringMcu::Answer(std::string_view command, const rolu_sim::AskModel& ask_model) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const std::uint64_t running = ++commands_;
-  Exchange exchange;
-  exchange.code = FindWireCode(command);
-  if (exchange.code == nullptr) {
+  const rolu_protocol::Command* const known = rolu_protocol::FindCommand(command);
+  if (known == nullptr) {
     violations_.Add(fmt::format("the MCU got \"{}\", which no call sends", command));
     return Reply::Silence();
   }
-  exchange.command = command;
-  exchange.number = DrawNumber(*exchange.code, running);
-
-  AnswerFault fault;
-  const auto plan = plans_.find(exchange.code->code);
-  if (plan != plans_.end() && !plan->second.empty()) {
-    fault.delay = plan->second.front();
-    plan->second.pop_front();
-    fault.kind = fault.delay == kNever ? AnswerFaultKind::kSilence : AnswerFaultKind::kDelay;
-    exchange.strike = fault.delay == kNever ? Strike::kSilence : Strike::kDelay;
-  } else {
-    exchange.strike = DrawStrike(*exchange.code);
-    fault = FaultOf(exchange);
+  std::string bytes;
+  for (int line = 0; line < known->answer_lines; ++line) bytes += DrawnAnswer(*known, running) + kLineEnd;
+  if (bytes == kLineEnd) bytes = BytesOf(ask_model());
+  Struck struck = Strikes(command);
+  ++strikes_.at(static_cast<std::size_t>(struck.strike));
+  Reply reply = Send(command, std::move(bytes), std::move(struck));
+  const std::size_t lane = LaneOf(command);
+  if (lane != kAnyLane) {
+    lanes_.at(lane)->Record({std::string(command), ReplyIn(BytesOf(reply), known->answer_lines)});
   }
-  ++strikes_.at(static_cast<std::size_t>(exchange.strike));
-
-  if (exchange.code->lane != kAnyLane) lanes_.at(exchange.code->lane)->Record(exchange);
-  std::string line = AnswerText(exchange.code->form, exchange.number) + kLineEnd;
-  if (exchange.code->form == AnswerForm::kTwoOks) line += line;
-  return Send(exchange, std::move(line), std::move(fault));
+  return reply;
 }
 
-Strike AnsweringMcu::DrawStrike(const WireCode& code) {
-  if (!faults_on_) return Strike::kNone;
+AnsweringMcu::Struck AnsweringMcu::Strikes(std::string_view command) {
+  const auto plan = std::find_if(plans_.begin(), plans_.end(), [command](const PlannedAnswer& planned) {
+    return BeginsWith(command, planned.command);
+  });
+  if (plan == plans_.end()) return DrawStrike(command);
+  Struck struck{Strike::kSilence};
+  if (plan->delay != kNever) {
+    struck.strike = Strike::kDelay;
+    struck.fault.kind = AnswerFaultKind::kDelay;
+    struck.fault.delay = plan->delay;
+  }
+  plans_.erase(plan);
+  return struck;
+}
+
+AnsweringMcu::Struck AnsweringMcu::DrawStrike(std::string_view command) {
+  if (!faults_on_) return {};
+  Struck struck;
   std::uint32_t drawn = Draw(1000000);
   for (const Chance& chance : kChances) {
     if (drawn < chance.of_a_million) {
-      const bool distorts = chance.strike == Strike::kGarble || chance.strike == Strike::kDrop;
-      return distorts && !code.distortable ? Strike::kNone : chance.strike;
+      struck.strike = chance.strike;
+      break;
     }
     drawn -= chance.of_a_million;
   }
-  return Strike::kNone;
-}
-
-AnswerFault AnsweringMcu::FaultOf(Exchange& exchange) {
-  AnswerFault fault;
-  switch (exchange.strike) {
+  AnswerFault& fault = struck.fault;
+  switch (struck.strike) {
     case Strike::kDelay:
       fault.kind = AnswerFaultKind::kDelay;
       fault.delay = milliseconds(1 + Draw(kLongestDelayMs));
       break;
     case Strike::kError:
       fault.kind = AnswerFaultKind::kErrorReply;
-      fault.error = kErrors.at(Draw(kErrors.size()));
-      exchange.error = fault.error == "ERR-M08" ? ROLU_STATUS_INVALID_PARAMETER : ROLU_STATUS_VPM_ERROR_REPLY;
-      // The error is one line, and the library waits for the second one.
-      if (exchange.code->form == AnswerForm::kTwoOks) exchange.error = ROLU_STATUS_VPM_NO_REPLY;
+      fault.error = rolu_protocol::kErrorReplies.at(Draw(rolu_protocol::kErrorReplies.size()));
       break;
     case Strike::kGarble:
-      fault.kind = AnswerFaultKind::kGarble;
-      fault.count = 1 + Draw(3);
-      break;
     case Strike::kDrop:
-      fault.kind = AnswerFaultKind::kDropBytes;
+      if (!MayBeDistorted(command)) return {};
+      fault.kind = struck.strike == Strike::kGarble ? AnswerFaultKind::kGarble : AnswerFaultKind::kDropBytes;
       fault.count = 1 + Draw(3);
       break;
     case Strike::kLongLine:
@@ -125,23 +146,24 @@ AnswerFault AnsweringMcu::FaultOf(Exchange& exchange) {
     case Strike::kLate:
       break;
   }
-  return fault;
+  return struck;
 }
 
-Reply AnsweringMcu::Send(const Exchange& exchange, std::string line, AnswerFault fault) {
-  if (exchange.strike == Strike::kNone) return SendUndisturbed(std::move(line));
-  if (exchange.strike == Strike::kLate) late_ = line;
-  fault.command = exchange.command;
-  fault.times = 1;
-  desk_faults_.Add(std::move(fault));
-  return desk_faults_.Answer(exchange.command, [&line] { return Reply::Bytes(line); });
+Reply AnsweringMcu::Send(std::string_view command, std::string bytes, Struck struck) {
+  if (struck.strike == Strike::kNone) return SendUndisturbed(std::move(bytes));
+  if (struck.strike == Strike::kLate) late_.assign(bytes);
+  struck.fault.command = command;
+  struck.fault.times = 1;
+  desk_faults_.Add(std::move(struck.fault));
+  return desk_faults_.Answer(command, [&bytes] { return Reply::Bytes(bytes); });
 }
 
 // In one piece: the line that is late must not be overtaken by a next command.
-Reply AnsweringMcu::SendUndisturbed(std::string line) {
-  if (late_.empty()) return Reply::Bytes(std::move(line));
-  ++late_answers_sent_;
-  return Reply::Bytes(line + std::exchange(late_, {}));
+Reply AnsweringMcu::SendUndisturbed(std::string bytes) {
+  if (!late_.empty()) ++late_answers_sent_;
+  bytes += late_;
+  late_.clear();
+  return Reply::Bytes(std::move(bytes));
 }
 
 }  // namespace rolu_soak

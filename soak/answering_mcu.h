@@ -5,20 +5,29 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/faults/answer_faults.h"
 #include "simulator/mcu/reply_script.h"
 #include "soak/findings.h"
 #include "soak/lane.h"
+#include "soak/operations.h"
 
 namespace rolu_soak {
+
+// What becomes of a command at the MCU.
+enum class Strike { kNone, kDelay, kSilence, kLate, kError, kGarble, kDrop, kLongLine };
+
+// How the MCU answers the next command that begins like this.
+struct PlannedAnswer {
+  std::string command;
+  std::chrono::milliseconds delay;  // kNever: silence
+};
 
 using Lanes = std::array<std::unique_ptr<Lane>, kLanes>;
 
@@ -32,15 +41,14 @@ class AnsweringMcu {
  public:
   AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Findings& violations);
 
-  rolu_sim::Reply Answer(std::string_view command);
+  rolu_sim::Reply Answer(std::string_view command, const rolu_sim::AskModel& ask_model);
 
   // Random faults, or none.
   void SetFaults(bool on) { faults_on_ = on; }
 
-  // The answers to the next commands of this code take so long; kNever is silence.
   static constexpr std::chrono::milliseconds kNever{-1};
-  void Plan(const std::string& code, std::chrono::milliseconds delay);
-  void ForgetPlans();
+  void Plan(const std::vector<PlannedAnswer>& answers);
+  void ForgetPlans() { Plan({}); }
 
   // The port is a new one: what was late is lost.
   void ForgetLateAnswer();
@@ -51,10 +59,14 @@ class AnsweringMcu {
 
  private:
   // With mutex_ held.
-  Strike DrawStrike(const WireCode& code);
-  rolu_sim::AnswerFault FaultOf(Exchange& exchange);
-  rolu_sim::Reply Send(const Exchange& exchange, std::string line, rolu_sim::AnswerFault fault);
-  rolu_sim::Reply SendUndisturbed(std::string line);
+  struct Struck {
+    Strike strike = Strike::kNone;
+    rolu_sim::AnswerFault fault = {};
+  };
+  Struck Strikes(std::string_view command);
+  Struck DrawStrike(std::string_view command);
+  rolu_sim::Reply Send(std::string_view command, std::string bytes, Struck struck);
+  rolu_sim::Reply SendUndisturbed(std::string bytes);
   std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
 
   const Lanes& lanes_;
@@ -62,7 +74,7 @@ class AnsweringMcu {
   std::mutex mutex_;
   std::mt19937 random_;
   rolu_sim::AnswerFaults desk_faults_;
-  std::map<std::string, std::deque<std::chrono::milliseconds>, std::less<>> plans_;
+  std::vector<PlannedAnswer> plans_;
   std::string late_;
   std::atomic<bool> faults_on_{false};
   std::atomic<std::uint64_t> commands_{0};

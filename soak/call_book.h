@@ -11,7 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "soak/fault.h"
+#include "include/kavo_rolu.h"
+#include "soak/findings.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "simulator/trace/printable.h"
 #include "soak/judgement.h"
 
 namespace rolu_soak {
@@ -115,20 +116,17 @@ void Callers::Call(const Operation& operation, bool alone) {
   Family& family = families_.at(operation.family);
   const std::uint64_t changes_before = port_changes_;
   CallFacts facts;
+  facts.row = operation.row;
   facts.family_was_up = family.is_up || IsStartUp(operation) || !operation.has_state;
-  facts.ignored_code = operation.ignored_code;
 
   const ProcessorWaits waits_before = MeasureProcessorWaits();
   const std::string uncalled = lane.TakeUncalled();
   lane.BeginCall();
   book_.Begin(operation.lane, operation);
-  const Outcome outcome = operation.call(lane);
-  const CallBook::Duration duration = book_.End(operation.lane, outcome.status, alone);
-  lane.EndCall();
+  facts.status = operation.row->call(facts.output.data());
+  const CallBook::Duration duration = book_.End(operation.lane, facts.status, alone);
+  facts.exchanges = lane.EndCall();
 
-  facts.status = outcome.status;
-  facts.right = outcome.right;
-  facts.exchanges = lane.Exchanges();
   facts.port_was_dead = changes_before % 2 == 1 || changes_before != port_changes_;
   facts.link_was_busy = duration.took >= milliseconds(kLinkMs);
   Fault uncalled_fault;
@@ -136,7 +134,7 @@ void Callers::Call(const Operation& operation, bool alone) {
     uncalled_fault.text = fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled);
   }
   Report(operation, {FaultIn(facts), duration.fault, uncalled_fault}, waits_before);
-  if (outcome.status != ROLU_STATUS_SUCCESS) return;
+  if (facts.status != ROLU_STATUS_SUCCESS) return;
   if (IsStartUp(operation)) family.is_up = true;
   if (&operation == &Families().at(operation.family).deinitialize) family.is_up = false;
 }
@@ -157,9 +155,10 @@ void Callers::Report(const Operation& operation, const std::vector<Fault>& fault
       std::this_thread::sleep_for(kStarved);
       is_explained = waited_since() >= kStarved;
     }
-    const std::string text =
+    // It may hold any bytes of the wire.
+    const std::string text = rolu_sim::Printable(
         fmt::format("{}: {}; the longest wait of a thread for a processor: {} ms", operation.name, fault.text,
-                    std::chrono::duration_cast<milliseconds>(waited).count());
+                    std::chrono::duration_cast<milliseconds>(waited).count()));
     if (is_explained) {
       excused = text;
     } else {

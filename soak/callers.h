@@ -17,7 +17,7 @@
 #include "soak/findings.h"
 #include "soak/gate.h"
 #include "soak/operations.h"
-#include "soak/processor_waits.h"
+#include "soak/process_usage.h"
 
 namespace rolu_soak {
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <mutex>
 #include <string>
@@ -10,6 +11,16 @@
 #include <vector>
 
 namespace rolu_soak {
+
+// What is wrong with a call.
+struct Fault {
+  // However long threads waited for a processor.
+  static constexpr std::chrono::nanoseconds kUnexplained = std::chrono::nanoseconds::max();
+
+  std::string text;  // empty: nothing is wrong
+  // A thread that was ready to run, and waited so long for a processor meanwhile, explains it.
+  std::chrono::nanoseconds explained_by = kUnexplained;
+};
 
 // What was found of one kind: the first ones in words, all of them counted. It has its whole size from the
 // start: what is found must not look like memory that is lost. Any thread may call any member.

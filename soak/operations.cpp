@@ -1,139 +1,180 @@
+#include "soak/operations.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
-#include <string>
+#include <deque>
+#include <stdexcept>
 
-#include "soak/calls.h"
+#include "protocol/commands.h"
+#include "tests/operations/operations.h"
 
 namespace rolu_soak {
 namespace {
 
-pthread_cond_t alarm_event = PTHREAD_COND_INITIALIZER;
+using rolu_test::CallRow;
 
-Outcome SwitchWatchdog(Lane& lane) {
-  const bool on = lane.Draw(2) != 0;
-  const ROLU_STATUS status = KAVO_ROLU_WD_Enabled(on);
-  return {status, lane.LastCommand() == (on ? "WDTE" : "WDTD")};
+constexpr int kCommandMs = 3000;
+constexpr int kClosingMs = 3000;
+
+constexpr std::array<std::size_t, kFamilies> kLeaders = {kLaneDelays, kLaneWatchdog, kLaneSensor,
+                                                         kLanePeripherals};
+
+// The longest of these that a command begins with tells who sends it.
+constexpr struct {
+  std::string_view begin;
+  std::size_t lane;
+} kOwners[] = {
+    {"Hello", kAnyLane},       {"A", kLaneModes},         {"ATF0", kLaneDelays}, {"ARGI", kLaneSensor},
+    {"B", kLaneClock},         {"E", kLaneClock},         {"G", kLaneSensor},    {"GSI", kLaneThresholds},
+    {"GSW", kLaneThresholds},  {"I", kLaneModes},         {"M", kLaneModes},     {"MCB", kLaneBattery},
+    {"MCC", kLaneBattery},     {"MCG", kLanePeripherals}, {"MCP", kLaneBattery}, {"MCPR", kLaneDelays},
+    {"MCS", kLanePeripherals}, {"MCU", kLaneDelays},      {"MCV", kLaneBattery}, {"MCVU", kLaneDelays},
+    {"R", kLaneClock},         {"S", kLaneClock},         {"W", kLaneClock},     {"WD", kLaneWatchdog},
+};
+
+std::string ExportOf(const CallRow& row) {
+  return row.name.substr(0, row.name.find(' '));
 }
 
-Outcome ReadWatchdogRange(Lane&) {
-  unsigned long lowest = 0;
-  unsigned long highest = 0;
-  const ROLU_STATUS status = KAVO_ROLU_WD_GetRange(&lowest, &highest);
-  return {status, lowest == 1 && highest == 65535};
+bool EndsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-constexpr double kGravityUnit = 3.90625;
-
-std::uint64_t RawAxis(std::int32_t scaled) {
-  return static_cast<std::uint64_t>(std::llround((scaled) / kGravityUnit)) & 0xFFFFU;
+bool IsInitialize(const CallRow& row) {
+  return EndsWith(row.name, "_Initialize");
 }
 
-Outcome ReadSample(Lane& lane) {
-  ROLU_GSENSOR_DATA sample{};
-  const ROLU_STATUS status = KAVO_ROLU_GSENSOR_GetData(&sample);
-  return {status,
-          (RawAxis(sample.x) << 32U | RawAxis(sample.y) << 16U | RawAxis(sample.z)) == lane.Number("GSV")};
+bool IsDeinitialize(const CallRow& row) {
+  return EndsWith(row.name, "_Deinitialize");
 }
 
-Call ReadsThreshold(ROLU_STATUS (*get)(int*), const char* code) {
-  return Reads(get, code, [](int value, std::uint64_t number) {
-    return value == static_cast<int>((number * 125 + 1) / 2);
-  });
+std::size_t FamilyOf(const CallRow& row) {
+  const auto& families = rolu_test::McuFamilies();
+  std::size_t family = 0;
+  while (row.name.compare(0, families.at(family).prefix.size(), families.at(family).prefix) != 0) ++family;
+  return family;
 }
 
-Call OrdersThreshold(ROLU_STATUS (*set)(int), const char* prefix) {
-  return [=](Lane& lane) {
-    const std::uint32_t steps = 32 + lane.Draw(200);
-    const ROLU_STATUS status = set(static_cast<int>((steps * 125 + 1) / 2));
-    return Outcome{status, lane.LastCommand() == fmt::format("{}{:02X}", prefix, steps)};
+// What the commands of a call promise together.
+Promise PromiseOfCommands(const std::vector<std::string>& commands) {
+  Promise promise{fmt::format("{} command{}", commands.size(), commands.size() == 1 ? "" : "s"), 0};
+  int first_delay_ms = 0;
+  int delay_ms = 0;
+  int lines = 1;
+  for (const std::string& command : commands) {
+    const rolu_protocol::Command& known = *rolu_protocol::FindCommand(command);
+    lines = known.answer_lines;
+    delay_ms = known.post_delay_ms;
+    if (&command == &commands.front()) first_delay_ms = delay_ms;
+    promise.own_ms += lines * kCommandMs + delay_ms;
+  }
+  if (delay_ms == 0) return promise;
+  if (commands.size() == 1) {
+    promise.statement += lines == 1 ? " with" : fmt::format(" with {} answer lines and", lines);
+  } else {
+    promise.statement += first_delay_ms == 0 ? ", the second with" : ", each with";
+  }
+  promise.statement += fmt::format(" a post-delay of {} ms", delay_ms);
+  return promise;
+}
+
+Promise PromiseOf(const CallRow& row) {
+  const std::vector<std::string> commands = rolu_test::CommandsOf(row.wire);
+  if (commands.empty() && IsDeinitialize(row)) return {"a closing", kClosingMs, false};
+  if (commands.empty()) return {EndsWith(row.name, "Event") ? "the inner lock" : "Does not block", 0, false};
+  Promise promise = PromiseOfCommands(commands);
+  if (row.brings_up) {
+    promise.statement = "the link, then " + promise.statement;
+    promise.own_ms += kLinkMs;
+  }
+  const bool start_up_can_fail = row.brings_up && row.indifferent.size() < commands.size();
+  if (IsDeinitialize(row) || start_up_can_fail) {
+    promise.statement += ", then a closing";
+    promise.own_ms += kClosingMs;
+  }
+  return promise;
+}
+
+Operation OperationFor(const CallRow& row, Promise promise) {
+  const std::size_t family = FamilyOf(row);
+  std::size_t lane = kLeaders.at(family);
+  for (const std::string& command : rolu_test::CommandsOf(row.wire)) {
+    if (LaneOf(command) != kAnyLane) lane = LaneOf(command);
+  }
+  const std::string name = ExportOf(row);
+  const bool has_state =
+      row.status != ROLU_STATUS_NOT_SUPPORTED && name != "WD_GetRange" && name != "VPM_GetLBPThresholdInfo";
+  return {name, family, lane, std::move(promise), &row, has_state};
+}
+
+// What switches a peripheral and asks for what has become of it: nobody else switches it.
+rolu_test::Call SwitchesAndReads(PERIPHERAL_TYPE type, char state) {
+  return [type, state](void* output) {
+    const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(type, state);
+    if (status != ROLU_STATUS_SUCCESS) return status;
+    return KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(type, static_cast<char*>(output));
   };
-}
-
-Outcome SwitchAlarm(Lane& lane) {
-  const bool on = lane.Draw(2) != 0;
-  const ROLU_STATUS status = KAVO_ROLU_GSENSOR_AlarmEnabled(on);
-  const std::string command = lane.LastCommand();
-  // That it is on is known without asking.
-  if (status == ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED && on)
-    return {ROLU_STATUS_SUCCESS, command.empty()};
-  return {status, command == (on ? "ARGI01" : "ARGI00")};
 }
 
 constexpr unsigned int kAxisBits = 15;
 constexpr std::uint32_t kAxisMask = (1U << kAxisBits) - 1;
 
-Outcome TakeAlarmSample(Lane&) {
+std::uint32_t RawAxis(std::int32_t scaled) {
+  constexpr double kGravityUnit = 3.90625;
+  return static_cast<std::uint32_t>(std::llround(scaled / kGravityUnit)) & 0xFFFFU;
+}
+
+// Writes 1 when there is no sample, or the sample is of one message that came after those before.
+ROLU_STATUS TakeAlarmSample(void* output) {
   static std::uint32_t newest = 0;  // of one thread only
   ROLU_GSENSOR_DATA sample{};
   const ROLU_STATUS status = KAVO_ROLU_GSENSOR_GetAlarmData(&sample);
-  if (status == ROLU_STATUS_GSENSOR_NO_ALARM_DATA) return {ROLU_STATUS_SUCCESS, true};
-  if (status != ROLU_STATUS_SUCCESS) return {status, false};
-  const auto high = static_cast<std::uint32_t>(RawAxis(sample.x));
-  const auto low = static_cast<std::uint32_t>(RawAxis(sample.y));
-  const std::uint32_t number = high << kAxisBits | low;
-  const bool whole = RawAxis(sample.z) == (high ^ low);
-  const bool in_order = number > newest && number <= last_alarm_sent;
-  newest = number;
-  return {status, whole && in_order};
+  bool right = status == ROLU_STATUS_GSENSOR_NO_ALARM_DATA;
+  if (status == ROLU_STATUS_SUCCESS) {
+    const std::uint32_t high = RawAxis(sample.x);
+    const std::uint32_t low = RawAxis(sample.y);
+    const std::uint32_t number = high << kAxisBits | low;
+    right = RawAxis(sample.z) == (high ^ low) && number > newest && number <= last_alarm_sent;
+    newest = number;
+  }
+  if (!right && status != ROLU_STATUS_SUCCESS) return status;
+  *static_cast<char*>(output) = right ? 1 : 0;
+  return ROLU_STATUS_SUCCESS;
 }
 
-// What this thread switched on or off last; nobody else does.
-Call SwitchesAndReads(PERIPHERAL_TYPE type) {
-  return [type](Lane& lane) {
-    const char state = lane.Draw(2) != 0 ? 1 : 0;
-    ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(type, state);
-    char read = 2;
-    if (status == ROLU_STATUS_SUCCESS) status = KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(type, &read);
-    return Outcome{status, read == state};
+// The calls whose course no row of the tests has.
+std::vector<Operation> OwnOperations() {
+  using rolu_test::Gives;
+  using rolu_test::Written;
+  static std::deque<CallRow> rows;
+  std::vector<Operation> operations;
+  const auto add = [&operations](std::string name, rolu_test::Call call, char output, Promise promise) {
+    rows.push_back(Gives(std::move(name), std::move(call), {}, Written(output)));
+    operations.push_back(OperationFor(rows.back(), std::move(promise)));
   };
+  add("GSENSOR_GetAlarmData", TakeAlarmSample, 1, {"the inner lock, at most 1000 ms", 1000, false});
+  for (const char state : {'\0', '\1'}) {
+    add("PERIPHERALCTRL_GetPeripheralControl GPS", SwitchesAndReads(PERIPHERAL_TYPE_GPS, state), state,
+        {"device files", 0, false});
+    add("PERIPHERALCTRL_GetPeripheralControl WLAN", SwitchesAndReads(PERIPHERAL_TYPE_WLAN, state), state,
+        {"the shell command, without a limit", kNoLimit, false});
+  }
+  return operations;
 }
 
-Outcome SetMcuSwitch(Lane& lane) {
-  const bool on = lane.Draw(2) != 0;
-  const ROLU_STATUS status =
-      KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE_MCU_SWITCH, on ? 1 : 0);
-  return {status, lane.LastCommand() == (on ? "MCS01" : "MCS00")};
-}
-
-Outcome ReadMcuSwitch(Lane& lane) {
-  char on = 0;
-  const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_GetPeripheralControl(PERIPHERAL_TYPE_MCU_SWITCH, &on);
-  return {status, static_cast<std::uint64_t>(on) == lane.Number("MCG")};
-}
-
-std::vector<Operation> OtherOperations() {
-  return {
-      {"WD_GetTime", kWatchdog, kLaneWatchdog, kCommand, ReadsWord(KAVO_ROLU_WD_GetTime, "WDTG")},
-      {"WD_SetTime", kWatchdog, kLaneWatchdog, kCommand50,
-       Orders(KAVO_ROLU_WD_SetTime, 1, 65535, "WDTS{:04X}")},
-      {"WD_Trigger", kWatchdog, kLaneWatchdog, kCommand, Order(KAVO_ROLU_WD_Trigger, "WDTR")},
-      {"WD_Enabled", kWatchdog, kLaneWatchdog, kCommand, SwitchWatchdog},
-      {"WD_GetRange", kWatchdog, kLaneWatchdog, kNothing, ReadWatchdogRange, {}, false},
-      {"GSENSOR_GetData", kSensor, kLaneSensor, kCommand, ReadSample},
-      {"GSENSOR_GetResolution", kSensor, kLaneSensor, kCommand,
-       ReadsWord(KAVO_ROLU_GSENSOR_GetResolution, "GSRG")},
-      {"GSENSOR_SetResolution", kSensor, kLaneSensor, kCommand50,
-       Orders(KAVO_ROLU_GSENSOR_SetResolution, 0, 4, "GSRS{:02X}")},
-      {"GSENSOR_AlarmEnabled", kSensor, kLaneSensor, kCommand, SwitchAlarm},
-      {"GSENSOR_SetAlarmEvent", kSensor, kLaneThresholds, kInnerLock,
-       Registers(KAVO_ROLU_GSENSOR_SetAlarmEvent, alarm_event)},
-      {"GSENSOR_GetAlarmData", kSensor, kLaneThresholds, kInnerLockInTime, TakeAlarmSample},
-      {"GSENSOR_GetAlarmThreshold", kSensor, kLaneThresholds, kCommand,
-       ReadsThreshold(KAVO_ROLU_GSENSOR_GetAlarmThreshold, "GSIG")},
-      {"GSENSOR_SetAlarmThreshold", kSensor, kLaneThresholds, kCommand50,
-       OrdersThreshold(KAVO_ROLU_GSENSOR_SetAlarmThreshold, "GSIS")},
-      {"GSENSOR_GetWakeupThreshold", kSensor, kLaneThresholds, kCommand,
-       ReadsThreshold(KAVO_ROLU_GSENSOR_GetWakeupThreshold, "GSWG")},
-      {"GSENSOR_SetWakeupThreshold", kSensor, kLaneThresholds, kCommand50,
-       OrdersThreshold(KAVO_ROLU_GSENSOR_SetWakeupThreshold, "GSWS")},
-      {"PERIPHERALCTRL_SetPeripheralControl", kPeripherals, kLanePeripherals, kCommand500, SetMcuSwitch},
-      {"PERIPHERALCTRL_GetPeripheralControl", kPeripherals, kLanePeripherals, kCommand, ReadMcuSwitch},
-      {"PERIPHERALCTRL_GetPeripheralControl", kPeripherals, kLanePeripherals, kDevice,
-       SwitchesAndReads(PERIPHERAL_TYPE_GPS)},
-      {"PERIPHERALCTRL_GetPeripheralControl", kPeripherals, kLanePeripherals, kShellCommand,
-       SwitchesAndReads(PERIPHERAL_TYPE_WLAN)},
-  };
+// The rows of the tests, but for the one that has a course of its own here and what the board does not
+// provide: that is refused at once, from memory.
+std::vector<Operation> RowOperations() {
+  std::vector<Operation> operations;
+  for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
+    operations.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
+  }
+  for (const CallRow& row : rolu_test::SilentOperations()) {
+    if (row.status == ROLU_STATUS_SUCCESS) operations.push_back(OperationFor(row, PromiseOf(row)));
+  }
+  return operations;
 }
 
 }  // namespace
@@ -146,47 +187,54 @@ std::string AlarmMessage(std::uint32_t number) {
   return fmt::format("[GI:{:04X}{:04X}{:04X}]\r\n", high, low, high ^ low);
 }
 
+std::size_t LaneOf(std::string_view command) {
+  std::size_t longest = 0;
+  std::size_t lane = kAnyLane;
+  for (const auto& owner : kOwners) {
+    if (owner.begin.size() <= longest || command.substr(0, owner.begin.size()) != owner.begin) continue;
+    longest = owner.begin.size();
+    lane = owner.lane;
+  }
+  return lane;
+}
+
 const std::vector<FamilyCalls>& Families() {
-  static const std::vector<FamilyCalls> families = {
-      {"VPM",
-       kLaneDelays,
-       {"VPM_Initialize", kVpm, kLaneDelays, kLinkAndSixCommands,
-        [](Lane&) {
-          return Outcome{KAVO_ROLU_VPM_Initialize(0), true};
-        }},
-       {"VPM_Deinitialize", kVpm, kLaneDelays, kClosing, Plain(KAVO_ROLU_VPM_Deinitialize)}},
-      {"WD",
-       kLaneWatchdog,
-       {"WD_Initialize", kWatchdog, kLaneWatchdog, kLinkAndCommand,
-        [](Lane&) {
-          return Outcome{KAVO_ROLU_WD_Initialize(0), true};
-        }},
-       {"WD_Deinitialize", kWatchdog, kLaneWatchdog, kClosing, Plain(KAVO_ROLU_WD_Deinitialize)}},
-      {"GSENSOR",
-       kLaneSensor,
-       {"GSENSOR_Initialize", kSensor, kLaneSensor, kLinkAndTwoCommands,
-        [](Lane&) {
-          return Outcome{KAVO_ROLU_GSENSOR_Initialize(0), true};
-        }},
-       {"GSENSOR_Deinitialize", kSensor, kLaneSensor, kTwoCommandsAndClosing,
-        Plain(KAVO_ROLU_GSENSOR_Deinitialize), "ARGI"}},
-      {"PERIPHERALCTRL",
-       kLanePeripherals,
-       {"PERIPHERALCTRL_Initialize", kPeripherals, kLanePeripherals, kLinkAndCommand,
-        Plain(KAVO_ROLU_PERIPHERALCTRL_Initialize)},
-       {"PERIPHERALCTRL_Deinitialize", kPeripherals, kLanePeripherals, kClosing,
-        Plain(KAVO_ROLU_PERIPHERALCTRL_Deinitialize)}},
-  };
+  static const std::vector<FamilyCalls> families = [] {
+    std::vector<FamilyCalls> all(kFamilies);
+    for (const Operation& operation : RowOperations()) {
+      FamilyCalls& family = all.at(operation.family);
+      const std::string& prefix = rolu_test::McuFamilies().at(operation.family).prefix;
+      family.name = prefix.substr(0, prefix.size() - 1);
+      family.lane = kLeaders.at(operation.family);
+      if (IsInitialize(*operation.row)) family.initialize = operation;
+      if (IsDeinitialize(*operation.row)) family.deinitialize = operation;
+    }
+    return all;
+  }();
   return families;
 }
 
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations = [] {
-    std::vector<Operation> all = VpmOperations();
-    for (Operation& operation : OtherOperations()) all.push_back(std::move(operation));
+    std::vector<Operation> all = OwnOperations();
+    for (Operation& operation : RowOperations()) {
+      if (!IsInitialize(*operation.row) && !IsDeinitialize(*operation.row))
+        all.push_back(std::move(operation));
+    }
     return all;
   }();
   return operations;
+}
+
+const Operation& OperationOf(std::string_view row_name) {
+  for (const FamilyCalls& family : Families()) {
+    if (family.initialize.row->name == row_name) return family.initialize;
+    if (family.deinitialize.row->name == row_name) return family.deinitialize;
+  }
+  for (const Operation& operation : Operations()) {
+    if (operation.row->name == row_name) return operation;
+  }
+  throw std::out_of_range(std::string(row_name));
 }
 
 }  // namespace rolu_soak

@@ -1,39 +1,59 @@
+// The functions of the interface as the soak calls them.
 #ifndef SOAK_OPERATIONS_H
 #define SOAK_OPERATIONS_H
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "include/kavo_rolu.h"
-#include "soak/lane.h"
-#include "soak/promises.h"
+#include "tests/support/call_row.h"
 
 namespace rolu_soak {
 
+// In the order of the tests' families.
 enum FamilyNumber : std::size_t { kVpm, kWatchdog, kSensor, kPeripherals, kFamilies };
 
-struct Outcome {
-  ROLU_STATUS status;
-  bool right;  // after success
+// Threads by what they own on the wire.
+enum LaneNumber : std::size_t {
+  kLaneDelays,
+  kLaneModes,
+  kLaneBattery,
+  kLaneClock,
+  kLaneWatchdog,
+  kLaneSensor,
+  kLaneThresholds,
+  kLanePeripherals,
+  kLanes
+};
+inline constexpr std::size_t kAnyLane = kLanes;
+
+// Who sends the command; kAnyLane for the greeting, which all families send.
+std::size_t LaneOf(std::string_view command);
+
+inline constexpr int kNoLimit = -1;
+inline constexpr int kLinkMs = 2000;
+
+// How long a call may take, as the header says behind "Blocks: ". A test compares the two.
+struct Promise {
+  std::string statement;
+  int own_ms;  // without what the commands of other threads take meanwhile
+  bool takes_turns = true;
 };
 
-// A function of the interface as the soak calls it.
 struct Operation {
-  const char* name;  // without "KAVO_ROLU_"
-  FamilyNumber family;
+  std::string name;  // of the export, without "KAVO_ROLU_"
+  std::size_t family;
   std::size_t lane;
   Promise promise;
-  std::function<Outcome(Lane&)> call;
-  std::string_view ignored_code = {};
-  bool has_state = true;  // false: answers the same when the family is down
+  const rolu_test::CallRow* row;
+  bool has_state = true;  // false: it answers the same when the family is down
 };
 
 struct FamilyCalls {
-  const char* name;
+  std::string name;
   std::size_t lane;  // who brings it up and down
   Operation initialize;
   Operation deinitialize;
@@ -44,10 +64,11 @@ struct FamilyCalls {
 extern std::atomic<std::uint32_t> last_alarm_sent;
 std::string AlarmMessage(std::uint32_t number);
 
-std::vector<Operation> VpmOperations();
-
 const std::vector<FamilyCalls>& Families();
 const std::vector<Operation>& Operations();
+
+// The one whose row has this name.
+const Operation& OperationOf(std::string_view row_name);
 
 }  // namespace rolu_soak
 

@@ -1,13 +1,21 @@
 #include "soak/process_usage.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <malloc.h>
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
+#include <string>
 #include <string_view>
+
+#include "simulator/unique_fd.h"
 
 namespace rolu_soak {
 namespace {
@@ -26,6 +34,29 @@ std::size_t ResidentBytes() {
 constexpr char kTunablesVariable[] = "GLIBC_TUNABLES";
 constexpr char kOneArenaWithoutCaches[] = "glibc.malloc.tcache_count=0:glibc.malloc.arena_max=1";
 
+struct CloseDirectory {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
+// Opened by a call that the thread sanitizer follows: it would take the descriptor for its last owner's.
+std::unique_ptr<DIR, CloseDirectory> OpenTasks() {
+  const int descriptor = open("/proc/self/task", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  return std::unique_ptr<DIR, CloseDirectory>(descriptor < 0 ? nullptr : fdopendir(descriptor));
+}
+
+// False when the thread has ended.
+bool ReadWait(const char* thread, std::chrono::nanoseconds& waited) {
+  const std::string path = std::string("/proc/self/task/") + thread + "/schedstat";
+  const rolu_sim::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  char text[128] = {};
+  if (!file || read(file.get(), text, sizeof text - 1) <= 0) return false;
+  long long ran_ns = 0;
+  long long waited_ns = 0;
+  if (std::sscanf(text, "%lld %lld", &ran_ns, &waited_ns) != 2) return false;
+  waited = std::chrono::nanoseconds(waited_ns);
+  return true;
+}
+
 }  // namespace
 
 ProcessUsage MeasureProcess() {
@@ -41,6 +72,25 @@ void CountHeapExactly() {
 bool HeapIsCountedExactly() {
   const char* const tunables = getenv(kTunablesVariable);
   return tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
+}
+
+ProcessorWaits MeasureProcessorWaits() {
+  ProcessorWaits waits;
+  const auto tasks = OpenTasks();
+  while (const dirent* entry = tasks ? readdir(tasks.get()) : nullptr) {
+    std::chrono::nanoseconds waited{0};
+    if (entry->d_name[0] != '.' && ReadWait(entry->d_name, waited)) waits[atoi(entry->d_name)] = waited;
+  }
+  return waits;
+}
+
+std::chrono::nanoseconds LongestWait(const ProcessorWaits& before, const ProcessorWaits& after) {
+  std::chrono::nanoseconds longest{0};
+  for (const auto& [thread, waited] : after) {
+    const auto earlier = before.find(thread);
+    longest = std::max(longest, earlier == before.end() ? waited : waited - earlier->second);
+  }
+  return longest;
 }
 
 }  // namespace rolu_soak

@@ -3,9 +3,8 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include "soak/excuses.h"
 #include "soak/judgement.h"
-#include "soak/processor_waits.h"
+#include "soak/process_usage.h"
 
 namespace rolu_soak {
 namespace {

@@ -10,8 +10,7 @@
 
 #include "simulator/devices/board_paths.h"
 #include "simulator/unique_fd.h"
-#include "soak/excuses.h"
-#include "soak/longest_calls.h"
+#include "soak/judgement.h"
 
 namespace rolu_soak {
 namespace {
@@ -40,14 +39,14 @@ Lanes MakeLanes(std::uint32_t seed) {
 
 rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
   rolu_sim::BoardOptions options;
-  options.serial.answer_route = [&mcu](std::string_view command, const rolu_sim::AskModel&) {
-    return mcu.Answer(command);
+  options.serial.answer_route = [&mcu](std::string_view command, const rolu_sim::AskModel& ask_model) {
+    return mcu.Answer(command, ask_model);
   };
   return options;
 }
 
-// Of the board's logs of what passed the wire and what was done with device files an empty one keeps the
-// index that its fullest time needed.
+// The board logs what passed the wire and what was done with device files. A log keeps the memory that its
+// fullest time needed, also when it is empty again.
 void FillLogs(rolu_sim::Board& board) {
   rolu_sim::WireLog& wire = board.mcu().Log();
   for (std::size_t i = 0; i < rolu_sim::WireLog::kCapacity; ++i) {
@@ -59,6 +58,42 @@ void FillLogs(rolu_sim::Board& board) {
   for (int i = 0; i < kOpenings; ++i) {
     const rolu_sim::UniqueFd file(open(rolu_sim::kLuxPath, O_RDONLY | O_CLOEXEC));
   }
+}
+
+// A call and the answers that make it last nearly as long as it may.
+struct LongestCall {
+  std::string_view operation;
+  std::vector<PlannedAnswer> answers;
+  milliseconds lasts;  // at least
+};
+
+const std::vector<LongestCall>& LongestCalls() {
+  // An answer that is only just in time: a post-delay or another command may follow.
+  constexpr milliseconds kInTime{2700};
+  constexpr milliseconds kNever = AnsweringMcu::kNever;
+  static const std::vector<LongestCall> calls = {
+      {"WD_GetTime", {{"WDTG", kNever}}, milliseconds(3000)},
+      {"VPM_SetLBPLowDelay", {{"MCUS0", kInTime}}, milliseconds(2750)},
+      {"WD_Initialize", {{"Hello", kNever}}, milliseconds(3000)},
+      {"VPM_GetCarBatteryVoltage 12V", {{"MCBG", kInTime}, {"MCVG", kNever}}, milliseconds(5700)},
+      {"VPM_SetAlarmTime", {{"RTAS", kInTime}}, milliseconds(2850)},
+      {"VPM_SetATMode", {{"MCAG", kInTime}, {"MCAS", kInTime}}, milliseconds(5450)},
+      {"PERIPHERALCTRL_SetPeripheralControl", {{"MCS", kInTime}}, milliseconds(3200)},
+      {"VPM_SetCurrentCarBatteryMode 12V", {{"MCCS", kInTime}, {"MCBS", kInTime}}, milliseconds(5500)},
+      {"VPM_LoadDefaultValue", {{"EEDF", kInTime}}, milliseconds(3950)},
+      {"GSENSOR_Deinitialize", {{"ARGI", kInTime}, {"GSF", kInTime}}, milliseconds(5400)},
+      {"GSENSOR_Initialize", {{"Hello", kNever}, {"GSO", kNever}}, milliseconds(6000)},
+      {"VPM_SetRTCTime", {{"RTCS", kInTime}}, milliseconds(2750)},
+      {"VPM_Initialize",
+       {{"Hello", kNever},
+        {"ATF0", kInTime},
+        {"MCVU2", kNever},
+        {"MCVU3", kNever},
+        {"MCPR3", kInTime},
+        {"MCPR2", kNever}},
+       milliseconds(17400)},
+  };
+  return calls;
 }
 
 }  // namespace
@@ -79,6 +114,7 @@ milliseconds Soak::elapsed() const {
 bool Soak::Run() {
   // Before any device file is opened: the board's end of it closes a moment later.
   before_ = MeasureProcess();
+  PrepareJudgement();
   FillLogs(board_);
   ClearLogs();
   const milliseconds period = std::clamp(options_.time / 20, milliseconds(2000), milliseconds(20000));
@@ -175,15 +211,15 @@ void Soak::DriveNextToTheLimit() {
   const LongestCall& call = LongestCalls().at(driven_ % LongestCalls().size());
   ++driven_;
   if (elapsed() + call.lasts > options_.time) return;
-  const FamilyCalls& family = Families().at(call.operation.family);
-  if (&call.operation == &family.initialize) callers_.TakeDown(call.operation.family);
-  for (const PlannedAnswer& answer : call.answers) mcu_.Plan(answer.code, answer.delay);
+  const Operation& operation = OperationOf(call.operation);
+  if (operation.row->brings_up) callers_.TakeDown(operation.family);
+  mcu_.Plan(call.answers);
   const std::size_t excused_before = excuses_.count();
   const SteadyTime start = steady_clock::now();
-  callers_.Call(call.operation);
+  callers_.Call(operation);
   const auto took = duration_cast<milliseconds>(steady_clock::now() - start);
   if (took < call.lasts && excuses_.count() == excused_before) {
-    violations_.Add(fmt::format("{} took {} ms alone; its answers make it last {} ms", call.operation.name,
+    violations_.Add(fmt::format("{} took {} ms alone; its answers make it last {} ms", operation.name,
                                 took.count(), call.lasts.count()));
   }
   mcu_.ForgetPlans();

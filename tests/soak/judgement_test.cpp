@@ -2,30 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include "soak/excuses.h"
-#include "soak/processor_waits.h"
+#include "soak/operations.h"
+#include "soak/process_usage.h"
 
 namespace rolu_soak {
 namespace {
 
-Exchange Of(const char* command, Strike strike = Strike::kNone, ROLU_STATUS error = ROLU_STATUS_SUCCESS) {
-  Exchange exchange;
-  exchange.code = FindWireCode(command);
-  exchange.command = command;
-  exchange.strike = strike;
-  exchange.error = error;
-  return exchange;
-}
+constexpr std::nullopt_t kNoLine = std::nullopt;
 
-CallFacts Facts(ROLU_STATUS status, std::vector<Exchange> exchanges) {
+CallFacts Facts(const char* row, ROLU_STATUS status, std::vector<Exchange> exchanges) {
   CallFacts facts;
+  facts.row = OperationOf(row).row;
   facts.status = status;
   facts.exchanges = std::move(exchanges);
   return facts;
 }
 
-CallFacts WithWrongValue(CallFacts facts) {
-  facts.right = false;
+template <typename Value>
+CallFacts Giving(Value value, CallFacts facts) {
+  facts.output = rolu_test::MemoryWith(rolu_test::Written(value));
   return facts;
 }
 
@@ -39,49 +34,66 @@ CallFacts OnDeadPort(CallFacts facts) {
   return facts;
 }
 
-CallFacts Ignoring(std::string_view code, CallFacts facts) {
-  facts.ignored_code = code;
-  return facts;
-}
-
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kNoReply = ROLU_STATUS_VPM_NO_REPLY;
 constexpr ROLU_STATUS kRefused = ROLU_STATUS_INVALID_PARAMETER;
 constexpr ROLU_STATUS kError = ROLU_STATUS_VPM_ERROR_REPLY;
+constexpr ROLU_STATUS kNotUp = ROLU_STATUS_NOT_INITIALIZED;
 
-TEST(Judgement, AllowsWhatTheFaultsOfTheCallExplain) {
+constexpr char kGetTime[] = "WD_GetTime";
+constexpr char kSetTime[] = "WD_SetTime";
+constexpr char kGetVoltage[] = "VPM_GetCarBatteryVoltage 12V";
+constexpr char kDown[] = "GSENSOR_Deinitialize";
+constexpr char kUp[] = "VPM_Initialize";
+
+CallFacts Time(unsigned short time, const char* answer) {
+  return Giving(time, Facts(kGetTime, kDone, {{"WDTG", answer}}));
+}
+
+TEST(Judgement, AllowsWhatTheMcuGaveCauseForOnly) {
   const struct {
     const char* what;
     CallFacts facts;
     bool allowed;
   } rows[] = {
-      {"answered", Facts(kDone, {Of("WDTG")}), true},
-      {"answered with another's answer", WithWrongValue(Facts(kDone, {Of("WDTG")})), false},
-      {"no reply without a fault", Facts(kNoReply, {Of("WDTG")}), false},
-      {"no reply without a command", Facts(kNoReply, {}), false},
-      {"error without a fault", Facts(kError, {Of("WDTG")}), false},
-      {"silence", Facts(kNoReply, {Of("WDTG", Strike::kSilence)}), true},
-      {"success in spite of silence", Facts(kDone, {Of("WDTG", Strike::kSilence)}), false},
-      {"late", Facts(kNoReply, {Of("WDTG", Strike::kLate)}), true},
-      {"a line too long is no reply", Facts(kDone, {Of("WDTG", Strike::kLongLine)}), false},
-      {"delay", Facts(kDone, {Of("WDTG", Strike::kDelay)}), true},
-      {"delay is no silence", Facts(kNoReply, {Of("WDTG", Strike::kDelay)}), false},
-      {"refused", Facts(kRefused, {Of("WDTG", Strike::kError, kRefused)}), true},
-      {"the other error", Facts(kError, {Of("WDTG", Strike::kError, kRefused)}), false},
-      {"first of two fails", Facts(kNoReply, {Of("MCBG", Strike::kSilence)}), true},
-      {"second of two fails", Facts(kError, {Of("MCBG"), Of("MCVG", Strike::kError, kError)}), true},
-      {"distorted, any value", WithWrongValue(Facts(kDone, {Of("WDTG", Strike::kGarble)})), true},
-      {"distorted, no reply", Facts(kNoReply, {Of("MCG", Strike::kDrop)}), true},
-      {"distorted, not any status", Facts(ROLU_STATUS_VPM_SEND_FAILED, {Of("WDTG", Strike::kGarble)}), false},
-      {"scale without an answer", Facts(kDone, {Of("ATF0"), Of("MCVU2", Strike::kSilence)}), true},
-      {"alarm off without an answer",
-       Ignoring("ARGI", Facts(kDone, {Of("ARGI00", Strike::kSilence), Of("GSF")})), true},
-      {"alarm off without an answer decides", Facts(kDone, {Of("ARGI00", Strike::kSilence)}), false},
-      {"down", OfDownFamily(Facts(ROLU_STATUS_NOT_INITIALIZED, {})), true},
-      {"down, but asked", OfDownFamily(Facts(ROLU_STATUS_NOT_INITIALIZED, {Of("WDTG")})), false},
-      {"up, but refused", Facts(ROLU_STATUS_NOT_INITIALIZED, {}), false},
-      {"dead port", OnDeadPort(Facts(kNoReply, {})), true},
-      {"dead port, another's answer", OnDeadPort(WithWrongValue(Facts(kDone, {Of("WDTG")}))), false},
+      {"answered", Time(300, "012C"), true},
+      {"answered with another's answer", Time(300, "012D"), false},
+      {"no value", Facts(kGetTime, kDone, {{"WDTG", "012C"}}), false},
+      {"no reply without a cause", Facts(kGetTime, kNoReply, {{"WDTG", "012C"}}), false},
+      {"no command", Giving(static_cast<unsigned short>(0), Facts(kGetTime, kDone, {})), false},
+      {"a value in spite of silence",
+       Giving(static_cast<unsigned short>(300), Facts(kGetTime, kDone, {{"WDTG", kNoLine}})), false},
+      {"silence", Facts(kGetTime, kNoReply, {{"WDTG", kNoLine}}), true},
+      {"refused", Facts(kGetTime, kRefused, {{"WDTG", "ERR-M08"}}), true},
+      {"the other error", Facts(kGetTime, kError, {{"WDTG", "ERR-M08"}}), false},
+      {"error without a cause", Facts(kGetTime, kError, {{"WDTG", "012C"}}), false},
+      {"a value after an error", Giving(1, Facts(kGetTime, kError, {{"WDTG", "ERR-W02"}})), false},
+      {"a garbled answer", Time(1, "01}C"), true},
+      {"not any value of a garbled answer", Time(300, "01}C"), false},
+      {"an order", Facts(kSetTime, kDone, {{"WDTS012C", "OK"}}), true},
+      {"another order", Facts(kSetTime, kDone, {{"WDTS012D", "OK"}}), false},
+      {"twice the order", Facts(kSetTime, kDone, {{"WDTS012C", "OK"}, {"WDTS012C", "OK"}}), false},
+      {"first of two fails", Facts(kGetVoltage, kNoReply, {{"MCBG", kNoLine}}), true},
+      {"second of two fails", Facts(kGetVoltage, kError, {{"MCBG", "03"}, {"MCVG", "ERR-G01"}}), true},
+      {"asked in spite of the first", Facts(kGetVoltage, kNoReply, {{"MCBG", kNoLine}, {"MCVG", "0333"}}),
+       false},
+      {"alarm off without an answer", Facts(kDown, kDone, {{"ARGI00", kNoLine}, {"GSF", "OK"}}), true},
+      {"sensor off without an answer", Facts(kDown, kDone, {{"ARGI00", "OK"}, {"GSF", kNoLine}}), false},
+      {"scales without an answer",
+       Facts(kUp, kDone,
+             {{"ATF0", "*"}, {"MCVU2", kNoLine}, {"MCVU3", kNoLine}, {"MCPR3", "0"}, {"MCPR2", "0"}}),
+       true},
+      {"an alarm that is on", Facts("GSENSOR_AlarmEnabled on", ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED, {}),
+       true},
+      {"an alarm that is on, but ordered",
+       Facts("GSENSOR_AlarmEnabled on", ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED, {{"ARGI01", "OK"}}),
+       false},
+      {"down", OfDownFamily(Facts(kGetTime, kNotUp, {})), true},
+      {"down, but asked", OfDownFamily(Facts(kGetTime, kNotUp, {{"WDTG", "012C"}})), false},
+      {"down, but written", OfDownFamily(Giving(1, Facts(kGetTime, kNotUp, {}))), false},
+      {"up, but refused", Facts(kGetTime, kNotUp, {}), false},
+      {"dead port", OnDeadPort(Facts(kGetTime, kNoReply, {})), true},
+      {"dead port, another's answer", OnDeadPort(Time(300, "012D")), false},
   };
   for (const auto& row : rows) EXPECT_EQ(FaultIn(row.facts).text.empty(), row.allowed) << row.what;
 }
@@ -92,15 +104,16 @@ TEST(Judgement, WaitsForAProcessorExplainWhatWasMissedOnly) {
     CallFacts facts;
     std::chrono::nanoseconds explained_by;
   } rows[] = {
-      {"no reply", Facts(kNoReply, {Of("WDTG")}), kStarved},
-      {"no reply before a command went out", Facts(kNoReply, {}), kStarved},
-      {"no reply in place of an error", Facts(kNoReply, {Of("WDTG", Strike::kError, kError)}), kStarved},
-      {"no link", Facts(ROLU_STATUS_VPM_OPEN_FAILED, {}), kStarved},
-      {"another's answer", WithWrongValue(Facts(kDone, {Of("WDTG")})), Fault::kUnexplained},
-      {"error without a fault", Facts(kError, {Of("WDTG")}), Fault::kUnexplained},
-      {"success in spite of silence", Facts(kDone, {Of("WDTG", Strike::kSilence)}), Fault::kUnexplained},
-      {"no reply of a family that is down", OfDownFamily(Facts(kNoReply, {})), Fault::kUnexplained},
-      {"up, but refused", Facts(ROLU_STATUS_NOT_INITIALIZED, {}), Fault::kUnexplained},
+      {"no reply", Facts(kGetTime, kNoReply, {{"WDTG", "012C"}}), kStarved},
+      {"no reply before a command went out", Facts(kGetTime, kNoReply, {}), kStarved},
+      {"no reply to the first of two", Facts(kGetVoltage, kNoReply, {{"MCBG", "03"}}), kStarved},
+      {"no reply in place of an error", Facts(kGetTime, kNoReply, {{"WDTG", "ERR-W02"}}), kStarved},
+      {"no link", Facts("WD_Initialize", ROLU_STATUS_VPM_OPEN_FAILED, {}), kStarved},
+      {"another's answer", Time(300, "012D"), Fault::kUnexplained},
+      {"error without a cause", Facts(kGetTime, kError, {{"WDTG", "012C"}}), Fault::kUnexplained},
+      {"a value in spite of silence", Facts(kGetTime, kDone, {{"WDTG", kNoLine}}), Fault::kUnexplained},
+      {"no reply of a family that is down", OfDownFamily(Facts(kGetTime, kNoReply, {})), Fault::kUnexplained},
+      {"up, but refused", Facts(kGetTime, kNotUp, {}), Fault::kUnexplained},
   };
   for (const auto& row : rows) {
     const Fault fault = FaultIn(row.facts);
@@ -113,20 +126,6 @@ TEST(Judgement, OneInAThousandCallsMayBeExcusedAndOneOfEachThread) {
   EXPECT_EQ(ExcusableCalls(0), kLanes);
   EXPECT_EQ(ExcusableCalls(8999), kLanes);
   EXPECT_EQ(ExcusableCalls(80000), 80U);
-}
-
-// A number that stands for its command cannot be another command's, nor the same one's a while ago.
-TEST(WireCodes, WordsAreOfOneCommandAndOneTime) {
-  const WireCode* delay = FindWireCode("MCUG0");
-  const WireCode* watchdog = FindWireCode("WDTG");
-  ASSERT_NE(delay, nullptr);
-  ASSERT_NE(watchdog, nullptr);
-  for (const std::uint64_t running : {1U, 2U, 1000U, 2047U}) {
-    EXPECT_NE(DrawNumber(*delay, running), DrawNumber(*watchdog, running));
-    EXPECT_NE(DrawNumber(*delay, running), DrawNumber(*delay, running + 1));
-    EXPECT_EQ(AnswerText(delay->form, DrawNumber(*delay, running)).size(), 4U);
-  }
-  EXPECT_EQ(FindWireCode("XYZ"), nullptr);
 }
 
 }  // namespace

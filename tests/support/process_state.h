@@ -2,6 +2,8 @@
 #ifndef TESTS_SUPPORT_PROCESS_STATE_H
 #define TESTS_SUPPORT_PROCESS_STATE_H
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
@@ -27,16 +29,27 @@ bool WaitUntil(Condition condition) {
 
 // What is open and what runs in this process.
 struct ProcessState {
+  struct OpenFile {
+    std::string name;
+    std::ptrdiff_t count = 0;
+  };
+
   ProcessState() {
     for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
       std::error_code closed_meanwhile;
-      const auto file = std::filesystem::read_symlink(descriptor.path(), closed_meanwhile);
-      if (!closed_meanwhile) ++descriptors[file.string()];
+      const std::string name = std::filesystem::read_symlink(descriptor.path(), closed_meanwhile).string();
+      struct stat status {};
+      if (closed_meanwhile || fstat(std::stoi(descriptor.path().filename()), &status) != 0) continue;
+      // Others may rename and delete a file while it is open, as ctest does with the log that tests inherit.
+      const std::string identity = std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
+      OpenFile& file = files[S_ISREG(status.st_mode) ? identity : name];
+      file.name = name;
+      ++file.count;
     }
   }
 
-  // How many there are of a file, a pipe, a device.
-  std::map<std::string, std::ptrdiff_t> descriptors;
+  // By what stays the same for a file, a pipe, a device while it is open.
+  std::map<std::string, OpenFile> files;
   std::ptrdiff_t threads = std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 };
 
@@ -46,10 +59,10 @@ struct ProcessState {
 inline std::string MoreThanBefore(const ProcessState& before) {
   const ProcessState now;
   std::string more;
-  for (const auto& [file, count] : now.descriptors) {
-    const auto found = before.descriptors.find(file);
-    const std::ptrdiff_t left = count - (found == before.descriptors.end() ? 0 : found->second);
-    if (left > 0) more += std::to_string(left) + " of " + file + "; ";
+  for (const auto& [identity, file] : now.files) {
+    const auto found = before.files.find(identity);
+    const std::ptrdiff_t left = file.count - (found == before.files.end() ? 0 : found->second.count);
+    if (left > 0) more += std::to_string(left) + " of " + file.name + "; ";
   }
   if (now.threads > before.threads) more += std::to_string(now.threads - before.threads) + " threads; ";
   return more;

@@ -43,20 +43,24 @@ class Input {
   size_t left_;
 };
 
-// Ends the process with what is wrong, as fuzzers find it; does nothing for an empty text.
-inline void FailIf(const std::string& wrong) {
-  if (wrong.empty()) return;
+// Ends the process with what is wrong, as fuzzers find it.
+[[noreturn]] inline void Fail(const std::string& wrong) {
   fprintf(stderr, "WRONG: %s\n", wrong.c_str());
   abort();
 }
 
+// The same, but nothing for an empty text.
+inline void FailIf(const std::string& wrong) {
+  if (!wrong.empty()) Fail(wrong);
+}
+
 // The same, with where it is wrong.
 inline void FailIf(const std::string& where, const std::string& wrong) {
-  if (!wrong.empty()) FailIf(where + ": " + wrong);
+  if (!wrong.empty()) Fail(where + ": " + wrong);
 }
 
 inline void Require(bool holds, const char* what) {
-  if (!holds) FailIf(what);
+  if (!holds) Fail(what);
 }
 
 }  // namespace rolu_fuzz

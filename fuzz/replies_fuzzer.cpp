@@ -4,7 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstring>
+#include <array>
 
 #include "fuzz/answered_link.h"
 #include "fuzz/field_checks.h"
@@ -37,8 +37,7 @@ const CallRow& RowOf(const std::string& name) {
   for (const Operation& operation : rolu_test::AllOperations()) {
     if (operation.row->name == name) return *operation.row;
   }
-  FailIf(name, "no such row");
-  abort();
+  rolu_fuzz::Fail("no row " + name);
 }
 
 int printed_end = -1;
@@ -176,11 +175,26 @@ Replies AnyReplies(const CallRow& row, Input& input) {
   return replies;
 }
 
-template <typename Record>
-void CompareRecord(const std::string& name, ROLU_STATUS status, const Record& record,
-                   const Record& expected) {
-  if (status != ROLU_STATUS_SUCCESS || memcmp(&record, &expected, sizeof record) != 0) {
-    FailIf("VPM_Initialize", "another " + name);
+void CompareRange(CAR_BATTERY_MODE mode, const BATTERY_INFO& expected) {
+  const auto volts = [](const BATTERY_INFO& range) {
+    return std::array{range.range_end, range.range_start, range.range_mid, range.range_mid_copy};
+  };
+  BATTERY_INFO range = {};
+  if (KAVO_ROLU_VPM_GetLBPThresholdInfo(mode, &range) != ROLU_STATUS_SUCCESS ||
+      volts(range) != volts(expected)) {
+    FailIf("VPM_Initialize",
+           mode == CAR_BATTERY_MODE_12V ? "another range of 12 V" : "another range of 24 V");
+  }
+}
+
+void CompareFirmware(const std::string& expected) {
+  VPM_FIRMWARE_INFO firmware = {};
+  const ROLU_STATUS status = KAVO_ROLU_VPM_GetFWVersion(&firmware);
+  std::string padded = expected;
+  padded.resize(sizeof firmware.text);
+  if (status != ROLU_STATUS_SUCCESS ||
+      padded.compare(0, padded.size(), firmware.text, sizeof firmware.text) != 0) {
+    FailIf("VPM_Initialize", "another firmware");
   }
 }
 
@@ -200,17 +214,10 @@ void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& re
   const Made made = Make(row, replies);
   FailIf(row.name, FaultOf(made, MeaningOf(row, replies)));
   Require(TakePrinted() == learned.printed, "another version was printed");
-  BATTERY_INFO range = {};
-  ROLU_STATUS status = KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_12V, &range);
-  CompareRecord("range of 12 V", status, range, learned.range_12v);
-  status = KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_24V, &range);
-  CompareRecord("range of 24 V", status, range, learned.range_24v);
+  CompareRange(CAR_BATTERY_MODE_12V, learned.range_12v);
+  CompareRange(CAR_BATTERY_MODE_24V, learned.range_24v);
   if (made.status == ROLU_STATUS_SUCCESS) {
-    VPM_FIRMWARE_INFO firmware = {};
-    VPM_FIRMWARE_INFO expected = {};
-    memcpy(expected.text, learned.firmware.data(), learned.firmware.size());
-    status = KAVO_ROLU_VPM_GetFWVersion(&firmware);
-    CompareRecord("firmware", status, firmware, expected);
+    CompareFirmware(learned.firmware);
     CompareScale("VPM_GetLBPThresholdFor12VSystem", learned.scale_12v);
     CompareScale("VPM_GetLBPThresholdFor24VSystem", learned.scale_24v);
     BringDown(family);

@@ -9,13 +9,14 @@
 #include <cerrno>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "simulator/control/control_socket.h"
 
 namespace rolu_sim {
 
-ControlClient::ControlClient(const std::string& board_directory, std::chrono::milliseconds patience)
-    : directory_(board_directory) {
+ControlClient::ControlClient(std::string board_directory, std::chrono::milliseconds patience)
+    : directory_(std::move(board_directory)) {
   // A board that comes up makes its socket last.
   constexpr std::chrono::milliseconds kBetweenTries(20);
   const TimePoint deadline = std::chrono::steady_clock::now() + patience;

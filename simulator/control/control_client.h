@@ -20,7 +20,7 @@ class NoBoardError : public std::runtime_error {
 class ControlClient {
  public:
   // Waits up to `patience` for the board to come up. Throws NoBoardError.
-  ControlClient(const std::string& board_directory, std::chrono::milliseconds patience);
+  ControlClient(std::string board_directory, std::chrono::milliseconds patience);
 
   // Throws NoBoardError when the board goes away before it answers.
   Json Ask(const Json& request);

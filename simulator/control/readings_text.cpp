@@ -62,6 +62,8 @@ std::string ElementAsText(const Json& element) {
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 
+// A reading may consist of readings, and those of others.
+// NOLINTNEXTLINE(misc-no-recursion): our own readings are nested a few deep, not without end
 void Append(std::string& text, const Json& members, std::size_t depth) {
   const std::string indent(depth * 2, ' ');
   for (const auto& [name, value] : members.items()) {

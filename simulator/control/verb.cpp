@@ -16,6 +16,7 @@ namespace {
 
 std::vector<std::string> NamesOf(const std::vector<Parameter>& parameters) {
   std::vector<std::string> names;
+  names.reserve(parameters.size());
   for (const Parameter& parameter : parameters) names.push_back(parameter.name);
   return names;
 }

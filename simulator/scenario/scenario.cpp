@@ -86,12 +86,12 @@ class ScenarioReader {
 
   void ReadEvent(const Json& event, const std::string& pointer, Scenario& scenario) {
     if (!event.is_object()) {
-      Complain(pointer, "an event is an object with \"at\" and \"do\"");
+      Complain(pointer, R"(an event is an object with "at" and "do")");
       return;
     }
     const Arguments timing = ReadTiming(event, pointer);
     if (event.contains("every") != event.contains("repeat")) {
-      Complain(pointer, "\"every\" and \"repeat\" belong together");
+      Complain(pointer, R"("every" and "repeat" belong together)");
     }
     const Verb* const verb = ReadVerb(event, pointer);
     if (verb == nullptr) return;

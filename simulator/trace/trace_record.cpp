@@ -117,7 +117,7 @@ TraceRecord TraceRecordFromJson(const Json& object) {
   const auto* const known = std::find_if(kDirections.begin(), kDirections.end(),
                                          [&](const DirectionName& entry) { return entry.name == direction; });
   if (known == kDirections.end()) {
-    throw std::invalid_argument("\"direction\" is not \"to-mcu\", \"from-mcu\", \"board\" or \"desk\"");
+    throw std::invalid_argument(R"("direction" is not "to-mcu", "from-mcu", "board" or "desk")");
   }
   record.direction = known->direction;
   if (object.contains("hex")) {

@@ -39,7 +39,7 @@ Directory::~Directory() {
 }
 
 std::string Directory::Write(const std::string& name, const std::string& text) const {
-  const std::string path = path_ + '/' + name;
+  std::string path = path_ + '/' + name;
   std::ofstream(path) << text;
   return path;
 }
@@ -135,18 +135,18 @@ Result RunTool(const Directory& directory, const std::vector<std::string>& argum
   return {status, tool.output(), tool.errors()};
 }
 
-ServedBoard::ServedBoard(const Directory& directory, std::vector<std::string> options)
+ServedBoard::ServedBoard(const Directory& directory, const std::vector<std::string>& options)
     : directory_(directory),
       path_(directory.path() + "/board"),
       tool_(directory, Joined(Joined({"serve"}, options), {path_})) {
   EXPECT_TRUE(tool_.WaitForOutput("rolu-sim join")) << tool_.errors();
 }
 
-Result ServedBoard::Ctl(std::vector<std::string> words) const {
+Result ServedBoard::Ctl(const std::vector<std::string>& words) const {
   return RunTool(directory_, Joined({"ctl", "--board", path_}, words));
 }
 
-Result ServedBoard::Client(std::vector<std::string> calls) const {
+Result ServedBoard::Client(const std::vector<std::string>& calls) const {
   return RunTool(directory_, Joined({"join", path_, "--"}, ClientCommand(calls)));
 }
 

@@ -74,11 +74,11 @@ Result RunTool(const Directory& directory, const std::vector<std::string>& argum
 // A board that is up at directory.path() + "/board".
 class ServedBoard {
  public:
-  explicit ServedBoard(const Directory& directory, std::vector<std::string> options = {});
+  explicit ServedBoard(const Directory& directory, const std::vector<std::string>& options = {});
 
-  Result Ctl(std::vector<std::string> words) const;
+  Result Ctl(const std::vector<std::string>& words) const;
   // A program (see desk_client.cpp) on the board.
-  Result Client(std::vector<std::string> calls) const;
+  Result Client(const std::vector<std::string>& calls) const;
   nlohmann::json Get(const std::string& reading) const;
 
   Tool& tool() { return tool_; }

@@ -11,7 +11,6 @@ namespace desk_test {
 namespace {
 
 using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(WireWords, say_what_commands_and_answers_mean) {
   const struct {

@@ -12,10 +12,10 @@
 #include "mcu/link_state.h"
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
-#include "tests/operations/operations.h"
-#include "tests/support/made_call.h"
+#include "tests/oracle/made_call.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/wire_model.h"
 #include "tests/support/process_state.h"
-#include "tests/support/wire_model.h"
 
 namespace {
 

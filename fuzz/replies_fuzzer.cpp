@@ -15,9 +15,9 @@
 #include "mcu/unsolicited.h"
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
-#include "tests/operations/meaning.h"
-#include "tests/operations/operations.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/meaning.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/wire_model.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "tests/operations/plain_reading.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/plain_reading.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_fuzz {
 namespace {

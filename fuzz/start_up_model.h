@@ -2,7 +2,7 @@
 #ifndef FUZZ_START_UP_MODEL_H
 #define FUZZ_START_UP_MODEL_H
 
-#include "tests/operations/meaning.h"
+#include "tests/oracle/meaning.h"
 
 namespace rolu_fuzz {
 

@@ -10,7 +10,7 @@
 
 #include "fuzz/input.h"
 #include "mcu/unsolicited.h"
-#include "tests/operations/plain_reading.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_fuzz {
 

@@ -8,8 +8,8 @@
 #include "protocol/commands.h"
 #include "protocol/values.h"
 #include "soak/drawn_answer.h"
-#include "tests/support/made_call.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/made_call.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_soak {
 namespace {

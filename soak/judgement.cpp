@@ -6,7 +6,7 @@
 
 #include "soak/operations.h"
 #include "soak/process_usage.h"
-#include "tests/operations/meaning.h"
+#include "tests/oracle/meaning.h"
 
 namespace rolu_soak {
 namespace {

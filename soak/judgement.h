@@ -8,7 +8,7 @@
 #include "include/kavo_rolu.h"
 #include "soak/findings.h"
 #include "soak/lane.h"
-#include "tests/support/made_call.h"
+#include "tests/oracle/made_call.h"
 
 namespace rolu_soak {
 

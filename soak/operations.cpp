@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "protocol/commands.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 
 namespace rolu_soak {
 namespace {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/call_row.h"
+#include "tests/oracle/call_row.h"
 
 namespace rolu_soak {
 

@@ -14,12 +14,12 @@
 
 #include "mcu/link.h"
 #include "mcu/link_state.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/wire_model.h"
 #include "tests/support/call_table.h"
 #include "tests/support/interface_header.h"
 #include "tests/support/leak_check.h"
 #include "tests/support/process_state.h"
-#include "tests/support/wire_model.h"
 
 namespace rolu_test {
 namespace {

@@ -1,5 +1,5 @@
 #include "kavo_rolu.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "kavo_rolu.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {

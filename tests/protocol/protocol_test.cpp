@@ -10,9 +10,9 @@
 #include "protocol/values.h"
 #include "protocol/words.h"
 #include "simulator/mcu/mcu_model.h"
-#include "tests/operations/meaning.h"
-#include "tests/operations/operations.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/meaning.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "soak/drawn_answer.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 #include "tests/support/interface_header.h"
 
 namespace rolu_soak {

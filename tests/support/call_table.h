@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "simulator/board.h"
-#include "tests/support/made_call.h"
+#include "tests/oracle/made_call.h"
 
 namespace rolu_test {
 

@@ -4,7 +4,7 @@
 #include <regex>
 #include <sstream>
 
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 
 namespace rolu_test {
 

@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "kavo_rolu.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {

@@ -1,5 +1,5 @@
 #include "kavo_rolu.h"
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {

@@ -1,6 +1,6 @@
 #include "kavo_rolu.h"
-#include "tests/operations/operations.h"
-#include "tests/operations/vpm_calls.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/vpm_calls.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {

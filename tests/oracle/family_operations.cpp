@@ -1,7 +1,7 @@
 // The power manager's identity and clock, and the other families.
 #include "simulator/mcu/mcu_state.h"
-#include "tests/operations/operations.h"
-#include "tests/operations/vpm_calls.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/vpm_calls.h"
 
 namespace rolu_test {
 namespace {

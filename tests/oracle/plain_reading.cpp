@@ -1,4 +1,4 @@
-#include "tests/operations/plain_reading.h"
+#include "tests/oracle/plain_reading.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,12 +1,12 @@
 // What came of a call, and how it has to end when the MCU answers one of its commands with anything.
-#ifndef TESTS_SUPPORT_MADE_CALL_H
-#define TESTS_SUPPORT_MADE_CALL_H
+#ifndef TESTS_ORACLE_MADE_CALL_H
+#define TESTS_ORACLE_MADE_CALL_H
 
 #include <array>
 #include <chrono>
 #include <string>
 
-#include "tests/support/call_row.h"
+#include "tests/oracle/call_row.h"
 
 namespace rolu_test {
 
@@ -60,4 +60,4 @@ std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, c
 
 }  // namespace rolu_test
 
-#endif  // TESTS_SUPPORT_MADE_CALL_H
+#endif  // TESTS_ORACLE_MADE_CALL_H

@@ -1,7 +1,7 @@
 // The rules of the wire, told a second time and in the plainest way: what the library makes of the
 // MCU's bytes is compared with it.
-#ifndef TESTS_SUPPORT_WIRE_MODEL_H
-#define TESTS_SUPPORT_WIRE_MODEL_H
+#ifndef TESTS_ORACLE_WIRE_MODEL_H
+#define TESTS_ORACLE_WIRE_MODEL_H
 
 #include <array>
 #include <string>
@@ -32,4 +32,4 @@ ROLU_STATUS StatusOfReply(std::string_view line);
 
 }  // namespace rolu_test
 
-#endif  // TESTS_SUPPORT_WIRE_MODEL_H
+#endif  // TESTS_ORACLE_WIRE_MODEL_H

@@ -1,13 +1,13 @@
 // The operations that talk to the MCU, each once in its normal course (and again where its arguments
 // choose another command), by family. The families' own tests run them, and the faults of the MCU are
 // tried on each of them: a new operation is added here.
-#ifndef TESTS_OPERATIONS_OPERATIONS_H
-#define TESTS_OPERATIONS_OPERATIONS_H
+#ifndef TESTS_ORACLE_OPERATIONS_H
+#define TESTS_ORACLE_OPERATIONS_H
 
 #include <string>
 #include <vector>
 
-#include "tests/support/call_row.h"
+#include "tests/oracle/call_row.h"
 
 namespace rolu_test {
 
@@ -50,4 +50,4 @@ inline constexpr char kVpmStartUpWire[] = "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\rMCP
 
 }  // namespace rolu_test
 
-#endif  // TESTS_OPERATIONS_OPERATIONS_H
+#endif  // TESTS_ORACLE_OPERATIONS_H

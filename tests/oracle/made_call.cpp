@@ -1,10 +1,10 @@
-#include "tests/support/made_call.h"
+#include "tests/oracle/made_call.h"
 
 #include <algorithm>
 #include <cstdio>
 
-#include "tests/operations/meaning.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/meaning.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 namespace {

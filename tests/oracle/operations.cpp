@@ -1,4 +1,4 @@
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 
 #include <pthread.h>
 

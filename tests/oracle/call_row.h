@@ -1,7 +1,7 @@
 // A call of the library against a simulated board, and all that comes of it in its normal course: the
 // status, every byte of the caller's memory, and the bytes on the wire.
-#ifndef TESTS_SUPPORT_CALL_ROW_H
-#define TESTS_SUPPORT_CALL_ROW_H
+#ifndef TESTS_ORACLE_CALL_ROW_H
+#define TESTS_ORACLE_CALL_ROW_H
 
 #include <cstring>
 #include <functional>
@@ -114,4 +114,4 @@ struct Family {
 
 }  // namespace rolu_test
 
-#endif  // TESTS_SUPPORT_CALL_ROW_H
+#endif  // TESTS_ORACLE_CALL_ROW_H

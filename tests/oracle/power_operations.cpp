@@ -1,5 +1,5 @@
-#include "tests/operations/operations.h"
-#include "tests/operations/vpm_calls.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/vpm_calls.h"
 
 namespace rolu_test {
 namespace {

@@ -1,14 +1,14 @@
-#include "tests/operations/meaning.h"
+#include "tests/oracle/meaning.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <map>
 
-#include "tests/operations/operations.h"
-#include "tests/operations/plain_reading.h"
-#include "tests/operations/vpm_calls.h"
-#include "tests/support/wire_model.h"
+#include "tests/oracle/operations.h"
+#include "tests/oracle/plain_reading.h"
+#include "tests/oracle/vpm_calls.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 namespace {

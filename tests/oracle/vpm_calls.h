@@ -1,9 +1,9 @@
 // Calls of the power manager in a table's form that more than one table makes.
-#ifndef TESTS_OPERATIONS_VPM_CALLS_H
-#define TESTS_OPERATIONS_VPM_CALLS_H
+#ifndef TESTS_ORACLE_VPM_CALLS_H
+#define TESTS_ORACLE_VPM_CALLS_H
 
 #include "kavo_rolu.h"
-#include "tests/support/call_row.h"
+#include "tests/oracle/call_row.h"
 
 namespace rolu_test {
 
@@ -42,4 +42,4 @@ inline ROLU_STATUS GetAlarm(void* output) {
 
 }  // namespace rolu_test
 
-#endif  // TESTS_OPERATIONS_VPM_CALLS_H
+#endif  // TESTS_ORACLE_VPM_CALLS_H

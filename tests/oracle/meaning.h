@@ -1,13 +1,13 @@
 // What each operation has to make of any answers, told a second time and in the plainest way: what the
 // library makes of them is compared with it.
-#ifndef TESTS_OPERATIONS_MEANING_H
-#define TESTS_OPERATIONS_MEANING_H
+#ifndef TESTS_ORACLE_MEANING_H
+#define TESTS_ORACLE_MEANING_H
 
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tests/support/made_call.h"
+#include "tests/oracle/made_call.h"
 
 namespace rolu_test {
 
@@ -23,4 +23,4 @@ Ending MeaningOf(const CallRow& row, const Replies& replies);
 
 }  // namespace rolu_test
 
-#endif  // TESTS_OPERATIONS_MEANING_H
+#endif  // TESTS_ORACLE_MEANING_H

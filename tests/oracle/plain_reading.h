@@ -1,6 +1,6 @@
 // Reading text, told a second time and in the plainest way: what the library reads is compared with it.
-#ifndef TESTS_OPERATIONS_PLAIN_READING_H
-#define TESTS_OPERATIONS_PLAIN_READING_H
+#ifndef TESTS_ORACLE_PLAIN_READING_H
+#define TESTS_ORACLE_PLAIN_READING_H
 
 #include <cstddef>
 #include <cstdint>
@@ -51,4 +51,4 @@ class Pieces {
 
 }  // namespace rolu_test
 
-#endif  // TESTS_OPERATIONS_PLAIN_READING_H
+#endif  // TESTS_ORACLE_PLAIN_READING_H

@@ -1,4 +1,4 @@
-#include "tests/operations/operations.h"
+#include "tests/oracle/operations.h"
 
 namespace rolu_test {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/support/wire_model.h"
+#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 

@@ -1,4 +1,4 @@
-#include "tests/support/call_row.h"
+#include "tests/oracle/call_row.h"
 
 namespace rolu_test {
 namespace {

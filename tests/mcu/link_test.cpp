@@ -378,24 +378,6 @@ TEST_F(OpenLink, CancelledThreadEndsBehindItsCallAndKeepsNoLock) {
   }
 }
 
-TEST_F(OpenLink, BracketedMessagesAreNoAnswers) {
-  mcu.Script(CommandMatch::Exactly("MCVG"),
-             rolu_sim::Reply::Lines({"[GI:000100020003]", "[0001x", "x]", "02EB"}));
-  EXPECT_EQ(Ask("MCVG"), "02EB");
-}
-
-TEST_F(OpenLink, AnswerThatCameTooLateIsNotTheNextOne) {
-  mcu.Script(CommandMatch::Exactly("SLOW"), rolu_sim::Reply::Silence());
-  mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line("02EB"));
-  ASSERT_EQ(send_vpm_command("SLOW\r", 5), 0);
-  char reply[kLineCapacity];
-  EXPECT_EQ(read_vpm_response(reply, 1), -1);
-  ASSERT_TRUE(mcu.WaitForCommand("SLOW", kGenerous));
-  mcu.SendRaw("LATE\r\n");
-  ASSERT_TRUE(WaitUntil(IsReplyStored));
-  EXPECT_EQ(Ask("MCVG"), "02EB");
-}
-
 TEST_F(OpenLink, AnswerThatCameBeforeTheWaitIsTakenAtOnce) {
   ASSERT_EQ(send_vpm_command("Hello\r", 6), 0);
   ASSERT_TRUE(WaitUntil(IsReplyStored));

@@ -21,7 +21,6 @@
 namespace {
 
 using rolu_sim::CommandMatch;
-using testing::ElementsAre;
 
 class AttachedBoard : public testing::Test {
  protected:
@@ -32,41 +31,6 @@ class AttachedBoard : public testing::Test {
 int Users() {
   const ScopedLock lock(*io_op_lock);
   return vpm_ref_count;
-}
-
-TEST_F(AttachedBoard, RepeatedInitializeSendsNothing) {
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_ALREADY_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_SUCCESS);
-  EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("Hello", "WDTR"));
-  EXPECT_EQ(Users(), 1);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
-  EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_NOT_INITIALIZED);
-}
-
-TEST_F(AttachedBoard, GreetingNeedsNoGoodAnswer) {
-  board.mcu().Script(CommandMatch::Exactly("Hello"), rolu_sim::Reply::Line("ERR-C01"));
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
-  board.mcu().Script(CommandMatch::Exactly("Hello"), rolu_sim::Reply::Silence());
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_WD_Trigger(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
-}
-
-TEST_F(AttachedBoard, AbsentPortCanComeLater) {
-  board.RemoveSerialDevice();
-  EXPECT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_VPM_OPEN_FAILED);
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_VPM_OPEN_FAILED);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_NOT_INITIALIZED);
-  board.RestoreSerialDevice();
-  EXPECT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_WD_Initialize(0), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(Users(), 2);
-  EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
 }
 
 TEST_F(AttachedBoard, StartUpThatFailsHalfWayGivesBackWhatItTook) {

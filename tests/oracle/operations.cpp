@@ -46,19 +46,26 @@ std::vector<CallRow> GSensorAndItsSwitches() {
 
 const std::vector<McuFamily>& McuFamilies() {
   static const std::vector<McuFamily> families = {
-      {"VPM_", {[] { return KAVO_ROLU_VPM_Initialize(0); }, KAVO_ROLU_VPM_Deinitialize}, VpmOperations()},
+      {"VPM_",
+       {[] { return KAVO_ROLU_VPM_Initialize(0); }, KAVO_ROLU_VPM_Deinitialize},
+       VpmOperations(),
+       ROLU_STATUS_INVALID_PARAMETER},
       {"WD_",
        {[] { return KAVO_ROLU_WD_Initialize(0); }, KAVO_ROLU_WD_Deinitialize},
        AllOf({&WatchdogOperations()},
-             {ComesUp("WD_Initialize", With(KAVO_ROLU_WD_Initialize, 0), {"OK"}, "Hello\r", {0})})},
+             {ComesUp("WD_Initialize", With(KAVO_ROLU_WD_Initialize, 0), {"OK"}, "Hello\r", {0})}),
+       ROLU_STATUS_NULL_POINTER,
+       ROLU_STATUS_NULL_POINTER},
       {"GSENSOR_",
        {[] { return KAVO_ROLU_GSENSOR_Initialize(0); }, KAVO_ROLU_GSENSOR_Deinitialize},
-       GSensorAndItsSwitches()},
+       GSensorAndItsSwitches(),
+       ROLU_STATUS_NULL_POINTER},
       {"PERIPHERALCTRL_",
        {KAVO_ROLU_PERIPHERALCTRL_Initialize, KAVO_ROLU_PERIPHERALCTRL_Deinitialize},
        AllOf({&PeripheralOperations()},
              {ComesUp("PERIPHERALCTRL_Initialize", Plain(KAVO_ROLU_PERIPHERALCTRL_Initialize), {"OK"},
-                      "Hello\r", {0})})},
+                      "Hello\r", {0})}),
+       ROLU_STATUS_INVALID_PARAMETER},
   };
   return families;
 }

@@ -5,7 +5,6 @@
 #include <fstream>
 
 #include "kavo_rolu.h"
-#include "tests/oracle/operations.h"
 #include "tests/support/call_table.h"
 
 namespace rolu_test {
@@ -49,26 +48,13 @@ std::vector<CallRow> RearView(ROLU_STATUS status) {
           {"version", With(KAVO_ROLU_PERIPHERALCTRL_GetLibVersion, nullptr), {}, kNotSupported}};
 }
 
-TEST_F(PeripheralTest, FamilyComesUpAndGoesDown) {
-  RunLifecycle("Hello\r");
-}
-
-TEST_F(PeripheralTest, DownFamilyRefusesEveryCall) {
+TEST_F(PeripheralTest, RearViewIsNotProvidedAndTheStateComesFirst) {
   Run(RearView(kDown));
   Run({{"set 10", Set(10, 1), {}, kDown}, {"get, null", Get(0), {}, kDown, {}, "", 0, true}});
-  Run(Refused(PeripheralOperations(), kDown));
-}
-
-TEST_F(PeripheralTest, McuSwitch) {
   BringUp();
   Run(RearView(kNotSupported));
-  Run(PeripheralOperations());
-  Run({
-      {"a state goes out as it is", Set(0, 12), {"OK"}, kDone, {}, "MCS012\r", 500},
-      {"as unsigned", Set(0, -1), {"OK"}, kDone, {}, "MCS0255\r", 500},
-      {"is off", Get(0), {"0"}, kDone, State(0), "MCG\r"},
-      {"is neither", Get(0), {"2"}, ROLU_STATUS_FILE_ACCESS_FAILED, {}, "MCG\r"},
-  });
+  Run({Orders("a state goes out as it is", Set(0, 12), {"OK"}, "MCS012\r", 500),
+       Orders("as unsigned", Set(0, -1), {"OK"}, "MCS0255\r", 500)});
 }
 
 TEST_F(PeripheralTest, TypesAreJudgedBeforeAnythingHappens) {

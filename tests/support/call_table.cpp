@@ -12,24 +12,6 @@ using std::chrono::steady_clock;
 
 }  // namespace
 
-std::vector<CallRow> Refused(const std::vector<CallRow>& operations, ROLU_STATUS status) {
-  std::vector<CallRow> rows;
-  for (const CallRow& operation : operations) {
-    rows.push_back(Fails(operation.name + ", refused", operation.call, {}, status));
-  }
-  return rows;
-}
-
-std::vector<CallRow> RefusedForNullOutput(const std::vector<CallRow>& operations, ROLU_STATUS status) {
-  std::vector<CallRow> rows;
-  for (const CallRow& operation : operations) {
-    if (operation.output.empty()) continue;
-    rows.push_back(Fails(operation.name + ", null output", operation.call, {}, status));
-    rows.back().output_is_null = true;
-  }
-  return rows;
-}
-
 CallTable::CallTable(Family family) : family_(std::move(family)) {
   board_.AttachThisProcess();
 }
@@ -76,24 +58,6 @@ void CallTable::RunRow(const CallRow& row) {
   const Made made = Make(row);
   EXPECT_EQ(FaultOf(made, row.status, row.output, row.wire), "");
   EXPECT_GE(made.duration.count(), row.post_delay_ms);
-}
-
-void CallTable::RunLifecycle(const std::string& start_up_wire) {
-  const auto initialize = [this](void*) { return family_.initialize(); };
-  const auto deinitialize = [this](void*) { return family_.deinitialize(); };
-  board_.RemoveSerialDevice();
-  Run({Fails("down before up", deinitialize, {}, ROLU_STATUS_NOT_INITIALIZED),
-       Fails("up without a port", initialize, {}, ROLU_STATUS_VPM_OPEN_FAILED),
-       Fails("down after a failed up", deinitialize, {}, ROLU_STATUS_NOT_INITIALIZED)});
-  board_.RestoreSerialDevice();
-  for (const char* round : {"first", "second"}) {
-    SCOPED_TRACE(round);
-    Run({Orders("up", initialize, {}, start_up_wire, 0),
-         Fails("up while up", initialize, {}, ROLU_STATUS_ALREADY_INITIALIZED),
-         Orders("down", deinitialize, {}, "", 0),
-         Fails("down while down", deinitialize, {}, ROLU_STATUS_NOT_INITIALIZED)});
-    EXPECT_TRUE(board_.mcu().WaitForHostClosed(std::chrono::seconds(20)));
-  }
 }
 
 }  // namespace rolu_test

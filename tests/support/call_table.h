@@ -12,13 +12,6 @@
 
 namespace rolu_test {
 
-// The rows that follow from a table of operations in their normal course.
-//
-// Each call is refused before anything is sent.
-std::vector<CallRow> Refused(const std::vector<CallRow>& operations, ROLU_STATUS status);
-// The same for a null output, of the operations that have one.
-std::vector<CallRow> RefusedForNullOutput(const std::vector<CallRow>& operations, ROLU_STATUS status);
-
 // A board of its own, and one family, which is down at the start.
 class CallTable {
  public:
@@ -32,10 +25,6 @@ class CallTable {
   void Run(const std::vector<CallRow>& rows);
   // Makes a row's call, says what came of it, and undoes it where the row says how.
   Made Make(const CallRow& row);
-
-  // Brings the family down and up in every order that matters; `start_up_wire` is what it sends
-  // when it comes up.
-  void RunLifecycle(const std::string& start_up_wire);
 
  protected:
   // What a row meets. A family that uses device files instead of the MCU gives its log of them.

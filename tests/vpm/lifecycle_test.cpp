@@ -11,38 +11,13 @@ using rolu_sim::Reply;
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kDown = ROLU_STATUS_NOT_INITIALIZED;
 
-const Call kGetPlatformName = Into(KAVO_ROLU_VPM_GetPlatformName);
-
-// What answers the same whether the family is up or down.
-const std::vector<CallRow>& StatelessRows() {
-  static const std::vector<CallRow> rows = {
-      Fails("version", With(KAVO_ROLU_VPM_GetLibVersion, nullptr), {}, ROLU_STATUS_NOT_SUPPORTED),
-      Fails("version into a buffer", Into(KAVO_ROLU_VPM_GetLibVersion), {}, ROLU_STATUS_NOT_SUPPORTED),
-  };
-  return rows;
-}
-
-TEST_F(VpmTest, FamilyComesUpAndGoesDown) {
-  RunLifecycle(kVpmStartUpWire);
-}
-
-TEST_F(VpmTest, DownFamilyRefusesToTellWhoItIs) {
-  Run(Refused(IdentityOperations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(RefusedForNullOutput(IdentityOperations(), ROLU_STATUS_NOT_INITIALIZED));
-  Run(StatelessRows());
-}
-
-TEST_F(VpmTest, UpFamilyTellsWhoItIs) {
+TEST_F(VpmTest, FirmwareIsToldFromMemoryWhileTheFamilyIsUp) {
+  const CallRow& get = IdentityOperations().front();
+  Run({Fails("while down", get.call, {}, kDown),
+       Fails("version", With(KAVO_ROLU_VPM_GetLibVersion, nullptr), {}, ROLU_STATUS_NOT_SUPPORTED)});
   BringUp();
-  Run(IdentityOperations());
-  Run(RefusedForNullOutput(IdentityOperations(), ROLU_STATUS_INVALID_PARAMETER));
-  Run(StatelessRows());
-  Run({
-      Gives("shorter than the name", kGetPlatformName, {"*PLT:ABC"}, Characters("ABC", 13), "ATF1\r"),
-      Gives("only the prefix", kGetPlatformName, {"*PLT:"}, Characters("", 13), "ATF1\r"),
-      Gives("shorter than the prefix", kGetPlatformName, {"*PL"}, Characters("", 13), "ATF1\r"),
-      Gives("longest", kGetPlatformName, {std::string(63, 'x')}, Characters("xxxxxxxxxxxx", 13), "ATF1\r"),
-  });
+  Run({get});
+  Run({{"null", get.call, {}, ROLU_STATUS_INVALID_PARAMETER, {}, "", 0, true}});
 }
 
 // Each row brings the family up once. Before it the family was up with the answers below, whose

@@ -1,0 +1,26 @@
+// The functions that read the fields of a reply line, and those that convert numbers, compared with what
+// the interface promises, told in the plainest way. True where both agree.
+#ifndef TESTS_ORACLE_FIELD_CHECKS_H
+#define TESTS_ORACLE_FIELD_CHECKS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "kavo_rolu.h"
+
+namespace rolu_test {
+
+bool NumbersAgree(const std::string& reply);
+bool FieldsAgree(const std::string& reply, size_t position, size_t width);
+bool CharactersAgree(const std::string& reply, int32_t position);
+bool FloatsAgree(const std::string& reply);
+bool ErrorsAgree(const std::string& reply);
+bool RawVoltsAgree(float volts, float scale);
+bool ClockRangesAgree(const VPM_RTC_TIME& time);
+// Of both directions.
+bool AlarmFieldsAgree(unsigned char value);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_ORACLE_FIELD_CHECKS_H

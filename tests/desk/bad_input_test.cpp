@@ -74,11 +74,11 @@ TEST(BadInput, gets_a_status_and_a_sentence_that_helps) {
       {ctl({"send", "\xff"}), 2, "not UTF-8"},
   };
   for (const auto& row : kRows) {
-    const Result result = RunTool(directory, row.arguments);
-    EXPECT_EQ(result.status, row.status) << result.errors;
-    EXPECT_THAT(result.errors, HasSubstr(row.says));
-    EXPECT_THAT(result.errors, StartsWith("rolu-sim: "));
-    EXPECT_EQ(result.output, "");
+    const Ended result = RunTool(directory, row.arguments);
+    EXPECT_EQ(result.status, row.status) << result.err;
+    EXPECT_THAT(result.err, HasSubstr(row.says));
+    EXPECT_THAT(result.err, StartsWith("rolu-sim: "));
+    EXPECT_EQ(result.out, "");
   }
   EXPECT_EQ(board.Get("ignition")["on"], true);
   EXPECT_EQ(board.Get("battery")["voltage_v"], 12.6);
@@ -87,14 +87,14 @@ TEST(BadInput, gets_a_status_and_a_sentence_that_helps) {
 TEST(Help, tells_of_each_subcommand_and_verb) {
   const Directory directory;
   for (const char* const subcommand : {"run", "serve", "join", "ctl", "trace", "scenarios"}) {
-    const Result help = RunTool(directory, {subcommand, "--help"});
+    const Ended help = RunTool(directory, {subcommand, "--help"});
     EXPECT_EQ(help.status, 0);
-    EXPECT_THAT(help.output, HasSubstr(std::string("Usage: rolu-sim ") + subcommand));
-    EXPECT_THAT(help.output, HasSubstr("Exit status"));
+    EXPECT_THAT(help.out, HasSubstr(std::string("Usage: rolu-sim ") + subcommand));
+    EXPECT_THAT(help.out, HasSubstr("Exit status"));
   }
-  EXPECT_THAT(RunTool(directory, {"ctl", "fault-delay", "--help"}).output,
+  EXPECT_THAT(RunTool(directory, {"ctl", "fault-delay", "--help"}).out,
               StartsWith("fault-delay COMMAND TIME [TIMES] [CHANCE]\n"));
-  EXPECT_THAT(RunTool(directory, {"man"}).output, HasSubstr("\\fBfault\\-delay COMMAND TIME"));
+  EXPECT_THAT(RunTool(directory, {"man"}).out, HasSubstr("\\fBfault\\-delay COMMAND TIME"));
 }
 
 TEST(Completion, offers_what_can_stand_there) {
@@ -116,7 +116,7 @@ TEST(Completion, offers_what_can_stand_there) {
       {"ctl ignition state=of", "state=off"},
   };
   const Directory directory;
-  std::string script = "source " + directory.Write("completion", RunTool(directory, {"completion"}).output) +
+  std::string script = "source " + directory.Write("completion", RunTool(directory, {"completion"}).out) +
                        "\ncomplete_it() { COMP_WORDS=(rolu-sim \"$@\"); COMP_CWORD=$#; _rolu_sim; echo "
                        "\"${COMPREPLY[*]}\"; }\n";
   std::string offered;
@@ -124,7 +124,7 @@ TEST(Completion, offers_what_can_stand_there) {
     script += std::string("complete_it ") + row.words + '\n';
     offered += std::string(row.offered) + '\n';
   }
-  EXPECT_EQ(RunTool(directory, {"--", "bash", "-c", script}).output, offered);
+  EXPECT_EQ(RunTool(directory, {"--", "bash", "-c", script}).out, offered);
 }
 
 }  // namespace

@@ -12,14 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 
-Result RunClient(const Directory& directory, std::vector<std::string> options,
-                 const std::vector<std::string>& calls) {
-  options.insert(options.begin(), "run");
-  options.emplace_back("--");
-  for (const std::string& word : ClientCommand(calls)) options.push_back(word);
-  return RunTool(directory, options);
-}
-
 TEST(Fault, shows_in_what_the_library_answers) {
   const struct {
     std::string fault;
@@ -44,24 +36,21 @@ TEST(Fault, shows_in_what_the_library_answers) {
   const Directory directory;
   std::vector<std::unique_ptr<Tool>> runs;
   for (const auto& row : kRows) {
-    std::vector<std::string> arguments = {"run", "--fault", row.fault, "--"};
-    for (const std::string& word : ClientCommand(row.calls)) arguments.push_back(word);
-    runs.push_back(std::make_unique<Tool>(directory, arguments));
+    runs.push_back(std::make_unique<Tool>(directory, ClientRun({"--fault", row.fault}, row.calls)));
   }
   for (std::size_t index = 0; index < runs.size(); ++index) {
-    EXPECT_EQ(runs[index]->Wait(), 0) << runs[index]->errors();
-    EXPECT_THAT(runs[index]->output(), HasSubstr(kRows[index].says)) << kRows[index].fault;
+    EXPECT_EQ(runs[index]->Wait(), 0) << runs[index]->err();
+    EXPECT_THAT(runs[index]->out(), HasSubstr(kRows[index].says)) << kRows[index].fault;
   }
 }
 
 TEST(Fault, delays_no_less_than_asked) {
   const Directory directory;
-  RunClient(directory, {"--fault", "delay:MCVG:250ms", "--trace", directory.path() + "/trace"}, {"voltage"});
+  RunTool(directory,
+          ClientRun({"--fault", "delay:MCVG:250ms", "--trace", directory.File("trace")}, {"voltage"}));
   double sent = 0;
   double answered = 0;
-  std::istringstream lines(directory.Read("trace"));
-  for (std::string line; std::getline(lines, line);) {
-    const nlohmann::json record = nlohmann::json::parse(line);
+  for (const nlohmann::json& record : Records(directory.Read("trace"))) {
     if (record.value("line", "") == "MCVG") sent = record["t_s"];
     if (record.value("words", "") == "819 units") answered = record["t_s"];
   }
@@ -72,16 +61,16 @@ TEST(Fault, delays_no_less_than_asked) {
 TEST(Fault, repeats_itself_with_its_seed) {
   const Directory directory;
   const auto run = [&](const std::string& seed) {
-    return RunClient(directory,
-                     {"--fault", "error:ATF1:ERR-Q01:chance=0.5", "--fault", "drop:ATF0:3", "--seed", seed},
-                     std::vector<std::string>(12, "platform"));
+    return RunTool(directory, ClientRun({"--fault", "error:ATF1:ERR-Q01:chance=0.5", "--fault", "drop:ATF0:3",
+                                         "--seed", seed},
+                                        std::vector<std::string>(12, "platform")));
   };
-  const Result first = run("7");
-  EXPECT_THAT(first.errors, HasSubstr("random faults use the seed 7; --seed 7 repeats them"));
-  EXPECT_THAT(first.output, HasSubstr("platform C045\n"));
-  EXPECT_THAT(first.output, HasSubstr("platform C000 KAVO-ROLU-30\n"));
-  EXPECT_EQ(run("7").output, first.output);
-  EXPECT_NE(run("8").output, first.output);
+  const Ended first = run("7");
+  EXPECT_THAT(first.err, HasSubstr("random faults use the seed 7; --seed 7 repeats them"));
+  EXPECT_THAT(first.out, HasSubstr("platform C045\n"));
+  EXPECT_THAT(first.out, HasSubstr("platform C000 KAVO-ROLU-30\n"));
+  EXPECT_EQ(run("7").out, first.out);
+  EXPECT_NE(run("8").out, first.out);
 }
 
 // In the words of the verbs that made them.
@@ -120,8 +109,8 @@ TEST(Fault, is_listed_until_it_ends) {
   board.Ctl({"replug"});
   EXPECT_THAT(FaultsOf(board), testing::Not(testing::Contains("hang-up")));
   board.Ctl({"fault-clear"});
-  EXPECT_EQ(board.Ctl({"get", "name=faults"}).output, "faults: none\n");
-  EXPECT_THAT(board.Client({"voltage", "light", "register"}).output,
+  EXPECT_EQ(board.Ctl({"get", "name=faults"}).out, "faults: none\n");
+  EXPECT_THAT(board.Client({"voltage", "light", "register"}).out,
               HasSubstr("voltage C000 12.60\nlight C000 350\nregister C000"));
 }
 
@@ -132,10 +121,10 @@ TEST(Fault, hangs_the_port_up_under_an_open_link_and_brings_it_back) {
   ASSERT_TRUE(client.WaitForOutput("first C000"));
   EXPECT_EQ(board.Ctl({"fault-hang-up"}).status, 0);
   EXPECT_EQ(board.Ctl({"battery-voltage", "13"}).status, 0);
-  EXPECT_THAT(board.Client({}).output, HasSubstr("start C044"));
+  EXPECT_THAT(board.Client({}).out, HasSubstr("start C044"));
   EXPECT_TRUE(client.WaitForOutput("failure C048"));
   EXPECT_EQ(board.Ctl({"replug"}).status, 0);
-  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 13.00"));
+  EXPECT_THAT(board.Client({"voltage"}).out, HasSubstr("voltage C000 13.00"));
 }
 
 }  // namespace

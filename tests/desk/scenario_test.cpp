@@ -104,17 +104,14 @@ TEST(Scenario, happens_in_its_order_and_not_too_early) {
                       "{\"at\": \"200ms\", \"do\": \"lux\", \"lux\": 1},"
                       "{\"at\": \"300ms\", \"do\": \"i2c-detach\", \"address\": 9},"
                       "{\"at\": \"400ms\", \"do\": \"send\", \"text\": \"[0000]\"}]}");
-  const Result run =
-      RunTool(directory, {"run", "--scenario", scenario, "--trace", directory.path() + "/trace", "--",
-                          ROLU_SIM, "ctl", "wait", "warning"});
-  EXPECT_EQ(run.status, 0) << run.errors;
-  EXPECT_THAT(run.errors, HasSubstr("scenario, 300 ms: i2c-detach: no register device sits at 0x09"));
+  const Ended run = RunTool(directory, {"run", "--scenario", scenario, "--trace", directory.path() + "/trace",
+                                        "--", ROLU_SIM, "ctl", "wait", "warning"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("scenario, 300 ms: i2c-detach: no register device sits at 0x09"));
 
   std::vector<std::string> words;
   double previous = 0;
-  std::istringstream lines(directory.Read("trace"));
-  for (std::string line; std::getline(lines, line);) {
-    const nlohmann::json record = nlohmann::json::parse(line);
+  for (const nlohmann::json& record : Records(directory.Read("trace"))) {
     words.push_back(record["words"]);
     EXPECT_GE(record["t_s"].get<double>(), previous);
     previous = record["t_s"];
@@ -126,20 +123,20 @@ TEST(Scenario, happens_in_its_order_and_not_too_early) {
 
 TEST(Scenario, is_ready_for_the_usual_cases) {
   const Directory directory;
-  const Result list = RunTool(directory, {"scenarios"});
+  const Ended list = RunTool(directory, {"scenarios"});
   for (const char* const name :
        {"cold-start", "cranking-dip", "misbehaving-mcu", "parked-overnight", "shaken-vehicle"}) {
-    EXPECT_THAT(list.output, HasSubstr(std::string(name) + ' '));
+    EXPECT_THAT(list.out, HasSubstr(std::string(name) + ' '));
     EXPECT_EQ(RunTool(directory, {"scenarios", "--check", name}).status, 0) << name;
   }
-  EXPECT_THAT(RunTool(directory, {"scenarios", "--show", "cold-start"}).output, StartsWith("{\n"));
+  EXPECT_THAT(RunTool(directory, {"scenarios", "--show", "cold-start"}).out, StartsWith("{\n"));
 }
 
 // A night of the scenario takes a second; the alarm of half past seven comes in its morning.
 TEST(Scenario, wakes_the_parked_vehicle_in_the_morning) {
   const Directory directory;
   const ServedBoard board(directory);
-  EXPECT_THAT(board.Client({"alarm"}).output, HasSubstr("alarm C000"));
+  EXPECT_THAT(board.Client({"alarm"}).out, HasSubstr("alarm C000"));
   ASSERT_EQ(board.Ctl({"play", "scenario=parked-overnight"}).status, 0);
   EXPECT_EQ(board.Ctl({"wait", "the clock's alarm wakes"}).status, 0);
   const nlohmann::json events = board.Get("events");

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 TEST(ServedBoard, keeps_what_one_program_did_for_the_next) {
   const Directory directory;
   ServedBoard board(directory);
-  EXPECT_THAT(board.Client({"outputs", "watchdog"}).output, HasSubstr("outputs C000\nwatchdog C000\n"));
+  EXPECT_THAT(board.Client({"outputs", "watchdog"}).out, HasSubstr("outputs C000\nwatchdog C000\n"));
 
   const nlohmann::json pins = board.Get("pins");
   EXPECT_EQ(pins["gpio35"], nlohmann::json({{"exported", true}, {"direction", "out"}, {"level", 1}}));
@@ -54,9 +54,9 @@ TEST(ServedBoard, shows_programs_what_is_set_by_hand) {
   const Directory directory;
   const ServedBoard board(directory);
   for (const auto& row : kRows) {
-    const Result done = board.Ctl(row.words);
-    EXPECT_EQ(done.status, 0) << done.errors;
-    EXPECT_THAT(board.Client({row.call}).output, HasSubstr(row.says)) << row.words.front();
+    const Ended done = board.Ctl(row.words);
+    EXPECT_EQ(done.status, 0) << done.err;
+    EXPECT_THAT(board.Client({row.call}).out, HasSubstr(row.says)) << row.words.front();
   }
 }
 
@@ -86,12 +86,12 @@ TEST(ServedBoard, reads_back_each_subject) {
   const Directory directory;
   const ServedBoard board(directory);
   for (const auto& row : kRows) {
-    const Result done = board.Ctl(row.words);
-    EXPECT_EQ(done.status, 0) << done.errors;
+    const Ended done = board.Ctl(row.words);
+    EXPECT_EQ(done.status, 0) << done.err;
     EXPECT_EQ(board.Get(row.reading).at(row.member), row.value) << row.words.front();
   }
-  EXPECT_THAT(board.Ctl({"show"}).output, AllOf(HasSubstr("system: 24 V\n"), HasSubstr("charge: 55 %\n")));
-  EXPECT_THAT(board.Ctl({"clock", "07:30"}).output, HasSubstr("2024-02-29 07:30:00"));
+  EXPECT_THAT(board.Ctl({"show"}).out, AllOf(HasSubstr("system: 24 V\n"), HasSubstr("charge: 55 %\n")));
+  EXPECT_THAT(board.Ctl({"clock", "07:30"}).out, HasSubstr("2024-02-29 07:30:00"));
 }
 
 TEST(ServedBoard, says_that_the_watchdog_bit) {
@@ -103,7 +103,7 @@ TEST(ServedBoard, says_that_the_watchdog_bit) {
   EXPECT_EQ(board.Get("watchdog")["left_s"], nullptr);
   EXPECT_EQ(board.Ctl({"stop"}).status, 0);
   EXPECT_EQ(board.tool().Wait(), 6);
-  EXPECT_THAT(board.tool().errors(), HasSubstr("*** WATCHDOG BITE"));
+  EXPECT_THAT(board.tool().err(), HasSubstr("*** WATCHDOG BITE"));
 }
 
 // The trigger cannot come through a port that is gone.
@@ -119,9 +119,9 @@ TEST(ServedBoard, survives_what_the_system_refuses_to_one_who_steers_it) {
   const Directory directory;
   const ServedBoard board(directory);
   std::filesystem::rename(board.path() + "/proc", board.path() + "/elsewhere");
-  const Result refused = board.Ctl({"replug"});
+  const Ended refused = board.Ctl({"replug"});
   EXPECT_EQ(refused.status, 3);
-  EXPECT_THAT(refused.errors, HasSubstr("cannot create symlink"));
+  EXPECT_THAT(refused.err, HasSubstr("cannot create symlink"));
   EXPECT_EQ(board.Get("ignition")["on"], true);
   std::filesystem::remove_all(board.path() + "/elsewhere");
 }
@@ -132,7 +132,7 @@ TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
   Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "warning"});
   ASSERT_TRUE(client.WaitForOutput("registered C000"));
   // The program waits once it has said so and given its lock back, which only the next one shows.
-  while (!client.WaitForOutput("warned", std::chrono::milliseconds(200))) {
+  while (!client.WaitForOutput("warned", 0, std::chrono::milliseconds(200))) {
     ASSERT_EQ(board.Ctl({"power-off-warning", "ignition"}).status, 0);
   }
   EXPECT_EQ(client.Wait(), 0);
@@ -145,10 +145,10 @@ TEST(ServedBoard, waits_for_what_comes_and_gives_up_in_time) {
   board.Ctl({"fault-silence", "MCVG", "times=1"});
   board.Client({"voltage", "voltage"});
   EXPECT_EQ(waiting.Wait(), 0);
-  EXPECT_THAT(waiting.output(), HasSubstr("> MCVG"));
-  const Result late = board.Ctl({"wait", "WDTE", "timeout=50ms"});
+  EXPECT_THAT(waiting.out(), HasSubstr("> MCVG"));
+  const Ended late = board.Ctl({"wait", "WDTE", "timeout=50ms"});
   EXPECT_EQ(late.status, 1);
-  EXPECT_THAT(late.errors, HasSubstr("did not come within 50ms"));
+  EXPECT_THAT(late.err, HasSubstr("did not come within 50ms"));
 }
 
 TEST(ServedBoard, lives_beside_others_and_leaves_only_what_is_not_its_own) {
@@ -158,37 +158,37 @@ TEST(ServedBoard, lives_beside_others_and_leaves_only_what_is_not_its_own) {
   ServedBoard other(other_directory);
   board.Ctl({"battery-voltage", "10"});
   other.Ctl({"battery-voltage", "14"});
-  EXPECT_THAT(board.Client({"voltage"}).output, HasSubstr("voltage C000 10.00"));
-  EXPECT_THAT(other.Client({"voltage"}).output, HasSubstr("voltage C000 14.00"));
+  EXPECT_THAT(board.Client({"voltage"}).out, HasSubstr("voltage C000 10.00"));
+  EXPECT_THAT(other.Client({"voltage"}).out, HasSubstr("voltage C000 14.00"));
 
-  const Result second = RunTool(directory, {"serve", board.path()});
+  const Ended second = RunTool(directory, {"serve", board.path()});
   EXPECT_EQ(second.status, 2);
-  EXPECT_THAT(second.errors, HasSubstr("is up at " + board.path() + " already"));
+  EXPECT_THAT(second.err, HasSubstr("is up at " + board.path() + " already"));
 
   directory.Write("board/notes.txt", "mine");
   board.Ctl({"wlan", "on"});
-  board.tool().Send(SIGINT);
+  board.tool().Signal(SIGINT);
   EXPECT_EQ(board.tool().Wait(), 0);
-  EXPECT_THAT(directory.Contents(), ElementsAre("board"));
+  EXPECT_THAT(directory.Names(), ElementsAre("board"));
   EXPECT_EQ(directory.Read("board/notes.txt"), "mine");
-  other.tool().Send(SIGTERM);
+  other.tool().Signal(SIGTERM);
   EXPECT_EQ(other.tool().Wait(), 0);
-  EXPECT_THAT(other_directory.Contents(), ElementsAre());
+  EXPECT_THAT(other_directory.Names(), ElementsAre());
 }
 
 TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
   const Directory directory;
   {
     ServedBoard killed(directory);
-    killed.tool().Send(SIGKILL);
+    killed.tool().Signal(SIGKILL);
     EXPECT_EQ(killed.tool().Wait(), 128 + SIGKILL);
   }
-  EXPECT_THAT(directory.Contents(), ElementsAre("board"));
+  EXPECT_THAT(directory.Names(), ElementsAre("board"));
   Tool one(directory, {"serve", directory.path() + "/board"});
   Tool other(directory, {"serve", directory.path() + "/board"});
   EXPECT_NE(one.WaitForOutput("rolu-sim join"), other.WaitForOutput("rolu-sim join"));
-  EXPECT_THAT(one.errors() + other.errors(), HasSubstr("already"));
-  EXPECT_THAT(RunTool(directory, {"join", directory.path() + "/board", "--", DESK_CLIENT, "voltage"}).output,
+  EXPECT_THAT(one.err() + other.err(), HasSubstr("already"));
+  EXPECT_THAT(RunTool(directory, {"join", directory.path() + "/board", "--", DESK_CLIENT, "voltage"}).out,
               HasSubstr("voltage C000 12.60"));
 }
 
@@ -197,7 +197,7 @@ TEST(ServedBoard, has_left_its_directory_when_it_was_stopped) {
   for (int round = 0; round < 5; ++round) {
     const ServedBoard board(directory);
     EXPECT_EQ(board.Ctl({"stop"}).status, 0);
-    EXPECT_THAT(directory.Contents(), ElementsAre());
+    EXPECT_THAT(directory.Names(), ElementsAre());
   }
 }
 
@@ -218,9 +218,9 @@ TEST(ServedBoard, leaves_nothing_behind_whenever_it_is_interrupted) {
           std::vector<std::string>{"run", "--scenario", "misbehaving-mcu", "--", "sleep", "60"}}) {
       Tool tool(directory, arguments);
       std::this_thread::sleep_for(std::chrono::microseconds(delay_us));
-      tool.Send(SIGINT);
+      tool.Signal(SIGINT);
       tool.Wait();
-      EXPECT_THAT(directory.Contents(), ElementsAre()) << arguments.front() << " after " << delay_us;
+      EXPECT_THAT(directory.Names(), ElementsAre()) << arguments.front() << " after " << delay_us;
     }
   }
 }

@@ -2,15 +2,14 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
-
-#include "protocol/words.h"
+#include "simulator/trace/wire_words.h"
 #include "tests/desk/tool.h"
 
 namespace desk_test {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 TEST(WireWords, say_what_commands_and_answers_mean) {
   const struct {
@@ -47,7 +46,7 @@ TEST(WireWords, say_what_commands_and_answers_mean) {
       {"MCVG", "measure the car battery's voltage", "02E", "an answer to MCVG that does not fit"},
       {"WHAT", "a command that is not known", "ERR-C01", "refused: the MCU does not know the command"},
   };
-  rolu_protocol::Words words;
+  rolu_sim::WireWords words;
   for (const auto& row : kRows) {
     EXPECT_EQ(words.OfCommand(row.command), row.says);
     EXPECT_EQ(words.OfAnswer(row.answer), row.answer_says) << row.command;
@@ -57,57 +56,47 @@ TEST(WireWords, say_what_commands_and_answers_mean) {
   EXPECT_EQ(words.OfAnswer("[0001]"), "warning: the power goes off, the car battery is low");
 }
 
-std::vector<nlohmann::json> Records(const std::string& text) {
-  std::vector<nlohmann::json> records;
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) records.push_back(nlohmann::json::parse(line));
-  return records;
-}
-
 TEST(Trace, is_shown_of_a_served_board_as_text_and_as_json) {
   const Directory directory;
   ServedBoard board(directory);
-  EXPECT_EQ(RunTool(directory, {"trace", "--board", board.path()}).output, "");
+  EXPECT_EQ(RunTool(directory, {"trace", "--board", board.path()}).out, "");
   Tool following(directory, {"trace", "--board", board.path(), "--follow"});
   board.Client({"voltage"});
   board.Ctl({"send", "[0000]"});
   ASSERT_TRUE(following.WaitForOutput("[0000]"));
-  EXPECT_THAT(following.output(), HasSubstr(" > MCVG                measure the car battery's voltage\n"));
+  EXPECT_THAT(following.out(), HasSubstr(" > MCVG                measure the car battery's voltage\n"));
 
   const std::vector<nlohmann::json> records =
-      Records(RunTool(directory, {"trace", "--json", "--board", board.path()}).output);
+      Records(RunTool(directory, {"trace", "--json", "--board", board.path()}).out);
   ASSERT_FALSE(records.empty());
   EXPECT_EQ(records.front()["direction"], "to-mcu");
   EXPECT_EQ(records.front()["line"], "Hello");
   EXPECT_EQ(records.back()["direction"], "from-mcu");
   EXPECT_EQ(records.back()["words"], "warning: the power goes off, the ignition is off");
 
-  const Result over = RunTool(directory, {"trace", "--follow", "--for", "50ms", "--board", board.path()});
+  const Ended over = RunTool(directory, {"trace", "--follow", "--for", "50ms", "--board", board.path()});
   EXPECT_EQ(over.status, 0);
   board.Ctl({"stop"});
   EXPECT_EQ(following.Wait(), 0);
-  EXPECT_THAT(following.errors(), HasSubstr("went down"));
+  EXPECT_THAT(following.err(), HasSubstr("went down"));
 }
 
 TEST(Trace, is_played_back_as_the_script_of_the_mcu) {
   const Directory directory;
   const std::string trace = directory.path() + "/trace";
-  const auto run = [&](std::vector<std::string> options, const std::vector<std::string>& calls) {
-    options.insert(options.begin(), "run");
-    options.emplace_back("--");
-    for (const std::string& word : ClientCommand(calls)) options.push_back(word);
-    return RunTool(directory, options);
+  const auto run = [&](const std::vector<std::string>& options, const std::vector<std::string>& calls) {
+    return RunTool(directory, ClientRun(options, calls));
   };
-  const Result recorded =
+  const Ended recorded =
       run({"--trace", trace, "--battery", "0s=9.87", "--fault", "delay:MCVG:200ms"}, {"voltage", "platform"});
-  EXPECT_THAT(recorded.output, HasSubstr("voltage C000 9.88"));
+  EXPECT_THAT(recorded.out, HasSubstr("voltage C000 9.88"));
 
-  const Result replayed =
+  const Ended replayed =
       run({"--replay", trace, "--trace", directory.path() + "/again"}, {"platform", "voltage", "voltage"});
-  EXPECT_THAT(replayed.output, HasSubstr("voltage C000 9.88\nvoltage C000 12.60\n"));
-  EXPECT_THAT(replayed.errors,
+  EXPECT_THAT(replayed.out, HasSubstr("voltage C000 9.88\nvoltage C000 12.60\n"));
+  EXPECT_THAT(replayed.err,
               HasSubstr("replay: the recording holds no further answer to MCVG; the model answers\n"));
-  EXPECT_THAT(replayed.errors,
+  EXPECT_THAT(replayed.err,
               HasSubstr("9 of 9 recorded commands were sent, 2 in another order; 2 that were sent are not"));
   double sent = 0;
   for (const nlohmann::json& record : Records(directory.Read("again"))) {
@@ -128,15 +117,15 @@ TEST(Trace, plays_back_unasked_lines_silence_and_any_bytes) {
       "{\"t_s\": 1.1, \"direction\": \"from-mcu\", \"line\": \"x\\\\xFF\", \"hex\": \"78FF\"}\n"
       "{\"t_s\": 1.2, \"direction\": \"from-mcu\", \"line\": \"[0001]\"}\n"
       "{\"t_s\": 2, \"direction\": \"to-mcu\", \"line\": \"CD\"}\n");
-  const Result run =
+  const Ended run =
       RunTool(directory,
               {"run", "--replay", trace, "--trace", "-", "--", "bash", "-c",
                "exec 3<>/proc/vpm_serial; printf 'CD\\rAB\\r' >&3; for line in 1 2; do read -r -u3; done"});
-  EXPECT_EQ(run.status, 0) << run.errors;
-  EXPECT_THAT(run.errors, HasSubstr("< [0000] "));
-  EXPECT_THAT(run.errors, HasSubstr("< x\\xFF "));
-  EXPECT_LT(run.errors.find("< x\\xFF"), run.errors.find("< [0001]"));
-  EXPECT_THAT(run.errors, HasSubstr("2 of 2 recorded commands were sent, 1 in another order\n"));
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_THAT(run.err, HasSubstr("< [0000] "));
+  EXPECT_THAT(run.err, HasSubstr("< x\\xFF "));
+  EXPECT_LT(run.err.find("< x\\xFF"), run.err.find("< [0001]"));
+  EXPECT_THAT(run.err, HasSubstr("2 of 2 recorded commands were sent, 1 in another order\n"));
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
 // Each example runs as a process of its own on this test's board.
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 
-#include <cstdio>
-#include <memory>
 #include <string>
 
 #include "simulator/board.h"
+#include "tests/support/process.h"
 
 namespace {
 
@@ -14,22 +12,18 @@ using rolu_sim::McuModel;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-struct ClosePipe {
-  void operator()(FILE* pipe) const { pclose(pipe); }
-};
-
-class Example {
+class Example : public rolu_test::Process {
  public:
   explicit Example(const std::string& command)
-      : output_(popen((ROLU_EMULATOR " " EXAMPLES_FOLDER "/" + command + " 2>&1").c_str(), "r")) {}
+      : Process(rolu_test::Words(ROLU_EMULATOR " " EXAMPLES_FOLDER "/" + command)) {}
 
   // The next line, without its end; empty at the end of the output.
   std::string Line() {
-    char line[256] = "";
-    if (fgets(line, sizeof line, output_.get()) == nullptr) return {};
-    std::string text = line;
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
+    if (!WaitForOutput("\n", read_)) return {};
+    const size_t start = read_;
+    const size_t end = out().find('\n', start);
+    read_ = end + 1;
+    return out().substr(start, end - start);
   }
   // The line that holds `text`, or the end of the output.
   std::string LineWith(const std::string& text) {
@@ -37,16 +31,9 @@ class Example {
     while (!line.empty() && line.find(text) == std::string::npos) line = Line();
     return line;
   }
-  int ExitStatus() {
-    // A reader that goes away early would end the example by a signal.
-    while (fgetc(output_.get()) != EOF) {
-    }
-    const int status = pclose(output_.release());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
 
  private:
-  std::unique_ptr<FILE, ClosePipe> output_;
+  size_t read_ = 0;
 };
 
 class ExamplesTest : public testing::Test {
@@ -61,7 +48,7 @@ TEST_F(ExamplesTest, GsensorAlarmsPrintsWhatShakes) {
   board_.mcu().WithModel([](McuModel& mcu) { return mcu.ShakeTo({1000, 0, 256}); });
   EXPECT_EQ(example.Line(), "alarm: x   3906  y      0  z   1000");
   EXPECT_EQ(example.Line(), "1 samples");
-  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(example.Wait(), 0);
 }
 
 TEST_F(ExamplesTest, OrderlyShutdownSavesWhenTheIgnitionGoesOff) {
@@ -72,28 +59,28 @@ TEST_F(ExamplesTest, OrderlyShutdownSavesWhenTheIgnitionGoesOff) {
     mcu.WarnOfPowerOff(rolu_sim::PowerOffWarning::kIgnition);
   });
   EXPECT_EQ(example.Line(), "the ignition is off: saving the work");
-  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(example.Wait(), 0);
 }
 
 TEST_F(ExamplesTest, OrderlyShutdownEndsWithoutAWarning) {
   Example example("orderly_shutdown 0");
   EXPECT_EQ(example.LineWith("stayed"), "the ignition stayed on");
-  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(example.Wait(), 0);
 }
 
 TEST_F(ExamplesTest, WakeupAlarmSetsClockAndAlarm) {
   Example example("wakeup_alarm 06:45");
   EXPECT_THAT(example.LineWith("clock"), MatchesRegex("clock: 20..-..-.. ..:..:.."));
   EXPECT_THAT(example.Line(), MatchesRegex("alarm: weekday . at 06:45, on"));
-  EXPECT_EQ(example.ExitStatus(), 0);
-  EXPECT_EQ(Example("wakeup_alarm 24:00").ExitStatus(), 2);
+  EXPECT_EQ(example.Wait(), 0);
+  EXPECT_EQ(Example("wakeup_alarm 24:00").Wait(), 2);
 }
 
 TEST_F(ExamplesTest, DigitalPinsShowsInputsOnOutputs) {
   board_.gpio().SetInput(37, true);
   Example example("digital_pins");
   EXPECT_EQ(example.Line(), "input 1 is high, input 2 is low");
-  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(example.Wait(), 0);
   EXPECT_TRUE(board_.gpio().Level(35));
   EXPECT_FALSE(board_.gpio().Level(34));
 }
@@ -102,9 +89,9 @@ TEST_F(ExamplesTest, I2cRegisterReadsOne) {
   board_.register_device().SetRegister(0x12, 0xA5);
   Example example("i2c_register 0x50 0x12");
   EXPECT_EQ(example.Line(), "0x50 register 0x12: 0xA5");
-  EXPECT_EQ(example.ExitStatus(), 0);
-  EXPECT_EQ(Example("i2c_register 0x22 0").ExitStatus(), 1);
-  EXPECT_EQ(Example("i2c_register 0x80 0").ExitStatus(), 2);
+  EXPECT_EQ(example.Wait(), 0);
+  EXPECT_EQ(Example("i2c_register 0x22 0").Wait(), 1);
+  EXPECT_EQ(Example("i2c_register 0x80 0").Wait(), 2);
 }
 
 TEST_F(ExamplesTest, TourAsksEveryFamily) {
@@ -114,7 +101,7 @@ TEST_F(ExamplesTest, TourAsksEveryFamily) {
     EXPECT_THAT(example.LineWith(family), testing::StartsWith(family));
   }
   EXPECT_EQ(example.Line(), "TEMPERATURESENSOR, EEPROM: not provided by this board");
-  EXPECT_EQ(example.ExitStatus(), 0);
+  EXPECT_EQ(example.Wait(), 0);
 }
 
 // Without a board every example says what it could not do, and fails.
@@ -122,8 +109,8 @@ TEST(ExamplesWithoutABoard, FailWithASentence) {
   for (const char* name :
        {"gsensor_alarms", "orderly_shutdown", "wakeup_alarm", "digital_pins", "i2c_register"}) {
     Example example(name);
-    EXPECT_THAT(example.Line(), testing::StartsWith(std::string(name) + ": "));
-    EXPECT_EQ(example.ExitStatus(), 1) << name;
+    EXPECT_EQ(example.Wait(), 1) << name;
+    EXPECT_THAT(example.err(), testing::StartsWith(std::string(name) + ": "));
   }
 }
 

@@ -25,6 +25,7 @@
 
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
+#include "tests/support/text_node.h"
 
 namespace rolu_sim {
 namespace {
@@ -34,31 +35,12 @@ using testing::ElementsAre;
 
 constexpr std::uint8_t kEeprom = 0x50;
 
-// Holds a text, as an attribute of a driver does.
-class TextNode : public Device {
- public:
-  NodeStat Stat() const override { return {}; }
-  DeviceResult Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice>& opened) override {
-    class Descriptor : public OpenDevice {
-      DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t /*offset*/) override {
-        bytes = std::string(read_ ? "" : "350\n").substr(0, capacity);
-        read_ = true;
-        return static_cast<DeviceResult>(bytes.size());
-      }
-      DeviceResult Write(std::string_view bytes) override { return static_cast<DeviceResult>(bytes.size()); }
-      bool read_ = false;
-    };
-    opened = std::make_unique<Descriptor>();
-    return 0;
-  }
-};
-
 class DeviceNodes : public testing::Test {
  protected:
   DeviceNodes() {
     board_.AttachThisProcess();
     board_.i2c().Attach(kEeprom, eeprom_);
-    board_.devices().AddNode(kBacklightPath, std::make_shared<TextNode>());
+    board_.devices().AddNode(kBacklightPath, std::make_shared<rolu_test::TextNode>("350\n"));
     board_.devices().RemoveNode(kLuxPath);
   }
 

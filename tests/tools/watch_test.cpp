@@ -157,7 +157,7 @@ TEST_F(WatchTest, an_end_while_the_port_is_away_says_what_could_not_be_taken_dow
 TEST_F(WatchTest, a_kill_leaves_the_board_as_it_was) {
   Start("--json");
   rolu->Signal(SIGKILL);
-  EXPECT_EQ(rolu->Wait(), -SIGKILL);
+  EXPECT_EQ(rolu->Wait(), 128 + SIGKILL);
   ExpectTakenDown();
 }
 

@@ -1,0 +1,100 @@
+// A program in a process of its own: what it is given, what it prints, and how it ends.
+#ifndef TESTS_SUPPORT_PROCESS_H
+#define TESTS_SUPPORT_PROCESS_H
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace rolu_test {
+
+// Far beyond what anything here takes on a loaded machine.
+inline constexpr std::chrono::seconds kAmple{30};
+
+// How a program ended, its status as a shell has it, and all that it printed.
+struct Ended {
+  int status = -1;
+  std::string out;
+  std::string err;
+
+  nlohmann::json Json() const { return nlohmann::json::parse(out); }
+};
+
+class Process {
+ public:
+  // `environment` takes the place of this process's, unless it is empty.
+  explicit Process(std::vector<std::string> words, const std::string& input = "",
+                   std::vector<std::string> environment = {});
+  // Starts it with a descriptor as its standard input.
+  Process(std::vector<std::string> words, int input);
+  // Ends it when a test left it running.
+  virtual ~Process();
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+
+  pid_t pid() const { return pid_; }
+  void Signal(int number) const;
+
+  // Waits until `text` was printed on standard output, or on standard error, at or behind position
+  // `from`; false when it ended or took longer than `patience`.
+  bool WaitForOutput(const std::string& text, size_t from = 0, std::chrono::milliseconds patience = kAmple) {
+    return WaitFor(out_, text, from, patience);
+  }
+  bool WaitForMessage(const std::string& text, size_t from = 0) { return WaitFor(err_, text, from, kAmple); }
+
+  // Closes the other end of its standard output.
+  void StopReading();
+
+  // Waits for its end: the exit status, or 128 and the number of the signal that ended it.
+  int Wait();
+  Ended WaitForAll();
+
+  const std::string& out() const { return out_; }
+  const std::string& err() const { return err_; }
+
+ private:
+  void Start(std::vector<std::string>& words, int input, std::vector<std::string>& environment);
+  bool WaitFor(const std::string& stream, const std::string& text, size_t from,
+               std::chrono::milliseconds patience);
+  bool ReadSome(std::chrono::steady_clock::time_point deadline);
+
+  pid_t pid_ = -1;
+  int out_pipe_ = -1;
+  int err_pipe_ = -1;
+  std::string out_;
+  std::string err_;
+};
+
+// "set -y battery.lbp=on" as words.
+std::vector<std::string> Words(const std::string& command_line);
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
+
+// A directory that is gone after the test.
+class TemporaryDirectory {
+ public:
+  TemporaryDirectory();
+  ~TemporaryDirectory();
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+  const std::string& path() const { return path_; }
+  std::string File(const std::string& name) const { return path_ + "/" + name; }
+  // Writes a file; its path.
+  std::string Write(const std::string& name, const std::string& text) const;
+  std::string Read(const std::string& name) const;
+  // Everything in it, in alphabetical order.
+  std::vector<std::string> Names() const;
+
+ private:
+  std::string path_ = "/tmp/rolu-test-XXXXXX";
+};
+
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& text);
+
+}  // namespace rolu_test
+
+#endif  // TESTS_SUPPORT_PROCESS_H

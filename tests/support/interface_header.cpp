@@ -8,10 +8,17 @@
 
 namespace rolu_test {
 
+const std::string& HeaderText() {
+  static const std::string text = [] {
+    std::stringstream header;
+    header << std::ifstream(ROLU_HEADER).rdbuf();
+    return std::regex_replace(header.str(), std::regex(R"((\s*\n \*|\s)\s*)"), " ");
+  }();
+  return text;
+}
+
 std::map<std::string, std::string> DeclaredFunctions() {
-  std::stringstream header;
-  header << std::ifstream(ROLU_HEADER).rdbuf();
-  const std::string text = header.str();
+  const std::string& text = HeaderText();
   std::map<std::string, std::string> functions;
   const std::regex declaration("KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_(\\w+)");
   for (std::sregex_iterator match(text.begin(), text.end(), declaration), end; match != end; ++match) {
@@ -33,11 +40,17 @@ std::set<std::string> DeclaredForMcuFamilies() {
 }
 
 std::string BlockingStatement(const std::string& comment) {
-  constexpr char kBlocks[] = "Blocks: ";
-  const size_t start = comment.find(kBlocks);
-  if (start == std::string::npos) return "";
-  const std::string statement = comment.substr(start, comment.find('.', start) - start);
-  return std::regex_replace(statement.substr(sizeof kBlocks - 1), std::regex(R"(\s*\n \* )"), " ");
+  const std::set<std::string> statements = MatchesIn(comment, R"(Blocks: ([^.]+)\.)");
+  return statements.empty() ? "" : *statements.begin();
+}
+
+std::set<std::string> MatchesIn(const std::string& text, const std::string& pattern) {
+  const std::regex regex(pattern);
+  std::set<std::string> found;
+  for (std::sregex_iterator match(text.begin(), text.end(), regex), end; match != end; ++match) {
+    found.insert((*match)[1]);
+  }
+  return found;
 }
 
 }  // namespace rolu_test

@@ -8,14 +8,20 @@
 
 namespace rolu_test {
 
+// The header in one line, without the stars of its comments.
+const std::string& HeaderText();
+
 // Each function's comment, by its name without "KAVO_ROLU_".
 std::map<std::string, std::string> DeclaredFunctions();
 
 // Of these the functions of the families that talk to the MCU.
 std::set<std::string> DeclaredForMcuFamilies();
 
-// What a function's comment says behind "Blocks:", in one line; empty if it does not block.
+// What a function's comment says behind "Blocks:"; empty if it does not block.
 std::string BlockingStatement(const std::string& comment);
+
+// What the first group of the pattern matches, at each of its places in the text.
+std::set<std::string> MatchesIn(const std::string& text, const std::string& pattern);
 
 }  // namespace rolu_test
 

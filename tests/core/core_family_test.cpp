@@ -110,23 +110,4 @@ TEST_F(CoreOnBoard, ResetsTheBoardOverTheI2cBus) {
   EXPECT_EQ(board.devices().OpenCount(rolu_sim::kI2cBusPath), 0U);
 }
 
-TEST_F(CoreOnBoard, ResetThatCannotReachItsControllerWritesNothing) {
-  KAVO_ROLU_CORE_Init();
-  board.i2c().RefuseSelection(0x78, EBUSY);
-  EXPECT_EQ(KAVO_ROLU_CORE_Reset(), ROLU_STATUS_DEVICE_IO_FAILED);
-  EXPECT_TRUE(board.devices().Writes(rolu_sim::kI2cBusPath).empty());
-  EXPECT_EQ(board.devices().OpenCount(rolu_sim::kI2cBusPath), 0U);
-
-  board.devices().RemoveNode(rolu_sim::kI2cBusPath);
-  EXPECT_EQ(KAVO_ROLU_CORE_Reset(), ROLU_STATUS_DEVICE_OPEN_FAILED);
-  EXPECT_EQ(board.reset_controller().ResetCount(), 0);
-}
-
-TEST_F(CoreOnBoard, ResetDoesNotAskWhatBecameOfItsWrite) {
-  KAVO_ROLU_CORE_Init();
-  board.i2c().RefuseTransfers(0x78, EREMOTEIO);
-  EXPECT_EQ(KAVO_ROLU_CORE_Reset(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(board.devices().OpenCount(rolu_sim::kI2cBusPath), 0U);
-}
-
 }  // namespace

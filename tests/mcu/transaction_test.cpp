@@ -37,23 +37,6 @@ class Transaction : public testing::Test {
   char reply[kLineCapacity] = "untouched";
 };
 
-TEST_F(Transaction, TurnsErrorRepliesIntoStatusesAndKeepsTheirText) {
-  const struct {
-    const char* reply;
-    uint32_t status;
-  } rows[] = {
-      {"02EB", ROLU_STATUS_SUCCESS},
-      {"ERR-M08", ROLU_STATUS_INVALID_PARAMETER},
-      {"*ERR-W02*", ROLU_STATUS_VPM_ERROR_REPLY},
-      {"ERR-M07", ROLU_STATUS_SUCCESS},
-  };
-  for (const auto& row : rows) {
-    mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line(row.reply));
-    EXPECT_EQ(Run(Command("MCVG\r")), row.status) << row.reply;
-    EXPECT_STREQ(reply, row.reply);
-  }
-}
-
 TEST_F(Transaction, CutsTheReplyToTheCallersBuffer) {
   const std::string longest = std::string(62, 'a') + 'z';
   const struct {

@@ -115,22 +115,6 @@ TEST_F(VpmStartUpTest, FailsWithItsFirmwareOrARange) {
   });
 }
 
-TEST_F(VpmStartUpTest, ComesUpWithoutAnAnswerToTheGreeting) {
-  RunStartUps({ComesUp("greeting", {Reply::Silence(), kVersion, "0.5", "0.25"}, 0.25F, 0.5F)});
-}
-
-TEST_F(VpmStartUpTest, ComesUpWithoutAnAnswerToTheScales) {
-  RunStartUps({ComesUp("scales", {"OK", kVersion, Reply::Silence(), Reply::Silence()}, 0.015385F, 0.01582F)});
-}
-
-TEST_F(VpmStartUpTest, FailsWithoutAnAnswerToTheFirmwareOrARange) {
-  RunStartUps({
-      StaysDown("firmware", {"OK", Reply::Silence()}, ROLU_STATUS_VPM_NO_REPLY, kFirmwareWire),
-      StaysDown("24 V range", {"OK", "*", "0.5", "0.25", k12VUnits, Reply::Silence()},
-                ROLU_STATUS_VPM_NO_REPLY, kVpmStartUpWire, Range(0.25F, 1, 2, 3)),
-  });
-}
-
 TEST_F(VpmTest, StartUpPrintsTheFirmwareVersion) {
   struct VersionLine {
     const char* answer;

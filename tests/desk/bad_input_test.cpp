@@ -10,7 +10,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(BadInput, gets_a_status_and_a_sentence_that_helps) {
+TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
   const Directory directory;
   const std::string full = directory.Write("file", "x");
   const std::string trace =
@@ -84,7 +84,7 @@ TEST(BadInput, gets_a_status_and_a_sentence_that_helps) {
   EXPECT_EQ(board.Get("battery")["voltage_v"], 12.6);
 }
 
-TEST(Help, tells_of_each_subcommand_and_verb) {
+TEST(Help, TellsOfEachSubcommandAndVerb) {
   const Directory directory;
   for (const char* const subcommand : {"run", "serve", "join", "ctl", "trace", "scenarios"}) {
     const Ended help = RunTool(directory, {subcommand, "--help"});
@@ -97,7 +97,7 @@ TEST(Help, tells_of_each_subcommand_and_verb) {
   EXPECT_THAT(RunTool(directory, {"man"}).out, HasSubstr("\\fBfault\\-delay COMMAND TIME"));
 }
 
-TEST(Completion, offers_what_can_stand_there) {
+TEST(Completion, OffersWhatCanStandThere) {
   const struct {
     const char* words;  // as bash splits them
     const char* offered;

@@ -12,7 +12,7 @@ namespace {
 
 using testing::HasSubstr;
 
-TEST(Fault, shows_in_what_the_library_answers) {
+TEST(Fault, ShowsInWhatTheLibraryAnswers) {
   const struct {
     std::string fault;
     std::vector<std::string> calls;
@@ -38,13 +38,13 @@ TEST(Fault, shows_in_what_the_library_answers) {
   for (const auto& row : kRows) {
     runs.push_back(std::make_unique<Tool>(directory, ClientRun({"--fault", row.fault}, row.calls)));
   }
-  for (std::size_t index = 0; index < runs.size(); ++index) {
+  for (size_t index = 0; index < runs.size(); ++index) {
     EXPECT_EQ(runs[index]->Wait(), 0) << runs[index]->err();
     EXPECT_THAT(runs[index]->out(), HasSubstr(kRows[index].says)) << kRows[index].fault;
   }
 }
 
-TEST(Fault, delays_no_less_than_asked) {
+TEST(Fault, DelaysNoLessThanAsked) {
   const Directory directory;
   RunTool(directory,
           ClientRun({"--fault", "delay:MCVG:250ms", "--trace", directory.File("trace")}, {"voltage"}));
@@ -58,7 +58,7 @@ TEST(Fault, delays_no_less_than_asked) {
 }
 
 // Random faults strike the same commands in the same way with the same seed.
-TEST(Fault, repeats_itself_with_its_seed) {
+TEST(Fault, RepeatsItselfWithItsSeed) {
   const Directory directory;
   const auto run = [&](const std::string& seed) {
     return RunTool(directory, ClientRun({"--fault", "error:ATF1:ERR-Q01:chance=0.5", "--fault", "drop:ATF0:3",
@@ -87,7 +87,7 @@ std::vector<std::string> FaultsOf(const ServedBoard& board) {
   return faults;
 }
 
-TEST(Fault, is_listed_until_it_ends) {
+TEST(Fault, IsListedUntilItEnds) {
   const Directory directory;
   const ServedBoard board(directory, {"--fault", "missing:serial"});
   const char* const kMade[] = {
@@ -114,7 +114,7 @@ TEST(Fault, is_listed_until_it_ends) {
               HasSubstr("voltage C000 12.60\nlight C000 350\nregister C000"));
 }
 
-TEST(Fault, hangs_the_port_up_under_an_open_link_and_brings_it_back) {
+TEST(Fault, HangsThePortUpUnderAnOpenLinkAndBringsItBack) {
   const Directory directory;
   const ServedBoard board(directory);
   Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "failure"});

@@ -11,7 +11,7 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-TEST(RoluSim, gives_each_outcome_its_exit_status_and_a_sentence) {
+TEST(RoluSim, GivesEachOutcomeItsExitStatusAndASentence) {
   const struct {
     std::vector<std::string> arguments;
     int status;
@@ -36,7 +36,7 @@ TEST(RoluSim, gives_each_outcome_its_exit_status_and_a_sentence) {
   }
 }
 
-TEST(RoluSim, lets_a_program_talk_to_the_microcontroller) {
+TEST(RoluSim, LetsAProgramTalkToTheMicrocontroller) {
   const Directory directory;
   const Ended run =
       RunTool(directory, {"--mode", "24", "--battery", "0s=23.73", "--trace", "-", "--baud", "--", "sh", "-c",
@@ -46,7 +46,7 @@ TEST(RoluSim, lets_a_program_talk_to_the_microcontroller) {
   EXPECT_EQ(run.out, "05DC\r\narmv7l\n");
 }
 
-TEST(RoluSim, lets_scripts_use_the_whole_board) {
+TEST(RoluSim, LetsScriptsUseTheWholeBoard) {
   const Directory directory;
   for (const std::vector<std::string>& command :
        {std::vector<std::string>{"sh", SCRIPTS "whole_board.sh"},
@@ -58,7 +58,7 @@ TEST(RoluSim, lets_scripts_use_the_whole_board) {
   }
 }
 
-TEST(RoluSim, passes_signals_on_and_cleans_up) {
+TEST(RoluSim, PassesSignalsOnAndCleansUp) {
   const Directory directory;
   Tool trapping(directory,
                 {"sh", "-c", "trap 'echo got it; exit 3' TERM; echo ready; while :; do sleep 0.05; done"});

@@ -23,7 +23,7 @@ std::string ComplaintAbout(const std::string& text) {
   }
 }
 
-TEST(Scenario, is_refused_with_the_place_and_what_would_be_right) {
+TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
   const struct {
     const char* text;
     const char* place;
@@ -69,7 +69,7 @@ TEST(Scenario, is_refused_with_the_place_and_what_would_be_right) {
   }
 }
 
-TEST(Scenario, names_all_that_is_wrong_at_once) {
+TEST(Scenario, NamesAllThatIsWrongAtOnce) {
   const std::string complaint = ComplaintAbout(
       "{\"events\": [\n"
       "  {\"at\": 1, \"do\": \"lux\", \"lux\": -1},\n"
@@ -81,7 +81,7 @@ TEST(Scenario, names_all_that_is_wrong_at_once) {
   EXPECT_THAT(complaint, testing::Not(HasSubstr("f:3")));
 }
 
-TEST(Scenario, orders_and_repeats_events) {
+TEST(Scenario, OrdersAndRepeatsEvents) {
   const Scenario scenario = ParseScenario(
       "{\"events\": ["
       "{\"at\": \"1.5s\", \"do\": \"lux\", \"lux\": 3},"
@@ -96,7 +96,7 @@ TEST(Scenario, orders_and_repeats_events) {
                                            "1500 lux lux=16", "60000 wlan state=on"));
 }
 
-TEST(Scenario, happens_in_its_order_and_not_too_early) {
+TEST(Scenario, HappensInItsOrderAndNotTooEarly) {
   const Directory directory;
   const std::string scenario =
       directory.Write("s.json",
@@ -121,7 +121,7 @@ TEST(Scenario, happens_in_its_order_and_not_too_early) {
   EXPECT_GE(previous, 0.4);
 }
 
-TEST(Scenario, is_ready_for_the_usual_cases) {
+TEST(Scenario, IsReadyForTheUsualCases) {
   const Directory directory;
   const Ended list = RunTool(directory, {"scenarios"});
   for (const char* const name :
@@ -133,7 +133,7 @@ TEST(Scenario, is_ready_for_the_usual_cases) {
 }
 
 // A night of the scenario takes a second; the alarm of half past seven comes in its morning.
-TEST(Scenario, wakes_the_parked_vehicle_in_the_morning) {
+TEST(Scenario, WakesTheParkedVehicleInTheMorning) {
   const Directory directory;
   const ServedBoard board(directory);
   EXPECT_THAT(board.Client({"alarm"}).out, HasSubstr("alarm C000"));

@@ -15,7 +15,7 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST(ServedBoard, keeps_what_one_program_did_for_the_next) {
+TEST(ServedBoard, KeepsWhatOneProgramDidForTheNext) {
   const Directory directory;
   ServedBoard board(directory);
   EXPECT_THAT(board.Client({"outputs", "watchdog"}).out, HasSubstr("outputs C000\nwatchdog C000\n"));
@@ -30,7 +30,7 @@ TEST(ServedBoard, keeps_what_one_program_did_for_the_next) {
   EXPECT_LT(commands.front()["t_s"].get<double>(), commands.back()["t_s"].get<double>());
 }
 
-TEST(ServedBoard, shows_programs_what_is_set_by_hand) {
+TEST(ServedBoard, ShowsProgramsWhatIsSetByHand) {
   const struct {
     std::vector<std::string> words;
     std::string call;
@@ -60,7 +60,7 @@ TEST(ServedBoard, shows_programs_what_is_set_by_hand) {
   }
 }
 
-TEST(ServedBoard, reads_back_each_subject) {
+TEST(ServedBoard, ReadsBackEachSubject) {
   const struct {
     std::vector<std::string> words;
     std::string reading;
@@ -94,7 +94,7 @@ TEST(ServedBoard, reads_back_each_subject) {
   EXPECT_THAT(board.Ctl({"clock", "07:30"}).out, HasSubstr("2024-02-29 07:30:00"));
 }
 
-TEST(ServedBoard, says_that_the_watchdog_bit) {
+TEST(ServedBoard, SaysThatTheWatchdogBit) {
   const Directory directory;
   ServedBoard board(directory, {"--fail-on-bite"});
   board.Client({"watchdog"});
@@ -107,7 +107,7 @@ TEST(ServedBoard, says_that_the_watchdog_bit) {
 }
 
 // The trigger cannot come through a port that is gone.
-TEST(ServedBoard, is_bitten_by_the_watchdog_while_its_port_is_hung_up) {
+TEST(ServedBoard, IsBittenByTheWatchdogWhileItsPortIsHungUp) {
   const Directory directory;
   ServedBoard board(directory, {"--fail-on-bite"});
   board.Client({"watchdog"});
@@ -115,7 +115,7 @@ TEST(ServedBoard, is_bitten_by_the_watchdog_while_its_port_is_hung_up) {
   EXPECT_EQ(board.Ctl({"wait", "WATCHDOG BITE"}).status, 0);
 }
 
-TEST(ServedBoard, survives_what_the_system_refuses_to_one_who_steers_it) {
+TEST(ServedBoard, SurvivesWhatTheSystemRefusesToOneWhoSteersIt) {
   const Directory directory;
   const ServedBoard board(directory);
   std::filesystem::rename(board.path() + "/proc", board.path() + "/elsewhere");
@@ -126,7 +126,7 @@ TEST(ServedBoard, survives_what_the_system_refuses_to_one_who_steers_it) {
   std::filesystem::remove_all(board.path() + "/elsewhere");
 }
 
-TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
+TEST(ServedBoard, SendsWarningsToAProgramThatWaits) {
   const Directory directory;
   const ServedBoard board(directory);
   Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "warning"});
@@ -138,7 +138,7 @@ TEST(ServedBoard, sends_warnings_to_a_program_that_waits) {
   EXPECT_EQ(client.Wait(), 0);
 }
 
-TEST(ServedBoard, waits_for_what_comes_and_gives_up_in_time) {
+TEST(ServedBoard, WaitsForWhatComesAndGivesUpInTime) {
   const Directory directory;
   const ServedBoard board(directory);
   Tool waiting(directory, {"ctl", "--board", board.path(), "wait", "MCVG", "times=2"});
@@ -151,7 +151,7 @@ TEST(ServedBoard, waits_for_what_comes_and_gives_up_in_time) {
   EXPECT_THAT(late.err, HasSubstr("did not come within 50ms"));
 }
 
-TEST(ServedBoard, lives_beside_others_and_leaves_only_what_is_not_its_own) {
+TEST(ServedBoard, LivesBesideOthersAndLeavesOnlyWhatIsNotItsOwn) {
   const Directory directory;
   const Directory other_directory;
   ServedBoard board(directory);
@@ -176,7 +176,7 @@ TEST(ServedBoard, lives_beside_others_and_leaves_only_what_is_not_its_own) {
   EXPECT_THAT(other_directory.Names(), ElementsAre());
 }
 
-TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
+TEST(ServedBoard, TakesThePlaceOfOneThatWasKilled) {
   const Directory directory;
   {
     ServedBoard killed(directory);
@@ -192,7 +192,7 @@ TEST(ServedBoard, takes_the_place_of_one_that_was_killed) {
               HasSubstr("voltage C000 12.60"));
 }
 
-TEST(ServedBoard, has_left_its_directory_when_it_was_stopped) {
+TEST(ServedBoard, HasLeftItsDirectoryWhenItWasStopped) {
   const Directory directory;
   for (int round = 0; round < 5; ++round) {
     const ServedBoard board(directory);
@@ -201,7 +201,7 @@ TEST(ServedBoard, has_left_its_directory_when_it_was_stopped) {
   }
 }
 
-TEST(ServedBoard, takes_nothing_away_that_is_not_of_a_board) {
+TEST(ServedBoard, TakesNothingAwayThatIsNotOfABoard) {
   const Directory directory;
   std::filesystem::create_directory(directory.path() + "/bin");
   directory.Write("bin/tool", "mine");
@@ -210,7 +210,7 @@ TEST(ServedBoard, takes_nothing_away_that_is_not_of_a_board) {
 }
 
 // The signal comes at any moment from the first instruction on.
-TEST(ServedBoard, leaves_nothing_behind_whenever_it_is_interrupted) {
+TEST(ServedBoard, LeavesNothingBehindWheneverItIsInterrupted) {
   const Directory directory;
   for (int delay_us = 0; delay_us < 40000; delay_us += 2000) {
     for (const std::vector<std::string>& arguments :

@@ -11,7 +11,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-TEST(WireWords, say_what_commands_and_answers_mean) {
+TEST(WireWords, SayWhatCommandsAndAnswersMean) {
   const struct {
     const char* command;
     const char* says;
@@ -56,7 +56,7 @@ TEST(WireWords, say_what_commands_and_answers_mean) {
   EXPECT_EQ(words.OfAnswer("[0001]"), "warning: the power goes off, the car battery is low");
 }
 
-TEST(Trace, is_shown_of_a_served_board_as_text_and_as_json) {
+TEST(Trace, IsShownOfAServedBoardAsTextAndAsJson) {
   const Directory directory;
   ServedBoard board(directory);
   EXPECT_EQ(RunTool(directory, {"trace", "--board", board.path()}).out, "");
@@ -81,7 +81,7 @@ TEST(Trace, is_shown_of_a_served_board_as_text_and_as_json) {
   EXPECT_THAT(following.err(), HasSubstr("went down"));
 }
 
-TEST(Trace, is_played_back_as_the_script_of_the_mcu) {
+TEST(Trace, IsPlayedBackAsTheScriptOfTheMcu) {
   const Directory directory;
   const std::string trace = directory.path() + "/trace";
   const auto run = [&](const std::vector<std::string>& options, const std::vector<std::string>& calls) {
@@ -107,7 +107,7 @@ TEST(Trace, is_played_back_as_the_script_of_the_mcu) {
   EXPECT_GT(sent, 0);
 }
 
-TEST(Trace, plays_back_unasked_lines_silence_and_any_bytes) {
+TEST(Trace, PlaysBackUnaskedLinesSilenceAndAnyBytes) {
   const Directory directory;
   const std::string trace = directory.Write(
       "field.json",

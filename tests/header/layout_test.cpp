@@ -10,13 +10,13 @@ void ExpectLayout(const LayoutRow* rows, size_t count) {
     EXPECT_EQ(row->actual, row->expected) << row->name;
 }
 
-TEST(HeaderTest, RecordsAreLaidOutAsDocumentedInC) {
+TEST(HeaderLayout, RecordsAreLaidOutAsDocumentedInC) {
   size_t count = 0;
   const LayoutRow* rows = LayoutInC(&count);
   ExpectLayout(rows, count);
 }
 
-TEST(HeaderTest, RecordsAreLaidOutAsDocumentedInCxx) {
+TEST(HeaderLayout, RecordsAreLaidOutAsDocumentedInCxx) {
   ExpectLayout(kLayoutRows, kLayoutRowCount);
 }
 

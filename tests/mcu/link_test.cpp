@@ -249,7 +249,7 @@ TEST(Link, NoDescriptorOfItsIsAStandardStream) {
     port = vpm_port;
     wake_event = vpm_wake_event;
     for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
-      taken[static_cast<std::size_t>(stream)] = fcntl(stream, F_GETFD) != -1;
+      taken[static_cast<size_t>(stream)] = fcntl(stream, F_GETFD) != -1;
     }
   }
   EXPECT_GT(port, STDERR_FILENO);
@@ -283,13 +283,13 @@ bool IoThreadStaysAsleep() {
 
 TEST(LinkAtRest, WakesNobodyAndStillHearsAndSends) {
   const rolu_sim::PseudoTerminal line;
-  const auto received = [&line](std::size_t size) {
+  const auto received = [&line](size_t size) {
     std::string bytes(size, '\0');
-    std::size_t count = 0;
+    size_t count = 0;
     while (count < size && IsReadable(line.master(), kGenerousMs)) {
       const ssize_t more = read(line.master(), bytes.data() + count, size - count);
       if (more <= 0) break;
-      count += static_cast<std::size_t>(more);
+      count += static_cast<size_t>(more);
     }
     return bytes;
   };

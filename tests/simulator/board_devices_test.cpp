@@ -38,7 +38,7 @@ std::string ReadFrom(const std::string& path) {
   std::array<char, 2> piece{};
   ssize_t length = 0;
   while ((length = read(file.get(), piece.data(), piece.size())) > 0) {
-    text.append(piece.data(), static_cast<std::size_t>(length));
+    text.append(piece.data(), static_cast<size_t>(length));
   }
   return length < 0 ? strerrorname_np(errno) : text;
 }
@@ -48,7 +48,7 @@ std::string OutputOf(const char* command) {
   if (pipe == nullptr) return "popen failed";
   std::string output;
   std::array<char, 512> piece{};
-  std::size_t length = 0;
+  size_t length = 0;
   while ((length = fread(piece.data(), 1, piece.size(), pipe)) > 0) output.append(piece.data(), length);
   const int status = pclose(pipe);
   return status == 0 ? output : "status " + std::to_string(status);
@@ -66,7 +66,7 @@ class BoardDevices : public testing::Test {
   Board board_;
 };
 
-TEST_F(BoardDevices, gpio_lines_are_there_once_they_are_exported) {
+TEST_F(BoardDevices, GpioLinesAreThereOnceTheyAreExported) {
   EXPECT_EQ(WriteTo(Gpio45("direction"), "out"), ENOENT);
   EXPECT_FALSE(board_.gpio().IsExported(45));
   for (const char* const unknown : {"44", "4", "-1", "", "45x", "99999999999"}) {
@@ -80,7 +80,7 @@ TEST_F(BoardDevices, gpio_lines_are_there_once_they_are_exported) {
   EXPECT_EQ(ReadFrom(kGpioExportPath), "EACCES");
 }
 
-TEST_F(BoardDevices, a_gpio_line_is_driven_from_its_own_side) {
+TEST_F(BoardDevices, AGpioLineIsDrivenFromItsOwnSide) {
   ASSERT_EQ(WriteTo(kGpioExportPath, "45"), 0);
   board_.gpio().SetInput(45, true);
   EXPECT_EQ(ReadFrom(Gpio45("value")), "1\n");
@@ -113,7 +113,7 @@ TEST_F(BoardDevices, a_gpio_line_is_driven_from_its_own_side) {
   EXPECT_FALSE(board_.gpio().IsExported(37));
 }
 
-TEST_F(BoardDevices, the_backlight_takes_its_levels_and_nothing_else) {
+TEST_F(BoardDevices, TheBacklightTakesItsLevelsAndNothingElse) {
   EXPECT_EQ(ReadFrom(kBacklightPath), "10\n");
   EXPECT_EQ(WriteTo(kBacklightPath, "+07"), 0);
   for (const char* const refused : {"11", "0xB", "08", "-1", "", "0x", "bright", "5 "}) {
@@ -124,7 +124,7 @@ TEST_F(BoardDevices, the_backlight_takes_its_levels_and_nothing_else) {
   EXPECT_EQ(ReadFrom(kBacklightPath), "0\n");
 }
 
-TEST_F(BoardDevices, the_light_sensor_is_read_and_its_text_is_the_owners) {
+TEST_F(BoardDevices, TheLightSensorIsReadAndItsTextIsTheOwners) {
   board_.light_sensor().SetNumber(12345);
   EXPECT_EQ(ReadFrom(kLuxPath), "12345\n");
   EXPECT_EQ(WriteTo(kLuxPath, "1"), EACCES);
@@ -137,7 +137,7 @@ TEST_F(BoardDevices, the_light_sensor_is_read_and_its_text_is_the_owners) {
   EXPECT_EQ(ReadFrom(kLuxPath), "");
 }
 
-TEST_F(BoardDevices, the_network_command_shows_and_switches_the_wireless_interface) {
+TEST_F(BoardDevices, TheNetworkCommandShowsAndSwitchesTheWirelessInterface) {
   EXPECT_THAT(OutputOf("ifconfig"), Not(HasSubstr("wlan0")));
   EXPECT_THAT(OutputOf("ifconfig wlan0"), StartsWith("wlan0: flags=4098<BROADCAST,MULTICAST>"));
   EXPECT_EQ(OutputOf("ifconfig wlan0 up"), "");
@@ -151,7 +151,7 @@ TEST_F(BoardDevices, the_network_command_shows_and_switches_the_wireless_interfa
   EXPECT_THAT(OutputOf("ifconfig eth7 up 2>/dev/null"), StartsWith("status "));
 }
 
-TEST(BoardCommands, come_first_while_the_board_is_attached_and_not_after) {
+TEST(BoardCommands, ComeFirstWhileTheBoardIsAttachedAndNotAfter) {
   const std::string before = SearchList();
   {
     Board board;

@@ -41,18 +41,18 @@ class BoardDescriptor : public testing::Test {
   }
 
   static UniqueFd Open(const char* path, int flags) { return UniqueFd(open(path, flags | O_CLOEXEC)); }
-  std::size_t OpenCount() { return board_.devices().OpenCount(kLuxPath); }
+  size_t OpenCount() { return board_.devices().OpenCount(kLuxPath); }
 
   // The next `count` bytes.
-  static std::string Read(int fd, std::size_t count) {
+  static std::string Read(int fd, size_t count) {
     std::array<char, 16> bytes{};
     const ssize_t length = read(fd, bytes.data(), count);
-    return length < 0 ? strerrorname_np(errno) : std::string(bytes.data(), static_cast<std::size_t>(length));
+    return length < 0 ? strerrorname_np(errno) : std::string(bytes.data(), static_cast<size_t>(length));
   }
-  static std::string ReadAt(int fd, std::size_t count, off_t offset) {
+  static std::string ReadAt(int fd, size_t count, off_t offset) {
     std::array<char, 16> bytes{};
     const ssize_t length = pread(fd, bytes.data(), count, offset);
-    return length < 0 ? strerrorname_np(errno) : std::string(bytes.data(), static_cast<std::size_t>(length));
+    return length < 0 ? strerrorname_np(errno) : std::string(bytes.data(), static_cast<size_t>(length));
   }
   static long Seek(int fd, off_t offset, int whence) {
     const off_t position = lseek(fd, offset, whence);
@@ -71,7 +71,7 @@ class BoardDescriptor : public testing::Test {
   Board board_;
 };
 
-TEST_F(BoardDescriptor, copies_go_on_where_another_left_off_and_the_last_closes_the_device) {
+TEST_F(BoardDescriptor, CopiesGoOnWhereAnotherLeftOffAndTheLastClosesTheDevice) {
   constexpr int kChosen = 300;
   using Copy = int (*)(int fd);
   const Copy ways[] = {[](int fd) { return dup(fd); }, [](int fd) { return dup2(fd, kChosen); },
@@ -94,7 +94,7 @@ TEST_F(BoardDescriptor, copies_go_on_where_another_left_off_and_the_last_closes_
   }
 }
 
-TEST_F(BoardDescriptor, a_position_is_sought_as_in_a_sysfs_attribute) {
+TEST_F(BoardDescriptor, APositionIsSoughtAsInASysfsAttribute) {
   const UniqueFd file = Open(kLuxPath, O_RDONLY);
   EXPECT_EQ(Read(file.get(), 3), "abc");
   EXPECT_EQ(Seek(file.get(), -2, SEEK_CUR), 1);
@@ -117,7 +117,7 @@ TEST_F(BoardDescriptor, a_position_is_sought_as_in_a_sysfs_attribute) {
   EXPECT_EQ(Seek(bus.get(), 0, SEEK_CUR), -ESPIPE);
 }
 
-TEST_F(BoardDescriptor, parts_are_read_and_written_one_after_the_other) {
+TEST_F(BoardDescriptor, PartsAreReadAndWrittenOneAfterTheOther) {
   std::array<char, 3> first{};
   std::array<char, 8> second{};
   iovec parts[] = {{first.data(), first.size()}, {second.data(), second.size()}};
@@ -140,7 +140,7 @@ TEST_F(BoardDescriptor, parts_are_read_and_written_one_after_the_other) {
   EXPECT_EQ(board_.backlight().level(), 4);
 }
 
-TEST_F(BoardDescriptor, the_system_copies_from_and_to_a_device) {
+TEST_F(BoardDescriptor, TheSystemCopiesFromAndToADevice) {
   board_.light_sensor().SetText("7\n");
   const UniqueFd file = Open(kLuxPath, O_RDONLY);
   const UniqueFd backlight = Open(kBacklightPath, O_WRONLY);
@@ -154,7 +154,7 @@ TEST_F(BoardDescriptor, the_system_copies_from_and_to_a_device) {
   EXPECT_EQ(errno, ENOSYS);
 }
 
-TEST_F(BoardDescriptor, every_stat_call_tells_what_it_is) {
+TEST_F(BoardDescriptor, EveryStatCallTellsWhatItIs) {
   const UniqueFd file = Open(kLuxPath, O_RDONLY);
   struct stat status {};
   struct stat64 status64 {};
@@ -180,7 +180,7 @@ TEST_F(BoardDescriptor, every_stat_call_tells_what_it_is) {
   EXPECT_NE(status.st_ino, other.st_ino) << "or a program takes the two for one file";
 }
 
-TEST_F(BoardDescriptor, streams_seek_and_name_their_descriptor) {
+TEST_F(BoardDescriptor, StreamsSeekAndNameTheirDescriptor) {
   FILE* const stream = fdopen(open(kLuxPath, O_RDONLY), "r");
   ASSERT_NE(stream, nullptr);
   EXPECT_EQ(fgetc(stream), 'a');
@@ -192,7 +192,7 @@ TEST_F(BoardDescriptor, streams_seek_and_name_their_descriptor) {
   EXPECT_EQ(OpenCount(), 0U);
 }
 
-TEST_F(BoardDescriptor, standard_output_is_a_device_while_it_is_led_to_one) {
+TEST_F(BoardDescriptor, StandardOutputIsADeviceWhileItIsLedToOne) {
   const UniqueFd kept(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10));
   FILE* const usual = stdout;
   fflush(stdout);
@@ -212,7 +212,7 @@ TEST_F(BoardDescriptor, standard_output_is_a_device_while_it_is_led_to_one) {
 }
 
 // The C library itself does not call the wrapped functions.
-TEST_F(BoardDescriptor, bytes_written_past_the_preloaded_object_are_not_lost) {
+TEST_F(BoardDescriptor, BytesWrittenPastThePreloadedObjectAreNotLost) {
   const UniqueFd backlight = Open(kBacklightPath, O_WRONLY);
   const UniqueFd file = Open(kBacklightPath, O_RDONLY);
   for (int level = 0; level <= Backlight::kHighestLevel; ++level) {
@@ -221,7 +221,7 @@ TEST_F(BoardDescriptor, bytes_written_past_the_preloaded_object_are_not_lost) {
   }
 }
 
-TEST_F(BoardDescriptor, children_use_the_board_while_other_threads_do) {
+TEST_F(BoardDescriptor, ChildrenUseTheBoardWhileOtherThreadsDo) {
   const UniqueFd file = Open(kLuxPath, O_RDONLY);
   std::atomic<bool> done{false};
   std::thread busy([&] {

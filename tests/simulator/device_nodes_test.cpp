@@ -33,7 +33,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-constexpr std::uint8_t kEeprom = 0x50;
+constexpr uint8_t kEeprom = 0x50;
 
 class DeviceNodes : public testing::Test {
  protected:
@@ -48,14 +48,14 @@ class DeviceNodes : public testing::Test {
   std::shared_ptr<I2cRegisterDevice> eeprom_ = std::make_shared<I2cRegisterDevice>();
 };
 
-TEST_F(DeviceNodes, i2c_transfers_reach_the_addressed_device) {
+TEST_F(DeviceNodes, I2cTransfersReachTheAddressedDevice) {
   eeprom_->SetRegister(0x10, 0xAB);
   const int bus = open(kI2cBusPath, O_RDWR);
   ASSERT_GE(bus, 0);
   ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, kEeprom), 0);
   EXPECT_EQ(write(bus, "\x10", 1), 1);
   unsigned char bytes[2] = {};
-  const volatile std::size_t wanted = sizeof bytes;  // makes a fortified read of it
+  const volatile size_t wanted = sizeof bytes;  // makes a fortified read of it
   EXPECT_EQ(read(bus, bytes, wanted), 2);
   EXPECT_EQ(bytes[0], 0xAB);
   EXPECT_EQ(ioctl(bus, 0x1234, 0), -1);
@@ -69,7 +69,7 @@ TEST_F(DeviceNodes, i2c_transfers_reach_the_addressed_device) {
   EXPECT_THAT(board_.devices().Writes(kI2cBusPath), ElementsAre("\x10", "\x0B\x01"));
 }
 
-TEST_F(DeviceNodes, i2c_addresses_refuse_as_told) {
+TEST_F(DeviceNodes, I2cAddressesRefuseAsTold) {
   board_.i2c().RefuseSelection(0x21, EBUSY);
   board_.i2c().RefuseTransfers(kEeprom, ETIMEDOUT);
   const UniqueFd bus(open(kI2cBusPath, O_RDWR | O_CLOEXEC));
@@ -85,7 +85,7 @@ TEST_F(DeviceNodes, i2c_addresses_refuse_as_told) {
   EXPECT_EQ(write_to(0x80), EINVAL);
 }
 
-TEST_F(DeviceNodes, faults_of_a_path_reach_the_program) {
+TEST_F(DeviceNodes, FaultsOfAPathReachTheProgram) {
   const auto open_errno = [](const char* path) { return UniqueFd(open(path, O_RDWR)) ? 0 : errno; };
   EXPECT_EQ(open_errno("/sys/class/gpio/gpio45/value"), ENOENT);
   DeviceFaults faults;
@@ -110,7 +110,7 @@ TEST_F(DeviceNodes, faults_of_a_path_reach_the_program) {
   EXPECT_EQ(open_errno("/proc/vpm_serial"), ENOENT);
 }
 
-TEST_F(DeviceNodes, streams_read_and_write_attributes) {
+TEST_F(DeviceNodes, StreamsReadAndWriteAttributes) {
   int level = 0;
   FILE* stream = fopen(kBacklightPath, "r");
   ASSERT_NE(stream, nullptr);
@@ -126,7 +126,7 @@ TEST_F(DeviceNodes, streams_read_and_write_attributes) {
   EXPECT_EQ(errno, ENOENT);
 }
 
-TEST_F(DeviceNodes, stat_and_access_tell_what_is_there) {
+TEST_F(DeviceNodes, StatAndAccessTellWhatIsThere) {
   struct stat status {};
   ASSERT_EQ(stat(kI2cBusPath, &status), 0);
   EXPECT_TRUE(S_ISCHR(status.st_mode));
@@ -152,7 +152,7 @@ std::set<std::string> ScannedNames(const char* directory) {
   return names;
 }
 
-TEST_F(DeviceNodes, directories_show_what_is_there_now) {
+TEST_F(DeviceNodes, DirectoriesShowWhatIsThereNow) {
   const std::string lines = "/sys/class/gpio/gpio45";
   EXPECT_THAT(ScannedNames("/sys/class/gpio"), ElementsAre(".", "..", "export"));
   EXPECT_EQ(opendir(lines.c_str()), nullptr);
@@ -167,7 +167,7 @@ TEST_F(DeviceNodes, directories_show_what_is_there_now) {
   EXPECT_THAT(ScannedNames("/sys/class/gpio"), ElementsAre(".", "..", "export"));
 }
 
-TEST_F(DeviceNodes, paths_are_taken_as_the_system_takes_them) {
+TEST_F(DeviceNodes, PathsAreTakenAsTheSystemTakesThem) {
   char path[PATH_MAX];
   EXPECT_STREQ(realpath("/sys//class/./gpio/../gpio/export", path), kGpioExportPath);
   EXPECT_EQ(realpath("/sys/class/gpio/gpio45", path), nullptr);
@@ -184,7 +184,7 @@ TEST_F(DeviceNodes, paths_are_taken_as_the_system_takes_them) {
   EXPECT_EQ(fchdir(before.get()), 0);
 }
 
-TEST_F(DeviceNodes, a_child_that_closes_an_inherited_node_leaves_it_open) {
+TEST_F(DeviceNodes, AChildThatClosesAnInheritedNodeLeavesItOpen) {
   const int bus = open(kI2cBusPath, O_RDWR);
   const pid_t child = fork();
   if (child == 0) _exit(close(bus));
@@ -195,7 +195,7 @@ TEST_F(DeviceNodes, a_child_that_closes_an_inherited_node_leaves_it_open) {
   close(bus);
 }
 
-TEST_F(DeviceNodes, a_descriptor_that_was_replaced_is_no_node_any_more) {
+TEST_F(DeviceNodes, ADescriptorThatWasReplacedIsNoNodeAnyMore) {
   const int bus = open(kI2cBusPath, O_RDWR);
   const UniqueFd zero(open("/dev/zero", O_RDONLY));
   ASSERT_EQ(dup2(zero.get(), bus), bus);
@@ -205,7 +205,7 @@ TEST_F(DeviceNodes, a_descriptor_that_was_replaced_is_no_node_any_more) {
   close(bus);
 }
 
-TEST_F(DeviceNodes, the_kernels_names_are_the_boards_while_it_is_attached) {
+TEST_F(DeviceNodes, TheKernelsNamesAreTheBoardsWhileItIsAttached) {
   utsname names{};
   ASSERT_EQ(uname(&names), 0);
   EXPECT_STREQ(names.machine, "armv7l");
@@ -213,7 +213,7 @@ TEST_F(DeviceNodes, the_kernels_names_are_the_boards_while_it_is_attached) {
   EXPECT_STREQ(names.version, KernelIdentity{}.version.c_str());
 }
 
-TEST_F(DeviceNodes, other_paths_pass_through) {
+TEST_F(DeviceNodes, OtherPathsPassThrough) {
   const std::string path = board_.root().path() + "/file";
   const UniqueFd file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600));
   ASSERT_EQ(write(file.get(), "text", 4), 4);
@@ -223,7 +223,7 @@ TEST_F(DeviceNodes, other_paths_pass_through) {
   EXPECT_EQ(status.st_size, 4);
 }
 
-TEST_F(DeviceNodes, a_program_finds_nothing_that_the_mcu_sent_to_the_one_before) {
+TEST_F(DeviceNodes, AProgramFindsNothingThatTheMcuSentToTheOneBefore) {
   for (int i = 0; i < 100; ++i) {
     const UniqueFd port(open(kSerialPath, O_RDWR | O_NOCTTY | O_CLOEXEC));
     pollfd waiting{port.get(), POLLIN, 0};
@@ -238,7 +238,7 @@ std::ptrdiff_t OpenDescriptors() {
                        std::filesystem::directory_iterator());
 }
 
-TEST(Board, is_gone_without_a_trace) {
+TEST(Board, IsGoneWithoutATrace) {
   const std::ptrdiff_t descriptors_before = OpenDescriptors();
   std::string root;
   {
@@ -256,7 +256,7 @@ TEST(Board, is_gone_without_a_trace) {
 }
 
 // Whatever small number of some kernel object a user may have.
-TEST(Board, has_room_beside_two_hundred_others) {
+TEST(Board, HasRoomBesideTwoHundredOthers) {
   constexpr int kBoards = 200;
   rlimit descriptors{};
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &descriptors), 0);

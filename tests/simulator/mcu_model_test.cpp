@@ -54,14 +54,14 @@ constexpr Exchange kExchanges[] = {
     {"hello", "ERR-C01"},
 };
 
-TEST(McuModel, answers_each_command_as_the_microcontroller_does) {
+TEST(McuModel, AnswersEachCommandAsTheMicrocontrollerDoes) {
   McuModel mcu;
   for (const Exchange& row : kExchanges) {
     EXPECT_THAT(mcu.Execute(row.command, TimePoint{}), ElementsAre(row.answer)) << row.command;
   }
 }
 
-TEST(McuModel, keeps_the_watchdogs_state_for_its_owner) {
+TEST(McuModel, KeepsTheWatchdogsStateForItsOwner) {
   McuModel mcu;
   mcu.Execute("WDTE", TimePoint{1s});
   mcu.Execute("WDTR", TimePoint{3s});
@@ -72,7 +72,7 @@ TEST(McuModel, keeps_the_watchdogs_state_for_its_owner) {
   EXPECT_FALSE(mcu.watchdog.enabled);
 }
 
-TEST(McuModel, measures_a_battery_that_follows_a_curve) {
+TEST(McuModel, MeasuresABatteryThatFollowsACurve) {
   McuModel mcu;
   mcu.SetBatteryCurve(VoltageCurve::Parse("1s=12.0 3000ms=10.0"), TimePoint{10s});
   const auto volts_at = [&](TimePoint time) { return mcu.battery.VoltsAt(time); };
@@ -83,7 +83,7 @@ TEST(McuModel, measures_a_battery_that_follows_a_curve) {
   EXPECT_THAT(mcu.Execute("MCVG", TimePoint{}), ElementsAre("FFFF"));
 }
 
-TEST(VoltageCurve, refuses_a_text_that_is_no_curve_and_names_the_point) {
+TEST(VoltageCurve, RefusesATextThatIsNoCurveAndNamesThePoint) {
   for (const char* const word : {"12.6", "1s", "1=12", "1s=", "1s=x", "1s=12V", "s=12", "-1s=12", "1s=-1",
                                  "1s=101", "1s=nan", "1e30s=1"}) {
     try {

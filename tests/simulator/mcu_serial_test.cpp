@@ -28,14 +28,14 @@ class Host {
     return write(port(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
   }
   // Reads until `count` bytes are there.
-  std::string Read(std::size_t count) const {
+  std::string Read(size_t count) const {
     std::string bytes;
     pollfd source{port(), POLLIN, 0};
     while (bytes.size() < count && poll(&source, 1, std::chrono::milliseconds(kPatience).count()) > 0) {
       char buffer[256];
       const ssize_t length = read(port(), buffer, sizeof buffer);
       if (length <= 0) break;
-      bytes.append(buffer, static_cast<std::size_t>(length));
+      bytes.append(buffer, static_cast<size_t>(length));
     }
     return bytes;
   }
@@ -48,7 +48,7 @@ class Host {
   UniqueFd port_;
 };
 
-TEST(McuSerial, offers_a_raw_port_and_answers_what_arrives_in_pieces) {
+TEST(McuSerial, OffersARawPortAndAnswersWhatArrivesInPieces) {
   McuSerial serial;
   const Host host(serial);
   termios attributes{};
@@ -61,7 +61,7 @@ TEST(McuSerial, offers_a_raw_port_and_answers_what_arrives_in_pieces) {
   EXPECT_THAT(serial.CommandsReceived(), ElementsAre("MCBG", "WDTG"));
 }
 
-TEST(McuSerial, lets_scripted_replies_go_before_the_model) {
+TEST(McuSerial, LetsScriptedRepliesGoBeforeTheModel) {
   McuSerial serial;
   const Host host(serial);
   serial.Script(CommandMatch::Exactly("MCBG"), Reply::Lines({"one", "two"}), 2);
@@ -77,7 +77,7 @@ TEST(McuSerial, lets_scripted_replies_go_before_the_model) {
   EXPECT_EQ(host.Read(6), "003C\r\n");
 }
 
-TEST(McuSerial, sends_a_late_line_after_the_answer_to_a_later_command) {
+TEST(McuSerial, SendsALateLineAfterTheAnswerToALaterCommand) {
   McuSerial serial;
   const Host host(serial);
   serial.Script(CommandMatch::Exactly("MCVG"), Reply::Line("late", 100ms));
@@ -87,7 +87,7 @@ TEST(McuSerial, sends_a_late_line_after_the_answer_to_a_later_command) {
   EXPECT_THAT(std::chrono::steady_clock::now() - sent, Ge(100ms));
 }
 
-TEST(McuSerial, sends_unasked_bytes_and_stays_silent_when_told_to) {
+TEST(McuSerial, SendsUnaskedBytesAndStaysSilentWhenToldTo) {
   McuSerial serial;
   const Host host(serial);
   serial.SendRaw("[0001]\r");
@@ -100,7 +100,7 @@ TEST(McuSerial, sends_unasked_bytes_and_stays_silent_when_told_to) {
   EXPECT_EQ(host.Read(6), "003C\r\n");
 }
 
-TEST(McuSerial, takes_the_time_of_the_line_when_paced) {
+TEST(McuSerial, TakesTheTimeOfTheLineWhenPaced) {
   McuSerialOptions options;
   options.paced = true;
   McuSerial serial(options);
@@ -111,12 +111,12 @@ TEST(McuSerial, takes_the_time_of_the_line_when_paced) {
   EXPECT_THAT(std::chrono::steady_clock::now() - sent, Ge(16 * 86us));
 }
 
-TEST(McuSerial, blocks_a_writer_while_it_does_not_read) {
+TEST(McuSerial, BlocksAWriterWhileItDoesNotRead) {
   McuSerial serial;
   const Host host(serial);
   serial.StopReading(true);
   ASSERT_EQ(fcntl(host.port(), F_SETFL, O_NONBLOCK), 0);
-  std::size_t accepted = 0;
+  size_t accepted = 0;
   while (host.Send("WDTR\r") && accepted < 100000) ++accepted;
   EXPECT_FALSE(host.Send("x"));
   EXPECT_EQ(errno, EAGAIN);
@@ -126,7 +126,7 @@ TEST(McuSerial, blocks_a_writer_while_it_does_not_read) {
   EXPECT_TRUE(serial.WaitForCommand("WDTR", kPatience, accepted));
 }
 
-TEST(McuSerial, keeps_bytes_for_one_program_from_the_next) {
+TEST(McuSerial, KeepsBytesForOneProgramFromTheNext) {
   McuSerial serial;
   serial.SendRaw("to nobody\r\n");
   {
@@ -145,7 +145,7 @@ TEST(McuSerial, keeps_bytes_for_one_program_from_the_next) {
   EXPECT_TRUE(second.HasNothingToRead());
 }
 
-TEST(McuSerial, hangs_up_and_comes_back_with_its_state) {
+TEST(McuSerial, HangsUpAndComesBackWithItsState) {
   McuSerial serial;
   serial.WithModel([](McuModel& mcu) { mcu.watchdog.time = 0x1234; });
   {

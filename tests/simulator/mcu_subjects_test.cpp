@@ -119,7 +119,7 @@ void ExpectAnswers(McuModel& mcu, const Exchange* begin, const Exchange* end) {
   }
 }
 
-TEST(McuSubjects, answer_each_command_and_restore_all_settings) {
+TEST(McuSubjects, AnswerEachCommandAndRestoreAllSettings) {
   McuModel mcu;
   ExpectAnswers(mcu, std::begin(kExchanges), std::end(kExchanges));
   mcu.ignition.on = false;
@@ -133,7 +133,7 @@ TEST(McuSubjects, answer_each_command_and_restore_all_settings) {
   ExpectAnswers(mcu, std::begin(kConditions), std::end(kConditions));
 }
 
-TEST(McuSubjects, tell_what_the_owner_set_of_the_backup_battery) {
+TEST(McuSubjects, TellWhatTheOwnerSetOfTheBackupBattery) {
   McuModel mcu;
   mcu.backup_battery = {4000, 2731, 50, 1000, 60, 45, 0x1F, 0x8081};
   constexpr Exchange kRows[] = {
@@ -142,7 +142,7 @@ TEST(McuSubjects, tell_what_the_owner_set_of_the_backup_battery) {
   ExpectAnswers(mcu, std::begin(kRows), std::end(kRows));
 }
 
-TEST(McuSubjects, set_the_clock_with_two_lines_and_let_it_run_on) {
+TEST(McuSubjects, SetTheClockWithTwoLinesAndLetItRunOn) {
   struct Row {
     const char* set;
     std::chrono::milliseconds later;

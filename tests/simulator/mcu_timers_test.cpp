@@ -32,7 +32,7 @@ std::string ReadUntil(int port, std::string_view end) {
     std::array<char, 256> bytes{};
     const ssize_t length = read(port, bytes.data(), bytes.size());
     if (length <= 0) break;
-    received.append(bytes.data(), static_cast<std::size_t>(length));
+    received.append(bytes.data(), static_cast<size_t>(length));
   }
   return received;
 }
@@ -80,7 +80,7 @@ class McuTimers : public testing::Test {
   TimePoint now_ = start_;
 };
 
-TEST_F(McuTimers, warn_once_when_the_ignition_has_been_off_for_its_delay) {
+TEST_F(McuTimers, WarnOnceWhenTheIgnitionHasBeenOffForItsDelay) {
   mcu_.Execute("MCUS3000A", now_);
   mcu_.ignition.on = false;
   EXPECT_THAT(RunUntil(9999ms), IsEmpty());
@@ -95,7 +95,7 @@ TEST_F(McuTimers, warn_once_when_the_ignition_has_been_off_for_its_delay) {
   EXPECT_THAT(RunUntil(200s), IsEmpty());
 }
 
-TEST_F(McuTimers, warn_when_the_battery_has_been_low_without_a_break) {
+TEST_F(McuTimers, WarnWhenTheBatteryHasBeenLowWithoutABreak) {
   mcu_.power_off.Delay(DelayType::kLowBattery) = 5;
   // Below 11.485 V, where the reading is nearer to 2EA than to the threshold 2EB: from 2.5 s to 6.5 s
   // and from 11.5 s on.
@@ -107,7 +107,7 @@ TEST_F(McuTimers, warn_when_the_battery_has_been_low_without_a_break) {
   EXPECT_NEAR(static_cast<double>(sent[0].first.count()), 16500, 5);
 }
 
-TEST_F(McuTimers, do_not_warn_of_a_battery_whose_protection_is_off) {
+TEST_F(McuTimers, DoNotWarnOfABatteryWhoseProtectionIsOff) {
   mcu_.SetBatteryVolts(9.0);
   mcu_.Execute("MCCS10", now_);
   EXPECT_THAT(RunUntil(1000s), IsEmpty());
@@ -115,7 +115,7 @@ TEST_F(McuTimers, do_not_warn_of_a_battery_whose_protection_is_off) {
   EXPECT_THAT(RunUntil(2000s), ElementsAre(TimedLine(1030s, "[0001]")));
 }
 
-TEST_F(McuTimers, let_the_watchdog_bite_once_when_it_is_not_triggered) {
+TEST_F(McuTimers, LetTheWatchdogBiteOnceWhenItIsNotTriggered) {
   mcu_.Execute("WDTS0002", now_);
   mcu_.Execute("WDTE", now_);
   RunUntil(1500ms);
@@ -133,7 +133,7 @@ struct AlarmRow {
   std::vector<std::chrono::milliseconds> wakes;
 };
 
-TEST_F(McuTimers, wake_the_computer_whenever_the_alarm_matches) {
+TEST_F(McuTimers, WakeTheComputerWheneverTheAlarmMatches) {
   const AlarmRow rows[] = {
       {"RTAS000000", 192h, {}},                               // nothing is to match
       {"RTAS000001", 2h, {30s, 3630s}},                       // each hour at minute 0
@@ -155,7 +155,7 @@ TEST_F(McuTimers, wake_the_computer_whenever_the_alarm_matches) {
   }
 }
 
-TEST_F(McuTimers, do_not_make_up_for_alarms_that_came_while_they_were_off) {
+TEST_F(McuTimers, DoNotMakeUpForAlarmsThatCameWhileTheyWereOff) {
   mcu_.Execute("RTAS000001", now_);
   RunUntil(5h);
   mcu_.Execute("WKMS61", now_);
@@ -163,7 +163,7 @@ TEST_F(McuTimers, do_not_make_up_for_alarms_that_came_while_they_were_off) {
   EXPECT_THAT(TimesOf(McuEventKind::kAlarmWakeup), IsEmpty());
 }
 
-TEST_F(McuTimers, report_a_shake_only_above_the_threshold_with_sensor_and_alarm_on) {
+TEST_F(McuTimers, ReportAShakeOnlyAboveTheThresholdWithSensorAndAlarmOn) {
   const GSensorSample shaken = {-513, 0, 256};
   EXPECT_FALSE(mcu_.ShakeTo(shaken));
   mcu_.Execute("GSO", now_);
@@ -178,7 +178,7 @@ TEST_F(McuTimers, report_a_shake_only_above_the_threshold_with_sensor_and_alarm_
 }
 
 // The same, driven by the thread and the clock of a port.
-TEST(McuSerialTimers, tell_the_owner_of_events_and_drive_due_lines) {
+TEST(McuSerialTimers, TellTheOwnerOfEventsAndDriveDueLines) {
   std::mutex mutex;
   std::vector<McuEventKind> heard;
   McuSerialOptions options;
@@ -203,7 +203,7 @@ TEST(McuSerialTimers, tell_the_owner_of_events_and_drive_due_lines) {
   EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerOff, McuEventKind::kWatchdogBite));
 }
 
-TEST(McuSerialTimers, send_what_the_owner_asks_for_unless_the_mcu_is_silent) {
+TEST(McuSerialTimers, SendWhatTheOwnerAsksForUnlessTheMcuIsSilent) {
   McuSerial serial;
   const UniqueFd port(open(serial.DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_TRUE(port);

@@ -5,7 +5,7 @@
 namespace rolu_sim {
 namespace {
 
-TEST(PreloadList, puts_sanitizers_first_and_keeps_what_was_there) {
+TEST(PreloadList, PutsSanitizersFirstAndKeepsWhatWasThere) {
   constexpr struct {
     const char* present;
     const char* expected;

@@ -9,7 +9,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-Operation Promising(int own_ms, std::size_t lane, bool takes_turns = true) {
+Operation Promising(int own_ms, size_t lane, bool takes_turns = true) {
   return {"X", kWatchdog, lane, {"a promise", own_ms, takes_turns}, nullptr};
 }
 

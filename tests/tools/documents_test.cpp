@@ -22,20 +22,19 @@ constexpr const char* kCommands[] = {
     "pins prepare",  "light",        "backlight",    "defaults",  "reset",       "force-shutdown",
 };
 
-TEST(RoluDocuments, every_command_has_help_and_a_place_in_the_man_page) {
+TEST(RoluDocuments, EveryCommandHasHelpAndAPlaceInTheManPage) {
   const std::string page = Rolu("--generate-man").out;
   for (const char* const command : kCommands) {
     const Ended help = Rolu(std::string(command) + " --help");
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_THAT(help.out, HasSubstr(std::string("Usage: rolu ") + command)) << command;
     std::string heading = std::string("\n.SS rolu ") + command + " ";
-    for (std::size_t at = 0; (at = heading.find('-', at)) != std::string::npos; at += 2)
-      heading.insert(at, "\\");
+    for (size_t at = 0; (at = heading.find('-', at)) != std::string::npos; at += 2) heading.insert(at, "\\");
     EXPECT_THAT(page, HasSubstr(heading)) << command;
   }
 }
 
-TEST(RoluDocuments, help_and_man_page_tell_the_exit_statuses_and_the_settings) {
+TEST(RoluDocuments, HelpAndManPageTellTheExitStatusesAndTheSettings) {
   const Ended help = Rolu("--help");
   EXPECT_EQ(help.status, 0);
   EXPECT_THAT(help.out, HasSubstr("  5         busy: another process holds the MCU's port\n"));
@@ -61,7 +60,7 @@ std::vector<std::string> Completions(const std::string& words) {
   return Words(output);
 }
 
-TEST(RoluDocuments, bash_completes_commands_settings_values_events_and_files) {
+TEST(RoluDocuments, BashCompletesCommandsSettingsValuesEventsAndFiles) {
   EXPECT_THAT(Completions("rolu sta"), ElementsAre("status"));
   EXPECT_THAT(Completions("rolu alarm ''"), ElementsAre("show", "hourly", "daily", "weekly", "off"));
   EXPECT_THAT(Completions("rolu --json get battery.l"),

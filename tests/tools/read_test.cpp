@@ -24,7 +24,7 @@ rolu_sim::DeviceFaults Missing() {
   return faults;
 }
 
-TEST_F(RoluTest, status_as_json_has_every_listed_setting_with_its_unit) {
+TEST_F(RoluTest, StatusAsJsonHasEveryListedSettingWithItsUnit) {
   board.gpio().SetInput(36, true);
   EXPECT_EQ(Rolu("pins prepare").status, 0);
   board.mcu().WithModel([](auto& mcu) { mcu.SetBatteryVolts(11.0); });
@@ -45,7 +45,7 @@ TEST_F(RoluTest, status_as_json_has_every_listed_setting_with_its_unit) {
   EXPECT_EQ(fields["pins.inputs"]["value"], nlohmann::json({0, 1}));
 }
 
-TEST_F(RoluTest, status_says_in_words_why_a_part_cannot_be_read) {
+TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
   board.mcu().Script(CommandMatch::Exactly("WKSG"), Reply::Line("22"), kEveryTime);
   board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
   const Ended status = Rolu("status");
@@ -57,14 +57,14 @@ TEST_F(RoluTest, status_says_in_words_why_a_part_cannot_be_read) {
                     HasSubstr("'rolu pins prepare' does it"), Not(HasSubstr("\033"))));
 }
 
-TEST_F(RoluTest, standard_output_carries_nothing_but_results) {
+TEST_F(RoluTest, StandardOutputCarriesNothingButResults) {
   const Ended get = Rolu("get -n battery.voltage board.machine");
   EXPECT_EQ(get.out, "12.600\narmv7l\n");
   EXPECT_EQ(get.status, 0);
   EXPECT_EQ(Rolu("get battery.voltage").out, "battery.voltage  12.600 V\n");
 }
 
-TEST_F(RoluTest, status_says_after_one_question_that_the_mcu_is_silent) {
+TEST_F(RoluTest, StatusSaysAfterOneQuestionThatTheMcuIsSilent) {
   board.mcu().SetSilent(true);
   const Ended status = Rolu("status --json");
   EXPECT_EQ(status.status, 4);
@@ -76,7 +76,7 @@ TEST_F(RoluTest, status_says_after_one_question_that_the_mcu_is_silent) {
   EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("Hello"));
 }
 
-TEST_F(RoluTest, status_stops_where_the_mcu_falls_silent) {
+TEST_F(RoluTest, StatusStopsWhereTheMcuFallsSilent) {
   board.mcu().Script(CommandMatch::Exactly("MCVG"), Reply::Silence());
   const Ended status = Rolu("status battery light --json");
   EXPECT_EQ(status.status, 4);
@@ -85,13 +85,13 @@ TEST_F(RoluTest, status_stops_where_the_mcu_falls_silent) {
   EXPECT_EQ(board.mcu().CommandsReceived().back(), "MCVG");
 }
 
-TEST_F(RoluTest, a_silent_mcu_is_given_up_after_two_questions) {
+TEST_F(RoluTest, ASilentMcuIsGivenUpAfterTwoQuestions) {
   board.mcu().SetSilent(true);
   EXPECT_EQ(Rolu("get ignition battery").status, 4);
   EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("Hello", "ATF0"));
 }
 
-TEST_F(RoluTest, a_missing_port_is_no_answer) {
+TEST_F(RoluTest, AMissingPortIsNoAnswer) {
   board.RemoveSerialDevice();
   for (const char* const command : {"get battery.voltage", "set watchdog.time=5", "watch", "watchdog feed",
                                     "clock show", "alarm daily 07:30", "doctor"}) {
@@ -106,20 +106,20 @@ TEST_F(RoluTest, a_missing_port_is_no_answer) {
 // The process that `text` names, "in use by process 1234 (...)".
 pid_t NamedProcess(const std::string& text) {
   constexpr std::string_view kBefore = "in use by process ";
-  const std::size_t at = text.find(kBefore);
+  const size_t at = text.find(kBefore);
   return at == std::string::npos ? -1 : std::stoi(text.substr(at + kBefore.size()));
 }
 
 pid_t ParentOf(pid_t process) {
   const std::string status = ReadFile("/proc/" + std::to_string(process) + "/status");
-  const std::size_t at = status.find("PPid:");
+  const size_t at = status.find("PPid:");
   return at == std::string::npos ? -1 : std::stoi(status.substr(at + 5));
 }
 
-TEST_F(RoluTest, another_owner_of_the_port_is_named_and_respected) {
+TEST_F(RoluTest, AnotherOwnerOfThePortIsNamedAndRespected) {
   RoluProcess watch(Words("watch --json --interval 1h"));
   ASSERT_TRUE(watch.WaitForOutput("state"));
-  const std::size_t asked = Received("WDT").size();
+  const size_t asked = Received("WDT").size();
   pid_t owner = -1;
   for (const char* const command : {"get watchdog.time", "set watchdog.time=5", "doctor", "watchdog feed"}) {
     const Ended ended = Rolu(command);
@@ -137,7 +137,7 @@ TEST_F(RoluTest, another_owner_of_the_port_is_named_and_respected) {
   EXPECT_EQ(Rolu("get watchdog.time").status, 0);
 }
 
-TEST_F(RoluTest, wrong_use_names_the_nearest_and_sends_nothing) {
+TEST_F(RoluTest, WrongUseNamesTheNearestAndSendsNothing) {
   const struct {
     const char* command_line;
     const char* message;
@@ -188,7 +188,7 @@ TEST_F(RoluTest, wrong_use_names_the_nearest_and_sends_nothing) {
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
 }
 
-TEST_F(RoluTest, reading_leaves_a_gps_receiver_that_is_on_as_it_is) {
+TEST_F(RoluTest, ReadingLeavesAGpsReceiverThatIsOnAsItIs) {
   ASSERT_EQ(Rolu("set peripheral.gps=on").status, 0);
   board.devices().ClearAccesses();
   EXPECT_THAT(Rolu("status --json").Json()["peripheral.gps"]["skipped"], HasSubstr("GPS receiver is on"));
@@ -197,7 +197,7 @@ TEST_F(RoluTest, reading_leaves_a_gps_receiver_that_is_on_as_it_is) {
   EXPECT_TRUE(board.gpio().Level(45));
 }
 
-TEST_F(RoluTest, doctor_measures_the_mcu_and_finds_missing_devices) {
+TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
   Ended doctor = Rolu("doctor --json");
   EXPECT_EQ(doctor.status, 0) << doctor.out;
   const nlohmann::json found = doctor.Json();
@@ -216,7 +216,7 @@ TEST_F(RoluTest, doctor_measures_the_mcu_and_finds_missing_devices) {
                                 HasSubstr("Verdict: the MCU answers, but something is missing.\n")));
 }
 
-TEST_F(RoluTest, a_reader_that_goes_away_ends_it_quietly) {
+TEST_F(RoluTest, AReaderThatGoesAwayEndsItQuietly) {
   RoluProcess rolu(Words("watch --json --interval 10ms"));
   ASSERT_TRUE(rolu.WaitForOutput("state"));
   rolu.StopReading();

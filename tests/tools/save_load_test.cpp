@@ -62,7 +62,7 @@ class SaveLoadTest : public RoluTest {
   TemporaryDirectory directory;
 };
 
-TEST_F(SaveLoadTest, a_unit_is_saved_and_made_so_again_after_everything_changed) {
+TEST_F(SaveLoadTest, AUnitIsSavedAndMadeSoAgainAfterEverythingChanged) {
   SetUpUnit();
   const std::string path = directory.File("unit.json");
   const Ended save = Rolu("save " + path);
@@ -86,7 +86,7 @@ TEST_F(SaveLoadTest, a_unit_is_saved_and_made_so_again_after_everything_changed)
   EXPECT_THAT(Setters(), IsEmpty()) << "what is as it should be is left alone";
 }
 
-TEST_F(SaveLoadTest, the_protections_end_as_the_file_says_whatever_the_mode_change_does) {
+TEST_F(SaveLoadTest, TheProtectionsEndAsTheFileSaysWhateverTheModeChangeDoes) {
   for (const char* const preboot : {"on", "off"}) {
     for (const char* const lbp : {"on", "off", "as it was"}) {
       board.mcu().WithModel([](auto& mcu) {
@@ -107,7 +107,7 @@ TEST_F(SaveLoadTest, the_protections_end_as_the_file_says_whatever_the_mode_chan
   }
 }
 
-TEST_F(SaveLoadTest, an_end_between_mode_and_protections_leaves_no_protection_off) {
+TEST_F(SaveLoadTest, AnEndBetweenModeAndProtectionsLeavesNoProtectionOff) {
   const std::string path =
       FileWith({{"battery.mode", {{"value", "24V"}}}, {"watchdog.time", {{"value", 5}}}});
   // The mode's answer takes its time, in which the signal comes.
@@ -122,7 +122,7 @@ TEST_F(SaveLoadTest, an_end_between_mode_and_protections_leaves_no_protection_of
               ElementsAre(true, true));
 }
 
-TEST_F(SaveLoadTest, a_dry_run_shows_the_difference_and_sets_nothing) {
+TEST_F(SaveLoadTest, ADryRunShowsTheDifferenceAndSetsNothing) {
   const std::string path = FileWith({{"battery.mode", {{"value", "24V"}}},
                                      {"ignition.on-delay", {{"value", 77}, {"unit", "MCU units"}}},
                                      {"watchdog.time", {{"value", 60}}}});
@@ -140,7 +140,7 @@ TEST_F(SaveLoadTest, a_dry_run_shows_the_difference_and_sets_nothing) {
   EXPECT_THAT(Setters(), IsEmpty());
 }
 
-TEST_F(SaveLoadTest, what_could_not_be_set_is_named_and_the_rest_is_done) {
+TEST_F(SaveLoadTest, WhatCouldNotBeSetIsNamedAndTheRestIsDone) {
   const std::string path = FileWith({{"ignition.mode", {{"value", 2}}}, {"watchdog.time", {{"value", 7}}}});
   board.mcu().Script(CommandMatch::StartingWith("IGMS"), Reply::Line("ERR-M08"), kEveryTime);
   const Ended load = Rolu("load " + path);
@@ -150,7 +150,7 @@ TEST_F(SaveLoadTest, what_could_not_be_set_is_named_and_the_rest_is_done) {
   EXPECT_EQ(Rolu("load " + path).status, 1) << "also when nothing else is left to be set";
 }
 
-TEST_F(SaveLoadTest, a_setting_that_another_one_moved_is_found_at_the_end) {
+TEST_F(SaveLoadTest, ASettingThatAnotherOneMovedIsFoundAtTheEnd) {
   const std::string path = FileWith({{"ignition.mode", {{"value", 2}}}, {"watchdog.time", {{"value", 7}}}});
   board.mcu().WithModel([](auto& mcu) { mcu.ignition.mode = 2; });
   board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("2"));
@@ -160,12 +160,12 @@ TEST_F(SaveLoadTest, a_setting_that_another_one_moved_is_found_at_the_end) {
   EXPECT_THAT(load.err, HasSubstr("ignition.mode = 2 is in the file, but the unit ends with 1"));
 }
 
-TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
+TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
   const std::string good = FileWith({{"watchdog.time", {{"value", 7}, {"unit", "MCU units"}}}});
   const std::string text = ReadFile(good);
   const auto with = [&](const std::string& from, const std::string& to) {
     std::string changed = text;
-    const std::size_t at = changed.find(from);
+    const size_t at = changed.find(from);
     EXPECT_NE(at, std::string::npos) << from;
     return changed.replace(at, from.size(), to);
   };
@@ -208,7 +208,7 @@ TEST_F(SaveLoadTest, a_file_that_is_not_wholly_understood_changes_nothing) {
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
 }
 
-TEST_F(SaveLoadTest, save_names_what_is_not_in_the_file_and_asks_before_it_replaces_one) {
+TEST_F(SaveLoadTest, SaveNamesWhatIsNotInTheFileAndAsksBeforeItReplacesOne) {
   const std::string path = directory.File("unit.json");
   board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("ERR-C01"), kEveryTime);
   const Ended save = Rolu("save " + path);

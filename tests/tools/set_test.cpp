@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-TEST_F(RoluTest, every_writable_setting_can_be_set_to_what_it_takes_and_reads_back) {
+TEST_F(RoluTest, EveryWritableSettingCanBeSetToWhatItTakesAndReadsBack) {
   // One process for all, as a commissioning script would.
   std::vector<std::string> arguments = {"set", "-y", "--json"};
   for (const nlohmann::json& setting : Rolu("list --json").Json()) {
@@ -37,7 +37,7 @@ TEST_F(RoluTest, every_writable_setting_can_be_set_to_what_it_takes_and_reads_ba
   EXPECT_TRUE(board.wireless().IsUp());
 }
 
-TEST_F(RoluTest, the_order_on_the_wire_is_that_of_the_table) {
+TEST_F(RoluTest, TheOrderOnTheWireIsThatOfTheTable) {
   ASSERT_EQ(
       Rolu("set -y battery.lbp=on battery.preboot=on battery.24v.lbp-threshold=22 battery.mode=24V").status,
       0);
@@ -46,7 +46,7 @@ TEST_F(RoluTest, the_order_on_the_wire_is_that_of_the_table) {
   EXPECT_THAT(Received("MCCS"), ElementsAre("MCCS00", "MCCS10", "MCCS11"));
 }
 
-TEST_F(RoluTest, a_value_that_the_mcu_rounds_is_told_as_it_became) {
+TEST_F(RoluTest, AValueThatTheMcuRoundsIsToldAsItBecame) {
   const Ended set = Rolu("set -y battery.12v.lbp-threshold=11 gsensor.alarm-threshold=2062");
   EXPECT_EQ(set.status, 0);
   EXPECT_THAT(set.out, HasSubstr("battery.12v.lbp-threshold = 11.000 V (was 11.493)\n"));
@@ -55,7 +55,7 @@ TEST_F(RoluTest, a_value_that_the_mcu_rounds_is_told_as_it_became) {
                         "holds (was 2000)\n"));
 }
 
-TEST_F(RoluTest, what_weakens_a_guard_asks_first) {
+TEST_F(RoluTest, WhatWeakensAGuardAsksFirst) {
   const struct {
     const char* command_line;
     const char* consequence;
@@ -95,7 +95,7 @@ TEST_F(RoluTest, what_weakens_a_guard_asks_first) {
   }
 }
 
-TEST_F(RoluTest, what_is_harmless_does_not_ask) {
+TEST_F(RoluTest, WhatIsHarmlessDoesNotAsk) {
   const Ended set =
       Rolu("set battery.lbp=on ignition.off-event-delay=20 poweroff.warning=on shutdown.forced=off");
   EXPECT_EQ(set.status, 0);
@@ -103,7 +103,7 @@ TEST_F(RoluTest, what_is_harmless_does_not_ask) {
   EXPECT_THAT(set.out, HasSubstr("ignition.off-event-delay = 20 MCU units (was 30)\n"));
 }
 
-TEST_F(RoluTest, a_refused_value_is_named_with_the_mcus_range_and_the_rest_is_done) {
+TEST_F(RoluTest, ARefusedValueIsNamedWithTheMcusRangeAndTheRestIsDone) {
   Ended set = Rolu("set -y battery.12v.lbp-threshold=50 watchdog.time=12");
   EXPECT_EQ(set.status, 1);
   EXPECT_EQ(set.out, "watchdog.time = 12 MCU units (was 60)\n");
@@ -119,20 +119,20 @@ TEST_F(RoluTest, a_refused_value_is_named_with_the_mcus_range_and_the_rest_is_do
               StartsWith("could not be set"));
 }
 
-TEST_F(RoluTest, a_setting_that_reads_back_differently_is_no_success) {
+TEST_F(RoluTest, ASettingThatReadsBackDifferentlyIsNoSuccess) {
   board.mcu().Script(CommandMatch::StartingWith("WDTS"), Reply::Line("OK"), kEveryTime);
   const Ended set = Rolu("set watchdog.time=12");
   EXPECT_EQ(set.status, 3);
   EXPECT_THAT(set.err, HasSubstr("watchdog.time = 12 was set, but reads back as 60 MCU units"));
 }
 
-TEST_F(RoluTest, a_change_of_the_battery_mode_reminds_of_the_protections_that_it_leaves_off) {
+TEST_F(RoluTest, AChangeOfTheBatteryModeRemindsOfTheProtectionsThatItLeavesOff) {
   EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on").err,
               HasSubstr("'rolu set battery.preboot=on' switches"));
   EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on battery.preboot=on").err, IsEmpty());
 }
 
-TEST_F(RoluTest, an_alarm_that_was_never_set_takes_its_time_once_it_has_a_mode) {
+TEST_F(RoluTest, AnAlarmThatWasNeverSetTakesItsTimeOnceItHasAMode) {
   EXPECT_EQ(Rolu("set alarm.time=07:30").status, 3);
   EXPECT_EQ(Rolu("set alarm.time=07:30 alarm.mode=daily").status, 0);
   EXPECT_EQ(Rolu("get -n alarm").out, "daily\n0\n07:30\noff\n");

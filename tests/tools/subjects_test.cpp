@@ -33,7 +33,7 @@ void RunSteps(const std::vector<Step>& steps) {
   }
 }
 
-TEST_F(RoluTest, the_alarm_is_set_shown_and_switched_off) {
+TEST_F(RoluTest, TheAlarmIsSetShownAndSwitchedOff) {
   RunSteps({
       {"alarm show", 0, "alarm.mode     none\n"},
       {"alarm daily 07:30", 0,
@@ -46,7 +46,7 @@ TEST_F(RoluTest, the_alarm_is_set_shown_and_switched_off) {
   EXPECT_EQ(Rolu("alarm show --json").Json()["alarm.mode"]["value"], "weekly");
 }
 
-TEST_F(RoluTest, the_clock_is_set_to_a_time_and_to_the_systems) {
+TEST_F(RoluTest, TheClockIsSetToATimeAndToTheSystems) {
   RunSteps({
       {"clock set 2030-02-28T23:59:58", 0, "clock.time             2030-02-28 23:59:5"},
       {"clock set 2030-02-28T10:00:00 --weekday 6", 0, "clock.weekday          6\n"},
@@ -59,13 +59,13 @@ TEST_F(RoluTest, the_clock_is_set_to_a_time_and_to_the_systems) {
   EXPECT_THAT(Received("RTCS").front(), testing::EndsWith("3B3A"));
 }
 
-TEST_F(RoluTest, a_clock_that_does_not_take_the_time_is_no_success) {
+TEST_F(RoluTest, AClockThatDoesNotTakeTheTimeIsNoSuccess) {
   board.mcu().Script(rolu_sim::CommandMatch::StartingWith("RTCS"), rolu_sim::Reply::Lines({"OK", "OK"}));
   RunSteps({{"clock set 2030-02-28T10:00:00", 3, "",
              "was set to 2030-02-28 10:00:00, but reads back as 2014-07-25"}});
 }
 
-TEST_F(RoluTest, the_watchdog_is_fed_while_the_command_runs_and_off_after) {
+TEST_F(RoluTest, TheWatchdogIsFedWhileTheCommandRunsAndOffAfter) {
   RoluProcess feeding(Words("watchdog on --time 2 --feed --every 50ms"));
   ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kAmple, 5));
   EXPECT_TRUE(board.mcu().WithModel([](auto& mcu) { return mcu.watchdog.enabled; }));
@@ -84,9 +84,9 @@ TEST_F(RoluTest, the_watchdog_is_fed_while_the_command_runs_and_off_after) {
       << "feeding leaves it on";
 }
 
-TEST_F(RoluTest, i2c_devices_are_read_written_and_dumped) {
+TEST_F(RoluTest, I2cDevicesAreReadWrittenAndDumped) {
   for (unsigned i = 0; i < 256; ++i) {
-    board.register_device().SetRegister(static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(255 - i));
+    board.register_device().SetRegister(static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i));
   }
   RunSteps({
       {"i2c read 0x50 --register 0x10 --count 3", 0, "ef ee ed\n"},
@@ -102,7 +102,7 @@ TEST_F(RoluTest, i2c_devices_are_read_written_and_dumped) {
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
 }
 
-TEST_F(RoluTest, devices_beside_the_mcu_are_read_and_set) {
+TEST_F(RoluTest, DevicesBesideTheMcuAreReadAndSet) {
   board.gpio().SetInput(37, true);
   board.light_sensor().SetNumber(421);
   RunSteps({
@@ -122,14 +122,14 @@ TEST_F(RoluTest, devices_beside_the_mcu_are_read_and_set) {
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
 }
 
-TEST_F(RoluTest, a_reset_is_ordered_only_when_it_is_confirmed) {
+TEST_F(RoluTest, AResetIsOrderedOnlyWhenItIsConfirmed) {
   EXPECT_EQ(Rolu("reset", "no\n").status, 1);
   EXPECT_EQ(board.reset_controller().ResetCount(), 0);
   EXPECT_EQ(Rolu("reset", "yes\n").status, 0);
   EXPECT_EQ(board.reset_controller().ResetCount(), 1);
 }
 
-TEST_F(RoluTest, a_signal_at_a_question_ends_without_an_order) {
+TEST_F(RoluTest, ASignalAtAQuestionEndsWithoutAnOrder) {
   int never[2];
   ASSERT_EQ(pipe2(never, O_CLOEXEC), 0);
   RoluProcess reset({"reset"}, never[0]);

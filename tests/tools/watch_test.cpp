@@ -38,7 +38,7 @@ class WatchTest : public RoluTest {
   std::optional<RoluProcess> rolu;
 };
 
-TEST_F(WatchTest, each_event_is_one_json_line_with_its_values) {
+TEST_F(WatchTest, EachEventIsOneJsonLineWithItsValues) {
   Start("--json");
   const struct {
     const char* name;
@@ -63,11 +63,11 @@ TEST_F(WatchTest, each_event_is_one_json_line_with_its_values) {
        },
        {{"x", 0}, {"y", 11719}, {"z", 1000}}},
   };
-  std::size_t line_start = rolu->out().find('\n') + 1;
+  size_t line_start = rolu->out().find('\n') + 1;
   for (const auto& event : kEvents) {
     board.mcu().WithModel([&](auto& mcu) { event.happen(mcu); });
     ASSERT_TRUE(rolu->WaitForOutput("\n", line_start)) << event.name;
-    const std::size_t line_end = rolu->out().find('\n', line_start);
+    const size_t line_end = rolu->out().find('\n', line_start);
     nlohmann::json line = nlohmann::json::parse(rolu->out().substr(line_start, line_end - line_start));
     EXPECT_EQ(line["event"], event.name);
     EXPECT_THAT(line["time"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:..\\....[+-]..:.."));
@@ -83,7 +83,7 @@ TEST_F(WatchTest, each_event_is_one_json_line_with_its_values) {
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, text_tells_the_same_in_words) {
+TEST_F(WatchTest, TextTellsTheSameInWords) {
   Start("--count 2");
   board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
   ASSERT_TRUE(rolu->WaitForOutput("ignition off\n"));
@@ -94,7 +94,7 @@ TEST_F(WatchTest, text_tells_the_same_in_words) {
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, a_silent_mcu_is_told_and_outlived) {
+TEST_F(WatchTest, ASilentMcuIsToldAndOutlived) {
   Start("--json");
   board.mcu().SetSilent(true);
   ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
@@ -107,7 +107,7 @@ TEST_F(WatchTest, a_silent_mcu_is_told_and_outlived) {
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, an_end_while_the_mcu_is_silent_says_what_could_not_be_taken_down) {
+TEST_F(WatchTest, AnEndWhileTheMcuIsSilentSaysWhatCouldNotBeTakenDown) {
   Start("--json");
   board.mcu().SetSilent(true);
   ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
@@ -117,11 +117,11 @@ TEST_F(WatchTest, an_end_while_the_mcu_is_silent_says_what_could_not_be_taken_do
   EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
 }
 
-TEST_F(WatchTest, a_port_that_hangs_up_and_comes_back_is_outlived) {
+TEST_F(WatchTest, APortThatHangsUpAndComesBackIsOutlived) {
   Start("--json");
   for (const bool ignition : {false, true}) {
-    const std::size_t told = rolu->out().size();
-    const std::size_t said = rolu->err().size();
+    const size_t told = rolu->out().size();
+    const size_t said = rolu->err().size();
     board.RemoveSerialDevice();
     board.mcu().HangUp();
     ASSERT_TRUE(rolu->WaitForMessage("the MCU's port hung up", said));
@@ -133,7 +133,7 @@ TEST_F(WatchTest, a_port_that_hangs_up_and_comes_back_is_outlived) {
     ASSERT_TRUE(rolu->WaitForOutput(ignition ? "ignition-on" : "ignition-off", told))
         << "what changed meanwhile";
   }
-  const std::size_t told = rolu->out().size();
+  const size_t told = rolu->out().size();
   board.mcu().WithModel([](auto& mcu) { mcu.WarnOfPowerOff(PowerOffWarning::kIgnition); });
   ASSERT_TRUE(rolu->WaitForOutput("power-off-ignition", told));
   board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
@@ -144,7 +144,7 @@ TEST_F(WatchTest, a_port_that_hangs_up_and_comes_back_is_outlived) {
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, an_end_while_the_port_is_away_says_what_could_not_be_taken_down) {
+TEST_F(WatchTest, AnEndWhileThePortIsAwaySaysWhatCouldNotBeTakenDown) {
   Start("--json");
   board.RemoveSerialDevice();
   board.mcu().HangUp();
@@ -154,14 +154,14 @@ TEST_F(WatchTest, an_end_while_the_port_is_away_says_what_could_not_be_taken_dow
   EXPECT_THAT(rolu->err(), HasSubstr("could not take down the G-sensor: the MCU's port hung up"));
 }
 
-TEST_F(WatchTest, a_kill_leaves_the_board_as_it_was) {
+TEST_F(WatchTest, AKillLeavesTheBoardAsItWas) {
   Start("--json");
   rolu->Signal(SIGKILL);
   EXPECT_EQ(rolu->Wait(), 128 + SIGKILL);
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, it_ends_after_its_time) {
+TEST_F(WatchTest, ItEndsAfterItsTime) {
   const auto start = std::chrono::steady_clock::now();
   const Ended watch = Rolu("watch --for 700ms");
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
@@ -169,7 +169,7 @@ TEST_F(WatchTest, it_ends_after_its_time) {
   ExpectTakenDown();
 }
 
-TEST_F(WatchTest, commands_run_at_their_event_beside_the_watching) {
+TEST_F(WatchTest, CommandsRunAtTheirEventBesideTheWatching) {
   TemporaryDirectory directory;
   const std::string marker = directory.File("seen");
   Start({"--on", "ignition-off", "echo $ROLU_EVENT >> " + marker, "--on", "ignition-off",

@@ -148,7 +148,7 @@ class Session {
     FailIf(row.name + " in the wrong state", FaultOf(Make(row), status, {}, ""));
   }
 
-  // A missing output is refused, too, and nothing is sent.
+  // The library refuses a missing output, and sends nothing.
   bool ExpectNullRefusal(CallRow row) {
     if (row.output.empty()) return false;
     row.output_is_null = true;
@@ -168,7 +168,7 @@ class Session {
     const size_t command = input.Below(row.answers.size());
     const std::string healthy = BytesOf(row.answers[command]);
     OddAnswer odd = {&row, command, kind == kLate ? "" : AnswerOf(kind, healthy, input)};
-    // Of two lines that are waited for, one alone would come when nobody waits for it any more.
+    // The library waits for two lines; one alone would come when nobody waits any more.
     if (odd.Status() == ROLU_STATUS_VPM_NO_REPLY) odd.sent = "";
     CallRow faulty = row;
     faulty.answers[command] = odd.sent.empty() ? Reply::Silence() : Reply::Bytes(odd.sent);

@@ -25,7 +25,7 @@ using rolu_fuzz::Require;
 
 pthread_cond_t reply_event = PTHREAD_COND_INITIALIZER;
 
-// A signal, and of a reply the line that was stored.
+// A signal. If it tells of a reply, the line that the link stored.
 struct Effect {
   pthread_cond_t* signalled;
   std::string reply;
@@ -160,7 +160,7 @@ class Session {
     int bytes = 0;
     Require(ioctl(ends_[0], FIONREAD, &bytes) == 0, "the port cannot be asked");
     if (bytes > 0) return true;
-    // All that came so far has been dealt with.
+    // The thread has dealt with all that came so far.
     Compare();
     while (idle_polls_to_come_ == 0) {
       if (input_.empty()) {
@@ -185,7 +185,7 @@ class Session {
     effects_.push_back({event, ""});
     if (event != &reply_event) return;
     effects_.back().reply = StoredReply();
-    // What a longer line left behind the NUL is nobody's.
+    // A longer line may have left something behind the NUL, which does not matter.
     if (effects_.size() <= model_.effects().size()) {
       effects_.back().reply.resize(model_.effects()[effects_.size() - 1].reply.size());
     }
@@ -298,7 +298,7 @@ Session* session = nullptr;
 
 extern "C" int select(int, fd_set* readable, fd_set*, fd_set*, timeval*) {
   Require(session != nullptr, "nobody polls");
-  // Of a poll that failed the rest of its time is waited for without the port.
+  // After a failed poll the thread waits for the rest of its time, without the port.
   if (!FD_ISSET(vpm_port, readable)) return 0;
   if (session->Poll()) return 1;
   FD_ZERO(readable);

@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   while (!input.empty()) {
     const size_t times = input.Below(40);
     for (size_t pops = input.Below(40); pops > 0; --pops) model.ComparePop();
-    // What is a message at all, the target `lines` asks the library.
+    // The target `lines` checks which lines the library takes for messages.
     const std::vector<std::string> lines = rolu_test::WholeLines(input.Text(1 + input.Below(63)) + '\n');
     if (lines.empty() || !rolu_test::IsBracketed(lines.front())) continue;
     for (size_t i = 0; i < times; ++i) {

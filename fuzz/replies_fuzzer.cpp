@@ -9,7 +9,6 @@
 #include "fuzz/answered_link.h"
 #include "fuzz/hurried_time.h"
 #include "fuzz/input.h"
-#include "fuzz/start_up_model.h"
 #include "mcu/line_assembler.h"
 #include "mcu/unsolicited.h"
 #include "simulator/board.h"
@@ -17,6 +16,7 @@
 #include "tests/oracle/field_checks.h"
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
+#include "tests/oracle/start_up.h"
 #include "tests/oracle/wire_model.h"
 
 namespace {
@@ -42,7 +42,7 @@ const CallRow& RowOf(const std::string& name) {
 
 int printed_end = -1;
 
-// What was printed since the last time.
+// Takes what the library printed since the last time.
 std::string TakePrinted() {
   fflush(stdout);
   std::string printed;
@@ -207,7 +207,7 @@ void CompareScale(const std::string& getter, float scale) {
 
 // The power manager comes up with any answers; afterwards it is up as in the table.
 void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& replies) {
-  rolu_fuzz::StartUp learned;
+  rolu_test::StartUp learned;
   learned.Learn(HealthyReplies(row));
   learned.Learn(replies);
   BringDown(family);

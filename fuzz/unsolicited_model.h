@@ -26,7 +26,7 @@ inline pthread_cond_t* EventOf(Registration registration) {
   return &registered_events[static_cast<size_t>(registration) - 1];
 }
 
-// Nothing came yet, and all is registered.
+// Empties the ring, and registers all events.
 inline void RegisterAnew() REQUIRES(io_op_lock) {
   ResetUnsolicited();
   set_gsensor_alarm_event(EventOf(Registration::kAlarm));

@@ -1,5 +1,6 @@
 // The families that work on device files: the board's log of the files takes the place of the wire.
 #include "kavo_rolu.h"
+#include "simulator/devices/board_paths.h"
 #include "tests/support/call_table.h"
 #include "tests/support/text_node.h"
 
@@ -15,10 +16,6 @@ constexpr ROLU_STATUS kNull = ROLU_STATUS_NULL_POINTER;
 constexpr ROLU_STATUS kOff = ROLU_STATUS_NOT_INITIALIZED;
 constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
 constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
-
-constexpr char kLux[] =
-    "/sys/devices/platform/ehci-omap.0/usb1/1-2/1-2.4/1-2.4:1.3/ttyUSB3/tty/ttyUSB3/serio1/lux";
-constexpr char kBrightness[] = "/sys/devices/omapdss/display0/backlight/vorn512p/brightness";
 
 class DeviceFileTest : public CallTableTest {
  protected:
@@ -158,7 +155,7 @@ TEST_F(DeviceFileTest, Backlight) {
   constexpr Row kRows[] = {{"7\n", 7}, {" 12 rest", 12}, {"300", 44},         {"-1", 255},
                            {"", -1},   {"seven", -1},    {"4294967297", 255}, {"-99999999999999999999", 0}};
   for (const Row& row : kRows) {
-    Show(kBrightness, row.text);
+    Show(rolu_sim::kBacklightPath, row.text);
     if (row.level < 0) {
       Run({{row.text, kGetBright, {}, ROLU_STATUS_FILE_ACCESS_FAILED}});
     } else {
@@ -176,7 +173,7 @@ TEST_F(DeviceFileTest, LightSensor) {
                            {" 42lx", 42},  {"dark", 0},       {"99999", 34463}};
   BringUp();
   for (const Row& row : kRows) {
-    Show(kLux, row.text);
+    Show(rolu_sim::kLuxPath, row.text);
     Run({{row.text, kGetLux, {}, kDone, Short(row.lux)}, {"null", kGetLux, {}, kNull, {}, "", 0, true}});
   }
 }

@@ -96,7 +96,7 @@ TEST_F(I2cTest, MissingPointersAreRefusedBeforeTheBusIsOpened) {
   EXPECT_TRUE(board().devices().Accesses().empty());
 }
 
-// What each failure answers tells the matrix of device faults; here what reaches the bus.
+// The matrix of device faults checks the answers; this checks what reaches the bus.
 TEST_F(I2cTest, NothingFollowsAPhaseThatFailed) {
   Run({{"nobody there", Read(0x22, 1), {}, kFailed, {}, "11r0 "}});
   board().i2c().RefuseTransfers(kAddress, EIO);

@@ -9,7 +9,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// What another thread gets, and that it waited for it as long as it said.
+// The result that another thread gets. Checks that a wait that ran out took its time.
 int TimeLockElsewhere(CCriticalSection& section, unsigned long ms) {
   int result = 0;
   std::thread([&]() NO_THREAD_SAFETY_ANALYSIS {

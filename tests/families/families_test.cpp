@@ -4,6 +4,7 @@
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
 #include "tests/support/call_table.h"
+#include "tests/support/process_state.h"
 
 namespace rolu_test {
 
@@ -62,7 +63,7 @@ TEST_P(EachFamily, ComesUpAndGoesDown) {
     Run({Orders("up", up, {}, up_wire, 0), Fails("up while up", up, {}, ROLU_STATUS_ALREADY_INITIALIZED),
          Orders("down", down, {}, down_wire, 0),
          Fails("down while down", down, {}, ROLU_STATUS_NOT_INITIALIZED)});
-    EXPECT_TRUE(board().mcu().WaitForHostClosed(std::chrono::seconds(20)));
+    EXPECT_TRUE(board().mcu().WaitForHostClosed(kGenerous));
   }
 }
 

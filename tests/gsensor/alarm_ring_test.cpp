@@ -16,7 +16,7 @@
 
 namespace {
 
-// A message has been handled once the MCU's next answer has: both come in order.
+// The link handles lines in order: when the next answer is there, it has handled the message.
 void AwaitMessages() {
   CAR_BATTERY_MODE mode = CAR_BATTERY_MODE_12V;
   ASSERT_EQ(KAVO_ROLU_VPM_GetCurrentCarBatteryMode(&mode), ROLU_STATUS_SUCCESS);
@@ -144,7 +144,7 @@ TEST_F(UnsolicitedTest, ReopeningForgetsSamplesAndRegistrations) {
   EXPECT_FALSE(forgotten.woken());
 }
 
-// At the pace of the line, while another thread asks questions all the time.
+// Samples come at the pace of the line, while another thread asks questions all the time.
 TEST(AlarmStream, NoSampleIsLostAndNoQueryFails) {
   constexpr unsigned int kBursts = 125;
   constexpr int kSamplesOfABurst = 8;

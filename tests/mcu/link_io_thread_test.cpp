@@ -243,7 +243,7 @@ TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   EXPECT_EQ(TakeReply(0), "none") << "who gave up waits for nothing more";
   cancel_queued_commands();
   link.Resume();
-  // Were each of them kept for a while, the last one would not be there within the time.
+  // If the link kept each of them for a while, the last one would come too late.
   constexpr int kReplies = 60;
   for (int i = 1; i <= kReplies; ++i) link.Send(std::to_string(i) + '\r');
   EXPECT_TRUE(WaitUntil([] {
@@ -259,7 +259,7 @@ bool IsCallerWaiting() {
   return vpm_awaited_lines == 1;
 }
 
-// What a transaction queues has both lines of its answer kept from that moment on.
+// The link keeps both lines of the answer from the moment when the transaction queues its command.
 TEST(ReplyStore, CallerThatWaitsLateReadsBothLines) {
   PausedLink link;
   ASSERT_EQ(send_vpm_command("RTCS\r", 5, 2), 0);
@@ -296,7 +296,8 @@ void AwaitGate(int) {
   [[maybe_unused]] const ssize_t length = read(gate[0], &byte, 1);
 }
 
-// So often that there is no time for keeping each second line back for as long as the link may.
+// This happens so often that the time does not suffice if the link keeps each second line back as long as it
+// may.
 TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
   constexpr size_t kTimes = 25;
   ASSERT_EQ(pipe(gate), 0);

@@ -55,7 +55,7 @@ const std::vector<CallRow>& CarBatteryOperations() {
 }
 
 const std::vector<CallRow>& BackupBatteryOperations() {
-  // Of the flags only those that are set are written: none here.
+  // The call writes only the flags that are set: none here.
   CallRow information = Gives("VPM_GetBackupBatteryInfo", Into(KAVO_ROLU_VPM_GetBackupBatteryInfo),
                               {"1F", "0000000000000000"}, Number(31), "B09\rB05\r");
   information.first_output = information.output;

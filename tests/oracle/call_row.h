@@ -46,13 +46,13 @@ struct CallRow {
   int post_delay_ms = 0;
   bool output_is_null = false;
 
-  // What a table of operations also tells of a row, for the faults that are derived from it.
+  // The rest is for the faults that are derived from a table of operations.
   //
   // The status for a line that is none of the operation's answers, where it can tell.
   ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS;
   // Those of its commands, from 0 on, whose failure does not matter to it.
   std::vector<size_t> indifferent = {};
-  // What is written already when a command after the first fails.
+  // The call has written this when a command after the first fails.
   Bytes first_output = {};
   // The call brings its family up, which has to be down before it.
   bool brings_up = false;
@@ -84,7 +84,7 @@ template <typename Value>
 Call Into(ROLU_STATUS (*get)(Value*)) {
   return [get](void* output) { return get(static_cast<Value*>(output)); };
 }
-// A switch, as a program's compiler passes it that makes no 0 or 1 of a byte.
+// A switch as some compilers pass it: any byte, not only 0 and 1.
 Call WithByte(ROLU_STATUS (*set)(bool), unsigned int byte);
 
 // The bytes of the values, one after the other.

@@ -69,7 +69,7 @@ const std::vector<CallRow>& GSensorOperations() {
   const Call switch_alarm_off = With(KAVO_ROLU_GSENSOR_AlarmEnabled, false);
   CallRow alarm_on =
       Orders("GSENSOR_AlarmEnabled on", With(KAVO_ROLU_GSENSOR_AlarmEnabled, true), {"OK"}, "ARGI01\r", 0);
-  // Of an alarm that is on already the MCU hears nothing.
+  // The library does not switch on an alarm that is on already.
   alarm_on.undo = switch_alarm_off;
   static const std::vector<CallRow> operations = {
       OrUnreadable(Gives("GSENSOR_GetData", Into(KAVO_ROLU_GSENSOR_GetData), {"V0001FFFF0100"},

@@ -61,7 +61,7 @@ bool RawVoltsAgree(float volts, float scale) {
 }
 
 bool ClockRangesAgree(const VPM_RTC_TIME& time) {
-  // Of the years 2000 to 2099 every fourth has a 29 February.
+  // Every fourth of the years 2000 to 2099 has a 29 February.
   const int days[] = {31, time.year % 4 == 0 ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   const bool valid = time.year < 100 && time.month >= 1 && time.month <= 12 && time.day >= 1 &&
                      time.day <= days[(time.month + 11) % 12] && time.weekday < 7 && time.hour < 24 &&

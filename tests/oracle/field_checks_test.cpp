@@ -1,5 +1,5 @@
-// What is at the edge of a field's range, and what is odd in its text: all of it, where the fuzzer that
-// makes the same comparisons would have to come upon it.
+// Compares all edges of each field's range, and odd texts. The fuzzer makes the same comparisons with what it
+// comes upon.
 #include "tests/oracle/field_checks.h"
 
 #include <gtest/gtest.h>

@@ -36,10 +36,10 @@ struct Ending {
   std::string wire = {};
 };
 
-// All that an answer sent for one command of an operation may hold.
+// All bytes of an answer.
 std::string BytesOf(const Answer& answer);
 
-// An operation, of whose commands one is answered with `sent` and the others as in the table.
+// An operation. The MCU answers one of its commands with `sent`, and the others as in the table.
 struct OddAnswer {
   const CallRow* operation;
   size_t command;

@@ -16,7 +16,7 @@ namespace {
 // An operation in its course.
 struct Course {
   Ending ending = {};
-  // In place of the table's, when the last reply tells what it has to be.
+  // Replaces the table's command, if the last reply tells what to send.
   std::string next_command = {};
   // The volts of a step, once the battery system is known.
   float scale = 0.0F;
@@ -105,7 +105,7 @@ bool BackupTemperature(const std::string& reply, Course& course) {
   return Write(course, static_cast<float>(static_cast<double>(tenths_of_kelvin) * 0.1 - 273.15));
 }
 
-// Only what is set is written.
+// Writes only the flags that are set.
 bool BackupFlags(const std::string& reply, Course& course) {
   constexpr struct {
     unsigned int bit;
@@ -224,7 +224,7 @@ bool SensorThreshold(const std::string& reply, Course& course) {
 
 using Table = std::map<std::string, std::vector<Reading>>;
 
-// By the names of the rows. Orders are not in it: of their answers only an error matters.
+// The readings by the names of the rows. Orders have none: only an error matters to them.
 Table MakeTable() {
   Table table = {
       {"VPM_GetPlatformName", {PlatformName}},
@@ -277,7 +277,7 @@ Table MakeTable() {
   return table;
 }
 
-// What the operation sees of a line: it ends at a NUL, and the firmware's name at 31 characters.
+// The part of a line that the operation sees: up to a NUL, and 31 characters of the firmware's name.
 std::string Seen(const std::string& line, const std::string& command) {
   const std::string text = line.substr(0, line.find('\0'));
   return command == "ATF0\r" ? text.substr(0, 31) : text;

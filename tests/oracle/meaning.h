@@ -1,5 +1,4 @@
-// What each operation has to make of any answers, told a second time and in the plainest way: what the
-// library makes of them is compared with it.
+// What each operation has to make of any answers, in the plainest code. Tests compare the library with it.
 #ifndef TESTS_ORACLE_MEANING_H
 #define TESTS_ORACLE_MEANING_H
 

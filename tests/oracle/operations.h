@@ -31,7 +31,7 @@ struct McuFamily {
   std::string prefix;  // of its exports, "VPM_"
   Family switches;
   std::vector<CallRow> operations;
-  // What a call answers that finds no memory for its output.
+  // The answer to a null output.
   ROLU_STATUS null_while_up;
   ROLU_STATUS null_while_down = ROLU_STATUS_NOT_INITIALIZED;
 };

@@ -1,4 +1,4 @@
-// Reading text, told a second time and in the plainest way: what the library reads is compared with it.
+// Reading text, in the plainest code. Tests compare the library with it.
 #ifndef TESTS_ORACLE_PLAIN_READING_H
 #define TESTS_ORACLE_PLAIN_READING_H
 

@@ -1,5 +1,4 @@
-// The rules of the wire, told a second time and in the plainest way: what the library makes of the
-// MCU's bytes is compared with it.
+// The rules of the wire, in the plainest code. Tests compare the library with it.
 #ifndef TESTS_ORACLE_WIRE_MODEL_H
 #define TESTS_ORACLE_WIRE_MODEL_H
 

@@ -105,7 +105,7 @@ constexpr Exchange kExchanges[] = {
     {"WDTS0001", "OK"},
 };
 
-// What the rows above changed, as it was before them.
+// The values that the rows above changed, as they were before.
 constexpr Exchange kDefaults[] = {
     {"MCUG3", "001E"}, {"MCUG7", "003C"},  {"MSDG", "0078"},        {"MSSG", "0"},
     {"IGMG", "1"},     {"MPAG", "1"},      {"MCAG", "00"},          {"SDMG", "11"},

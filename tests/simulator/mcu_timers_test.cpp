@@ -24,7 +24,7 @@ using testing::IsEmpty;
 
 using TimedLine = std::pair<std::chrono::milliseconds, std::string>;
 
-// What arrives until `end` of a text has.
+// Reads until `end` has arrived.
 std::string ReadUntil(int port, std::string_view end) {
   std::string received;
   pollfd source{port, POLLIN, 0};

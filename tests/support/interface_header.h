@@ -14,7 +14,7 @@ const std::string& HeaderText();
 // Each function's comment, by its name without "KAVO_ROLU_".
 std::map<std::string, std::string> DeclaredFunctions();
 
-// Of these the functions of the families that talk to the MCU.
+// Those of the families that talk to the MCU.
 std::set<std::string> DeclaredForMcuFamilies();
 
 // What a function's comment says behind "Blocks:"; empty if it does not block.

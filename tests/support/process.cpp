@@ -120,7 +120,7 @@ void Process::StopReading() {
 }
 
 int Process::Wait() {
-  const Clock::time_point deadline = Clock::now() + kAmple;
+  const Clock::time_point deadline = Clock::now() + kGenerous;
   while (ReadSome(deadline)) continue;
   if (Clock::now() >= deadline) {
     ADD_FAILURE() << "the program did not end; it printed: " << out_ << err_;

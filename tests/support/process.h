@@ -9,10 +9,9 @@
 #include <string>
 #include <vector>
 
-namespace rolu_test {
+#include "tests/support/process_state.h"
 
-// Far beyond what anything here takes on a loaded machine.
-inline constexpr std::chrono::seconds kAmple{30};
+namespace rolu_test {
 
 // How a program ended, its status as a shell has it, and all that it printed.
 struct Ended {
@@ -40,10 +39,13 @@ class Process {
 
   // Waits until `text` was printed on standard output, or on standard error, at or behind position
   // `from`; false when it ended or took longer than `patience`.
-  bool WaitForOutput(const std::string& text, size_t from = 0, std::chrono::milliseconds patience = kAmple) {
+  bool WaitForOutput(const std::string& text, size_t from = 0,
+                     std::chrono::milliseconds patience = kGenerous) {
     return WaitFor(out_, text, from, patience);
   }
-  bool WaitForMessage(const std::string& text, size_t from = 0) { return WaitFor(err_, text, from, kAmple); }
+  bool WaitForMessage(const std::string& text, size_t from = 0) {
+    return WaitFor(err_, text, from, kGenerous);
+  }
 
   // Closes the other end of its standard output.
   void StopReading();

@@ -113,7 +113,7 @@ TEST_F(SaveLoadTest, AnEndBetweenModeAndProtectionsLeavesNoProtectionOff) {
   // The mode's answer takes its time, in which the signal comes.
   board.mcu().Script(CommandMatch::Exactly("MCBS02"), Reply::Line("OK", std::chrono::seconds(2)));
   RoluProcess load(Words("load -y " + path));
-  ASSERT_TRUE(board.mcu().WaitForCommand("MCBS02", kAmple));
+  ASSERT_TRUE(board.mcu().WaitForCommand("MCBS02", kGenerous));
   load.Signal(SIGINT);
   EXPECT_EQ(load.Wait(), 128 + SIGINT);
   EXPECT_THAT(load.err(), HasSubstr("watchdog.time = 5 was not set, as a signal asked for an end"));

@@ -67,7 +67,7 @@ TEST_F(RoluTest, AClockThatDoesNotTakeTheTimeIsNoSuccess) {
 
 TEST_F(RoluTest, TheWatchdogIsFedWhileTheCommandRunsAndOffAfter) {
   RoluProcess feeding(Words("watchdog on --time 2 --feed --every 50ms"));
-  ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kAmple, 5));
+  ASSERT_TRUE(board.mcu().WaitForCommand("WDTR", kGenerous, 5));
   EXPECT_TRUE(board.mcu().WithModel([](auto& mcu) { return mcu.watchdog.enabled; }));
   EXPECT_THAT(Received("WDTS"), ElementsAre("WDTS0002"));
   feeding.Signal(SIGINT);

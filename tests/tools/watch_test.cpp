@@ -30,7 +30,7 @@ class WatchTest : public RoluTest {
   }
 
   void ExpectTakenDown() {
-    EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
+    EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
     EXPECT_THAT(Received("GSF"), ElementsAre("GSF"));
     EXPECT_FALSE(board.mcu().WithModel([](auto& mcu) { return mcu.gsensor.alarm_on; }));
   }
@@ -114,7 +114,7 @@ TEST_F(WatchTest, AnEndWhileTheMcuIsSilentSaysWhatCouldNotBeTakenDown) {
   rolu->Signal(SIGINT);
   EXPECT_EQ(rolu->Wait(), 4);
   EXPECT_THAT(rolu->err(), HasSubstr("could not take down the G-sensor: the MCU did not answer in time"));
-  EXPECT_TRUE(board.mcu().WaitForHostClosed(kAmple));
+  EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
 }
 
 TEST_F(WatchTest, APortThatHangsUpAndComesBackIsOutlived) {

@@ -1,4 +1,5 @@
 #include "kavo_rolu.h"
+#include "tests/oracle/operations.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -37,8 +38,6 @@ TEST_F(VpmTest, RangesAreZeroFromLoadAndStayAfterTheFamilyIsDown) {
   board().mcu().Script(rolu_sim::CommandMatch::Exactly("MCPR3"), rolu_sim::Reply::Line("02AA02EB030C"));
   board().mcu().Script(rolu_sim::CommandMatch::Exactly("MCPR2"), rolu_sim::Reply::Line("052F05AE05ED"));
   BringUp();
-  constexpr float k12V = 0.015385F;
-  constexpr float k24V = 0.01582F;
   const BATTERY_INFO range_12v = {780 * k12V, 682 * k12V, 747 * k12V, 747 * k12V};
   const BATTERY_INFO range_24v = {1517 * k24V, 1327 * k24V, 1454 * k24V, 1454 * k24V};
   Run(InfoRows(range_12v, range_24v));

@@ -1,5 +1,6 @@
 #include "kavo_rolu.h"
 #include "tests/oracle/operations.h"
+#include "tests/support/process_state.h"
 #include "tests/vpm/vpm_family.h"
 
 namespace rolu_test {
@@ -36,7 +37,7 @@ class VpmStartUpTest : public VpmTest {
       Run({row});
       const ROLU_STATUS down = row.status == kDone ? kDone : kDown;
       EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), down) << "row: " << row.name;
-      EXPECT_TRUE(board().mcu().WaitForHostClosed(std::chrono::seconds(20))) << "row: " << row.name;
+      EXPECT_TRUE(board().mcu().WaitForHostClosed(kGenerous)) << "row: " << row.name;
     }
   }
 };

@@ -1,10 +1,10 @@
 // What the power manager learns from the MCU when it comes up, told in the plainest way.
-#ifndef FUZZ_START_UP_MODEL_H
-#define FUZZ_START_UP_MODEL_H
+#ifndef TESTS_ORACLE_START_UP_H
+#define TESTS_ORACLE_START_UP_H
 
 #include "tests/oracle/meaning.h"
 
-namespace rolu_fuzz {
+namespace rolu_test {
 
 struct StartUp {
   std::string printed = {};
@@ -15,9 +15,9 @@ struct StartUp {
   BATTERY_INFO range_24v = {};
 
   // Takes what these answers to its six commands tell. What they leave out stays as it was.
-  void Learn(const rolu_test::Replies& replies);
+  void Learn(const Replies& replies);
 };
 
-}  // namespace rolu_fuzz
+}  // namespace rolu_test
 
-#endif  // FUZZ_START_UP_MODEL_H
+#endif  // TESTS_ORACLE_START_UP_H

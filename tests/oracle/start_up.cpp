@@ -1,11 +1,11 @@
-#include "fuzz/start_up_model.h"
+#include "tests/oracle/start_up.h"
 
 #include <cstdio>
 
 #include "tests/oracle/plain_reading.h"
 #include "tests/oracle/wire_model.h"
 
-namespace rolu_fuzz {
+namespace rolu_test {
 namespace {
 
 std::string TextOf(const std::optional<std::string>& reply) {
@@ -13,11 +13,11 @@ std::string TextOf(const std::optional<std::string>& reply) {
 }
 
 bool IsError(const std::string& text) {
-  return rolu_test::StatusOfReply(text) != ROLU_STATUS_SUCCESS;
+  return StatusOfReply(text) != ROLU_STATUS_SUCCESS;
 }
 
 std::string PrintedFor(const std::string& firmware) {
-  rolu_test::Pieces pieces(firmware);
+  Pieces pieces(firmware);
   pieces.Exactly("*VER:");
   const int major = pieces.Number(10, 3).value_or(0);
   pieces.Exactly(".");
@@ -33,7 +33,7 @@ void LearnScale(const std::string& text, float in_want, float& scale) {
   } else if (text.find_first_of("eExXnN") != text.npos) {
     // Exponents, hexadecimal floats, infinities and the like are left to the C library.
     sscanf(text.c_str(), "%f", &scale);
-  } else if (const std::string decimal = rolu_test::DecimalOf(text); !decimal.empty()) {
+  } else if (const std::string decimal = DecimalOf(text); !decimal.empty()) {
     scale = strtof(decimal.c_str(), nullptr);
   }
 }
@@ -41,7 +41,7 @@ void LearnScale(const std::string& text, float in_want, float& scale) {
 bool LearnRange(const std::string& text, float scale, BATTERY_INFO& range) {
   if (IsError(text)) return false;
   const auto volts = [&](size_t position) {
-    return static_cast<float>(rolu_test::NumberOf(rolu_test::FieldOf(text, position, 4), 16)) * scale;
+    return static_cast<float>(NumberOf(FieldOf(text, position, 4), 16)) * scale;
   };
   range.range_start = volts(0);
   range.range_mid = volts(4);
@@ -52,7 +52,7 @@ bool LearnRange(const std::string& text, float scale, BATTERY_INFO& range) {
 
 }  // namespace
 
-void StartUp::Learn(const rolu_test::Replies& replies) {
+void StartUp::Learn(const Replies& replies) {
   const std::string text = TextOf(replies[1]).substr(0, 31);
   printed.clear();
   if (IsError(text)) return;
@@ -64,4 +64,4 @@ void StartUp::Learn(const rolu_test::Replies& replies) {
     LearnRange(TextOf(replies[5]), scale_24v, range_24v);
 }
 
-}  // namespace rolu_fuzz
+}  // namespace rolu_test

@@ -7,7 +7,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-TEST(Duration, is_a_number_with_decimals_and_its_unit) {
+TEST(Duration, IsANumberWithDecimalsAndItsUnit) {
   const struct {
     const char* text;
     std::optional<milliseconds> duration;
@@ -46,7 +46,7 @@ TEST(Duration, is_a_number_with_decimals_and_its_unit) {
   EXPECT_EQ(rolu::ParseDuration("3s", milliseconds(2999)), std::nullopt);
 }
 
-TEST(Duration, is_written_as_it_is_read) {
+TEST(Duration, IsWrittenAsItIsRead) {
   for (const char* const text : {"0s", "1ms", "1500ms", "2s", "90s", "3min", "2h", "8784h"}) {
     EXPECT_EQ(rolu::FormatDuration(*rolu::ParseDuration(text)), text);
   }

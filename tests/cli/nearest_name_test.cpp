@@ -5,7 +5,7 @@
 namespace rolu_test {
 namespace {
 
-TEST(NearestName, is_suggested_for_a_slip_and_for_nothing_else) {
+TEST(NearestName, IsSuggestedForASlipAndForNothingElse) {
   const std::vector<std::string> known = {
       "status", "set", "on", "off", "ignition-on", "ignition-off", "battery.voltage", "battery.lbp"};
   const struct {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "bench/mcu_process.h"
 #include "bench/loaded_size.h"
+#include "bench/mcu_process.h"
 #include "bench/measurements.h"
 #include "bench/peers/peer.h"
 

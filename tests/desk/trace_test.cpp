@@ -2,14 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include "simulator/trace/wire_words.h"
+#include "protocol/words.h"
 #include "tests/desk/tool.h"
 
 namespace desk_test {
 namespace {
 
 using testing::HasSubstr;
-using testing::StartsWith;
 
 TEST(WireWords, SayWhatCommandsAndAnswersMean) {
   const struct {
@@ -46,7 +45,7 @@ TEST(WireWords, SayWhatCommandsAndAnswersMean) {
       {"MCVG", "measure the car battery's voltage", "02E", "an answer to MCVG that does not fit"},
       {"WHAT", "a command that is not known", "ERR-C01", "refused: the MCU does not know the command"},
   };
-  rolu_sim::WireWords words;
+  rolu_protocol::Words words;
   for (const auto& row : kRows) {
     EXPECT_EQ(words.OfCommand(row.command), row.says);
     EXPECT_EQ(words.OfAnswer(row.answer), row.answer_says) << row.command;

@@ -2,6 +2,7 @@
 #define PERIPHERALCTRL_PERIPHERAL_MANAGER_H
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "kavo_rolu.h"
@@ -14,7 +15,8 @@ class CPCMgr {
   CPCMgr();
   CPCMgr(const CPCMgr&) = delete;
   CPCMgr& operator=(const CPCMgr&) = delete;
-  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
+  static void* operator new(size_t) = delete;
   static void operator delete(void*) {}
 
   virtual ~CPCMgr();

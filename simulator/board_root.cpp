@@ -63,9 +63,8 @@ void RemoveShown(const std::filesystem::path& path) {
     for (const auto& entry : std::filesystem::directory_iterator(paths[next], ignored))
       paths.push_back(entry);
   }
-  for (auto deepest = paths.rbegin(); deepest != paths.rend(); ++deepest) {
-    std::filesystem::remove(*deepest, ignored);
-  }
+  std::reverse(paths.begin(), paths.end());
+  for (const std::filesystem::path& deepest : paths) std::filesystem::remove(deepest, ignored);
 }
 
 }  // namespace

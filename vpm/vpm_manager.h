@@ -2,6 +2,7 @@
 #define VPM_VPM_MANAGER_H
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "kavo_rolu.h"
@@ -26,7 +27,8 @@ class CVPMMgr {
   CVPMMgr();
   CVPMMgr(const CVPMMgr&) = delete;
   CVPMMgr& operator=(const CVPMMgr&) = delete;
-  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
+  static void* operator new(size_t) = delete;
   static void operator delete(void*) {}
 
   virtual ~CVPMMgr();

@@ -2,6 +2,7 @@
 #define WATCHDOG_WATCHDOG_MANAGER_H
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "kavo_rolu.h"
@@ -14,7 +15,8 @@ class CWDMgr {
   CWDMgr();
   CWDMgr(const CWDMgr&) = delete;
   CWDMgr& operator=(const CWDMgr&) = delete;
-  // The one instance is never deleted; the destructor's table entry shall not need the C++ runtime.
+  // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
+  static void* operator new(size_t) = delete;
   static void operator delete(void*) {}
 
   virtual ~CWDMgr();

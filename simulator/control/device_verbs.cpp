@@ -13,6 +13,7 @@ constexpr char kDevices[] = "Devices";
 
 std::vector<std::string> GpioLines() {
   std::vector<std::string> lines;
+  lines.reserve(rolu_protocol::kGpioLines.size());
   for (const int line : rolu_protocol::kGpioLines) lines.push_back(std::to_string(line));
   return lines;
 }

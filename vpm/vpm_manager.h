@@ -2,7 +2,6 @@
 #define VPM_VPM_MANAGER_H
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 
 #include "kavo_rolu.h"
@@ -28,7 +27,7 @@ class CVPMMgr {
   CVPMMgr(const CVPMMgr&) = delete;
   CVPMMgr& operator=(const CVPMMgr&) = delete;
   // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
-  static void* operator new(size_t) = delete;
+  // NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): so nothing is allocated, either.
   static void operator delete(void*) {}
 
   virtual ~CVPMMgr();

@@ -2,7 +2,6 @@
 #define WATCHDOG_WATCHDOG_MANAGER_H
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 
 #include "kavo_rolu.h"
@@ -16,7 +15,7 @@ class CWDMgr {
   CWDMgr(const CWDMgr&) = delete;
   CWDMgr& operator=(const CWDMgr&) = delete;
   // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
-  static void* operator new(size_t) = delete;
+  // NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): so nothing is allocated, either.
   static void operator delete(void*) {}
 
   virtual ~CWDMgr();

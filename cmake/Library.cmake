@@ -12,7 +12,6 @@ add_library(kavo_rolu_objects OBJECT
   core/deadline.cpp
   core/device_file.cpp
   core/process_objects.cpp
-  gsensor/exports.cpp
   gsensor/gsensor_manager.cpp
   mcu/error_reply.cpp
   mcu/link.cpp
@@ -23,7 +22,6 @@ add_library(kavo_rolu_objects OBJECT
   mcu/transaction.cpp
   mcu/turn.cpp
   mcu/unsolicited.cpp
-  peripheralctrl/exports.cpp
   peripheralctrl/gps_power.cpp
   peripheralctrl/peripheral_manager.cpp
   peripheralctrl/wireless_interface.cpp
@@ -32,13 +30,11 @@ add_library(kavo_rolu_objects OBJECT
   vpm/car_battery.cpp
   vpm/clock.cpp
   vpm/clock_fields.cpp
-  vpm/exports.cpp
   vpm/ignition_and_modes.cpp
   vpm/lifecycle.cpp
   vpm/power_off_delays.cpp
   vpm/power_sources.cpp
   vpm/voltage_scale.cpp
-  watchdog/exports.cpp
   watchdog/watchdog_manager.cpp)
 set_target_properties(kavo_rolu_objects PROPERTIES
   POSITION_INDEPENDENT_CODE ON

@@ -102,7 +102,7 @@ void ResetSharedState() REQUIRES(io_op_lock) {
 
 // The application's signal handlers run on the application's threads, so the I/O thread starts with
 // every signal blocked.
-bool StartIoThread() {
+bool StartIoThread() REQUIRES(io_op_lock) {
   sigset_t all;
   sigset_t before;
   sigfillset(&all);
@@ -146,10 +146,11 @@ bool OpenLink(const char* path, int flags) REQUIRES(io_op_lock) {
 
 // Releases io_op_lock while it waits, since the thread takes that lock to handle its last line.
 void StopIoThread() REQUIRES(io_op_lock) {
+  const pthread_t thread = vpm_io_thread_handle;
   io_thread_active = false;
   WakeIoThread();
   io_op_lock->Unlock();
-  pthread_join(vpm_io_thread_handle, nullptr);
+  pthread_join(thread, nullptr);
   io_op_lock->Lock();
 }
 

@@ -29,7 +29,7 @@ extern int vpm_port;
 extern int vpm_wake_event;
 
 extern int vpm_ref_count GUARDED_BY(io_op_lock);
-extern pthread_t vpm_io_thread_handle;
+extern pthread_t vpm_io_thread_handle GUARDED_BY(io_op_lock);
 
 // The I/O thread runs while it is set. Written under io_op_lock, read by the thread without it.
 extern std::atomic<bool> io_thread_active;

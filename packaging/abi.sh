@@ -31,13 +31,29 @@ interface_of() {
 # The functions take a status as a plain number, so that its values are in no debug information.
 statuses() { sed -n 's/^ *\(ROLU_STATUS_[A-Z0-9_]* = 0x[0-9A-F]*\).*/\1/p' include/kavo_rolu.h; }
 
+# What a package must depend on to use a function: the version that brought it.
+add_new_symbols() {
+  local file=packaging/debian/libkavo-rolu3.symbols version symbol
+  version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+  {
+    grep -v '^ ' "$file"
+    {
+      grep '^ ' "$file"
+      nm -D --defined-only build/abi-amd64/libkavo_rolu.so | sed -n 's/.* \(KAVO_ROLU_[^@ ]*\)@@\(.*\)/\1@\2/p' |
+        while read -r symbol; do grep -qF " $symbol " "$file" || echo " $symbol $version"; done
+    } | LC_ALL=C sort
+  } >build/abi-symbols
+  cp build/abi-symbols "$file"
+}
+
 interface_of amd64 || die "the library could not be built for amd64"
 interface_of armhf -DCMAKE_TOOLCHAIN_FILE=cmake/arm-linux-gnueabihf.cmake || die "the library could not be built for armhf"
 
 if [[ ${1:-} == --record ]]; then
   cp build/abi-amd64/amd64.abi build/abi-armhf/armhf.abi "$records"
   statuses >"$records/statuses"
-  echo "abi: recorded in $records; commit it with the change that it belongs to" >&2
+  add_new_symbols
+  echo "abi: recorded in $records and the package's symbols; commit them with the change that they belong to" >&2
   exit 0
 fi
 

@@ -1,3 +1,4 @@
+#include "core/exported_call.h"
 #include "mcu/queries.h"
 #include "vpm/vpm_manager.h"
 
@@ -78,4 +79,26 @@ uint32_t CVPMMgr::GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info) {
     if ((word >> entry.bit & 1U) != 0) info->*entry.flag = 1;
   }
   return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryVoltage(float* volts) {
+  return StatusCode(gVPMMgr.GetBackupBatteryVoltage(volts));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity(int* capacity) {
+  return StatusCode(gVPMMgr.GetBackupBatteryRemainingCapacity(capacity));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* percent) {
+  return StatusCode(gVPMMgr.GetBackupBatteryPercentageOfCharge(percent));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTemperture(float* celsius) {
+  return StatusCode(gVPMMgr.GetBackupBatteryTemperture(celsius));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingTime(int* time) {
+  return StatusCode(gVPMMgr.GetBackupBatteryRemainingTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time) {
+  return StatusCode(gVPMMgr.GetBackupBatteryTimeToFull(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryInfo(BACKUP_BATTERY_INFO* info) {
+  return StatusCode(gVPMMgr.GetBackupBatteryInfo(info));
 }

@@ -1,3 +1,4 @@
+#include "core/exported_call.h"
 #include "mcu/reply_fields.h"
 #include "vpm/vpm_manager.h"
 
@@ -42,4 +43,8 @@ uint32_t CVPMMgr::GetLBPThresholdInfo(CAR_BATTERY_MODE mode, BATTERY_INFO* info)
   if (info == nullptr) return ROLU_STATUS_INVALID_PARAMETER;
   *info = battery_info[mode];
   return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE mode, BATTERY_INFO* info) {
+  return StatusCode(gVPMMgr.GetLBPThresholdInfo(mode, info));
 }

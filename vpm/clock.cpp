@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "core/exported_call.h"
 #include "mcu/queries.h"
 #include "vpm/clock_fields.h"
 #include "vpm/vpm_manager.h"
@@ -103,4 +104,17 @@ uint32_t CVPMMgr::GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time) {
   time->hour = RAWToTime(static_cast<unsigned char>(hour & ~kAfternoonFlag));
   time->minute = RAWToTime(static_cast<unsigned char>(minute));
   return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time) {
+  return StatusCode(gVPMMgr.SetRTCTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetRTCTime(VPM_RTC_TIME* time) {
+  return StatusCode(gVPMMgr.GetRTCTime(time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time) {
+  return StatusCode(gVPMMgr.SetAlarmTime(mode, time));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetAlarmTime(ALARM_MODE* mode, VPM_ALARM_TIME* time) {
+  return StatusCode(gVPMMgr.GetAlarmTime(mode, time));
 }

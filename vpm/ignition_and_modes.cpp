@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include "core/exported_call.h"
 #include "mcu/queries.h"
 #include "mcu/unsolicited.h"
 #include "vpm/vpm_manager.h"
@@ -115,4 +116,41 @@ uint32_t CVPMMgr::SetLBPPowerOffAlarmEvent(void* event) {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   set_lvp_poweroff_alarm_event(event);
   return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionStatus(char* on) {
+  return StatusCode(gVPMMgr.GetIgnitionStatus(on));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnitionMode(IGNITION_MODE mode) {
+  return StatusCode(gVPMMgr.SetIgnitionMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionMode(IGNITION_MODE* mode) {
+  return StatusCode(gVPMMgr.GetIgnitionMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarm(char enable) {
+  return StatusCode(gVPMMgr.SetPrePowerOffAlarm(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled) {
+  return StatusCode(gVPMMgr.GetPrePowerOffAlarm(enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode) {
+  return StatusCode(gVPMMgr.SetATMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode) {
+  return StatusCode(gVPMMgr.GetATMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode) {
+  return StatusCode(gVPMMgr.SetKeepAliveMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode) {
+  return StatusCode(gVPMMgr.GetKeepAliveMode(mode));
+}
+ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void) {
+  return StatusCode(gVPMMgr.LoadDefaultValue());
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event) {
+  return StatusCode(gVPMMgr.SetIgnPowerOffAlarmEvent(event));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPPowerOffEvent(void* event) {
+  return StatusCode(gVPMMgr.SetLBPPowerOffAlarmEvent(event));
 }

@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/exported_call.h"
 #include "core/process_objects.h"
 #include "mcu/manager_lifecycle.h"
 #include "mcu/reply_fields.h"
@@ -106,4 +107,20 @@ uint32_t CVPMMgr::GetPlatformName(char* name) {
   memcpy(name, reply.text + kPrefixLength, kNameLength);
   name[kNameLength] = '\0';
   return ROLU_STATUS_SUCCESS;
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_Initialize(uint8_t unused) {
+  return StatusCode(gVPMMgr.Initialize(unused));
+}
+ROLU_STATUS KAVO_ROLU_VPM_Deinitialize(void) {
+  return StatusCode(gVPMMgr.Deinitialize());
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetFWVersion(VPM_FIRMWARE_INFO* info) {
+  return StatusCode(gVPMMgr.GetFWVersion(info));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLibVersion(unsigned char* version) {
+  return StatusCode(gVPMMgr.GetLibVersion(version));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetPlatformName(char* name) {
+  return StatusCode(gVPMMgr.GetPlatformName(name));
 }

@@ -1,3 +1,4 @@
+#include "core/exported_call.h"
 #include "mcu/queries.h"
 #include "vpm/vpm_manager.h"
 
@@ -87,4 +88,62 @@ uint32_t CVPMMgr::GetForceShutdown(char* enabled) {
 uint32_t CVPMMgr::ForceShutdown() {
   if (initialized != 1) return ROLU_STATUS_NOT_INITIALIZED;
   return Order(error_table, Command("ATPO\r"), 0);
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnOffEventDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnOffEventDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetIgnSuspendHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnSuspendHardOffDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SeIgnOnDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetIgnOnDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetLBPLowDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetLBPLowDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetLBPLowHardDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetLBPLowHardDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetPrePowerOffAlarmDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetPrePowerOffAlarmDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDownDelay(unsigned short delay) {
+  return StatusCode(gVPMMgr.SetForceShutdownDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDownDelay(unsigned short* delay) {
+  return StatusCode(gVPMMgr.GetForceShutdownDelay(delay));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetForceShutDown(char enable) {
+  return StatusCode(gVPMMgr.SetForceShutdown(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetForceShutDown(char* enabled) {
+  return StatusCode(gVPMMgr.GetForceShutdown(enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void) {
+  return StatusCode(gVPMMgr.ForceShutdown());
 }

@@ -1,3 +1,4 @@
+#include "core/exported_call.h"
 #include "mcu/queries.h"
 #include "vpm/vpm_manager.h"
 
@@ -69,4 +70,26 @@ uint32_t CVPMMgr::SetAlarmActive(char enable) {
 
 uint32_t CVPMMgr::GetAlarmActive(char* enabled) {
   return GetWakeupSourceControlStatus(WAKEUP_SOURCE_RTC_ALARM, enabled);
+}
+
+ROLU_STATUS KAVO_ROLU_VPM_SetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char enable) {
+  return StatusCode(gVPMMgr.SetShutdownSourceControlStatus(source, enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetShutdownSourceControlStatus(SHUTDOWN_SOURCE source, char* enabled) {
+  return StatusCode(gVPMMgr.GetShutdownSourceControlStatus(source, enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetWakeupSourceControlStatus(WAKEUP_SOURCE source, char enable) {
+  return StatusCode(gVPMMgr.SetWakeupSourceControlStatus(source, enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOURCE source, char* enabled) {
+  return StatusCode(gVPMMgr.GetWakeupSourceControlStatus(source, enabled));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* source) {
+  return StatusCode(gVPMMgr.GetLastWakeupSource(source));
+}
+ROLU_STATUS KAVO_ROLU_VPM_SetAlarmActive(char enable) {
+  return StatusCode(gVPMMgr.SetAlarmActive(enable));
+}
+ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled) {
+  return StatusCode(gVPMMgr.GetAlarmActive(enabled));
 }

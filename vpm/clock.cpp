@@ -1,7 +1,8 @@
 #include <cstdio>
 
 #include "core/exported_call.h"
-#include "mcu/queries.h"
+#include "mcu/reply_fields.h"
+#include "mcu/transaction.h"
 #include "vpm/clock_fields.h"
 #include "vpm/vpm_manager.h"
 

@@ -41,10 +41,10 @@ std::string ProblemOf(const CLI::App& app, const CLI::ParseError& error) {
   }
   const std::string& word = unexpected.front();
   if (word.starts_with('-')) {
-    return fmt::format("there is no option '{}'{}", word, Suggestion(word, UsableOptions(command)));
+    return fmt::format("there is no option \"{}\"{}", word, Suggestion(word, UsableOptions(command)));
   }
-  if (subcommands.empty()) return fmt::format("'{}' is one word too many", word);
-  return fmt::format("there is no command '{}'{}", word, Suggestion(word, subcommands));
+  if (subcommands.empty()) return fmt::format("\"{}\" is one word too many", word);
+  return fmt::format("there is no command \"{}\"{}", word, Suggestion(word, subcommands));
 }
 
 }  // namespace
@@ -56,7 +56,7 @@ CLI::Option* AddDurationOption(CLI::App& command, const std::string& name,
     const auto parsed = ParseDuration(text, longest);
     if (!parsed || *parsed < shortest) {
       throw CLI::ValidationError(
-          name, fmt::format("must be a time from {} to {}, as {}, not '{}'", FormatDuration(shortest),
+          name, fmt::format("must be a time from {} to {}, as {}, not \"{}\"", FormatDuration(shortest),
                             FormatDuration(longest), kDurationExamples, text));
     }
     duration = *parsed;

@@ -35,7 +35,7 @@ VPM_ALARM_TIME ParseTime(const std::string& text, ALARM_MODE mode) {
   } catch (const std::invalid_argument&) {
     const char* const form =
         mode == ALARM_MODE_HOURLY ? "a minute from 00 to 59" : "a time from 00:00 to 23:59";
-    throw CommandError(kWrongUse, fmt::format("the alarm's time must be {}, not '{}'", form, text));
+    throw CommandError(kWrongUse, fmt::format("the alarm's time must be {}, not \"{}\"", form, text));
   }
   VPM_ALARM_TIME parsed{};
   std::from_chars(time.data(), time.data() + 2, parsed.hour);
@@ -51,7 +51,7 @@ std::uint8_t ParseDay(const std::string& text) {
       return static_cast<std::uint8_t>(day);
   }
   const std::vector<std::string> known(kDays.begin(), kDays.end());
-  throw CommandError(kWrongUse, fmt::format("there is no day '{}'{} (0 to 6 or sunday to saturday)", text,
+  throw CommandError(kWrongUse, fmt::format("there is no day \"{}\"{} (0 to 6 or sunday to saturday)", text,
                                             Suggestion(text, known)));
 }
 

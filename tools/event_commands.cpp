@@ -34,7 +34,7 @@ std::vector<std::string> KnownEvents() {
   setenv("ROLU_EVENT", std::string(name).c_str(), 1);  // NOLINT(concurrency-mt-unsafe): it has one thread
   setenv("ROLU_TIME", event.time.c_str(), 1);          // NOLINT(concurrency-mt-unsafe)
   execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-  SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(errno)));
+  SayProblem(fmt::format("could not run \"{}\": {}", command, ErrnoText(errno)));
   _exit(kNotFound);
 }
 
@@ -45,7 +45,7 @@ EventCommands::EventCommands(std::vector<std::pair<std::string, std::string>> co
   const std::vector<std::string> known = KnownEvents();
   for (const auto& [name, command] : commands_) {
     if (std::find(known.begin(), known.end(), name) != known.end()) continue;
-    throw CommandError(kWrongUse, fmt::format("there is no event '{}'{}", name, Suggestion(name, known)));
+    throw CommandError(kWrongUse, fmt::format("there is no event \"{}\"{}", name, Suggestion(name, known)));
   }
 }
 
@@ -54,7 +54,7 @@ void EventCommands::Start(const Event& event, std::string_view name) {
     if (wanted != name) continue;
     const pid_t pid = fork();
     if (pid < 0) {
-      SayProblem(fmt::format("could not run '{}': {}", command, ErrnoText(errno)));
+      SayProblem(fmt::format("could not run \"{}\": {}", command, ErrnoText(errno)));
       continue;
     }
     // A process group of its own, so that what the shell starts ends with it. Both processes make it: either
@@ -70,9 +70,9 @@ bool EventCommands::HasEnded(const Running& running, int flags) {
   const pid_t ended = waitpid(running.pid, &status, flags);
   if (ended == 0 || (ended < 0 && errno == EINTR)) return false;
   if (WIFSIGNALED(status)) {
-    SayProblem(fmt::format("'{}' was ended by signal {}", running.command, WTERMSIG(status)));
+    SayProblem(fmt::format("\"{}\" was ended by signal {}", running.command, WTERMSIG(status)));
   } else if (WEXITSTATUS(status) != 0) {
-    SayProblem(fmt::format("'{}' ended with status {}", running.command, WEXITSTATUS(status)));
+    SayProblem(fmt::format("\"{}\" ended with status {}", running.command, WEXITSTATUS(status)));
   }
   return true;
 }

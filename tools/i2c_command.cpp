@@ -39,7 +39,7 @@ unsigned ParseByte(const std::string& text, const char* what, unsigned lowest, u
   if (error == std::errc() && stop == end && number >= lowest && number <= highest) return number;
   throw CommandError(kWrongUse,
                      fmt::format("{} must be from 0x{:02x} to 0x{:02x} (decimal, or hexadecimal with "
-                                 "0x), not '{}'",
+                                 "0x), not \"{}\"",
                                  what, lowest, highest, text));
 }
 

@@ -15,7 +15,7 @@ ExitStatus Give(const Order& order, const CommonOptions& common) {
   Confirm(common, {order.consequence});
   Session session(common);
   session.Require(order.family);
-  ThrowUnlessDone(order.give(), fmt::format("give the order '{}'", order.name));
+  ThrowUnlessDone(order.give(), fmt::format("give the order \"{}\"", order.name));
   if (common.json) {
     PrintJson({{"order", order.name}, {"given", true}});
   } else {

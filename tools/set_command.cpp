@@ -14,7 +14,8 @@ namespace {
 
 Change ParseAssignment(const std::string& text) {
   const std::size_t equals = text.find('=');
-  if (equals == std::string::npos) throw CommandError(kWrongUse, fmt::format("'{}' is not NAME=VALUE", text));
+  if (equals == std::string::npos)
+    throw CommandError(kWrongUse, fmt::format("\"{}\" is not NAME=VALUE", text));
   return ParseChange(text.substr(0, equals), text.substr(equals + 1));
 }
 

@@ -59,7 +59,7 @@ Value Typed(const Setting& setting, std::string_view text) {
     default:
       return std::string(text);
   }
-  Refuse(setting, fmt::format("'{}'", text));
+  Refuse(setting, fmt::format("\"{}\"", text));
 }
 
 bool IsChoice(const Setting& setting, const std::string& word) {
@@ -126,7 +126,7 @@ std::string RangeText(const Setting& setting) {
 
 Value ParseValue(const Setting& setting, std::string_view text) {
   Value value = Typed(setting, text);
-  if (!IsTaken(setting, value)) Refuse(setting, fmt::format("'{}'", text));
+  if (!IsTaken(setting, value)) Refuse(setting, fmt::format("\"{}\"", text));
   return value;
 }
 

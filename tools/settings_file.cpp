@@ -57,7 +57,7 @@ Value ParseJson(const std::string& path, const std::string& text) {
     if (event == Value::parse_event_t::object_start) keys.emplace_back();
     if (event == Value::parse_event_t::object_end) keys.pop_back();
     if (event == Value::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
-      twice.push_back(fmt::format("'{}' is there twice", parsed.get<std::string>()));
+      twice.push_back(fmt::format("\"{}\" is there twice", parsed.get<std::string>()));
     }
     return true;
   };
@@ -88,7 +88,7 @@ void CheckFrame(const std::string& path, const Value& document) {
   static const std::set<std::string> known = {"format", "version", "saved_at", "firmware", "settings"};
   Problems problems;
   for (const auto& [key, value] : document.items()) {
-    if (known.count(key) == 0) problems.push_back(fmt::format("has an unknown part '{}'", key));
+    if (known.count(key) == 0) problems.push_back(fmt::format("has an unknown part \"{}\"", key));
   }
   const auto settings = document.find("settings");
   if (settings == document.end() || !settings->is_object()) problems.emplace_back("has no settings");
@@ -99,15 +99,15 @@ void CheckFrame(const std::string& path, const Value& document) {
 std::string ProblemWith(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
   if (setting == nullptr)
-    return fmt::format("there is no setting '{}'{}", name, Suggestion(name, SettingNames()));
+    return fmt::format("there is no setting \"{}\"{}", name, Suggestion(name, SettingNames()));
   if (!setting->IsSaved()) return fmt::format("{} cannot be loaded", name);
   if (!entry.is_object() || !entry.contains("value")) return fmt::format("{} has no value", name);
   for (const auto& [key, value] : entry.items()) {
-    if (key != "value" && key != "unit") return fmt::format("{} has an unknown part '{}'", name, key);
+    if (key != "value" && key != "unit") return fmt::format("{} has an unknown part \"{}\"", name, key);
   }
   const auto unit = entry.find("unit");
   if (unit != entry.end() && *unit != setting->unit) {
-    return fmt::format("{} is in {}, not in '{}'", name, unit->dump(), setting->unit);
+    return fmt::format("{} is in {}, not in \"{}\"", name, unit->dump(), setting->unit);
   }
   try {
     CheckValue(*setting, entry["value"]);

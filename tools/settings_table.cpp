@@ -54,7 +54,7 @@ std::vector<std::string> SettingNames() {
 const Setting& SettingNamed(std::string_view name) {
   if (const Setting* const setting = FindSetting(name)) return *setting;
   throw CommandError(kWrongUse,
-                     fmt::format("there is no setting '{}'{}", name, Suggestion(name, SettingNames())));
+                     fmt::format("there is no setting \"{}\"{}", name, Suggestion(name, SettingNames())));
 }
 
 std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names) {
@@ -71,7 +71,7 @@ std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names)
     std::vector<std::string> known = SettingNames();
     for (const SettingGroup& group : SettingGroups()) known.emplace_back(group.name);
     throw CommandError(kWrongUse,
-                       fmt::format("there is no setting or group '{}'{}", name, Suggestion(name, known)));
+                       fmt::format("there is no setting or group \"{}\"{}", name, Suggestion(name, known)));
   }
   return found;
 }

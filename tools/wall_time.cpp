@@ -51,7 +51,8 @@ VPM_RTC_TIME ParseClock(std::string_view text) {
   const VPM_RTC_TIME time = ClockOf(fields);
   if (is_read && ClockText(time) == given) return time;
   throw std::invalid_argument(fmt::format(
-      "must be a time that exists, from the years 2000 to 2099, like '2026-11-24 21:38:15', not '{}'", text));
+      "must be a time that exists, from the years 2000 to 2099, like \"2026-11-24 21:38:15\", not \"{}\"",
+      text));
 }
 
 VPM_RTC_TIME SystemClock(bool utc) {

@@ -180,10 +180,10 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
       {"[1, 2]", "was not written by 'rolu save'"},
       {with("rolu-settings", "other"), "was not written by 'rolu save'"},
       {with("\"version\":1", "\"version\":2"), "has version 2; this program reads version 1"},
-      {with("\"version\":1", R"("version":1,"later":1)"), "has an unknown part 'later'"},
+      {with("\"version\":1", R"("version":1,"later":1)"), R"(has an unknown part "later")"},
       {with("\"settings\":", "\"settinks\":"), "has no settings"},
       {with("watchdog.time", "watchdog.tine"),
-       "there is no setting 'watchdog.tine'; did you mean watchdog.time?"},
+       R"(there is no setting "watchdog.tine"; did you mean watchdog.time?)"},
       {with("watchdog.time", "battery.voltage"), "battery.voltage cannot be loaded"},
       {with("\"value\":7", "\"value\":70000"),
        "watchdog.time must be a whole number from 1 to 65535, not 70000"},
@@ -191,12 +191,12 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
       {with("\"value\":7", R"("value":"7")"), "not \"7\""},
       {with("\"value\":7", "\"value\":null"), "not null"},
       {with("\"value\":7", "\"valeu\":7"), "watchdog.time has no value"},
-      {with("MCU units", "hours"), "watchdog.time is in \"hours\", not in 'MCU units'"},
+      {with("MCU units", "hours"), R"(watchdog.time is in "hours", not in "MCU units")"},
       {with("\"watchdog.time\":", R"("watchdog.time":{"value":6},"watchdog.time":)"),
-       "'watchdog.time' is there twice"},
+       R"("watchdog.time" is there twice)"},
       {with("\"watchdog.time\":",
             R"("ignition.on-delay":{"value":9},"no.such":{"value":1},"watchdog.time":)"),
-       "there is no setting 'no.such'"},
+       R"(there is no setting "no.such")"},
   };
   const std::string path = directory.File("wrong.json");
   for (const auto& wrong : kCases) {

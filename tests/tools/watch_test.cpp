@@ -179,12 +179,12 @@ TEST_F(WatchTest, CommandsRunAtTheirEventBesideTheWatching) {
   ASSERT_TRUE(rolu->WaitForOutput("ignition off"));
   board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
   ASSERT_TRUE(rolu->WaitForOutput("G-sensor alarm"));
-  ASSERT_TRUE(rolu->WaitForMessage("'echo noise; exit 3' ended with status 3"));
+  ASSERT_TRUE(rolu->WaitForMessage(R"("echo noise; exit 3" ended with status 3)"));
   rolu->Signal(SIGINT);
   EXPECT_EQ(rolu->Wait(), 0) << "a command that goes on is ended";
   EXPECT_EQ(ReadFile(marker), "ignition-off\n");
   EXPECT_THAT(rolu->out(), Not(HasSubstr("noise")));
-  EXPECT_THAT(rolu->err(), AllOf(HasSubstr("noise\n"), HasSubstr("'sleep 1000' was ended by signal 15")));
+  EXPECT_THAT(rolu->err(), AllOf(HasSubstr("noise\n"), HasSubstr(R"("sleep 1000" was ended by signal 15)")));
   ExpectTakenDown();
 }
 

@@ -2,13 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "cli/messages.h"
-#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
 
 namespace rolu {
@@ -45,6 +43,10 @@ void GiveUp(Change& change) {
 
 bool IsProtection(const Setting& setting) {
   return setting.name == "battery.preboot" || setting.name == "battery.lbp";
+}
+
+bool HasChangeOf(const std::vector<Change>& changes, std::string_view name) {
+  return std::ranges::any_of(changes, [&](const Change& change) { return change.setting->name == name; });
 }
 
 Change ParseChange(const std::string& name, std::string_view text) {

@@ -25,6 +25,8 @@ struct Change {
 inline constexpr std::string_view kBatteryMode = "battery.mode";
 bool IsProtection(const Setting& setting);
 
+bool HasChangeOf(const std::vector<Change>& changes, std::string_view name);
+
 // The change of the setting `name` to what `text` says. Throws CommandError(kWrongUse).
 Change ParseChange(const std::string& name, std::string_view text);
 

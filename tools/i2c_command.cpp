@@ -5,10 +5,7 @@
 #include <optional>
 
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/report.h"
 #include "tools/status_words.h"
 

@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/exit_status.h"
-#include "tools/setting.h"
+#include "tools/session.h"
+#include "tools/status_words.h"
+#include "tools/terminal.h"
 
 namespace rolu {
 
@@ -51,19 +52,14 @@ void PrintJson(const Document& document);
 // Prints a document as one line at once, as a stream of events has them.
 void PrintJsonLine(const Document& document);
 
-// How well the parts of a command went.
-class Outcome {
- public:
-  void Add(ExitStatus status) {
-    if (status == kDone) ++done_;
-    if (first_failure_ == kDone) first_failure_ = status;
-  }
-  // kDone, kPartlyDone when some went well, else what the first failure was.
-  ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
+// Reads one setting into the report, with its success or failure in the outcome. Throws when a signal asks
+// for an end.
+ROLU_STATUS ReadInto(Session& session, const Setting& setting, Report& report, Outcome& outcome);
 
- private:
-  int done_ = 0;
-  ExitStatus first_failure_ = kDone;
-};
+// Reads the setting or the group of that name and prints it. Throws CommandError when it cannot be read.
+ExitStatus ReadAndPrint(Session& session, const std::string& name, const CommonOptions& common);
+
+// Now, with milliseconds and the offset from UTC: "2026-11-24T21:38:15.123+01:00".
+std::string TimeStamp();
 
 }  // namespace rolu

@@ -5,15 +5,10 @@
 
 #include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
-#include "tools/wall_time.h"
 
 namespace rolu {
 namespace {

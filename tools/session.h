@@ -5,10 +5,19 @@
 #include <optional>
 
 #include "cli/exit_status.h"
-#include "tools/common_options.h"
 #include "tools/setting.h"
 
 namespace rolu {
+
+// The options that every command takes.
+struct CommonOptions {
+  bool json = false;
+  bool force = false;
+  bool yes = false;
+};
+
+// Whether the GPS receiver's power line is prepared and high.
+bool GpsLineIsOn();
 
 // This program's use of the board: brings the families up as they are needed, and takes down what
 // it brought up, on every way out.

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +32,9 @@ enum class Kind {
 // When a change must be confirmed first.
 enum class AsksFirst { kNever, kAlways, kSwitchingOff, kSwitchingOn };
 
+using Reader = std::function<ROLU_STATUS(Value&)>;
+using Writer = std::function<ROLU_STATUS(const Value&)>;
+
 // One thing that can be read from the board, and perhaps written: a row of the one table that
 // help, man page, completion and all commands share.
 struct Setting {
@@ -43,8 +49,8 @@ struct Setting {
   // How far a value that was set may be from what reads back: the step to which the MCU rounds.
   double rounding = 0;
 
-  ROLU_STATUS (*read)(Value& value) = nullptr;
-  ROLU_STATUS (*write)(const Value& value) = nullptr;  // null: cannot be written
+  Reader read{};
+  Writer write{};  // null: cannot be written
 
   // Part of `save` and `load`; the momentary switches of peripherals are not.
   bool saved = true;
@@ -55,6 +61,29 @@ struct Setting {
   bool IsSaved() const { return IsWritable() && saved; }
 };
 
+// All settings, group by group. `load` and `set` apply changes in this order: the battery mode
+// before what it switches off, a delay before the switch that starts it.
+const std::vector<Setting>& Settings();
+
+struct SettingGroup {
+  std::string_view name;   // the part before the dot
+  std::string_view title;  // "Car battery"
+};
+const std::vector<SettingGroup>& SettingGroups();
+
+// Null when there is none.
+const Setting* FindSetting(std::string_view name);
+
+// The setting of that name. Throws CommandError(kWrongUse) that suggests the nearest.
+const Setting& SettingNamed(std::string_view name);
+
+// The settings that names mean, each name a setting or a group ("battery"), in the order given; all settings
+// where no name is given. The same throw.
+std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names);
+
+// "there is no setting "mode"; did you mean ...?"
+std::string NoSetting(std::string_view name);
+
 // The part of the name before the first dot.
 std::string_view GroupOf(const Setting& setting);
 
@@ -62,7 +91,7 @@ std::string_view GroupOf(const Setting& setting);
 std::string RangeText(const Setting& setting);
 
 // The whole of `text` as a value that the setting takes. Throws std::invalid_argument with the
-// reason ("must be a whole number from 1 to 65535, not '0x'").
+// reason (must be a whole number from 1 to 65535, not "0x").
 Value ParseValue(const Setting& setting, std::string_view text);
 
 // Whether a value out of a file is one that the setting takes; the same throw.
@@ -74,6 +103,16 @@ std::string ValueText(const Setting& setting, const Value& value);
 // A voltage as a multiple of a thousandth, and how it is written: "12.600".
 double Thousandths(float volts);
 std::string VoltsText(double volts);
+
+struct TimeOfDay {
+  std::uint8_t hour = 0;
+  std::uint8_t minute = 0;
+};
+// "07:30"; nothing when `text` is no time of day.
+std::optional<TimeOfDay> ParseTimeOfDay(std::string_view text);
+
+// "2026-11-24 21:38:15", as the MCU's clock tells it.
+std::string ClockText(const VPM_RTC_TIME& time);
 
 // Whether they are equal; numbers may be `allowance` apart, which as a rule is the setting's rounding.
 bool IsSame(const Value& wanted, const Value& found, double allowance = 0);

@@ -14,10 +14,6 @@
 #include <stdexcept>
 
 #include "cli/messages.h"
-#include "cli/nearest_name.h"
-#include "tools/command_error.h"
-#include "tools/output.h"
-#include "tools/settings_table.h"
 
 namespace rolu {
 namespace {
@@ -98,8 +94,7 @@ void CheckFrame(const std::string& path, const Value& document) {
 // An empty text, or what is wrong with the entry.
 std::string ProblemWith(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
-  if (setting == nullptr)
-    return fmt::format("there is no setting \"{}\"{}", name, Suggestion(name, SettingNames()));
+  if (setting == nullptr) return NoSetting(name);
   if (!setting->IsSaved()) return fmt::format("{} cannot be loaded", name);
   if (!entry.is_object() || !entry.contains("value")) return fmt::format("{} has no value", name);
   for (const auto& [key, value] : entry.items()) {

@@ -4,13 +4,9 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/report.h"
 #include "tools/session.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
 
 namespace rolu {

@@ -1,18 +1,26 @@
-#include "tools/confirm.h"
+#include "tools/terminal.h"
 
 #include <fmt/format.h>
 #include <poll.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <optional>
 
 #include "cli/messages.h"
-#include "tools/command_error.h"
 #include "tools/interrupt.h"
+#include "tools/session.h"
+#include "tools/status_words.h"
 
 namespace rolu {
 namespace {
+
+int first_output_error = 0;
+
+void NoteOutput(bool done) {
+  if (!done && first_output_error == 0) first_output_error = errno;
+}
 
 // A line of standard input without its end; nothing when a signal or the end of the input came
 // before. Byte by byte, so that what follows the line stays for others.
@@ -30,6 +38,20 @@ std::optional<std::string> ReadAnswer() {
 }
 
 }  // namespace
+
+void Out(std::string_view text) {
+  NoteOutput(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
+}
+
+void OutNow(std::string_view text) {
+  Out(text);
+  NoteOutput(std::fflush(stdout) == 0);
+}
+
+int OutputError() {
+  NoteOutput(std::fflush(stdout) == 0);
+  return first_output_error;
+}
 
 void Confirm(const CommonOptions& options, const std::vector<std::string>& consequences) {
   if (options.yes || consequences.empty()) return;

@@ -1,8 +1,7 @@
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
-#include "cli/completion.h"
-#include "cli/man_page.h"
+#include "cli/documents.h"
 #include "tools/board_watcher.h"
 #include "tools/command.h"
 #include "tools/port_owner.h"

@@ -1,8 +1,7 @@
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
-#include "cli/completion.h"
-#include "cli/man_page.h"
+#include "cli/documents.h"
 #include "simulator/control/readings.h"
 #include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"

@@ -1,10 +1,24 @@
 #pragma once
 
+// The man page and the completion that come out of a command line's own definitions.
+
 #include <CLI/CLI.hpp>
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace rolu {
+
+// A man page: name, synopsis, options, commands and exit statuses. What the program has beside these is
+// written behind it, with the pieces below. `usage` gives a command's form.
+std::string ManPage(const CLI::App& app, std::string_view version, std::string_view purpose,
+                    std::string (*usage)(const CLI::App&));
+
+// Text in which nothing is a request to the formatter.
+std::string RoffText(std::string_view text);
+
+// A term and what it is; `body` may hold requests.
+std::string RoffItem(std::string_view term, std::string_view body);
 
 // What can stand at a place of a command line: words, and paths of one of these kinds.
 struct Candidates {
@@ -14,7 +28,7 @@ struct Candidates {
   Paths paths = Paths::kNone;
 };
 
-// What a command line's own definitions do not say about its words.
+// What a command line's definitions do not say about its words.
 struct CompletionTable {
   // By command, "rolu get": beside its subcommands. A command that is only here is a word that has values.
   std::map<std::string, Candidates> arguments;

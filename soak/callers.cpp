@@ -24,27 +24,15 @@ std::uint32_t OneIn(const Promise& promise) {
   return promise.own_ms == kNoLimit ? 20 : 1 + static_cast<std::uint32_t>(promise.own_ms % 1000) / 10;
 }
 
-// The family that a lane leads; kFamilies for none.
-std::size_t LedBy(std::size_t lane) {
-  std::size_t family = 0;
-  while (family < kFamilies && Families().at(family).lane != lane) ++family;
-  return family;
-}
-
-std::vector<const Operation*> OperationsOf(std::size_t lane) {
-  std::vector<const Operation*> operations;
-  for (const Operation& operation : Operations()) {
-    if (operation.lane == lane) operations.push_back(&operation);
-  }
-  return operations;
-}
-
 }  // namespace
 
-Callers::Callers(const Lanes& lanes, CallBook& book, Findings& violations, Findings& excuses)
-    : lanes_(lanes), book_(book), violations_(violations), excuses_(excuses) {
+Callers::Callers(std::uint32_t seed, AnsweringMcu& mcu, CallBook& book, Findings& violations,
+                 Findings& excuses)
+    : mcu_(mcu), book_(book), violations_(violations), excuses_(excuses) {
   gate_.Open(0);
-  for (std::size_t lane = 0; lane < kLanes; ++lane) threads_.emplace_back([this, lane] { Run(lane); });
+  for (std::uint32_t lane = 0; lane < kLanes; ++lane) {
+    threads_.emplace_back([this, lane, seed] { Run(lane, seed * 100 + lane); });
+  }
 }
 
 Callers::~Callers() {
@@ -73,46 +61,52 @@ void Callers::PortIsDead(bool dead) {
   if (dead != (port_changes_ % 2 == 1)) ++port_changes_;
 }
 
-void Callers::Run(std::size_t number) {
-  Lane& lane = *lanes_.at(number);
-  const std::vector<const Operation*> operations = OperationsOf(number);
-  const std::size_t led = LedBy(number);
+void Callers::Run(std::size_t lane, std::uint32_t seed) {
+  Dice dice(seed);
+  std::vector<const Operation*> operations;
+  for (const Operation& operation : Operations()) {
+    if (operation.lane == lane) operations.push_back(&operation);
+  }
+  // The family that the thread leads; kFamilies for none.
+  const std::size_t led = static_cast<std::size_t>(
+      std::ranges::find_if(Families(),
+                           [lane](const auto& family) { return family.initialize.lane == lane; }) -
+      Families().begin());
   while (!ending_) {
     const Inside inside(gate_);
     if (ending_) break;
-    if (led != kFamilies && !families_stay_ && lane.Draw(families_.at(led).is_up ? 150 : 10) == 0) {
-      TurnOffAndOn(led);
+    if (led != kFamilies && !families_stay_ && dice.Below(families_.at(led).is_up ? 150 : 10) == 0) {
+      TurnOffAndOn(dice, led);
     } else {
-      CallAny(lane, operations);
+      CallAny(dice, operations);
     }
   }
 }
 
-void Callers::CallAny(Lane& lane, const std::vector<const Operation*>& operations) {
-  const Operation& operation = *operations.at(lane.Draw(static_cast<std::uint32_t>(operations.size())));
-  if (lane.Draw(OneIn(operation.promise)) != 0) return;
+void Callers::CallAny(Dice& dice, const std::vector<const Operation*>& operations) {
+  const Operation& operation = *operations.at(dice.Below(operations.size()));
+  if (dice.Below(OneIn(operation.promise)) != 0) return;
   {
     const Inside family(families_.at(operation.family).gate);
     Call(operation, false);
   }
   // A line that is always busy is only one of the cases.
-  if (lane.Draw(4) == 0) std::this_thread::sleep_for(std::chrono::microseconds(lane.Draw(20000)));
+  if (dice.Below(4) == 0) std::this_thread::sleep_for(std::chrono::microseconds(dice.Below(20000)));
 }
 
 // In between the others find the family down.
-void Callers::TurnOffAndOn(std::size_t number) {
+void Callers::TurnOffAndOn(Dice& dice, std::size_t number) {
   Gate& gate = families_.at(number).gate;
   if (!Empty(gate)) return;
   TakeDown(number, false);
   gate.Open();
-  std::this_thread::sleep_for(milliseconds(lanes_.at(Families().at(number).lane)->Draw(30)));
+  std::this_thread::sleep_for(milliseconds(dice.Below(30)));
   if (!Empty(gate)) return;
   BringUp(number, false);
   gate.Open();
 }
 
 void Callers::Call(const Operation& operation, bool alone) {
-  Lane& lane = *lanes_.at(operation.lane);
   Family& family = families_.at(operation.family);
   const std::uint64_t changes_before = port_changes_;
   CallFacts facts;
@@ -120,12 +114,11 @@ void Callers::Call(const Operation& operation, bool alone) {
   facts.family_was_up = family.is_up || IsStartUp(operation) || !operation.has_state;
 
   const ProcessorWaits waits_before = MeasureProcessorWaits();
-  const std::string uncalled = lane.TakeUncalled();
-  lane.BeginCall();
+  const std::string uncalled = mcu_.BeginCall(operation.lane);
   book_.Begin(operation.lane, operation);
   facts.status = operation.row->call(facts.output.data());
   const CallBook::Duration duration = book_.End(operation.lane, facts.status, alone);
-  facts.exchanges = lane.EndCall();
+  facts.exchanges = mcu_.EndCall(operation.lane);
 
   facts.port_was_dead = changes_before % 2 == 1 || changes_before != port_changes_;
   facts.link_was_busy = duration.took >= milliseconds(kLinkMs);

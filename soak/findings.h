@@ -1,5 +1,4 @@
-#ifndef SOAK_FINDINGS_H
-#define SOAK_FINDINGS_H
+#pragma once
 
 #include <algorithm>
 #include <array>
@@ -54,5 +53,3 @@ class Findings {
 };
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_FINDINGS_H

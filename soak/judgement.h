@@ -1,16 +1,21 @@
-#ifndef SOAK_JUDGEMENT_H
-#define SOAK_JUDGEMENT_H
+#pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "include/kavo_rolu.h"
 #include "soak/findings.h"
-#include "soak/lane.h"
 #include "tests/oracle/made_call.h"
 
 namespace rolu_soak {
+
+// A command that reached the MCU, and the line that answers it; nothing where no such line comes.
+struct Exchange {
+  std::string command;
+  std::optional<std::string> reply;
+};
 
 // A call that has returned, and the circumstances.
 struct CallFacts {
@@ -31,6 +36,7 @@ Fault FaultIn(const CallFacts& facts);
 // The tables behind it have their whole size from then on: what the process holds is compared.
 void PrepareJudgement();
 
+// "VPM_NO_REPLY".
 std::string StatusText(ROLU_STATUS status);
 
 // So many of the calls may be excused. Each one that is says nothing about the library, and a machine that
@@ -39,5 +45,3 @@ std::string StatusText(ROLU_STATUS status);
 std::uint64_t ExcusableCalls(std::uint64_t calls);
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_JUDGEMENT_H

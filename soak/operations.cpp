@@ -38,22 +38,17 @@ std::string ExportOf(const CallRow& row) {
   return row.name.substr(0, row.name.find(' '));
 }
 
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 bool IsInitialize(const CallRow& row) {
-  return EndsWith(row.name, "_Initialize");
+  return row.name.ends_with("_Initialize");
 }
 
 bool IsDeinitialize(const CallRow& row) {
-  return EndsWith(row.name, "_Deinitialize");
+  return row.name.ends_with("_Deinitialize");
 }
 
 std::size_t FamilyOf(const CallRow& row) {
-  const auto& families = rolu_test::McuFamilies();
   std::size_t family = 0;
-  while (row.name.compare(0, families.at(family).prefix.size(), families.at(family).prefix) != 0) ++family;
+  while (!row.name.starts_with(rolu_test::McuFamilies().at(family).prefix)) ++family;
   return family;
 }
 
@@ -83,7 +78,7 @@ Promise PromiseOfCommands(const std::vector<std::string>& commands) {
 Promise PromiseOf(const CallRow& row) {
   const std::vector<std::string> commands = rolu_test::CommandsOf(row.wire);
   if (commands.empty() && IsDeinitialize(row)) return {"a closing", kClosingMs, false};
-  if (commands.empty()) return {EndsWith(row.name, "Event") ? "the inner lock" : "Does not block", 0, false};
+  if (commands.empty()) return {row.name.ends_with("Event") ? "the inner lock" : "Does not block", 0, false};
   Promise promise = PromiseOfCommands(commands);
   if (row.brings_up) {
     promise.statement = "the link, then " + promise.statement;
@@ -191,7 +186,7 @@ std::size_t LaneOf(std::string_view command) {
   std::size_t longest = 0;
   std::size_t lane = kAnyLane;
   for (const auto& owner : kOwners) {
-    if (owner.begin.size() <= longest || command.substr(0, owner.begin.size()) != owner.begin) continue;
+    if (owner.begin.size() <= longest || !command.starts_with(owner.begin)) continue;
     longest = owner.begin.size();
     lane = owner.lane;
   }
@@ -203,9 +198,6 @@ const std::vector<FamilyCalls>& Families() {
     std::vector<FamilyCalls> all(kFamilies);
     for (const Operation& operation : RowOperations()) {
       FamilyCalls& family = all.at(operation.family);
-      const std::string& prefix = rolu_test::McuFamilies().at(operation.family).prefix;
-      family.name = prefix.substr(0, prefix.size() - 1);
-      family.lane = kLeaders.at(operation.family);
       if (IsInitialize(*operation.row)) family.initialize = operation;
       if (IsDeinitialize(*operation.row)) family.deinitialize = operation;
     }
@@ -235,6 +227,20 @@ const Operation& OperationOf(std::string_view row_name) {
     if (operation.row->name == row_name) return operation;
   }
   throw std::out_of_range(std::string(row_name));
+}
+
+std::string ListOfPromises() {
+  std::string text;
+  const auto add = [&text](const Operation& operation) {
+    text += fmt::format("KAVO_ROLU_{} | {} | {}\n", operation.name, operation.promise.statement,
+                        operation.promise.own_ms);
+  };
+  for (const FamilyCalls& family : Families()) {
+    add(family.initialize);
+    add(family.deinitialize);
+  }
+  for (const Operation& operation : Operations()) add(operation);
+  return text;
 }
 
 }  // namespace rolu_soak

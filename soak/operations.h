@@ -1,6 +1,5 @@
 // The functions of the interface as the soak calls them.
-#ifndef SOAK_OPERATIONS_H
-#define SOAK_OPERATIONS_H
+#pragma once
 
 #include <atomic>
 #include <cstddef>
@@ -52,9 +51,8 @@ struct Operation {
   bool has_state = true;  // false: it answers the same when the family is down
 };
 
+// What brings a family up and down, both by one thread.
 struct FamilyCalls {
-  std::string name;
-  std::size_t lane;  // who brings it up and down
   Operation initialize;
   Operation deinitialize;
 };
@@ -67,9 +65,10 @@ std::string AlarmMessage(std::uint32_t number);
 const std::vector<FamilyCalls>& Families();
 const std::vector<Operation>& Operations();
 
+// Each operation with the statement that the header makes of how long it blocks.
+std::string ListOfPromises();
+
 // The one whose row has this name.
 const Operation& OperationOf(std::string_view row_name);
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_OPERATIONS_H

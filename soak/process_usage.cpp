@@ -69,9 +69,18 @@ void CountHeapExactly() {
   setenv(kTunablesVariable, kOneArenaWithoutCaches, 0);
 }
 
-bool HeapIsCountedExactly() {
+// While all families are down the library holds nothing, and what the soak and the board hold has its whole
+// size from the start: at each rest of runs of minutes the heap was the same to the byte. A leak of 64 bytes
+// for each opening of a family is over this after seven of them. Of the resident memory pages, most of them
+// of stacks, come into use as threads meet.
+//
+// Where the allocator keeps freed pieces for each thread, these count as held, and so does what an emulator
+// has translated of the program and the library: that grew by 0.7 MiB in ten seconds.
+ProcessUsage TolerableGrowth() {
   const char* const tunables = getenv(kTunablesVariable);
-  return tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
+  const bool is_exact = tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
+  return is_exact ? ProcessUsage{.heap_bytes = 512, .resident_bytes = 262144}
+                  : ProcessUsage{.heap_bytes = 65536, .resident_bytes = 8388608};
 }
 
 ProcessorWaits MeasureProcessorWaits() {

@@ -29,14 +29,6 @@ constexpr std::chrono::seconds kGenerous{20};
 // A dead port holds each call for 3 s, one after another: a short run affords one.
 constexpr milliseconds kShortRun{30000};
 
-Lanes MakeLanes(std::uint32_t seed) {
-  Lanes lanes;
-  for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
-    lanes.at(lane) = std::make_unique<Lane>(seed * 100 + static_cast<std::uint32_t>(lane));
-  }
-  return lanes;
-}
-
 rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
   rolu_sim::BoardOptions options;
   options.serial.answer_route = [&mcu](std::string_view command, const rolu_sim::AskModel& ask_model) {
@@ -101,10 +93,9 @@ const std::vector<LongestCall>& LongestCalls() {
 Soak::Soak(const SoakOptions& options)
     : options_(options),
       start_(steady_clock::now()),
-      lanes_(MakeLanes(options.seed)),
-      mcu_(options.seed, lanes_, violations_),
+      mcu_(options.seed, violations_),
       board_(AnsweredBy(mcu_)),
-      callers_((board_.AttachThisProcess(), lanes_), book_, violations_, excuses_),
+      callers_((board_.AttachThisProcess(), options.seed), mcu_, book_, violations_, excuses_),
       disturbances_(board_.mcu(), callers_.Threads(), options.seed) {}
 
 milliseconds Soak::elapsed() const {
@@ -163,7 +154,7 @@ bool Soak::Rest() {
   ExpectHeld("while all families are up", kLinkDescriptors, kLinkThreads);
   DriveNextToTheLimit();
   SwitchAll(false);
-  const Disturbances::Pause pause(disturbances_);
+  const std::unique_lock<std::mutex> pause = disturbances_.Pause();
   ClearLogs();
   last_usage_ = ExpectHeld("while all families are down", 0, 0);
   CompareMemory();
@@ -190,13 +181,13 @@ ProcessUsage Soak::ExpectHeld(const char* when, std::size_t more_descriptors, st
 void Soak::CompareMemory() {
   if (!kMemoryIsMeasured) return;
   if (!first_usage_) first_usage_ = last_usage_;
-  const auto compare = [this](const char* what, std::size_t first, std::size_t now, std::size_t tolerance) {
-    if (now <= first + tolerance) return;
-    violations_.Add(fmt::format("{} grew from {} to {} bytes", what, first, now));
+  const auto compare = [this](const char* what, std::size_t ProcessUsage::*bytes) {
+    if (last_usage_.*bytes <= (*first_usage_).*bytes + TolerableGrowth().*bytes) return;
+    violations_.Add(
+        fmt::format("{} grew from {} to {} bytes", what, (*first_usage_).*bytes, last_usage_.*bytes));
   };
-  compare("the heap", first_usage_->heap_bytes, last_usage_.heap_bytes, heap_tolerance());
-  compare("the resident memory", first_usage_->resident_bytes, last_usage_.resident_bytes,
-          resident_tolerance());
+  compare("the heap", &ProcessUsage::heap_bytes);
+  compare("the resident memory", &ProcessUsage::resident_bytes);
 }
 
 void Soak::CompareExcuses() {

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "soak/drawn_answer.h"
+#include "soak/answering_mcu.h"
 #include "tests/oracle/operations.h"
 #include "tests/support/interface_header.h"
 

@@ -173,7 +173,8 @@ class Examination {
       return false;
     }
     Value firmware;
-    if (session_.Read(SettingNamed("mcu.firmware"), firmware) == ROLU_STATUS_SUCCESS) firmware_ = firmware.get<std::string>();
+    if (session_.Read(SettingNamed("mcu.firmware"), firmware) == ROLU_STATUS_SUCCESS)
+      firmware_ = firmware.get<std::string>();
     Add("MCU", kGood, "answers; firmware " + firmware_);
     return true;
   }

@@ -46,13 +46,13 @@ void PlanSetting(Session& session, const Setting& setting, const SavedSetting* s
 
 // Reads the unit and compares. A change of the battery mode switches both protections off: they are then set
 // after it, to what the file says, or to what they were.
-LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
+LoadPlan PlanLoad(Session& session, const std::vector<SavedSetting>& file) {
   LoadPlan plan;
   for (const Setting& setting : Settings()) {
     if (!setting.IsSaved()) continue;
     interrupt::ThrowIfRequested();
-    const auto saved = std::ranges::find(file.settings, &setting, &SavedSetting::setting);
-    PlanSetting(session, setting, saved == file.settings.end() ? nullptr : &*saved, plan);
+    const auto saved = std::ranges::find(file, &setting, &SavedSetting::setting);
+    PlanSetting(session, setting, saved == file.end() ? nullptr : &*saved, plan);
     if (!session.McuIsUnreachable()) continue;
     throw CommandError(kNoAnswer,
                        fmt::format("nothing was changed: {}", DescribeWithHint(session.McuProblem())));
@@ -62,9 +62,10 @@ LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
 
 // Reads the settings of the file once more, those of `plan` that failed left out, and gives those that are
 // not as the file says: one setting may have moved another.
-std::vector<Change> FindDeviations(Session& session, const SettingsFile& file, const LoadPlan& plan) {
+std::vector<Change> FindDeviations(Session& session, const std::vector<SavedSetting>& file,
+                                   const LoadPlan& plan) {
   std::vector<Change> deviations;
-  for (const SavedSetting& saved : file.settings) {
+  for (const SavedSetting& saved : file) {
     if (interrupt::Signal() != 0) break;
     const auto planned = std::ranges::find(plan.changes, saved.setting, &Change::setting);
     if (planned != plan.changes.end() && !planned->problem.empty()) continue;
@@ -118,7 +119,7 @@ void Judge(const std::vector<Change>& changes, Outcome& outcome) {
   }
 }
 
-ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
+ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPlan& plan) {
   ApplyAll(session, plan.changes, [](const Change&) {});
   const std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
@@ -130,7 +131,7 @@ ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
 }
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
-  const SettingsFile file = ReadSettingsFile(options.path);
+  const std::vector<SavedSetting> file = ReadSettingsFile(options.path);
   Session session(common);
   LoadPlan plan = PlanLoad(session, file);
   if (!common.json) ShowDifference(plan);

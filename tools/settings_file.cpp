@@ -67,13 +67,8 @@ Value ParseJson(const std::string& path, const std::string& text) {
   }
 }
 
-std::string TextMember(const Value& document, const char* key) {
-  const auto member = document.find(key);
-  return member != document.end() && member->is_string() ? member->get<std::string>() : "";
-}
-
 void CheckFrame(const std::string& path, const Value& document) {
-  if (!document.is_object() || TextMember(document, "format") != kFormat) {
+  if (!document.is_object() || document.value("format", Value()) != kFormat) {
     Refuse(path, {"was not written by 'rolu save'"});
   }
   const auto version = document.find("version");
@@ -110,20 +105,6 @@ std::string ProblemWith(const std::string& name, const Value& entry) {
     return fmt::format("{} {}", name, problem.what());
   }
   return "";
-}
-
-Document AsJson(const SettingsFile& file) {
-  Document settings = Document::object();
-  for (const SavedSetting& saved : file.settings) {
-    Document entry = {{"value", saved.value}};
-    if (!saved.setting->unit.empty()) entry["unit"] = saved.setting->unit;
-    settings[std::string(saved.setting->name)] = std::move(entry);
-  }
-  return {{"format", kFormat},
-          {"version", kVersion},
-          {"saved_at", file.saved_at},
-          {"firmware", file.firmware},
-          {"settings", std::move(settings)}};
 }
 
 // A new file beside `path`, which takes its place once it is complete; removed otherwise.
@@ -171,10 +152,9 @@ class Replacement {
 
 }  // namespace
 
-SettingsFile ReadSettingsFile(const std::string& path) {
+std::vector<SavedSetting> ReadSettingsFile(const std::string& path) {
   const Value document = ParseJson(path, ReadWhole(path));
   CheckFrame(path, document);
-  SettingsFile file{TextMember(document, "saved_at"), TextMember(document, "firmware"), {}};
   const Value& entries = document["settings"];
   Problems problems;
   for (const auto& [name, entry] : entries.items()) {
@@ -182,21 +162,29 @@ SettingsFile ReadSettingsFile(const std::string& path) {
     if (!problem.empty()) problems.push_back(problem);
   }
   if (!problems.empty()) Refuse(path, problems);
+  std::vector<SavedSetting> settings;
   for (const Setting& setting : Settings()) {
     const auto entry = entries.find(setting.name);
-    if (entry != entries.end()) file.settings.push_back({&setting, (*entry)["value"]});
+    if (entry != entries.end()) settings.push_back({&setting, (*entry)["value"]});
   }
-  if (file.settings.empty()) Refuse(path, {"has no settings"});
-  return file;
+  if (settings.empty()) Refuse(path, {"has no settings"});
+  return settings;
 }
 
-void WriteSettingsFile(const std::string& path, const SettingsFile& file) {
-  if (path == "-") {
-    PrintJson(AsJson(file));
-    return;
+void WriteSettingsFile(const std::string& path, const std::string& firmware,
+                       const std::vector<SavedSetting>& settings) {
+  Document document = {{"format", kFormat},
+                       {"version", kVersion},
+                       {"saved_at", TimeStamp()},
+                       {"firmware", firmware},
+                       {"settings", Document::object()}};
+  for (const SavedSetting& saved : settings) {
+    Document& entry = document["settings"][std::string(saved.setting->name)] = {{"value", saved.value}};
+    if (!saved.setting->unit.empty()) entry["unit"] = saved.setting->unit;
   }
+  if (path == "-") return PrintJson(document);
   Replacement replacement(path);
-  replacement.Write(AsJson(file).dump(2) + "\n");
+  replacement.Write(document.dump(2) + "\n");
   replacement.TakePlace();
 }
 

@@ -25,11 +25,13 @@ class Outcome {
     if (status == kDone) ++done_;
     if (first_failure_ == kDone) first_failure_ = status;
   }
+  // How many went well.
+  unsigned long done() const { return done_; }
   // kDone, kPartlyDone when some went well, else what the first failure was.
   ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
 
  private:
-  int done_ = 0;
+  unsigned long done_ = 0;
   ExitStatus first_failure_ = kDone;
 };
 

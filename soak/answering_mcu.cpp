@@ -19,26 +19,29 @@ using std::chrono::milliseconds;
 
 constexpr char kLineEnd[] = "\r\n";
 
-// Of a million commands. What costs the line 3 s is rare.
+// How often a strike comes, of a million commands, and what it is to the desk: by `least` or some more, up to
+// `kinds` different numbers. What costs the line 3 s is rare.
 struct Chance {
   Strike strike;
   std::uint32_t of_a_million;
+  AnswerFaultKind fault;
+  std::uint32_t least = 0;
+  std::uint32_t kinds = 1;
 };
 constexpr Chance kChances[] = {
-    {Strike::kSilence, 500}, {Strike::kLate, 1000},   {Strike::kLongLine, 300}, {Strike::kDelay, 2000},
-    {Strike::kError, 20000}, {Strike::kGarble, 4000}, {Strike::kDrop, 2000},
+    {Strike::kSilence, 500, AnswerFaultKind::kSilence},
+    {Strike::kLate, 1000, AnswerFaultKind::kSilence},
+    {Strike::kLongLine, 300, AnswerFaultKind::kLongLine, 64, 200},
+    // Well below the 3 s that the library waits, so that a loaded machine does not turn it into silence.
+    {Strike::kDelay, 2000, AnswerFaultKind::kDelay, 1, 1500},
+    {Strike::kError, 20000, AnswerFaultKind::kErrorReply, 0, rolu_protocol::kErrorReplies.size()},
+    {Strike::kGarble, 4000, AnswerFaultKind::kGarble, 1, 3},
+    {Strike::kDrop, 2000, AnswerFaultKind::kDropBytes, 1, 3},
 };
-
-// Well below the 3 s that the library waits, so that a loaded machine does not turn it into silence.
-constexpr std::uint32_t kLongestDelayMs = 1500;
 
 // What a start-up keeps for later calls stays as the tests' tables have it.
 bool MayBeDistorted(std::string_view command) {
   return !command.starts_with("ATF0") && !command.starts_with("MCVU");
-}
-
-std::string BytesOf(const Reply& reply) {
-  return rolu_test::BytesOf(rolu_test::Answer(reply));
 }
 
 // Of two lines the last one.
@@ -59,10 +62,6 @@ std::uint64_t Scatter(std::uint64_t number) {
   return number ^ (number >> 31U);
 }
 
-std::size_t Below(std::size_t limit, std::uint64_t any) {
-  return static_cast<std::size_t>(any % limit);
-}
-
 std::string DrawnField(Field field, std::uint64_t running, std::uint64_t any) {
   switch (field) {
     case rolu_protocol::kDone:
@@ -81,14 +80,14 @@ std::string DrawnField(Field field, std::uint64_t running, std::uint64_t any) {
     case rolu_protocol::kSwitch:
       return fmt::format("{}", any % 2);
     case rolu_protocol::kSystemByte:
-      return fmt::format("{:02X}", rolu_protocol::kBatterySystems.at(Below(2, any)).number);
+      return fmt::format("{:02X}", rolu_protocol::kBatterySystems.at(any % 2).number);
     case rolu_protocol::kSwitches:
       return std::bitset<rolu_protocol::kWakeupSources>(any).to_string();
     case rolu_protocol::kStatusBits:
       return std::bitset<16>(any).to_string();
     case rolu_protocol::kWakeupCode:
       return fmt::format("{:02X}",
-                         rolu_protocol::kWakeupCodes.at(Below(rolu_protocol::kWakeupCodes.size(), any)).code);
+                         rolu_protocol::kWakeupCodes.at(any % rolu_protocol::kWakeupCodes.size()).code);
     case rolu_protocol::kIgnition:
       return any % 2 == 0 ? "ON" : "OFF";
     case rolu_protocol::kClock:
@@ -153,7 +152,7 @@ Reply AnsweringMcu::Answer(std::string_view command, const rolu_sim::AskModel& a
   }
   std::string bytes;
   for (int line = 0; line < known->answer_lines; ++line) bytes += DrawnAnswer(*known, running) + kLineEnd;
-  if (bytes == kLineEnd) bytes = BytesOf(ask_model());
+  if (bytes == kLineEnd) bytes = rolu_test::BytesOf(ask_model());
   Struck struck = Strikes(command);
   ++strikes_.at(static_cast<std::size_t>(struck.strike));
   Reply reply = Send(command, std::move(bytes), std::move(struck));
@@ -161,7 +160,7 @@ Reply AnsweringMcu::Answer(std::string_view command, const rolu_sim::AskModel& a
   if (owner == kAnyLane) return reply;
   Lane& lane = lanes_.at(owner);
   if (lane.is_calling) {
-    lane.exchanges.push_back({std::string(command), ReplyIn(BytesOf(reply), known->answer_lines)});
+    lane.exchanges.push_back({std::string(command), ReplyIn(rolu_test::BytesOf(reply), known->answer_lines)});
   } else {
     lane.uncalled = command;
   }
@@ -184,41 +183,23 @@ AnsweringMcu::Struck AnsweringMcu::Strikes(std::string_view command) {
 
 AnsweringMcu::Struck AnsweringMcu::DrawStrike(std::string_view command) {
   if (!faults_on_) return {};
-  Struck struck;
   std::uint32_t drawn = dice_.Below(1000000);
   for (const Chance& chance : kChances) {
-    if (drawn < chance.of_a_million) {
-      struck.strike = chance.strike;
-      break;
+    if (drawn >= chance.of_a_million) {
+      drawn -= chance.of_a_million;
+      continue;
     }
-    drawn -= chance.of_a_million;
+    const bool distorts = chance.strike == Strike::kGarble || chance.strike == Strike::kDrop;
+    if (distorts && !MayBeDistorted(command)) return {};
+    const std::uint32_t number = chance.least + dice_.Below(chance.kinds);
+    AnswerFault fault;
+    fault.kind = chance.fault;
+    fault.delay = milliseconds(number);
+    fault.count = number;
+    if (chance.strike == Strike::kError) fault.error = rolu_protocol::kErrorReplies.at(number);
+    return {chance.strike, std::move(fault)};
   }
-  AnswerFault& fault = struck.fault;
-  switch (struck.strike) {
-    case Strike::kDelay:
-      fault.kind = AnswerFaultKind::kDelay;
-      fault.delay = milliseconds(1 + dice_.Below(kLongestDelayMs));
-      break;
-    case Strike::kError:
-      fault.kind = AnswerFaultKind::kErrorReply;
-      fault.error = rolu_protocol::kErrorReplies.at(dice_.Below(rolu_protocol::kErrorReplies.size()));
-      break;
-    case Strike::kGarble:
-    case Strike::kDrop:
-      if (!MayBeDistorted(command)) return {};
-      fault.kind = struck.strike == Strike::kGarble ? AnswerFaultKind::kGarble : AnswerFaultKind::kDropBytes;
-      fault.count = 1 + dice_.Below(3);
-      break;
-    case Strike::kLongLine:
-      fault.kind = AnswerFaultKind::kLongLine;
-      fault.count = 64 + dice_.Below(200);
-      break;
-    case Strike::kNone:
-    case Strike::kSilence:
-    case Strike::kLate:
-      break;
-  }
-  return struck;
+  return {};
 }
 
 Reply AnsweringMcu::Send(std::string_view command, std::string bytes, Struck struck) {

@@ -12,7 +12,6 @@
 #include "protocol/commands.h"
 #include "simulator/faults/answer_faults.h"
 #include "soak/dice.h"
-#include "soak/findings.h"
 #include "soak/judgement.h"
 #include "soak/operations.h"
 
@@ -53,7 +52,6 @@ class AnsweringMcu {
 
   static constexpr std::chrono::milliseconds kNever{-1};
   void Plan(const std::vector<PlannedAnswer>& answers);
-  void ForgetPlans() { Plan({}); }
 
   // The port is a new one: what was late is lost.
   void ForgetLateAnswer();

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "include/kavo_rolu.h"
-#include "soak/findings.h"
+#include "soak/judgement.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {

@@ -15,10 +15,6 @@ using std::chrono::milliseconds;
 // Eight calls, each of which finds its port dead, and a start-up among them, take less.
 constexpr std::chrono::seconds kPatience{120};
 
-bool IsStartUp(const Operation& operation) {
-  return &operation == &Families().at(operation.family).initialize;
-}
-
 // Of so many draws one is taken: what makes the others wait long, seldom.
 std::uint32_t OneIn(const Promise& promise) {
   return promise.own_ms == kNoLimit ? 20 : 1 + static_cast<std::uint32_t>(promise.own_ms % 1000) / 10;
@@ -65,7 +61,7 @@ void Callers::Run(std::size_t lane, std::uint32_t seed) {
   Dice dice(seed);
   std::vector<const Operation*> operations;
   for (const Operation& operation : Operations()) {
-    if (operation.lane == lane) operations.push_back(&operation);
+    if (operation.lane == lane && !operation.switches_family) operations.push_back(&operation);
   }
   // The family that the thread leads; kFamilies for none.
   const std::size_t led = static_cast<std::size_t>(
@@ -73,7 +69,7 @@ void Callers::Run(std::size_t lane, std::uint32_t seed) {
                            [lane](const auto& family) { return family.initialize.lane == lane; }) -
       Families().begin());
   while (!ending_) {
-    const Inside inside(gate_);
+    const std::lock_guard<Gate> inside(gate_);
     if (ending_) break;
     if (led != kFamilies && !families_stay_ && dice.Below(families_.at(led).is_up ? 150 : 10) == 0) {
       TurnOffAndOn(dice, led);
@@ -87,7 +83,7 @@ void Callers::CallAny(Dice& dice, const std::vector<const Operation*>& operation
   const Operation& operation = *operations.at(dice.Below(operations.size()));
   if (dice.Below(OneIn(operation.promise)) != 0) return;
   {
-    const Inside family(families_.at(operation.family).gate);
+    const std::lock_guard<Gate> inside(families_.at(operation.family).gate);
     Call(operation, false);
   }
   // A line that is always busy is only one of the cases.
@@ -111,7 +107,7 @@ void Callers::Call(const Operation& operation, bool alone) {
   const std::uint64_t changes_before = port_changes_;
   CallFacts facts;
   facts.row = operation.row;
-  facts.family_was_up = family.is_up || IsStartUp(operation) || !operation.has_state;
+  facts.family_was_up = family.is_up || operation.row->brings_up || !operation.has_state;
 
   const ProcessorWaits waits_before = MeasureProcessorWaits();
   const std::string uncalled = mcu_.BeginCall(operation.lane);
@@ -127,9 +123,8 @@ void Callers::Call(const Operation& operation, bool alone) {
     uncalled_fault.text = fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled);
   }
   Report(operation, {FaultIn(facts), duration.fault, uncalled_fault}, waits_before);
-  if (facts.status != ROLU_STATUS_SUCCESS) return;
-  if (IsStartUp(operation)) family.is_up = true;
-  if (&operation == &Families().at(operation.family).deinitialize) family.is_up = false;
+  const bool has_switched = operation.switches_family && facts.status == ROLU_STATUS_SUCCESS;
+  if (has_switched) family.is_up = operation.row->brings_up;
 }
 
 // On a machine that gives the threads no processor calls miss their times, whatever the library does.

@@ -14,24 +14,23 @@
 
 #include "soak/answering_mcu.h"
 #include "soak/call_book.h"
-#include "soak/findings.h"
 #include "soak/operations.h"
 #include "soak/process_usage.h"
 
 namespace rolu_soak {
 
 // Lets at most so many threads through at once. Whoever closes it keeps the others out in their turn,
-// however many come.
+// however many come. Who is inside has it locked.
 class Gate {
  public:
   static constexpr int kAll = 1000;
 
-  void Enter() {
+  void lock() {
     std::unique_lock<std::mutex> lock(mutex_);
     changed_.wait(lock, [this] { return inside_ < limit_; });
     ++inside_;
   }
-  void Leave() {
+  void unlock() {
     const std::lock_guard<std::mutex> lock(mutex_);
     --inside_;
     changed_.notify_all();
@@ -53,17 +52,6 @@ class Gate {
   std::condition_variable changed_;
   int limit_ = kAll;
   int inside_ = 0;
-};
-
-class Inside {
- public:
-  explicit Inside(Gate& gate) : gate_(gate) { gate_.Enter(); }
-  ~Inside() { gate_.Leave(); }
-  Inside(const Inside&) = delete;
-  Inside& operator=(const Inside&) = delete;
-
- private:
-  Gate& gate_;
 };
 
 // The application: a thread for each lane, which calls what belongs to its lane and switches the family

@@ -38,10 +38,6 @@ std::string ExportOf(const CallRow& row) {
   return row.name.substr(0, row.name.find(' '));
 }
 
-bool IsInitialize(const CallRow& row) {
-  return row.name.ends_with("_Initialize");
-}
-
 bool IsDeinitialize(const CallRow& row) {
   return row.name.ends_with("_Deinitialize");
 }
@@ -101,7 +97,13 @@ Operation OperationFor(const CallRow& row, Promise promise) {
   const std::string name = ExportOf(row);
   const bool has_state =
       row.status != ROLU_STATUS_NOT_SUPPORTED && name != "WD_GetRange" && name != "VPM_GetLBPThresholdInfo";
-  return {name, family, lane, std::move(promise), &row, has_state};
+  return {name,
+          family,
+          lane,
+          std::move(promise),
+          &row,
+          has_state,
+          name.ends_with("_Initialize") || IsDeinitialize(row)};
 }
 
 // What switches a peripheral and asks for what has become of it: nobody else switches it.
@@ -159,19 +161,6 @@ std::vector<Operation> OwnOperations() {
   return operations;
 }
 
-// The rows of the tests, but for the one that has a course of its own here and what the board does not
-// provide: that is refused at once, from memory.
-std::vector<Operation> RowOperations() {
-  std::vector<Operation> operations;
-  for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
-    operations.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
-  }
-  for (const CallRow& row : rolu_test::SilentOperations()) {
-    if (row.status == ROLU_STATUS_SUCCESS) operations.push_back(OperationFor(row, PromiseOf(row)));
-  }
-  return operations;
-}
-
 }  // namespace
 
 std::atomic<std::uint32_t> last_alarm_sent{0};
@@ -193,36 +182,33 @@ std::size_t LaneOf(std::string_view command) {
   return lane;
 }
 
-const std::vector<FamilyCalls>& Families() {
-  static const std::vector<FamilyCalls> families = [] {
-    std::vector<FamilyCalls> all(kFamilies);
-    for (const Operation& operation : RowOperations()) {
-      FamilyCalls& family = all.at(operation.family);
-      if (IsInitialize(*operation.row)) family.initialize = operation;
-      if (IsDeinitialize(*operation.row)) family.deinitialize = operation;
-    }
-    return all;
-  }();
-  return families;
-}
-
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations = [] {
     std::vector<Operation> all = OwnOperations();
-    for (Operation& operation : RowOperations()) {
-      if (!IsInitialize(*operation.row) && !IsDeinitialize(*operation.row))
-        all.push_back(std::move(operation));
+    for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
+      all.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
+    }
+    // But for what the board does not provide: that is refused at once, from memory.
+    for (const CallRow& row : rolu_test::SilentOperations()) {
+      if (row.status == ROLU_STATUS_SUCCESS) all.push_back(OperationFor(row, PromiseOf(row)));
     }
     return all;
   }();
   return operations;
 }
 
+const std::vector<FamilyCalls>& Families() {
+  static const std::vector<FamilyCalls> families = [] {
+    std::vector<FamilyCalls> all;
+    for (const rolu_test::McuFamily& family : rolu_test::McuFamilies()) {
+      all.push_back({OperationOf(family.prefix + "Initialize"), OperationOf(family.prefix + "Deinitialize")});
+    }
+    return all;
+  }();
+  return families;
+}
+
 const Operation& OperationOf(std::string_view row_name) {
-  for (const FamilyCalls& family : Families()) {
-    if (family.initialize.row->name == row_name) return family.initialize;
-    if (family.deinitialize.row->name == row_name) return family.deinitialize;
-  }
   for (const Operation& operation : Operations()) {
     if (operation.row->name == row_name) return operation;
   }
@@ -231,15 +217,10 @@ const Operation& OperationOf(std::string_view row_name) {
 
 std::string ListOfPromises() {
   std::string text;
-  const auto add = [&text](const Operation& operation) {
+  for (const Operation& operation : Operations()) {
     text += fmt::format("KAVO_ROLU_{} | {} | {}\n", operation.name, operation.promise.statement,
                         operation.promise.own_ms);
-  };
-  for (const FamilyCalls& family : Families()) {
-    add(family.initialize);
-    add(family.deinitialize);
   }
-  for (const Operation& operation : Operations()) add(operation);
   return text;
 }
 

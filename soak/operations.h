@@ -48,13 +48,14 @@ struct Operation {
   std::size_t lane;
   Promise promise;
   const rolu_test::CallRow* row;
-  bool has_state = true;  // false: it answers the same when the family is down
+  bool has_state = true;         // false: it answers the same when the family is down
+  bool switches_family = false;  // it is one of FamilyCalls
 };
 
 // What brings a family up and down, both by one thread.
 struct FamilyCalls {
-  Operation initialize;
-  Operation deinitialize;
+  const Operation& initialize;
+  const Operation& deinitialize;
 };
 
 // The number of the last G-sensor message that was sent; the samples that come out have to be of such
@@ -62,8 +63,8 @@ struct FamilyCalls {
 extern std::atomic<std::uint32_t> last_alarm_sent;
 std::string AlarmMessage(std::uint32_t number);
 
-const std::vector<FamilyCalls>& Families();
 const std::vector<Operation>& Operations();
+const std::vector<FamilyCalls>& Families();
 
 // Each operation with the statement that the header makes of how long it blocks.
 std::string ListOfPromises();

@@ -7,15 +7,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "simulator/unique_fd.h"
 
 namespace rolu_soak {
 namespace {
@@ -42,19 +40,6 @@ struct CloseDirectory {
 std::unique_ptr<DIR, CloseDirectory> OpenTasks() {
   const int descriptor = open("/proc/self/task", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   return std::unique_ptr<DIR, CloseDirectory>(descriptor < 0 ? nullptr : fdopendir(descriptor));
-}
-
-// False when the thread has ended.
-bool ReadWait(const char* thread, std::chrono::nanoseconds& waited) {
-  const std::string path = std::string("/proc/self/task/") + thread + "/schedstat";
-  const rolu_sim::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  char text[128] = {};
-  if (!file || read(file.get(), text, sizeof text - 1) <= 0) return false;
-  long long ran_ns = 0;
-  long long waited_ns = 0;
-  if (std::sscanf(text, "%lld %lld", &ran_ns, &waited_ns) != 2) return false;
-  waited = std::chrono::nanoseconds(waited_ns);
-  return true;
 }
 
 }  // namespace
@@ -87,8 +72,12 @@ ProcessorWaits MeasureProcessorWaits() {
   ProcessorWaits waits;
   const auto tasks = OpenTasks();
   while (const dirent* entry = tasks ? readdir(tasks.get()) : nullptr) {
-    std::chrono::nanoseconds waited{0};
-    if (entry->d_name[0] != '.' && ReadWait(entry->d_name, waited)) waits[atoi(entry->d_name)] = waited;
+    if (entry->d_name[0] == '.') continue;
+    // Without numbers when the thread has ended meanwhile.
+    std::ifstream statistics("/proc/self/task/" + std::string(entry->d_name) + "/schedstat");
+    std::int64_t ran_ns = 0;
+    std::int64_t waited_ns = 0;
+    if (statistics >> ran_ns >> waited_ns) waits[atoi(entry->d_name)] = std::chrono::nanoseconds(waited_ns);
   }
   return waits;
 }

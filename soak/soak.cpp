@@ -11,6 +11,7 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/unique_fd.h"
 #include "soak/judgement.h"
+#include "tests/support/process_state.h"
 
 namespace rolu_soak {
 namespace {
@@ -22,9 +23,6 @@ using std::chrono::steady_clock;
 // What an open link adds: the port, the wake-up event and the I/O thread.
 constexpr std::size_t kLinkDescriptors = 2;
 constexpr std::size_t kLinkThreads = 1;
-
-// The board's end of a connection closes a moment after the library's.
-constexpr std::chrono::seconds kGenerous{20};
 
 // A dead port holds each call for 3 s, one after another: a short run affords one.
 constexpr milliseconds kShortRun{30000};
@@ -119,7 +117,11 @@ bool Soak::Run() {
   } while (elapsed() < options_.time);
   if (!Rest()) return false;
   SwitchAll(false);
-  CompareExcuses();
+  const std::uint64_t excusable = ExcusableCalls(book_.calls());
+  if (excuses_.count() > excusable) {
+    violations_.Add(
+        fmt::format("{} calls were excused; {} of {} may be", excuses_.count(), excusable, book_.calls()));
+  }
   return true;
 }
 
@@ -165,13 +167,13 @@ bool Soak::Rest() {
 ProcessUsage Soak::ExpectHeld(const char* when, std::size_t more_descriptors, std::size_t more_threads) {
   const std::size_t descriptors = before_.descriptors + more_descriptors;
   const std::size_t threads = before_.threads + more_threads;
-  const SteadyTime end = steady_clock::now() + kGenerous;
-  ProcessUsage usage = MeasureProcess();
-  while ((usage.descriptors != descriptors || usage.threads != threads) && steady_clock::now() < end) {
-    std::this_thread::sleep_for(milliseconds(5));
+  ProcessUsage usage;
+  // The board's end of a connection closes a moment after the library's.
+  const bool is_held = WaitUntil([&] {
     usage = MeasureProcess();
-  }
-  if (usage.descriptors != descriptors || usage.threads != threads) {
+    return usage.descriptors == descriptors && usage.threads == threads;
+  });
+  if (!is_held) {
     violations_.Add(fmt::format("{}: {} descriptors and {} threads, not {} and {}", when, usage.descriptors,
                                 usage.threads, descriptors, threads));
   }
@@ -190,13 +192,6 @@ void Soak::CompareMemory() {
   compare("the resident memory", &ProcessUsage::resident_bytes);
 }
 
-void Soak::CompareExcuses() {
-  const std::uint64_t excusable = ExcusableCalls(book_.calls());
-  if (excuses_.count() <= excusable) return;
-  violations_.Add(
-      fmt::format("{} calls were excused; {} of {} may be", excuses_.count(), excusable, book_.calls()));
-}
-
 // The next one of the list, unless it would outlast the run.
 void Soak::DriveNextToTheLimit() {
   const LongestCall& call = LongestCalls().at(driven_ % LongestCalls().size());
@@ -213,7 +208,7 @@ void Soak::DriveNextToTheLimit() {
     violations_.Add(fmt::format("{} took {} ms alone; its answers make it last {} ms", operation.name,
                                 took.count(), call.lasts.count()));
   }
-  mcu_.ForgetPlans();
+  mcu_.Plan({});
   SwitchAll(true);
 }
 

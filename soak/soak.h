@@ -11,7 +11,6 @@
 #include "soak/call_book.h"
 #include "soak/callers.h"
 #include "soak/disturbances.h"
-#include "soak/findings.h"
 #include "soak/process_usage.h"
 
 namespace rolu_soak {
@@ -43,7 +42,6 @@ class Soak {
   void ClearLogs();
   ProcessUsage ExpectHeld(const char* when, std::size_t more_descriptors, std::size_t more_threads);
   void CompareMemory();
-  void CompareExcuses();
   void ShowProgress() const;
   std::chrono::milliseconds elapsed() const;
   // Parts of the report.

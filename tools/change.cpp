@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "cli/messages.h"
 #include "tools/interrupt.h"
@@ -53,11 +52,7 @@ Change ParseChange(const std::string& name, std::string_view text) {
   Change change;
   change.setting = &SettingNamed(name);
   if (!change.setting->IsWritable()) throw CommandError(kWrongUse, fmt::format("{} can only be read", name));
-  try {
-    change.wanted = ParseValue(*change.setting, text);
-  } catch (const std::invalid_argument& problem) {
-    throw CommandError(kWrongUse, fmt::format("{} {}", name, problem.what()));
-  }
+  change.wanted = ParseValue(*change.setting, text);
   return change;
 }
 

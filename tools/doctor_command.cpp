@@ -152,8 +152,8 @@ class Examination {
 
   bool PortIsFree() {
     const PortSearch search = FindPortOwner();
-    if (search.owner) {
-      AddBad("MCU port's owner", fmt::format("in use by {}", OwnerText(*search.owner)), kBusy);
+    if (!search.owner.empty()) {
+      AddBad("MCU port's owner", "in use by " + search.owner, kBusy);
       return common_.force;
     }
     if (search.hidden_processes > 0) {

@@ -28,7 +28,7 @@ struct I2cOptions {
 
 // The whole of `text` as a number in decimal, or with 0x in hexadecimal.
 unsigned ParseByte(const std::string& text, const char* what, unsigned lowest, unsigned highest) {
-  const bool is_hex = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
+  const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
   const char* const begin = text.data() + (is_hex ? 2 : 0);
   const char* const end = text.data() + text.size();
   unsigned number = 0;

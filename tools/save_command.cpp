@@ -1,8 +1,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <stdexcept>
-
 #include "cli/messages.h"
 #include "tools/command.h"
 #include "tools/interrupt.h"
@@ -12,15 +10,6 @@
 
 namespace rolu {
 namespace {
-
-bool CanBeSetAgain(const Setting& setting, const Value& value) {
-  try {
-    CheckValue(setting, value);
-    return true;
-  } catch (const std::invalid_argument&) {
-    return false;
-  }
-}
 
 std::vector<SavedSetting> ReadUnit(Session& session, Outcome& outcome) {
   std::vector<SavedSetting> settings;
@@ -32,7 +21,7 @@ std::vector<SavedSetting> ReadUnit(Session& session, Outcome& outcome) {
     if (status != ROLU_STATUS_SUCCESS) {
       outcome.Add(WordsOf(status).exit_status);
       SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status)));
-    } else if (CanBeSetAgain(setting, value)) {
+    } else if (WhyNotTaken(setting, value).empty()) {
       outcome.Add(kDone);
       settings.push_back({&setting, value});
     } else {

@@ -81,10 +81,10 @@ void Session::EnsurePortIsOurs() {
   port_checked_ = true;
   if (options_.force) return;
   const PortSearch search = FindPortOwner();
-  if (!search.owner) return;
+  if (search.owner.empty()) return;
   throw CommandError(kBusy, fmt::format("the MCU's port {} is in use by {}; two programs would take each "
                                         "other's answers. End that process, or go on with --force",
-                                        kMcuPort, OwnerText(*search.owner)));
+                                        kMcuPort, search.owner));
 }
 
 ROLU_STATUS Session::BringUp(Family family) {

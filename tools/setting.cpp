@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cmath>
 #include <optional>
-#include <stdexcept>
 
 #include "cli/nearest_name.h"
 #include "tools/status_words.h"
@@ -16,8 +15,8 @@ namespace {
 
 constexpr double kSameNumber = 0.0005;  // values are rounded to three decimals
 
-[[noreturn]] void Refuse(const Setting& setting, const std::string& got) {
-  throw std::invalid_argument(fmt::format("must be {}, not {}", RangeText(setting), got));
+std::string Refusal(const Setting& setting, const std::string& got) {
+  return fmt::format("{} must be {}, not {}", setting.name, RangeText(setting), got);
 }
 
 // The whole of `text`; nothing when it is no number, or too large.
@@ -35,6 +34,7 @@ std::optional<double> Decimal(std::string_view text) {
   return ParseNumber<double>(text);
 }
 
+// Null when it has not the form of the setting's values.
 Value Typed(const Setting& setting, std::string_view text) {
   switch (setting.kind) {
     case Kind::kNumber:
@@ -50,7 +50,7 @@ Value Typed(const Setting& setting, std::string_view text) {
     default:
       return std::string(text);
   }
-  Refuse(setting, fmt::format("\"{}\"", text));
+  return nullptr;
 }
 
 bool IsTaken(const Setting& setting, const Value& value) {
@@ -152,12 +152,13 @@ std::string RangeText(const Setting& setting) {
 
 Value ParseValue(const Setting& setting, std::string_view text) {
   Value value = Typed(setting, text);
-  if (!IsTaken(setting, value)) Refuse(setting, fmt::format("\"{}\"", text));
-  return value;
+  if (IsTaken(setting, value)) return value;
+  throw CommandError(kWrongUse, Refusal(setting, fmt::format("\"{}\"", text)));
 }
 
-void CheckValue(const Setting& setting, const Value& value) {
-  if (!IsTaken(setting, value)) Refuse(setting, value.dump(-1, ' ', true, Value::error_handler_t::replace));
+std::string WhyNotTaken(const Setting& setting, const Value& value) {
+  if (IsTaken(setting, value)) return "";
+  return Refusal(setting, value.dump(-1, ' ', true, Value::error_handler_t::replace));
 }
 
 std::string ValueText(const Setting& setting, const Value& value) {

@@ -90,12 +90,12 @@ std::string_view GroupOf(const Setting& setting);
 // What may be set: "1 to 65535", "on or off", "12V or 24V"; what is read, for one that is read only.
 std::string RangeText(const Setting& setting);
 
-// The whole of `text` as a value that the setting takes. Throws std::invalid_argument with the
-// reason (must be a whole number from 1 to 65535, not "0x").
+// The whole of `text` as a value that the setting takes. Throws CommandError(kWrongUse) with the reason:
+// watchdog.time must be a whole number from 1 to 65535, not "0x".
 Value ParseValue(const Setting& setting, std::string_view text);
 
-// Whether a value out of a file is one that the setting takes; the same throw.
-void CheckValue(const Setting& setting, const Value& value);
+// The same reason for a value out of a file; empty when the setting takes it.
+std::string WhyNotTaken(const Setting& setting, const Value& value);
 
 // For people and scripts: "12.600", "on", "07:30", "1 0". The unit is not part of it.
 std::string ValueText(const Setting& setting, const Value& value);

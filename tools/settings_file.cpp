@@ -11,7 +11,6 @@
 #include <iostream>
 #include <iterator>
 #include <set>
-#include <stdexcept>
 
 #include "cli/messages.h"
 
@@ -99,12 +98,7 @@ std::string ProblemWith(const std::string& name, const Value& entry) {
   if (unit != entry.end() && *unit != setting->unit) {
     return fmt::format("{} is in {}, not in \"{}\"", name, unit->dump(), setting->unit);
   }
-  try {
-    CheckValue(*setting, entry["value"]);
-  } catch (const std::invalid_argument& problem) {
-    return fmt::format("{} {}", name, problem.what());
-  }
-  return "";
+  return WhyNotTaken(*setting, entry["value"]);
 }
 
 // A new file beside `path`, which takes its place once it is complete; removed otherwise.

@@ -9,18 +9,18 @@
 
 namespace rolu {
 
-// A man page: name, synopsis, options, commands and exit statuses. What the program has beside these is
-// written behind it, with the pieces below. `usage` gives a command's form.
+// A man page: name, synopsis, options, commands and exit statuses. A program adds its other sections at the
+// end, made of the pieces below. `usage` gives a command's form.
 std::string ManPage(const CLI::App& app, std::string_view version, std::string_view purpose,
                     std::string (*usage)(const CLI::App&));
 
-// Text in which nothing is a request to the formatter.
+// Escapes a text, so that the formatter takes no part of it for a request.
 std::string RoffText(std::string_view text);
 
 // A term and what it is; `body` may hold requests.
 std::string RoffItem(std::string_view term, std::string_view body);
 
-// What can stand at a place of a command line: words, and paths of one of these kinds.
+// The words and the kind of paths that can stand at a place of a command line.
 struct Candidates {
   enum class Paths { kNone, kFiles, kDirectories, kProgram };
 
@@ -30,7 +30,7 @@ struct Candidates {
 
 // What a command line's definitions do not say about its words.
 struct CompletionTable {
-  // By command, "rolu get": beside its subcommands. A command that is only here is a word that has values.
+  // By command, "rolu get": more than its subcommands. A key that is no command is a word that has values.
   std::map<std::string, Candidates> arguments;
   // By "--option", and by "rolu set=battery.mode" for what follows battery.mode=.
   std::map<std::string, Candidates> values;

@@ -41,7 +41,7 @@ struct Event {
   std::string time{};                    // when it was seen
 };
 
-// What the events so far say; nothing where none did.
+// What the events so far have told; a member is empty while none has told it.
 struct BoardState {
   std::optional<bool> ignition;
   std::optional<double> volts;
@@ -53,7 +53,7 @@ struct WatchTask {
   CommonOptions common;
   std::chrono::milliseconds interval{500};  // between two looks at ignition and voltage
   double volts_step = 0.1;                  // the smallest change of the voltage that is told
-  BoardState told;                          // what has been told before: what has changed since is an event
+  BoardState told;                          // what was told before; a change of it is an event
   bool port_returns = false;                // the port hung up under the process before this one
 };
 
@@ -78,7 +78,7 @@ class BoardWatcher {
   // For poll: readable while Take or IsOver has something to say.
   int Descriptor() const { return events_; }
 
-  // Lets the process take down what it brought up, after the question in hand, and gives its exit status.
+  // Ends the process: it finishes the question in hand and takes the families down. Gives its exit status.
   int End();
 
  private:

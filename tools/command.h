@@ -16,7 +16,7 @@ struct Invocation {
   std::function<int()> action;  // gives the exit status
 };
 
-// A subcommand. `examples` are whole command lines, one to a line.
+// Adds a subcommand. `examples` are whole command lines, each on a line of its own.
 inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
                             const std::string& examples) {
   CLI::App* const command = parent.add_subcommand(name, help);
@@ -26,7 +26,7 @@ inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std
   return command;
 }
 
-// Runs `run(*options, common options)` when `command` is the one that was given, and none of its subcommands.
+// Runs `run(*options, common options)` when `command` was given without one of its subcommands.
 template <typename Run, typename... Options>
 void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<Options>... options) {
   command->callback([=, &invocation] {

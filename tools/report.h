@@ -22,7 +22,7 @@ class Report {
  public:
   void AddValue(const Setting& setting, const Value& value);
   void AddValue(std::string name, const Value& value, std::string text, std::string_view unit = {});
-  // What could not be read, and what was not asked for a reason.
+  // A value that could not be read, and one that was not asked for.
   void AddProblem(std::string_view name, ROLU_STATUS status);
   void AddSkipped(std::string_view name, std::string_view reason);
   // A line over the fields that follow; not part of the JSON.
@@ -49,7 +49,7 @@ class Report {
 // Prints a document on standard output.
 void PrintJson(const Document& document);
 
-// Prints a document as one line at once, as a stream of events has them.
+// Prints a document as one line, at once: for a stream of events.
 void PrintJsonLine(const Document& document);
 
 // Reads one setting into the report, with its success or failure in the outcome. Throws when a signal asks

@@ -12,7 +12,7 @@
 
 namespace rolu {
 
-// The parts of the library that are brought up on their own, in the order in which they are.
+// The parts of the library, each with an initialisation of its own, in the order of bringing them up.
 enum class Family { kCore, kVpm, kWatchdog, kGsensor, kPeripherals };
 
 // A setting's value, as JSON has it: number, boolean, text, or a list of numbers.
@@ -46,13 +46,13 @@ struct Setting {
   double minimum = 0;
   double maximum = 0;
   std::vector<std::string_view> choices{};
-  // How far a value that was set may be from what reads back: the step to which the MCU rounds.
+  // How far the value that reads back may be from the one that was set: the MCU rounds to this step.
   double rounding = 0;
 
   Reader read{};
   Writer write{};  // null: cannot be written
 
-  // Part of `save` and `load`; the momentary switches of peripherals are not.
+  // Whether `save` and `load` include it; the momentary switches of peripherals are left out.
   bool saved = true;
   AsksFirst asks = AsksFirst::kNever;
   std::string_view consequence{};  // what a change that is asked about does
@@ -77,17 +77,17 @@ const Setting* FindSetting(std::string_view name);
 // The setting of that name. Throws CommandError(kWrongUse) that suggests the nearest.
 const Setting& SettingNamed(std::string_view name);
 
-// The settings that names mean, each name a setting or a group ("battery"), in the order given; all settings
-// where no name is given. The same throw.
+// The settings of these names, in their order. Each name is that of a setting or of a group ("battery"); no
+// name at all means all settings. The same throw.
 std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names);
 
-// "there is no setting "mode"; did you mean ...?"
+// there is no setting "battery.mod"; did you mean battery.mode?
 std::string NoSetting(std::string_view name);
 
 // The part of the name before the first dot.
 std::string_view GroupOf(const Setting& setting);
 
-// What may be set: "1 to 65535", "on or off", "12V or 24V"; what is read, for one that is read only.
+// The values that can be set, or those that a read-only setting gives: "on or off", "12V or 24V".
 std::string RangeText(const Setting& setting);
 
 // The whole of `text` as a value that the setting takes. Throws CommandError(kWrongUse) with the reason:

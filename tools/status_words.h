@@ -43,7 +43,7 @@ struct StatusWords {
   ExitStatus exit_status;
 };
 
-// The words for a status code; for one that the library does not have, words that say so.
+// The words for a status code. An unknown code gets words that say so.
 const StatusWords& WordsOf(ROLU_STATUS status);
 
 // "the MCU did not answer within 3 s (ROLU_STATUS_VPM_NO_REPLY, 0xC048)".

@@ -155,7 +155,7 @@ Reply AnsweringMcu::Answer(std::string_view command, const rolu_sim::AskModel& a
   if (bytes == kLineEnd) bytes = rolu_test::BytesOf(ask_model());
   Struck struck = Strikes(command);
   ++strikes_.at(static_cast<std::size_t>(struck.strike));
-  Reply reply = Send(command, std::move(bytes), std::move(struck));
+  Reply reply = Send(command, bytes, std::move(struck));
   const std::size_t owner = LaneOf(command);
   if (owner == kAnyLane) return reply;
   Lane& lane = lanes_.at(owner);
@@ -202,7 +202,7 @@ AnsweringMcu::Struck AnsweringMcu::DrawStrike(std::string_view command) {
   return {};
 }
 
-Reply AnsweringMcu::Send(std::string_view command, std::string bytes, Struck struck) {
+Reply AnsweringMcu::Send(std::string_view command, const std::string& bytes, Struck struck) {
   if (struck.strike == Strike::kNone) {
     // In one piece: the line that is late must not be overtaken by a next command.
     if (!late_.empty()) ++late_answers_sent_;

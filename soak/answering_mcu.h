@@ -30,7 +30,7 @@ struct PlannedAnswer {
 // command's, nor for the same one's a while ago. Empty for a text: the simulated MCU has that.
 std::string DrawnAnswer(const rolu_protocol::Command& command, std::uint64_t running);
 
-// What answers in place of the MCU's model: numbers of its own, and the desk's faults at random from
+// Answers in place of the MCU's model: with numbers of its own, and with the desk's faults at random from
 // the seed. Any thread may call any member.
 //
 // The wire does not say which command a line answers. A line that comes while another command is
@@ -42,8 +42,8 @@ class AnsweringMcu {
 
   rolu_sim::Reply Answer(std::string_view command, const rolu_sim::AskModel& ask_model);
 
-  // The commands that a lane owns and that come in between are those of its call. The last one that came
-  // before, by itself or too late, is given; none if there was none.
+  // Commands of a lane that come between the two are those of its call. BeginCall gives the last one that
+  // came before, by itself or too late; an empty text if there was none.
   std::string BeginCall(std::size_t lane);
   std::vector<Exchange> EndCall(std::size_t lane);
 
@@ -53,7 +53,7 @@ class AnsweringMcu {
   static constexpr std::chrono::milliseconds kNever{-1};
   void Plan(const std::vector<PlannedAnswer>& answers);
 
-  // The port is a new one: what was late is lost.
+  // For a new port, on which a late answer does not come any more.
   void ForgetLateAnswer();
 
   std::uint64_t commands() const { return commands_; }
@@ -68,7 +68,7 @@ class AnsweringMcu {
   };
   Struck Strikes(std::string_view command);
   Struck DrawStrike(std::string_view command);
-  rolu_sim::Reply Send(std::string_view command, std::string bytes, Struck struck);
+  rolu_sim::Reply Send(std::string_view command, const std::string& bytes, Struck struck);
 
   // What a thread's call has to do with the wire.
   struct Lane {

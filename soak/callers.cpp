@@ -118,11 +118,12 @@ void Callers::Call(const Operation& operation, bool alone) {
 
   facts.port_was_dead = changes_before % 2 == 1 || changes_before != port_changes_;
   facts.link_was_busy = duration.took >= milliseconds(kLinkMs);
-  Fault uncalled_fault;
+  std::vector<Fault> faults = {FaultIn(facts), duration.fault};
   if (!uncalled.empty()) {
-    uncalled_fault.text = fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled);
+    faults.push_back({fmt::format("before it the MCU got \"{}\" when its call had ended", uncalled)});
   }
-  Report(operation, {FaultIn(facts), duration.fault, uncalled_fault}, waits_before);
+  std::erase_if(faults, [](const Fault& fault) { return fault.text.empty(); });
+  if (!faults.empty()) Report(operation, faults, waits_before);
   const bool has_switched = operation.switches_family && facts.status == ROLU_STATUS_SUCCESS;
   if (has_switched) family.is_up = operation.row->brings_up;
 }
@@ -130,13 +131,10 @@ void Callers::Call(const Operation& operation, bool alone) {
 // On a machine that gives the threads no processor calls miss their times, whatever the library does.
 void Callers::Report(const Operation& operation, const std::vector<Fault>& faults,
                      const ProcessorWaits& before) {
-  const auto is_fault = [](const Fault& fault) { return !fault.text.empty(); };
-  if (std::none_of(faults.begin(), faults.end(), is_fault)) return;
   const auto waited_since = [&before] { return LongestWait(before, MeasureProcessorWaits()); };
   const auto waited = waited_since();
   std::string excused;
   for (const Fault& fault : faults) {
-    if (!is_fault(fault)) continue;
     bool is_explained = waited >= fault.explained_by;
     // The kernel counts a wait when it is over, and whoever did not answer may be waiting still.
     if (!is_explained && fault.explained_by == kStarved) {

@@ -12,27 +12,11 @@
 #include "soak/operations.h"
 
 namespace rolu_soak {
-namespace {
-
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-
-std::atomic<std::uint64_t> signals_handled{0};
-
-void HandleSignal(int) {
-  ++signals_handled;
-}
-
-}  // namespace
-
-std::uint64_t Disturbances::SignalsHandled() {
-  return signals_handled;
-}
 
 Disturbances::Disturbances(rolu_sim::McuSerial& serial, std::vector<pthread_t> victims, std::uint32_t seed)
     : serial_(serial), victims_(std::move(victims)) {
   struct sigaction action {};
-  action.sa_handler = HandleSignal;  // without SA_RESTART
+  action.sa_handler = [](int) { ++signals_handled_; };  // without SA_RESTART
   sigaction(SIGUSR1, &action, nullptr);
   const rolu_sim::BlockedSignals blocked;
   message_thread_ = std::jthread([this, seed](const std::stop_token& stop) { SendMessages(stop, seed); });
@@ -42,7 +26,7 @@ Disturbances::Disturbances(rolu_sim::McuSerial& serial, std::vector<pthread_t> v
 void Disturbances::SendMessages(const std::stop_token& stop, std::uint32_t seed) {
   Dice dice(seed);
   while (!stop.stop_requested()) {
-    std::this_thread::sleep_for(milliseconds(1 + dice.Below(60)));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1 + dice.Below(60)));
     const std::lock_guard<std::mutex> lock(sending_);
     // Now and then more samples than the library keeps.
     const std::uint32_t samples = dice.Below(200) == 0 ? 50 : dice.Below(3);
@@ -70,7 +54,7 @@ void Disturbances::SendMessages(const std::stop_token& stop, std::uint32_t seed)
 void Disturbances::SendSignals(const std::stop_token& stop, std::uint32_t seed) {
   Dice dice(seed);
   while (!stop.stop_requested()) {
-    std::this_thread::sleep_for(microseconds(200 + dice.Below(8000)));
+    std::this_thread::sleep_for(std::chrono::microseconds(200 + dice.Below(8000)));
     ++signals_;
     if (dice.Below(8) == 0) {
       kill(getpid(), SIGUSR1);

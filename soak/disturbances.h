@@ -23,12 +23,13 @@ class Disturbances {
 
   std::uint64_t messages() const { return messages_; }
   std::uint64_t signals_sent() const { return signals_; }
-  static std::uint64_t SignalsHandled();
+  static std::uint64_t signals_handled() { return signals_handled_; }
 
  private:
   void SendMessages(const std::stop_token& stop, std::uint32_t seed);
   void SendSignals(const std::stop_token& stop, std::uint32_t seed);
 
+  static inline std::atomic<std::uint64_t> signals_handled_{0};
   rolu_sim::McuSerial& serial_;
   const std::vector<pthread_t> victims_;
   std::mutex sending_;

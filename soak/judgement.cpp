@@ -25,7 +25,8 @@ std::string Commands(const std::vector<Exchange>& exchanges) {
   return text.empty() ? "none" : text;
 }
 
-// The greeting is no thread's own: who is to send it is taken to have done so.
+// All families send the greeting, so the MCU cannot tell whose it is: a call that should send it is taken to
+// have sent it.
 rolu_test::Made MadeCall(const CallFacts& facts) {
   rolu_test::Made made{facts.status, facts.output,
                        facts.row->brings_up && facts.family_was_up ? "Hello\r" : ""};

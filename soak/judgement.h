@@ -26,8 +26,8 @@ struct Fault {
   std::chrono::nanoseconds explained_by = kUnexplained;
 };
 
-// What was found of one kind: the first ones in words, all of them counted. It has its whole size from the
-// start: what is found must not look like memory that is lost. Any thread may call any member.
+// Findings of one kind: counts all of them and keeps the first ones in words. It has its whole size from the
+// start, so that a finding does not look like lost memory. Any thread may call any member.
 class Findings {
  public:
   static constexpr std::size_t kKept = 20;
@@ -74,9 +74,9 @@ struct CallFacts {
   bool link_was_busy = false;  // an Initialize waited for the link as long as it promises
 };
 
-// Why the call must not have ended like this: the tests' own reading of what the MCU answered is what counts.
-// Threads that waited for a processor explain an answer, or a link, that was missed without a cause; they
-// never explain a wrong one.
+// Why the call must not have ended like this, by the tests' own reading of what the MCU answered. Threads
+// that waited for a processor explain an answer, or a link, that was missed without a cause; they never
+// explain a wrong one.
 Fault FaultIn(const CallFacts& facts);
 
 // The tables behind it have their whole size from then on: what the process holds is compared.
@@ -85,9 +85,9 @@ void PrepareJudgement();
 // "VPM_NO_REPLY".
 std::string StatusText(ROLU_STATUS status);
 
-// So many of the calls may be excused. Each one that is says nothing about the library, and a machine that
-// gives the threads too little time for more than a thousandth is none to judge it on. A moment without a
-// processor meets as many calls as there are threads: a short run has to stand one.
+// How many of the calls may be excused. An excused call says nothing about the library. A machine that gives
+// the threads too little time for more than a thousandth of their calls cannot judge it. A moment without a
+// processor meets one call of each thread: a short run has to stand one such moment.
 std::uint64_t ExcusableCalls(std::uint64_t calls);
 
 }  // namespace rolu_soak

@@ -34,10 +34,6 @@ constexpr struct {
     {"R", kLaneClock},         {"S", kLaneClock},         {"W", kLaneClock},     {"WD", kLaneWatchdog},
 };
 
-std::string ExportOf(const CallRow& row) {
-  return row.name.substr(0, row.name.find(' '));
-}
-
 bool IsDeinitialize(const CallRow& row) {
   return row.name.ends_with("_Deinitialize");
 }
@@ -94,7 +90,7 @@ Operation OperationFor(const CallRow& row, Promise promise) {
   for (const std::string& command : rolu_test::CommandsOf(row.wire)) {
     if (LaneOf(command) != kAnyLane) lane = LaneOf(command);
   }
-  const std::string name = ExportOf(row);
+  const std::string name = row.name.substr(0, row.name.find(' '));
   const bool has_state =
       row.status != ROLU_STATUS_NOT_SUPPORTED && name != "WD_GetRange" && name != "VPM_GetLBPThresholdInfo";
   return {name,

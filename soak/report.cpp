@@ -7,15 +7,10 @@ namespace rolu_soak {
 namespace {
 
 using std::chrono::duration_cast;
-using std::chrono::microseconds;
 
-double Milliseconds(microseconds time) {
-  return static_cast<double>(time.count()) / 1000.0;
-}
-
-// The longest of some calls, which may be none.
-std::string Longest(microseconds longest, std::uint64_t of_calls) {
-  return of_calls == 0 ? "-" : fmt::format("{:.1f}", Milliseconds(longest));
+// The longest of some calls, which may be none, in milliseconds.
+std::string Longest(std::chrono::duration<double, std::milli> longest, std::uint64_t of_calls) {
+  return of_calls == 0 ? "-" : fmt::format("{:.1f}", longest.count());
 }
 
 std::string Listed(const Findings& findings) {
@@ -60,9 +55,8 @@ std::string Soak::Durations() const {
 
 std::string Soak::Faults() const {
   return fmt::format(
-      "{} commands: {} delayed, {} lost, {} answered too late ({} of those answers sent), {} refused, {} "
-      "garbled, "
-      "{} shortened, {} too long\n",
+      "{} commands: {} delayed, {} lost, {} answered too late ({} of those answers sent), {} refused, "
+      "{} garbled, {} shortened, {} too long\n",
       mcu_.commands(), mcu_.strikes(Strike::kDelay), mcu_.strikes(Strike::kSilence),
       mcu_.strikes(Strike::kLate), mcu_.late_answers_sent(), mcu_.strikes(Strike::kError),
       mcu_.strikes(Strike::kGarble), mcu_.strikes(Strike::kDrop), mcu_.strikes(Strike::kLongLine));
@@ -96,12 +90,11 @@ std::string Soak::Verdict() const {
 
 std::string Soak::Report() const {
   return fmt::format(
-      "seed {}, {} s, {} calls, {} openings of families, {} hang-ups, {} unsolicited messages, {} signals "
-      "sent ({} "
-      "handled)\n{}\n{}\n{}\n{}\n{}",
+      "seed {}, {} s, {} calls, {} openings of families, {} hang-ups, {} unsolicited messages, "
+      "{} signals sent ({} handled)\n{}\n{}\n{}\n{}\n{}",
       options_.seed, duration_cast<std::chrono::seconds>(elapsed()).count(), book_.calls(),
       callers_.openings(), hang_ups_, disturbances_.messages(), disturbances_.signals_sent(),
-      Disturbances::SignalsHandled(), Faults(), Endings(), Durations(), Held(), Verdict());
+      Disturbances::signals_handled(), Faults(), Endings(), Durations(), Held(), Verdict());
 }
 
 }  // namespace rolu_soak

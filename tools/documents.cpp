@@ -1,8 +1,7 @@
-#include "cli/documents.h"
-
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
+#include "cli/generated_documents.h"
 #include "tools/board_watcher.h"
 #include "tools/command.h"
 #include "tools/port_owner.h"

@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
-#include "cli/documents.h"
+#include "cli/generated_documents.h"
 #include "simulator/control/readings.h"
 #include "simulator/program/commands.h"
 #include "simulator/program/control_words.h"

@@ -1,4 +1,4 @@
-#include "cli/documents.h"
+#include "cli/generated_documents.h"
 
 #include <fmt/format.h>
 

@@ -62,6 +62,11 @@ std::uint64_t Scatter(std::uint64_t number) {
   return number ^ (number >> 31U);
 }
 
+template <typename List>
+const auto& ElementOf(const List& list, std::uint64_t any) {
+  return list.at(static_cast<std::size_t>(any % list.size()));
+}
+
 std::string DrawnField(Field field, std::uint64_t running, std::uint64_t any) {
   switch (field) {
     case rolu_protocol::kDone:
@@ -80,14 +85,13 @@ std::string DrawnField(Field field, std::uint64_t running, std::uint64_t any) {
     case rolu_protocol::kSwitch:
       return fmt::format("{}", any % 2);
     case rolu_protocol::kSystemByte:
-      return fmt::format("{:02X}", rolu_protocol::kBatterySystems.at(any % 2).number);
+      return fmt::format("{:02X}", ElementOf(rolu_protocol::kBatterySystems, any).number);
     case rolu_protocol::kSwitches:
       return std::bitset<rolu_protocol::kWakeupSources>(any).to_string();
     case rolu_protocol::kStatusBits:
       return std::bitset<16>(any).to_string();
     case rolu_protocol::kWakeupCode:
-      return fmt::format("{:02X}",
-                         rolu_protocol::kWakeupCodes.at(any % rolu_protocol::kWakeupCodes.size()).code);
+      return fmt::format("{:02X}", ElementOf(rolu_protocol::kWakeupCodes, any).code);
     case rolu_protocol::kIgnition:
       return any % 2 == 0 ? "ON" : "OFF";
     case rolu_protocol::kClock:

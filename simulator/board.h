@@ -10,7 +10,7 @@
 #include "simulator/devices/device_server.h"
 #include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 #include "simulator/wireless_interface.h"
 
 namespace rolu_sim {

@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/faults/answer_faults.h"
-#include "simulator/mcu/reply_script.h"
+#include "simulator/line/answer_faults.h"
+#include "simulator/line/reply.h"
 #include "soak/findings.h"
 #include "soak/lane.h"
 #include "soak/operations.h"

@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 
 namespace rolu_soak {
 

@@ -10,7 +10,7 @@
 #include "simulator/board.h"
 #include "simulator/control/board_faults.h"
 #include "simulator/control/verb.h"
-#include "simulator/faults/answer_faults.h"
+#include "simulator/line/answer_faults.h"
 #include "simulator/trace/replay.h"
 #include "simulator/trace/trace.h"
 

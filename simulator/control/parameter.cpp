@@ -11,7 +11,7 @@
 #include "cli/duration.h"
 #include "cli/nearest_name.h"
 #include "simulator/control/clock_text.h"
-#include "simulator/mcu/voltage_curve.h"
+#include "simulator/mcu/battery.h"
 
 namespace rolu_sim {
 namespace {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/mcu/reply_script.h"
+#include "simulator/line/reply.h"
 #include "simulator/trace/trace_record.h"
 
 namespace rolu_sim {

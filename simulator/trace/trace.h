@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "protocol/words.h"
-#include "simulator/mcu/wire_log.h"
+#include "simulator/line/wire_log.h"
 #include "simulator/trace/trace_record.h"
 
 namespace rolu_sim {

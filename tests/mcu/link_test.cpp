@@ -24,7 +24,7 @@
 #include "mcu/transaction.h"
 #include "mcu/turn.h"
 #include "mcu/unsolicited.h"
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 #include "tests/mcu/paused_link.h"
 #include "tests/support/process_state.h"
 

@@ -14,7 +14,7 @@
 
 #include "mcu/link.h"
 #include "mcu/link_state.h"
-#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/line/pseudo_terminal.h"
 #include "tests/support/process_state.h"
 
 inline constexpr int kGenerousMs = static_cast<int>(std::chrono::milliseconds(kGenerous).count());

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/line/pseudo_terminal.h"
 #include "simulator/unique_fd.h"
 
 namespace {

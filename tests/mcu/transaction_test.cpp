@@ -12,7 +12,7 @@
 #include "kavo_rolu.h"
 #include "mcu/link.h"
 #include "simulator/board.h"
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 #include "tests/mcu/paused_link.h"
 #include "tests/support/process_state.h"
 #include "vpm/vpm_manager.h"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "kavo_rolu.h"
-#include "simulator/mcu/reply_script.h"
+#include "simulator/line/reply.h"
 
 namespace rolu_test {
 

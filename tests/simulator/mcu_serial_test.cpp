@@ -1,4 +1,4 @@
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -66,7 +66,7 @@ TEST(McuSerial, LetsScriptedRepliesGoBeforeTheModel) {
   const Host host(serial);
   serial.Script(CommandMatch::Exactly("MCBG"), Reply::Lines({"one", "two"}), 2);
   serial.Script(CommandMatch::StartingWith("WDT"), Reply::Silence(), kEveryTime);
-  serial.Script(CommandMatch::Exactly("MCVG"), Reply::Trickle("02\r", 1ms).Then("\xff[", 1ms));
+  serial.Script(CommandMatch::Exactly("MCVG"), Reply::Bytes("02\r", 1ms).Then("\xff[", 1ms));
   host.Send("MCBG\rWDTG\rWDTS0001\rMCBG\rMCBG\r");
   EXPECT_EQ(host.Read(24), "one\r\ntwo\r\none\r\ntwo\r\n03\r\n");
   host.Send("MCVG\r");

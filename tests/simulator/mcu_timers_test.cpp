@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "simulator/mcu/mcu_model.h"
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 #include "simulator/unique_fd.h"
 
 namespace rolu_sim {

@@ -13,7 +13,7 @@ class PseudoTerminal {
   // Throws std::system_error.
   PseudoTerminal();
 
-  int master() const { return master_.get(); }
+  int master() const { return master_.get(); }  // -1 when it is closed
   const std::string& device_path() const { return device_path_; }
 
   // Readable when bytes have come, when the last program has closed the device, and, where room is
@@ -29,10 +29,12 @@ class PseudoTerminal {
   void DiscardUnreadBytes();
 
   // Nothing is received or sent any more, and no program has it open.
-  void Close();
+  void Close() { master_.Reset(); }
+
+  // A closed one becomes a new pseudo-terminal, which may have another path. Throws std::system_error.
+  void Reopen();
 
  private:
-  UniqueFd OpenDevice() const;
   void WatchMaster(int operation) const;
 
   UniqueFd master_;

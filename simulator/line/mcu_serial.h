@@ -8,26 +8,20 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "simulator/line/pseudo_terminal.h"
+#include "simulator/line/reply.h"
+#include "simulator/line/wire_log.h"
 #include "simulator/mcu/mcu_model.h"
-#include "simulator/mcu/pseudo_terminal.h"
-#include "simulator/mcu/reply_script.h"
-#include "simulator/mcu/wire_log.h"
 #include "simulator/wakeup_event.h"
 
 namespace rolu_sim {
-
-// Lets the model carry out the command in hand, once at most, and gives its answer.
-using AskModel = std::function<Reply()>;
-
-// Decides what is sent for a command that no scripted reply answers. Called on the MCU's thread; it
-// must not call the McuSerial that calls it.
-using AnswerRoute = std::function<Reply(std::string_view command, const AskModel& ask_model)>;
 
 struct McuSerialOptions {
   // Bytes take the time of a 115200 bit/s line, 8N1 (86.8 us each), in both directions. Without
@@ -48,14 +42,10 @@ struct McuSerialOptions {
 // that opens the port does not find bytes meant for its predecessor: they go when that one's close is
 // noticed, which takes some ten microseconds unless FollowPrograms is called.
 //
-// Any thread may call any member at any time, except HangUp, Reopen and the destructor, which
-// belong to the owner.
+// Any thread may call any member at any time, except the destructor, which belongs to the owner.
 class McuSerial {
  public:
   explicit McuSerial(McuSerialOptions options = {});
-  ~McuSerial();
-  McuSerial(const McuSerial&) = delete;
-  McuSerial& operator=(const McuSerial&) = delete;
 
   // The device that a program opens, "/dev/pts/7". Changes with Reopen.
   std::string DevicePath() const;
@@ -114,15 +104,20 @@ class McuSerial {
   bool IsOpenByHost() const;
   bool WaitForHostClosed(std::chrono::milliseconds timeout);
 
-  // What passed the wire.
+  // What passed the wire; the commands of it, and a wait until `command` has come `count` times since
+  // the log was last cleared (false after `timeout`).
   WireLog& Log() { return log_; }
-  std::vector<std::string> CommandsReceived() const { return log_.Commands(); }
+  std::vector<std::string> CommandsReceived() const;
   bool WaitForCommand(std::string_view command, std::chrono::milliseconds timeout,
-                      std::size_t count = 1) const {
-    return log_.WaitForCommand(command, timeout, count);
-  }
+                      std::size_t count = 1) const;
 
  private:
+  struct ScriptedReply {
+    CommandMatch match;
+    Reply reply;
+    int times_left;
+  };
+
   struct ReceivedByte {
     TimePoint arrival;
     char byte;
@@ -131,32 +126,34 @@ class McuSerial {
   // Holds the lock, with a model that is up to date before and after.
   class ModelAccess {
    public:
-    explicit ModelAccess(McuSerial& serial);
-    ~ModelAccess();
-    ModelAccess(const ModelAccess&) = delete;
-    ModelAccess& operator=(const ModelAccess&) = delete;
+    explicit ModelAccess(McuSerial& serial) : serial_(serial), lock_(serial.mutex_) { serial_.FollowModel(); }
+    ~ModelAccess() {
+      serial_.FollowModel();
+      serial_.SendFromOtherThread();
+    }
 
    private:
     McuSerial& serial_;
     std::lock_guard<std::mutex> lock_;
   };
 
-  void StartThread();
-  void StopThread();
-  void Run();
+  void Run(const std::stop_token& stop);
+
+  template <typename Holds>
+  bool WaitUntil(std::chrono::milliseconds timeout, Holds holds) const {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return changed_.wait_for(lock, timeout, holds);
+  }
 
   // With mutex_ held.
   void ReceiveBytes();
   void FollowHost();
   void HandleArrivedBytes();
-  void HandleArrivedByte(const ReceivedByte& received);
   void AnswerCommand(std::string_view command);
-  Reply AnswerOfModel(std::string_view command);
   void FollowModel();
   void SendFromOtherThread();
   void SendDueBytes();
-  std::size_t SendableBytes(TimePoint now) const;
-  void SendBytes(std::size_t count);
+  void RecordSent(std::string_view bytes);
   std::optional<TimePoint> NextDue() const;
 
   const std::chrono::nanoseconds byte_time_;
@@ -166,13 +163,11 @@ class McuSerial {
   WakeupEvent wakeup_;
 
   mutable std::mutex mutex_;
-  std::condition_variable host_closed_;
-  mutable std::condition_variable event_told_;
+  mutable std::condition_variable changed_;  // a command or an event has come, or no program is there
   PseudoTerminal terminal_;
   McuModel model_;
   std::size_t events_told_ = 0;
-  ReplyScript script_;
-  bool stopping_ = false;
+  std::vector<ScriptedReply> script_;
   bool silent_ = false;
   bool reading_stopped_ = false;
   bool host_open_ = false;
@@ -181,13 +176,13 @@ class McuSerial {
   TimePoint receive_line_free_{};
   std::string command_;
 
-  std::multimap<TimePoint, std::string> scheduled_;  // chunks by the time at which they leave
-  std::deque<std::string> outgoing_;                 // chunks that are leaving
+  std::multimap<TimePoint, std::string> unsent_;  // chunks by the time at which they leave
+  TimePoint sent_until_{};                        // those that were due then are leaving
   bool port_full_ = false;
   TimePoint send_line_free_{};
   std::string sent_line_;
 
-  std::thread thread_;
+  std::jthread thread_;  // ends first
 };
 
 }  // namespace rolu_sim

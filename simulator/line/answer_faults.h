@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/reply.h"
 
 namespace rolu_sim {
 
@@ -59,8 +59,7 @@ class AnswerFaults {
   // With mutex_ held.
   bool Strikes(AnswerFault& fault, std::string_view command);
   std::size_t Draw(std::size_t below);
-  std::string Garbled(std::string line, std::size_t characters);
-  std::string Shortened(std::string line, std::size_t characters);
+  std::string DistortLine(const AnswerFault& fault, std::string line);
   Reply Distort(const AnswerFault& fault, const Reply& answer);
 
   const std::uint32_t seed_;

@@ -1,6 +1,7 @@
-#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/line/pseudo_terminal.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <poll.h>
 #include <stdlib.h>
 #include <sys/epoll.h>
@@ -8,33 +9,44 @@
 #include <unistd.h>
 
 #include <array>
+#include <utility>
 
 #include "simulator/system_error.h"
 
 namespace rolu_sim {
+namespace {
 
-PseudoTerminal::PseudoTerminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
-  if (!master_) ThrowErrno("opening a pseudo-terminal");
-  std::array<char, 64> path{};
-  if (grantpt(master()) != 0 || unlockpt(master()) != 0 ||
-      ptsname_r(master(), path.data(), path.size()) != 0) {
-    ThrowErrno("preparing a pseudo-terminal");
-  }
-  device_path_ = path.data();
-  {
-    const UniqueFd device = OpenDevice();
-    termios attributes{};
-    if (tcgetattr(device.get(), &attributes) != 0) ThrowErrno("opening " + device_path_);
-    cfmakeraw(&attributes);
-    if (tcsetattr(device.get(), TCSANOW, &attributes) != 0) ThrowErrno("setting up " + device_path_);
-  }
-  changes_ = UniqueFd(epoll_create1(EPOLL_CLOEXEC));
-  if (!changes_) ThrowErrno("watching the serial port");
-  WatchMaster(EPOLL_CTL_ADD);
+UniqueFd OpenDevice(const char* path) {
+  return UniqueFd(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
 }
 
-UniqueFd PseudoTerminal::OpenDevice() const {
-  return UniqueFd(open(device_path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+}  // namespace
+
+PseudoTerminal::PseudoTerminal() : changes_(epoll_create1(EPOLL_CLOEXEC)) {
+  if (!changes_) ThrowErrno("watching the serial port");
+  Reopen();
+}
+
+void PseudoTerminal::Reopen() {
+  UniqueFd master(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
+  if (!master) ThrowErrno("opening a pseudo-terminal");
+  std::array<char, 64> path{};
+  if (grantpt(master.get()) != 0 || unlockpt(master.get()) != 0 ||
+      ptsname_r(master.get(), path.data(), path.size()) != 0) {
+    ThrowErrno("preparing a pseudo-terminal");
+  }
+  {
+    const UniqueFd device = OpenDevice(path.data());
+    termios attributes{};
+    if (tcgetattr(device.get(), &attributes) != 0) ThrowErrno(fmt::format("opening {}", path.data()));
+    cfmakeraw(&attributes);
+    if (tcsetattr(device.get(), TCSANOW, &attributes) != 0)
+      ThrowErrno(fmt::format("setting up {}", path.data()));
+  }
+  master_ = std::move(master);
+  device_path_ = path.data();
+  room_wanted_ = false;
+  WatchMaster(EPOLL_CTL_ADD);
 }
 
 void PseudoTerminal::WatchMaster(int operation) const {
@@ -61,12 +73,7 @@ bool PseudoTerminal::IsOpenByHost() const {
 
 // A process that has no descriptor to spare keeps the bytes.
 void PseudoTerminal::DiscardUnreadBytes() {
-  tcflush(OpenDevice().get(), TCIFLUSH);
-}
-
-void PseudoTerminal::Close() {
-  master_.Reset();
-  changes_.Reset();
+  tcflush(OpenDevice(device_path_.c_str()).get(), TCIFLUSH);
 }
 
 }  // namespace rolu_sim

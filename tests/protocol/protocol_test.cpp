@@ -67,6 +67,7 @@ TEST(Protocol, is_what_the_simulated_mcu_speaks) {
       const rolu_protocol::Command& known = *rolu_protocol::FindCommand(line);
       const std::vector<std::string> answer = mcu.Execute(line, {});
       ASSERT_EQ(answer.size(), static_cast<size_t>(known.answer_lines)) << line;
+      EXPECT_NE(answer.back(), rolu_protocol::kUnknownCommandReply) << line << ": no case, no factory answer";
       EXPECT_TRUE(rolu_protocol::ParseFields(answer.back(), known.answer_fields))
           << line << " is answered with " << answer.back();
       rolu_protocol::Words words;
@@ -79,9 +80,10 @@ TEST(Protocol, is_what_the_simulated_mcu_speaks) {
 }
 
 TEST(Protocol, refuses_fields_that_stand_for_nothing) {
-  for (const char* const line : {"WDTS012", "WDTS012C0", "WDTS012c", "WDTS-12C", "MCVU4", "MCUG5", "MCUG8",
-                                 "MSSS2", "MCS11", "MCS01234", "WKMS1", "WKMS011", "WKMS27", "WKMS-11",
-                                 "ARGI02", "MCBS01", "MCPS3202EB", "RTAS00000", "WDTR1"}) {
+  for (const char* const line :
+       {"WDTS012", "WDTS012C0", "WDTS012c",   "WDTS-12C",   "MCVU4",   "MCUG5",     "MCUG8",
+        "MSSS2",   "MCS11",     "MCS01234",   "WKMS1",      "WKMS011", "WKMS27",    "WKMS-11",
+        "ARGI02",  "MCBS01",    "MCPS3202EB", "MCPS3102eb", "MCAS0x",  "RTAS00000", "WDTR1"}) {
     const rolu_protocol::Command* const known = rolu_protocol::FindCommand(line);
     ASSERT_NE(known, nullptr) << line;
     EXPECT_FALSE(rolu_protocol::ParseCommandFields(line, *known)) << line;
@@ -112,8 +114,7 @@ TEST(Protocol, has_the_wakeup_codes_of_the_library) {
     snprintf(text, sizeof text, "%02X", code);
     const Ending ending = MeaningOf(row, {text});
     const auto* const known =
-        std::find_if(rolu_protocol::kWakeupCodes.begin(), rolu_protocol::kWakeupCodes.end(),
-                     [&](const auto& entry) { return entry.code == code; });
+        std::ranges::find(rolu_protocol::kWakeupCodes, code, &rolu_protocol::WakeupCode::code);
     const bool is_known = known != rolu_protocol::kWakeupCodes.end();
     ASSERT_EQ(ending.status == ROLU_STATUS_SUCCESS, is_known) << text;
     if (!is_known) continue;

@@ -117,22 +117,12 @@ class Session {
 
  private:
   Made Make(const CallRow& row) {
-    board_.mcu().Log().Clear();
-    board_.mcu().ClearScript();
-    for (const rolu_test::Answer& answer : row.answers) {
-      board_.mcu().Script(CommandMatch::Any(), answer.reply);
-    }
+    rolu_test::ScriptAnswers(board_.mcu(), row);
     rolu_fuzz::slept_ms = 0;
-    alignas(std::max_align_t) rolu_test::OutputMemory output = rolu_test::MemoryWith({});
-    const auto start = std::chrono::steady_clock::now();
-    Made made;
-    made.status = row.call(row.output_is_null ? nullptr : output.data());
+    Made made = rolu_test::MakeCall(row.call);
     // A call that hangs, on however busy a machine.
-    if (std::chrono::steady_clock::now() - start > kGenerous) FailIf(row.name, "took too long");
-    made.output = output;
-    for (const rolu_sim::WireEvent& chunk : board_.mcu().Log().Chunks()) {
-      if (chunk.direction == rolu_sim::Direction::kToMcu) made.traffic += chunk.bytes;
-    }
+    if (made.duration > kGenerous) FailIf(row.name, "took too long");
+    made.traffic = rolu_test::TrafficTo(board_.mcu());
     return made;
   }
 
@@ -149,10 +139,9 @@ class Session {
   }
 
   // The library refuses a missing output, and sends nothing.
-  bool ExpectNullRefusal(CallRow row) {
+  bool ExpectNullRefusal(const CallRow& row) {
     if (row.output.empty()) return false;
-    row.output_is_null = true;
-    const Made made = Make(row);
+    const Made made = Make({row.name, rolu_test::OnNull(row.call), row.answers});
     const bool is_refused =
         made.status == ROLU_STATUS_INVALID_PARAMETER || made.status == ROLU_STATUS_NULL_POINTER;
     FailIf(row.name, is_refused && made.traffic.empty() ? "" : "takes a null output");

@@ -18,6 +18,11 @@ std::string FieldOf(const std::string& text, size_t position, size_t width);
 // A field of the wake-up alarm's time: the sum of the weights of the byte's bits.
 int AlarmFieldOf(unsigned int byte);
 
+// A G-sensor's axis in its unit: 1000/256, a half added, and what is behind the point cut off.
+inline int32_t ScaledAxis(int16_t axis) {
+  return (axis * 125 + 16) / 32;
+}
+
 // The plain decimal form at the start of the text; empty if there is none.
 std::string DecimalOf(const std::string& text);
 

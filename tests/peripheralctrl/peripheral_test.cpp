@@ -1,12 +1,11 @@
 // The peripherals that are not the MCU's: a GPIO line, and a network interface that the system switches.
-#include <signal.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <fstream>
 
 #include "kavo_rolu.h"
 #include "tests/support/call_table.h"
+#include "tests/support/signal_handler.h"
 
 namespace rolu_test {
 namespace {
@@ -54,20 +53,13 @@ echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'
 )";
 
 TEST_F(PeripheralTest, SignalsDoNotCutTheWirelessQueryShort) {
-  static volatile sig_atomic_t handled = 0;
-  handled = 0;
-  struct sigaction action {};
-  action.sa_handler = [](int) { handled = handled + 1; };  // without SA_RESTART
-  struct sigaction before {};
-  ASSERT_EQ(sigaction(SIGUSR1, &action, &before), 0);
-
+  const SignalHandler handler(SIGUSR1);
   std::string script = kInterruptingIfconfig;
   script.replace(script.find("%PID%"), 5, std::to_string(getpid()));
   std::ofstream(board().root().CommandDirectory() + "/ifconfig") << script;
   BringUp();
   Run({Is("up", PERIPHERAL_TYPE_WLAN, 1)});
-  EXPECT_GT(handled, 0);
-  sigaction(SIGUSR1, &before, nullptr);
+  EXPECT_GT(signals_handled, 0);
 }
 
 }  // namespace

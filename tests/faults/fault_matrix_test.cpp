@@ -13,12 +13,12 @@
 #include <set>
 
 #include "mcu/link.h"
-#include "mcu/link_state.h"
 #include "tests/oracle/operations.h"
 #include "tests/oracle/wire_model.h"
 #include "tests/support/call_table.h"
 #include "tests/support/interface_header.h"
 #include "tests/support/leak_check.h"
+#include "tests/support/link_state.h"
 #include "tests/support/process_state.h"
 
 namespace rolu_test {
@@ -82,11 +82,6 @@ std::vector<Cell> CellsOf(const CallRow& row) {
   std::stable_partition(cells.begin(), cells.end(),
                         [](const Cell& cell) { return cell.odd.Status() == ROLU_STATUS_VPM_NO_REPLY; });
   return cells;
-}
-
-bool IsReplyStored() {
-  const ScopedLock lock(*io_op_lock);
-  return last_command_valid;
 }
 
 // A board and a family that meet some cells one after another. The link is open all the time.

@@ -12,6 +12,7 @@
 
 #include "kavo_rolu.h"
 #include "simulator/board.h"
+#include "tests/oracle/plain_reading.h"
 #include "tests/support/process_state.h"
 
 namespace {
@@ -163,13 +164,14 @@ TEST(AlarmStream, NoSampleIsLostAndNoQueryFails) {
   const auto arrives = [&] { return KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS; };
   for (unsigned int burst = 1; burst <= kBursts; ++burst) {
     std::string lines;
-    for (unsigned int i = 0; i < kSamplesOfABurst; ++i) lines += Alarm(burst * 256, i * 256, 0);
+    for (unsigned int i = 0; i < kSamplesOfABurst; ++i) lines += Alarm(burst * 256, i * 256, -burst);
     board.mcu().SendRaw(lines);
     // The application keeps up.
     for (int i = 0; i < kSamplesOfABurst; ++i) {
       if (!WaitUntil(arrives)) ADD_FAILURE() << "a sample is lost";
       EXPECT_EQ(sample.x, static_cast<int32_t>(burst) * 1000);
       EXPECT_EQ(sample.y, i * 1000);
+      EXPECT_EQ(sample.z, rolu_test::ScaledAxis(static_cast<int16_t>(-burst)));
     }
     if (HasFailure()) break;
   }

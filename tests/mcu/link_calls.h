@@ -11,9 +11,9 @@
 
 #include "kavo_rolu.h"
 #include "mcu/link.h"
-#include "mcu/link_state.h"
 #include "mcu/transaction.h"
 #include "simulator/mcu/mcu_serial.h"
+#include "tests/support/link_state.h"
 
 inline bool OpenLink(const std::string& path) {
   return VPMOpen(path.c_str(), O_RDWR) == 0;
@@ -35,16 +35,6 @@ inline bool Queue(const std::string& bytes, int awaited_lines = 0) {
 inline std::string TakeReply(unsigned long wait_ms) {
   char reply[kLineCapacity] = {};
   return read_vpm_response(reply, wait_ms) == 0 ? reply : "none";
-}
-
-inline bool IsReplyStored() {
-  const ScopedLock lock(*io_op_lock);
-  return last_command_valid;
-}
-
-inline int LinkUsers() {
-  const ScopedLock lock(*io_op_lock);
-  return vpm_ref_count;
 }
 
 // An MCU, and the link to it.

@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -31,11 +30,6 @@ class Fork : public testing::Test {
     EXPECT_EQ(KAVO_ROLU_WD_GetTime(&time), ROLU_STATUS_SUCCESS);
     EXPECT_EQ(time, kTime);
   }
-  static void ExpectGoodEnd(pid_t child) {
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-  }
 
   rolu_sim::Board board_;
 };
@@ -63,24 +57,21 @@ TEST_F(Fork, ProgramThatIsExecutedDoesNotHoldThePort) {
   EXPECT_TRUE(board_.mcu().WaitForHostClosed(kGenerous)) << "the child holds the port open";
   EXPECT_EQ(kill(child, 0), 0) << "it lives";
   close(leash[1]);
-  ExpectGoodEnd(child);
+  EXPECT_EQ(WaitStatusOf(child), 0);
 }
 
 TEST_F(Fork, ChildrenThatEndByThemselvesDoNoHarm) {
   std::atomic<bool> forking{true};
   std::atomic<int> answers{0};
   std::thread caller([&] {
-    while (forking) {
-      ExpectAnswer();
-      ++answers;
-    }
+    for (; forking; ++answers) ExpectAnswer();
   });
   for (int i = 0; i < 20; ++i) {
     const int answers_before = answers;
     const pid_t child = fork();
     if (child == 0) _exit(0);
     ASSERT_GT(child, 0);
-    ExpectGoodEnd(child);
+    EXPECT_EQ(WaitStatusOf(child), 0);
     EXPECT_TRUE(WaitUntil([&] { return answers > answers_before; })) << "the link goes on";
   }
   forking = false;

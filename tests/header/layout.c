@@ -1,0 +1,1 @@
+#include "tests/header/layout_rows.h"

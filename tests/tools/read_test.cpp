@@ -58,9 +58,7 @@ TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
 }
 
 TEST_F(RoluTest, StandardOutputCarriesNothingButResults) {
-  const Ended get = Rolu("get -n battery.voltage board.machine");
-  EXPECT_EQ(get.out, "12.600\narmv7l\n");
-  EXPECT_EQ(get.status, 0);
+  EXPECT_EQ(Rolu("get -n battery.voltage board.machine").out, "12.600\narmv7l\n");
   EXPECT_EQ(Rolu("get battery.voltage").out, "battery.voltage  12.600 V\n");
 }
 
@@ -103,17 +101,10 @@ TEST_F(RoluTest, AMissingPortIsNoAnswer) {
   }
 }
 
-// The process that `text` names, "in use by process 1234 (...)".
-pid_t NamedProcess(const std::string& text) {
-  constexpr std::string_view kBefore = "in use by process ";
-  const size_t at = text.find(kBefore);
-  return at == std::string::npos ? -1 : std::stoi(text.substr(at + kBefore.size()));
-}
-
-pid_t ParentOf(pid_t process) {
-  const std::string status = ReadFile("/proc/" + std::to_string(process) + "/status");
-  const size_t at = status.find("PPid:");
-  return at == std::string::npos ? -1 : std::stoi(status.substr(at + 5));
+// The process whose number stands behind `words`; -1 if they are not there.
+pid_t ProcessBehind(std::string_view words, const std::string& text) {
+  const size_t at = text.find(words);
+  return at == std::string::npos ? -1 : std::stoi(text.substr(at + words.size()));
 }
 
 TEST_F(RoluTest, AnotherOwnerOfThePortIsNamedAndRespected) {
@@ -124,8 +115,9 @@ TEST_F(RoluTest, AnotherOwnerOfThePortIsNamedAndRespected) {
   for (const char* const command : {"get watchdog.time", "set watchdog.time=5", "doctor", "watchdog feed"}) {
     const Ended ended = Rolu(command);
     EXPECT_EQ(ended.status, 5) << command;
-    owner = NamedProcess(ended.out + ended.err);
-    ASSERT_EQ(ParentOf(owner), watch.pid()) << command;
+    owner = ProcessBehind("in use by process ", ended.out + ended.err);
+    const std::string status = ReadFile("/proc/" + std::to_string(owner) + "/status");
+    ASSERT_EQ(ProcessBehind("PPid:", status), watch.pid()) << command;
   }
   EXPECT_EQ(Received("WDT").size(), asked);
   EXPECT_EQ(Rolu("light").status, 0) << "the light sensor is not the MCU's";

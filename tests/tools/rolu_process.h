@@ -28,6 +28,16 @@ class RoluProcess : public Process {
 Ended Rolu(const std::vector<std::string>& arguments, const std::string& input = "");
 Ended Rolu(const std::string& command_line, const std::string& input = "");
 
+// One command line after another on the same board.
+struct Step {
+  std::string command_line;
+  int status;
+  const char* out = "";  // part of what is printed on standard output
+  const char* err = "";
+  const char* input = "";
+};
+void RunSteps(const std::vector<Step>& steps);
+
 // A board that rolu meets.
 class RoluTest : public testing::Test {
  protected:

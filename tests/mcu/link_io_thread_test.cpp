@@ -80,23 +80,6 @@ TEST(QuietRule, CommandThatNobodyWaitsForLeavesAfterAPoll) {
   EXPECT_EQ(link.Receive(2), "A\r");
 }
 
-TEST(QuietRule, CommandDoesNotOvertakeWhatTheMcuHasSent) {
-  const PausedLink link;
-  ReadLines();
-  ASSERT_TRUE(Queue("NEXT\r"));
-  WakeIoThread();
-  link.Send("one\rtwo\rthree");
-  char line[kLineCapacity];
-  unsigned long length = 0;
-  for (const char* expected : {"one", "two"}) {
-    ASSERT_TRUE(VPMRead(line, &length, 1));
-    EXPECT_STREQ(line, expected);
-    EXPECT_FALSE(link.HasReceived(0));
-  }
-  EXPECT_FALSE(VPMRead(line, &length, 1));
-  EXPECT_EQ(link.Receive(5), "NEXT\r");
-}
-
 // The test sends a byte every millisecond, as well as the machine lets it. Whatever it lets it: a
 // command may only come out of a gap of a whole poll.
 TEST(QuietRule, CommandLeavesAStreamOnlyInAGap) {
@@ -162,21 +145,6 @@ TEST(BrokenLine, WriteGoesOnWhereAShortOneStopped) {
   vpm_port = port;
   close(ends[0]);
   close(ends[1]);
-}
-
-TEST(TransmitQueue, Holds511Bytes) {
-  const PausedLink link;
-  const std::string first(300, 'a');
-  EXPECT_FALSE(Queue(std::string(512, 'x')));
-  EXPECT_TRUE(Queue(first));
-  EXPECT_FALSE(Queue(std::string(212, 'x')));
-  const std::string second = std::string(210, 'b') + '\r';
-  EXPECT_TRUE(Queue(second));
-  EXPECT_FALSE(Queue("x"));
-  EXPECT_EQ(send_vpm_command("x", -1), -2);
-  EXPECT_THAT(ReadLines(), testing::IsEmpty());
-  EXPECT_EQ(link.Receive(511), first + second) << "and nothing of what was refused";
-  EXPECT_TRUE(Queue(std::string(511, 'c')));
 }
 
 TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {

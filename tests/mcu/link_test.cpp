@@ -114,45 +114,25 @@ TEST(Link, RefusedOpenLeavesNothingBehind) {
   EXPECT_EQ(LeftSince(at_first), "");
 }
 
-// Numbers 0, 1 and 2 are free for a while.
-class ClosedStandardStreams {
- public:
-  ClosedStandardStreams() {
-    fflush(stdout);
-    for (int stream = 0; stream < kStreams; ++stream) {
-      kept_[stream] = fcntl(stream, F_DUPFD_CLOEXEC, kOutOfTheWay);
-      close(stream);
-    }
-  }
-  ~ClosedStandardStreams() {
-    for (int stream = 0; stream < kStreams; ++stream) {
-      dup2(kept_[stream], stream);
-      close(kept_[stream]);
-    }
-  }
-  ClosedStandardStreams(const ClosedStandardStreams&) = delete;
-  ClosedStandardStreams& operator=(const ClosedStandardStreams&) = delete;
-
- private:
-  static constexpr int kStreams = 3;
-  static constexpr int kOutOfTheWay = 100;
-  int kept_[kStreams] = {};
-};
-
 TEST(Link, NoDescriptorOfItsIsAStandardStream) {
   McuSerial mcu;
   const ProcessState before;
-  int port = -1;
-  int wake_event = -1;
+  // The standard streams' numbers are free for a while.
+  std::array<int, 3> kept{};
   std::array<bool, 3> taken{};
-  {
-    const ClosedStandardStreams closed;
-    if (!OpenLink(mcu.DevicePath())) std::abort();
-    port = vpm_port;
-    wake_event = vpm_wake_event;
-    for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
-      taken[static_cast<size_t>(stream)] = fcntl(stream, F_GETFD) != -1;
-    }
+  fflush(stdout);
+  for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
+    kept.at(static_cast<size_t>(stream)) = fcntl(stream, F_DUPFD_CLOEXEC, 100);
+    close(stream);
+  }
+  if (!OpenLink(mcu.DevicePath())) std::abort();
+  const int port = vpm_port;
+  const int wake_event = vpm_wake_event;
+  for (int stream = 0; stream <= STDERR_FILENO; ++stream) {
+    const auto index = static_cast<size_t>(stream);
+    taken.at(index) = fcntl(stream, F_GETFD) != -1;
+    dup2(kept.at(index), stream);
+    close(kept.at(index));
   }
   EXPECT_GT(port, STDERR_FILENO);
   EXPECT_GT(wake_event, STDERR_FILENO);

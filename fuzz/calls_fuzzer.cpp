@@ -12,7 +12,7 @@
 #include "simulator/preloaded.h"
 #include "tests/oracle/made_call.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 #include "tests/support/link_state.h"
 #include "tests/support/process_state.h"
 

@@ -16,7 +16,7 @@
 #include "fuzz/unsolicited_model.h"
 #include "mcu/link.h"
 #include "mcu/link_state.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace {
 

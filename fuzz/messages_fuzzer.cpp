@@ -7,7 +7,7 @@
 #include "fuzz/input.h"
 #include "fuzz/unsolicited_model.h"
 #include "mcu/unsolicited.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include "tests/oracle/field_checks.h"
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
+#include "tests/oracle/plain_reading.h"
 #include "tests/oracle/start_up.h"
-#include "tests/oracle/wire_model.h"
 
 namespace {
 

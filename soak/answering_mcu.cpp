@@ -9,7 +9,7 @@
 #include "protocol/values.h"
 #include "soak/drawn_answer.h"
 #include "tests/oracle/made_call.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_soak {
 namespace {

@@ -78,7 +78,12 @@ TEST_F(DeviceFileTest, OperationsThatTheBoardDoesNotProvide) {
   for (const char* core : {"off", "on"}) {
     SCOPED_TRACE(core);
     Refuse(kNotSupported,
-           {{"display version", With(KAVO_ROLU_DISPLAY_GetLibVersion, nullptr)},
+           {{"boot counter", With(KAVO_ROLU_CORE_AccessBootCounter, 1)},
+            {"soft reset", Plain(KAVO_ROLU_CORE_SoftReset)},
+            {"hard reset", Plain(KAVO_ROLU_CORE_HardReset)},
+            {"save", Plain(KAVO_ROLU_CORE_RegistrySave)},
+            {"clean", Plain(KAVO_ROLU_CORE_RegistryClean)},
+            {"display version", With(KAVO_ROLU_DISPLAY_GetLibVersion, nullptr)},
             {"screen on", Plain(KAVO_ROLU_DISPLAY_ScreenOn)},
             {"screen off", Plain(KAVO_ROLU_DISPLAY_ScreenOff)},
             {"DIO version", With(KAVO_ROLU_DIO_GetLibVersion, nullptr)},

@@ -6,7 +6,6 @@ namespace {
 
 constexpr ROLU_STATUS kBad = ROLU_STATUS_INVALID_PARAMETER;
 constexpr ROLU_STATUS kOff = ROLU_STATUS_NOT_INITIALIZED;
-constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
 
 class Core : public CallTableTest {
  protected:
@@ -29,14 +28,6 @@ TEST_F(Core, WritesSeventeenCharactersOfItsVersion) {
   const Call get = Into(KAVO_ROLU_CORE_GetLibVersion);
   Run({Gives("version", get, {}, Characters("030001.2014072500", 17))});
   Refuse(ROLU_STATUS_NULL_POINTER, {{"null", OnNull(get)}});
-}
-
-TEST_F(Core, DoesNotProvideTheRest) {
-  Refuse(kNotSupported, {{"boot counter", With(KAVO_ROLU_CORE_AccessBootCounter, 1)},
-                         {"soft reset", Plain(KAVO_ROLU_CORE_SoftReset)},
-                         {"hard reset", Plain(KAVO_ROLU_CORE_HardReset)},
-                         {"save", Plain(KAVO_ROLU_CORE_RegistrySave)},
-                         {"clean", Plain(KAVO_ROLU_CORE_RegistryClean)}});
 }
 
 Call GetPlatform(bool with_name, bool with_length) {

@@ -14,15 +14,6 @@ constexpr ROLU_STATUS kBad = ROLU_STATUS_INVALID_PARAMETER;
 constexpr ROLU_STATUS kNull = ROLU_STATUS_NULL_POINTER;
 constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
 
-Call SetThreshold(float volts) {
-  return With(KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, volts);
-}
-Call SetBatteryMode(int mode) {
-  return With(KAVO_ROLU_VPM_SetCurrentCarBatteryMode, mode);
-}
-Call SetIgnitionMode(int mode) {
-  return With(KAVO_ROLU_VPM_SetIgnitionMode, mode);
-}
 Call SetClock(VPM_RTC_TIME time) {
   return With(KAVO_ROLU_VPM_SetRTCTime, time);
 }
@@ -32,11 +23,11 @@ Call SetAlarm(int mode, VPM_ALARM_TIME time) {
 
 TEST_F(VpmTest, BadArgumentsAreRefusedBehindTheFamilysState) {
   const std::vector<NamedCall> calls = {
-      {"battery mode -1", SetBatteryMode(-1)},
-      {"battery mode 1", SetBatteryMode(1)},
-      {"battery mode 4", SetBatteryMode(4)},
-      {"ignition mode 0", SetIgnitionMode(0)},
-      {"ignition mode 3", SetIgnitionMode(3)},
+      {"battery mode -1", With(KAVO_ROLU_VPM_SetCurrentCarBatteryMode, -1)},
+      {"battery mode 1", With(KAVO_ROLU_VPM_SetCurrentCarBatteryMode, 1)},
+      {"battery mode 4", With(KAVO_ROLU_VPM_SetCurrentCarBatteryMode, 4)},
+      {"ignition mode 0", With(KAVO_ROLU_VPM_SetIgnitionMode, 0)},
+      {"ignition mode 3", With(KAVO_ROLU_VPM_SetIgnitionMode, 3)},
       {"no low-battery delay", With(KAVO_ROLU_VPM_SetLBPLowDelay, 0)},
       {"no delay before the force shutdown", With(KAVO_ROLU_VPM_SetForceShutDownDelay, 0)},
       {"shutdown source -1", SetShutdown(-1, 1)},
@@ -64,9 +55,12 @@ TEST_F(VpmTest, OddArgumentsGoOutAsStated) {
   const rolu_sim::Reply apart = rolu_sim::Reply::Line("OK").Then("OK\r\n", std::chrono::milliseconds(200));
   BringUp();
   Run({
-      Orders("negative threshold", SetThreshold(-1.0F), {"OK"}, "MCPS310000\r"),
-      Orders("threshold that is no number", SetThreshold(NAN), {"OK"}, "MCPS310000\r"),
-      Orders("infinite threshold", SetThreshold(INFINITY), {"OK"}, "MCPS31FFFF\r"),
+      Orders("negative threshold", With(KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, -1.0F), {"OK"},
+             "MCPS310000\r"),
+      Orders("threshold that is no number", With(KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, NAN), {"OK"},
+             "MCPS310000\r"),
+      Orders("infinite threshold", With(KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem, INFINITY), {"OK"},
+             "MCPS31FFFF\r"),
       Orders("protection on as a negative char", With(KAVO_ROLU_VPM_SetLBPStatus, -1), {"00", "OK"},
              "MCCG\rMCCS01\r"),
       Orders("protection off", With(KAVO_ROLU_VPM_SetLBPStatus, 0), {"01", "OK"}, "MCCG\rMCCS00\r"),

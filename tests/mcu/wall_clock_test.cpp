@@ -71,6 +71,17 @@ class WallClock : public testing::Test {
     return StartWithAnswer("WDTG", reply, [this] { return KAVO_ROLU_WD_GetTime(&time_); });
   }
 
+  // The clock is set while the library waits for the answer.
+  Made AskWhileTheClockIsSet(const Reply& reply, seconds by) {
+    auto call = AskTime(reply);
+    EXPECT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
+    const auto set_at = Clock::now();
+    MoveWallClock(by);
+    const Made made = Finish("took_ms", call);
+    RecordProperty("after_set_us", static_cast<int>((Clock::now() - set_at) / std::chrono::microseconds(1)));
+    return made;
+  }
+
   void ExpectNextCallsWhole() {
     EXPECT_EQ(KAVO_ROLU_WD_GetTime(&time_), ROLU_STATUS_SUCCESS);
     EXPECT_EQ(time_, kTime);
@@ -84,12 +95,7 @@ class WallClock : public testing::Test {
 };
 
 TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
-  auto call = AskTime(Reply::Silence());
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  const auto set_at = Clock::now();
-  MoveWallClock(hours(1));
-  const Made made = Finish("took_ms", call);
-  RecordProperty("after_set_us", static_cast<int>((Clock::now() - set_at) / std::chrono::microseconds(1)));
+  const Made made = AskWhileTheClockIsSet(Reply::Silence(), hours(1));
   EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
   EXPECT_LT(made.took, kReplyWait);
   // The answer to it comes after all; the message behind it tells when the library has it.
@@ -103,10 +109,7 @@ TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
 
 TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerUntilItComes) {
   constexpr milliseconds kLaterThanTheWait(3300);
-  auto call = AskTime(Reply::Line("0007", kLaterThanTheWait));
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  MoveWallClock(-hours(1));
-  const Made made = Finish("took_ms", call);
+  const Made made = AskWhileTheClockIsSet(Reply::Line("0007", kLaterThanTheWait), -hours(1));
   EXPECT_EQ(made.status, ROLU_STATUS_SUCCESS);
   EXPECT_EQ(time_, 7);
   EXPECT_GE(made.took, kLaterThanTheWait);
@@ -114,10 +117,7 @@ TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerUntilItComes) {
 }
 
 TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerByAsMuch) {
-  auto call = AskTime(Reply::Silence());
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  MoveWallClock(-seconds(1));
-  const Made made = Finish("took_ms", call);
+  const Made made = AskWhileTheClockIsSet(Reply::Silence(), -seconds(1));
   EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
   EXPECT_GE(made.took, kReplyWait + seconds(1));
   EXPECT_LT(made.took, kGenerous);

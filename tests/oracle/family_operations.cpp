@@ -2,13 +2,22 @@
 #include "simulator/mcu/mcu_state.h"
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/vpm_calls.h"
 
 namespace rolu_test {
 namespace {
 
 ROLU_STATUS SetAlarm(void*) {
   return KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, {5, 13, 30});
+}
+// What the wake-up alarm's query writes, one after the other.
+struct Alarm {
+  ALARM_MODE mode;
+  VPM_ALARM_TIME time;
+};
+ROLU_STATUS GetAlarm(void* output) {
+  auto* alarm = static_cast<Alarm*>(output);
+  return KAVO_ROLU_VPM_GetAlarmTime(alarm == nullptr ? nullptr : &alarm->mode,
+                                    alarm == nullptr ? nullptr : &alarm->time);
 }
 ROLU_STATUS SetMcuSwitch(void*) {
   return KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE_MCU_SWITCH, 1);

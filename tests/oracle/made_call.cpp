@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "tests/oracle/meaning.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_test {
 namespace {

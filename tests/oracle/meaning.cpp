@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_test {
 namespace {

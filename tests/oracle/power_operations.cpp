@@ -47,14 +47,10 @@ std::vector<CallRow> MakePowerOffDelayOperations() {
   return rows;
 }
 
-Bytes Char(int value) {
-  return Written(static_cast<char>(value));
-}
-
 // Asks for one of a line of switches.
 CallRow GivesSwitch(std::string name, Call call, const char* answer, size_t position, std::string wire) {
-  const int state = answer[position] - '0';
-  return Reads(Gives(std::move(name), std::move(call), {answer}, Char(state), std::move(wire)),
+  const auto state = static_cast<char>(answer[position] - '0');
+  return Reads(Gives(std::move(name), std::move(call), {answer}, Written(state), std::move(wire)),
                {Switch(position)}, ROLU_STATUS_VPM_INVALID_REPLY);
 }
 
@@ -112,8 +108,9 @@ const std::vector<CallRow>& IgnitionAndModeOperations() {
   constexpr ROLU_STATUS kUnknown = ROLU_STATUS_VPM_ERROR_REPLY;
   const Call get_ignition = Into(KAVO_ROLU_VPM_GetIgnitionStatus);
   static const std::vector<CallRow> operations = {
-      Reads(Gives("VPM_GetIgnitionStatus on", get_ignition, {"ON"}, Char(1), "IGNG\r"), {Ignition}, kUnknown),
-      Reads(Gives("VPM_GetIgnitionStatus off", get_ignition, {"OFF"}, Char(0), "IGNG\r"), {Ignition},
+      Reads(Gives("VPM_GetIgnitionStatus on", get_ignition, {"ON"}, Written('\1'), "IGNG\r"), {Ignition},
+            kUnknown),
+      Reads(Gives("VPM_GetIgnitionStatus off", get_ignition, {"OFF"}, Written('\0'), "IGNG\r"), {Ignition},
             kUnknown),
       Orders("VPM_SetIgnitionMode 1", With(KAVO_ROLU_VPM_SetIgnitionMode, 1), {"OK"}, "IGMS1\r"),
       Orders("VPM_SetIgnitionMode 2", With(KAVO_ROLU_VPM_SetIgnitionMode, 2), {"OK"}, "IGMS2\r"),
@@ -128,9 +125,10 @@ const std::vector<CallRow>& IgnitionAndModeOperations() {
             {ChangesKeepAliveMode}),
       Reads(Orders("VPM_SetATMode", With(KAVO_ROLU_VPM_SetATMode, 0), {"01", "OK"}, "MCAG\rMCAS00\r"),
             {ChangesAtMode}),
-      Reads(Gives("VPM_GetKeepAliveMode", Into(KAVO_ROLU_VPM_GetKeepAliveMode), {"10"}, Char(1), "MCAG\r"),
+      Reads(Gives("VPM_GetKeepAliveMode", Into(KAVO_ROLU_VPM_GetKeepAliveMode), {"10"}, Written('\1'),
+                  "MCAG\r"),
             {KeepAliveMode}),
-      Reads(Gives("VPM_GetATMode", Into(KAVO_ROLU_VPM_GetATMode), {"10"}, Char(0), "MCAG\r"), {AtMode}),
+      Reads(Gives("VPM_GetATMode", Into(KAVO_ROLU_VPM_GetATMode), {"10"}, Written('\0'), "MCAG\r"), {AtMode}),
       // Restoring its defaults keeps the MCU busy.
       Orders("VPM_LoadDefaultValue", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {"OK"}, "EEDF\r", 1250),
   };

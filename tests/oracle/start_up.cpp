@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "tests/oracle/plain_reading.h"
-#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 namespace {

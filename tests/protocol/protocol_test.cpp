@@ -12,7 +12,7 @@
 #include "simulator/mcu/mcu_model.h"
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_test {
 namespace {

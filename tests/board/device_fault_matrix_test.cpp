@@ -216,22 +216,20 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
   std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
 };
 
-DeviceFaults Failing(int DeviceFaults::*call, int error) {
+template <typename Member, typename Value>
+DeviceFaults Failing(Member DeviceFaults::*member, Value value) {
   DeviceFaults faults;
-  faults.*call = error;
+  faults.*member = value;
   return faults;
 }
 
 TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   const DeviceCall& call = GetParam();
-  DeviceFaults missing;
-  missing.missing = true;
-  DeviceFaults short_reads;
-  short_reads.max_read_bytes = 1;
   for (size_t i = 0; i < call.files.size(); ++i) {
     const size_t part = call.output.size() / call.files.size();
     const Bytes before_file(call.output.begin(), call.output.begin() + static_cast<std::ptrdiff_t>(i * part));
-    Strike("missing", i, DeviceOperation::kOpen, missing, call.unopened, before_file);
+    Strike("missing", i, DeviceOperation::kOpen, Failing(&DeviceFaults::missing, true), call.unopened,
+           before_file);
     for (const int error : {EACCES, EBUSY, EMFILE, EINTR}) {
       Strike(strerrorname_np(error), i, DeviceOperation::kOpen, Failing(&DeviceFaults::open_errno, error),
              call.unopened, before_file);
@@ -244,7 +242,8 @@ TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
       Strike("no write", i, DeviceOperation::kWrite, Failing(&DeviceFaults::write_errno, error),
              call.unwritten, OutputOf(call.unwritten, call.output));
     }
-    Strike("short reads", i, DeviceOperation::kRead, short_reads, kDone, call.short_output);
+    Strike("short reads", i, DeviceOperation::kRead, Failing(&DeviceFaults::max_read_bytes, 1U), kDone,
+           call.short_output);
   }
 }
 

@@ -1,1 +1,3 @@
 #include "kavo_rolu.h"
+//
+#include "tests/header/layout_rows.h"

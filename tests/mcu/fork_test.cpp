@@ -1,17 +1,14 @@
 // The application forks while the link is open.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <fstream>
-#include <string>
 #include <thread>
 
 #include "kavo_rolu.h"
 #include "simulator/board.h"
-#include "tests/support/process_state.h"
+#include "tests/support/process.h"
 
 namespace {
 
@@ -35,29 +32,11 @@ class Fork : public testing::Test {
 };
 
 TEST_F(Fork, ProgramThatIsExecutedDoesNotHoldThePort) {
-  int leash[2];
-  ASSERT_EQ(pipe2(leash, O_CLOEXEC), 0);
-  const pid_t child = fork();
-  if (child == 0) {
-    // Lives until the leash is let go.
-    dup2(leash[0], STDIN_FILENO);
-    execlp("cat", "cat", nullptr);
-    _exit(1);
-  }
-  close(leash[0]);
-  ASSERT_GT(child, 0);
-  const std::string program = "/proc/" + std::to_string(child) + "/comm";
-  ASSERT_TRUE(WaitUntil([&] {
-    std::string name;
-    std::ifstream(program) >> name;
-    return name == "cat";
-  }));
+  const rolu_test::Process program({"sleep", "1000"});
   ExpectAnswer();
   EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS);
-  EXPECT_TRUE(board_.mcu().WaitForHostClosed(kGenerous)) << "the child holds the port open";
-  EXPECT_EQ(kill(child, 0), 0) << "it lives";
-  close(leash[1]);
-  EXPECT_EQ(WaitStatusOf(child), 0);
+  EXPECT_TRUE(board_.mcu().WaitForHostClosed(kGenerous)) << "it holds the port open";
+  EXPECT_EQ(kill(program.pid(), 0), 0) << "it lives";
 }
 
 TEST_F(Fork, ChildrenThatEndByThemselvesDoNoHarm) {

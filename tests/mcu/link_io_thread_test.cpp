@@ -211,7 +211,7 @@ void AwaitGate(int) {
 TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
   constexpr size_t kTimes = 25;
   ASSERT_EQ(pipe(gate), 0);
-  const SignalHandler handler(SIGUSR1, AwaitGate);
+  HandleSignal(SIGUSR1, AwaitGate);
   PausedLink link;
   std::atomic<size_t> taken{0};
   std::thread caller([&taken] {

@@ -1,4 +1,4 @@
-// The link from open to close, with an MCU at the far end.
+// The link from open to close, and transactions on it, with an MCU at the far end.
 #include "mcu/link.h"
 
 #include <fcntl.h>
@@ -11,8 +11,10 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <future>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -22,6 +24,7 @@
 
 namespace {
 
+using rolu_sim::CommandMatch;
 using rolu_sim::McuSerial;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
@@ -237,7 +240,7 @@ TEST(LinkClose, EndsOnADeadPort) {
 }
 
 TEST_F(LinkTest, SignalStormDisturbsNoTransaction) {
-  const SignalHandler handler(SIGUSR1);
+  HandleSignal(SIGUSR1);
   std::atomic<bool> storming{true};
   const pthread_t caller = pthread_self();
   std::thread storm([&] {
@@ -258,7 +261,7 @@ TEST_F(LinkTest, SignalStormDisturbsNoTransaction) {
 // Every thread but the library's has the signal blocked: if that one did not, the signal would be
 // handled there.
 TEST_F(LinkTest, SignalsAreNotHandledOnTheIoThread) {
-  const SignalHandler handler(SIGUSR1);
+  HandleSignal(SIGUSR1);
   sigset_t usr1;
   sigemptyset(&usr1);
   sigaddset(&usr1, SIGUSR1);
@@ -268,6 +271,53 @@ TEST_F(LinkTest, SignalsAreNotHandledOnTheIoThread) {
   EXPECT_EQ(signals_handled, 0);
   pthread_sigmask(SIG_UNBLOCK, &usr1, nullptr);
   EXPECT_EQ(signals_handled, 1);
+}
+
+class Transaction : public LinkTest {
+ protected:
+  const std::unique_ptr<ErrorReplyEntry[], decltype(&free)> table{NewErrorTable(), free};
+  char reply[kLineCapacity] = "untouched";
+};
+
+TEST_F(Transaction, CutsTheReplyToTheCallersBuffer) {
+  const std::string longest = std::string(62, 'a') + 'z';
+  const struct {
+    int size;
+    std::string text;
+  } rows[] = {{64, longest}, {63, longest.substr(0, 62)}, {32, longest.substr(0, 31)}, {2, "a"}, {1, ""}};
+  for (const auto& row : rows) {
+    memset(reply, '#', sizeof reply);
+    mcu.Script(CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Line(longest));
+    EXPECT_EQ(RunTransaction(table.get(), "MCVG\r", 5, reply, row.size, 0), ROLU_STATUS_SUCCESS) << row.size;
+    EXPECT_STREQ(reply, row.text.c_str());
+    if (row.size < 64) {
+      EXPECT_EQ(reply[row.size], '#') << row.size;
+    }
+  }
+}
+
+TEST_F(Transaction, WhatCannotBeQueuedIsNotSent) {
+  EXPECT_EQ(RunTransaction(table.get(), nullptr, 0, reply, sizeof reply, 0), ROLU_STATUS_VPM_SEND_FAILED);
+  EXPECT_EQ(RunTransaction(table.get(), "MCVG\r", 5, nullptr, 0, 0), ROLU_STATUS_VPM_SEND_FAILED);
+  const std::string too_long(512, 'x');
+  EXPECT_EQ(RunTransaction(table.get(), too_long.c_str(), 512, reply, sizeof reply, 0),
+            ROLU_STATUS_VPM_SEND_FAILED);
+  EXPECT_STREQ(reply, "untouched");
+  EXPECT_EQ(Ask("Hello"), "OK");
+  EXPECT_THAT(mcu.CommandsReceived(), testing::ElementsAre("Hello"));
+}
+
+// A line that is never quiet, as the paused link's, lets no command leave.
+TEST(TransactionThatGaveUp, TakesItsCommandBack) {
+  PausedLink link;
+  EXPECT_EQ(Ask("ATPO"), "status " + std::to_string(ROLU_STATUS_VPM_NO_REPLY));
+  link.Resume();
+  std::thread answer([&link] {
+    EXPECT_EQ(link.Receive(5), "WDTG\r");
+    link.Send("012C\r");
+  });
+  EXPECT_EQ(Ask("WDTG"), "012C");
+  answer.join();
 }
 
 }  // namespace

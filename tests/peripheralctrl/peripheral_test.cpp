@@ -53,7 +53,7 @@ echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'
 )";
 
 TEST_F(PeripheralTest, SignalsDoNotCutTheWirelessQueryShort) {
-  const SignalHandler handler(SIGUSR1);
+  HandleSignal(SIGUSR1);
   std::string script = kInterruptingIfconfig;
   script.replace(script.find("%PID%"), 5, std::to_string(getpid()));
   std::ofstream(board().root().CommandDirectory() + "/ifconfig") << script;

@@ -18,12 +18,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-rolu_sim::DeviceFaults Missing() {
-  rolu_sim::DeviceFaults faults;
-  faults.missing = true;
-  return faults;
-}
-
 TEST_F(RoluTest, StatusAsJsonHasEveryListedSettingWithItsUnit) {
   board.gpio().SetInput(36, true);
   EXPECT_EQ(Rolu("pins prepare").status, 0);
@@ -47,7 +41,7 @@ TEST_F(RoluTest, StatusAsJsonHasEveryListedSettingWithItsUnit) {
 
 TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
   board.mcu().Script(CommandMatch::Exactly("WKSG"), Reply::Line("22"), kEveryTime);
-  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   const Ended status = Rolu("status");
   EXPECT_EQ(status.status, 1);
   EXPECT_THAT(status.out,
@@ -200,7 +194,7 @@ TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
   EXPECT_LE(found["latency"]["median_ms"], found["latency"]["p99_ms"]);
   EXPECT_EQ(found["firmware"], Rolu("get -n mcu.firmware --json").Json()["mcu.firmware"]["value"]);
 
-  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   board.mcu().Script(CommandMatch::Exactly("ATF1"), Reply::Silence());
   doctor = Rolu("doctor");
   EXPECT_EQ(doctor.status, 1);

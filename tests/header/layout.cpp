@@ -1,1 +1,0 @@
-#include "tests/header/layout_rows.h"

@@ -18,9 +18,8 @@ std::vector<std::string> RoluCommand(const std::vector<std::string>& arguments);
 // The rolu command as a process of its own.
 class RoluProcess : public Process {
  public:
-  explicit RoluProcess(const std::vector<std::string>& arguments, const std::string& input = "")
-      : Process(RoluCommand(arguments), input) {}
-  RoluProcess(const std::vector<std::string>& arguments, int input)
+  template <typename Input = std::string>
+  explicit RoluProcess(const std::vector<std::string>& arguments, const Input& input = {})
       : Process(RoluCommand(arguments), input) {}
 };
 

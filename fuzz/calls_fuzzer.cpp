@@ -34,7 +34,7 @@ struct Operation {
   const CallRow* row;
 };
 
-// All, with the silent ways down.
+// All operations, and the calls that take a family down without a command.
 std::vector<Operation> AllOperations() {
   std::vector<Operation> operations;
   for (size_t i = 0; i < rolu_test::McuFamilies().size(); ++i) {

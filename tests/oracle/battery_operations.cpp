@@ -121,11 +121,6 @@ const std::vector<CallRow>& CarBatteryOperations() {
 }
 
 const std::vector<CallRow>& BackupBatteryOperations() {
-  // The call writes only the flags that are set: none here.
-  CallRow information = Reads(Gives("VPM_GetBackupBatteryInfo", Into(KAVO_ROLU_VPM_GetBackupBatteryInfo),
-                                    {"1F", "0000000000000000"}, Written(31), "B09\rB05\r"),
-                              {UsualReading<int>(), BackupFlags});
-  information.first_output = information.output;
   static const std::vector<CallRow> operations = {
       Reads(Gives("VPM_GetBackupBatteryVoltage", Into(KAVO_ROLU_VPM_GetBackupBatteryVoltage), {"1068"},
                   Written(4.2F), "B04\r"),
@@ -140,7 +135,9 @@ const std::vector<CallRow>& BackupBatteryOperations() {
       Asks("VPM_GetBackupBatteryRemainingTime", KAVO_ROLU_VPM_GetBackupBatteryRemainingTime, "FFFF", 65535,
            "B11\r"),
       Asks("VPM_GetBackupBatteryTimeToFull", KAVO_ROLU_VPM_GetBackupBatteryTimeToFull, "3C", 60, "B12\r"),
-      information,
+      Reads(Gives("VPM_GetBackupBatteryInfo", Into(KAVO_ROLU_VPM_GetBackupBatteryInfo),
+                  {"1F", "0000000000000000"}, Written(31), "B09\rB05\r"),
+            {UsualReading<int>(), BackupFlags}),
   };
   return operations;
 }

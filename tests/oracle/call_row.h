@@ -55,10 +55,8 @@ struct CallRow {
   std::vector<Reading> readings = {};
   // The status for a line that is none of the operation's answers, where it can tell.
   ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS;
-  // Those of its commands, from 0 on, whose failure does not matter to it.
+  // The numbers of its commands, from 0 on, whose failure does not matter to it.
   std::vector<size_t> indifferent = {};
-  // The call has written this when a command after the first fails.
-  Bytes first_output = {};
   // The call brings its family up, which has to be down before it.
   bool brings_up = false;
   // Made after each success, where the call would not say the same to the MCU once more. Not after a

@@ -31,7 +31,7 @@ const CallRow& RowNamed(const std::string& name) {
   throw std::out_of_range(name);
 }
 
-TEST(Protocol, knows_each_command_that_the_library_sends_and_no_other) {
+TEST(Protocol, KnowsEachCommandThatTheLibrarySendsAndNoOther) {
   std::set<std::string_view> sent;
   for (const Operation& operation : AllOperations()) {
     const CallRow& row = *operation.row;
@@ -57,7 +57,7 @@ TEST(Protocol, knows_each_command_that_the_library_sends_and_no_other) {
 }
 
 // What the library sends suits the simulated MCU, whose answers suit the table and its words.
-TEST(Protocol, is_what_the_simulated_mcu_speaks) {
+TEST(Protocol, IsWhatTheSimulatedMcuSpeaks) {
   std::set<std::string_view> asked;
   for (const Operation& operation : AllOperations()) {
     rolu_sim::McuModel mcu;
@@ -78,7 +78,7 @@ TEST(Protocol, is_what_the_simulated_mcu_speaks) {
   EXPECT_EQ(asked.size(), std::size(kCommands));
 }
 
-TEST(Protocol, refuses_fields_that_stand_for_nothing) {
+TEST(Protocol, RefusesFieldsThatStandForNothing) {
   for (const char* const line : {"WDTS012", "WDTS012C0", "WDTS012c", "WDTS-12C", "MCVU4", "MCUG5", "MCUG8",
                                  "MSSS2", "MCS11", "MCS01234", "WKMS1", "WKMS011", "WKMS27", "WKMS-11",
                                  "ARGI02", "MCBS01", "MCPS3202EB", "RTAS00000", "WDTR1"}) {
@@ -91,7 +91,7 @@ TEST(Protocol, refuses_fields_that_stand_for_nothing) {
   }
 }
 
-TEST(Protocol, splits_fields_whose_width_the_line_tells) {
+TEST(Protocol, SplitsFieldsWhoseWidthTheLineTells) {
   const auto fields = [](const char* line) {
     return *rolu_protocol::ParseCommandFields(line, *rolu_protocol::FindCommand(line));
   };
@@ -101,11 +101,11 @@ TEST(Protocol, splits_fields_whose_width_the_line_tells) {
   EXPECT_EQ(fields("MCPS3102EB")[2].number, 747U);
 }
 
-TEST(Protocol, has_the_error_replies_of_the_library) {
+TEST(Protocol, HasTheErrorRepliesOfTheLibrary) {
   EXPECT_THAT(rolu_protocol::kErrorReplies, testing::ElementsAreArray(kErrorReplies));
 }
 
-TEST(Protocol, has_the_wakeup_codes_of_the_library) {
+TEST(Protocol, HasTheWakeupCodesOfTheLibrary) {
   const CallRow& row = RowNamed("VPM_GetLastWakeupSource");
   for (unsigned int code = 0; code < 256; ++code) {
     char text[3];
@@ -121,7 +121,7 @@ TEST(Protocol, has_the_wakeup_codes_of_the_library) {
   }
 }
 
-TEST(Protocol, reads_and_writes_the_alarm_as_the_library_does) {
+TEST(Protocol, ReadsAndWritesTheAlarmAsTheLibraryDoes) {
   const CallRow& row = RowNamed("VPM_GetAlarmTime");
   for (const unsigned int number : {0x000000U, 0x000001U, 0x00E101U, 0x01E101U, 0xA0CB0DU, 0xA14B9BU}) {
     char text[7];
@@ -137,7 +137,7 @@ TEST(Protocol, reads_and_writes_the_alarm_as_the_library_does) {
   }
 }
 
-TEST(Protocol, has_the_scales_of_the_library) {
+TEST(Protocol, HasTheScalesOfTheLibrary) {
   EXPECT_EQ(static_cast<float>(rolu_protocol::kBatterySystems[0].volts_per_unit), k24V);
   EXPECT_EQ(static_cast<float>(rolu_protocol::kBatterySystems[1].volts_per_unit), k12V);
   for (const rolu_protocol::BatterySystem& system : rolu_protocol::kBatterySystems) {

@@ -30,11 +30,15 @@ inline std::string Ask(const std::string& question, int post_delay_ms = 0) {
 
 // The two halves of it.
 inline bool Queue(const std::string& bytes, int awaited_lines = 0) {
-  return send_vpm_command(bytes.data(), static_cast<int>(bytes.size()), awaited_lines) == 0;
+  const int result = send_vpm_command(bytes.data(), static_cast<int>(bytes.size()), awaited_lines);
+  EXPECT_TRUE(result == 0 || result == -2) << result;
+  return result == 0;
 }
 inline std::string TakeReply(unsigned long wait_ms) {
   char reply[kLineCapacity] = {};
-  return read_vpm_response(reply, wait_ms) == 0 ? reply : "none";
+  const int result = read_vpm_response(reply, wait_ms);
+  EXPECT_TRUE(result == 0 || result == -1) << result;
+  return result == 0 ? reply : "none";
 }
 
 // An MCU, and the link to it.

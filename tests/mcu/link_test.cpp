@@ -297,6 +297,7 @@ TEST_F(Transaction, CutsTheReplyToTheCallersBuffer) {
 }
 
 TEST_F(Transaction, WhatCannotBeQueuedIsNotSent) {
+  EXPECT_EQ(send_vpm_command("x", -1), -2);
   EXPECT_EQ(RunTransaction(table.get(), nullptr, 0, reply, sizeof reply, 0), ROLU_STATUS_VPM_SEND_FAILED);
   EXPECT_EQ(RunTransaction(table.get(), "MCVG\r", 5, nullptr, 0, 0), ROLU_STATUS_VPM_SEND_FAILED);
   const std::string too_long(512, 'x');

@@ -21,7 +21,6 @@ namespace {
 using rolu_fuzz::FailIf;
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
-using rolu_sim::CommandMatch;
 using rolu_sim::Reply;
 using rolu_test::CallRow;
 using rolu_test::Made;

@@ -147,6 +147,17 @@ TEST(BrokenLine, WriteGoesOnWhereAShortOneStopped) {
   close(ends[1]);
 }
 
+TEST(TransmitQueue, Holds511Bytes) {
+  const PausedLink link;
+  const std::string first(300, 'a');
+  const std::string second(211, 'b');
+  EXPECT_TRUE(Queue(first));
+  EXPECT_FALSE(Queue(second + 'b'));
+  EXPECT_TRUE(Queue(second));
+  EXPECT_THAT(ReadLines(), testing::IsEmpty());
+  EXPECT_EQ(link.Receive(511), first + second);
+}
+
 TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   PausedLink link;
   ASSERT_TRUE(Queue("RTCS\r", 2));

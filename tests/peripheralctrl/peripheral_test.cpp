@@ -46,17 +46,12 @@ TEST_F(PeripheralTest, WirelessInterfaceIsSwitchedByTheSystem) {
        Is("down", PERIPHERAL_TYPE_WLAN, 0)});
 }
 
-// Sends signals to a process while it waits for the output.
-constexpr char kInterruptingIfconfig[] = R"(#!/bin/sh
-for i in 1 2 3 4 5; do kill -USR1 %PID%; sleep 0.02; done
-echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'
-)";
-
 TEST_F(PeripheralTest, SignalsDoNotCutTheWirelessQueryShort) {
   HandleSignal(SIGUSR1);
-  std::string script = kInterruptingIfconfig;
-  script.replace(script.find("%PID%"), 5, std::to_string(getpid()));
-  std::ofstream(board().root().CommandDirectory() + "/ifconfig") << script;
+  // The command sends them while the library waits for its output.
+  std::ofstream(board().root().CommandDirectory() + "/ifconfig")
+      << "#!/bin/sh\nfor i in 1 2 3 4 5; do kill -USR1 " << getpid() << "; sleep 0.02; done\n"
+      << "echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'\n";
   BringUp();
   Run({Is("up", PERIPHERAL_TYPE_WLAN, 1)});
   EXPECT_GT(signals_handled, 0);

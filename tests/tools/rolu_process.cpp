@@ -1,6 +1,6 @@
 #include "tests/tools/rolu_process.h"
 
-#include <sstream>
+#include <regex>
 
 namespace rolu_test {
 namespace {
@@ -9,12 +9,7 @@ namespace {
 // the board's object.
 std::string WithoutEmulationNoise(const std::string& text) {
   if (Words(ROLU_EMULATOR).empty()) return text;
-  std::istringstream lines(text);
-  std::string rest;
-  for (std::string line; std::getline(lines, line);) {
-    if (!line.starts_with("ERROR: ld.so: ")) rest += line + '\n';
-  }
-  return rest;
+  return std::regex_replace(text, std::regex("ERROR: ld\\.so: [^\n]*\n"), "");
 }
 
 }  // namespace

@@ -55,6 +55,8 @@ TEST(Link, OpeningForgetsWhatTheLastPortSent) {
     char line[kLineCapacity];
     unsigned long length = 0;
     ASSERT_TRUE(VPMRead(line, &length, 1));
+    const ScopedLock lock(*io_op_lock);
+    last_command_valid = true;
   }
   const McuSerial mcu;
   ASSERT_TRUE(OpenLink(mcu.DevicePath()));

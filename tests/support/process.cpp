@@ -130,8 +130,7 @@ int Process::Wait() {
 }
 
 Ended Process::WaitForAll() {
-  const int status = Wait();
-  return {status, out_, err_};
+  return {Wait(), out_, err_};
 }
 
 std::vector<std::string> Words(const std::string& command_line) {
@@ -155,10 +154,6 @@ TemporaryDirectory::~TemporaryDirectory() {
 std::string TemporaryDirectory::Write(const std::string& name, const std::string& text) const {
   WriteFile(File(name), text);
   return File(name);
-}
-
-std::string TemporaryDirectory::Read(const std::string& name) const {
-  return ReadFile(File(name));
 }
 
 std::vector<std::string> TemporaryDirectory::Names() const {

@@ -12,7 +12,7 @@ namespace rolu_sim {
 // what its permissions do not have it answers EACCES.
 class Attribute : public Device {
  public:
-  NodeStat Stat() const final { return {NodeKind::kAttribute, permissions_}; }
+  std::uint32_t Mode() const final { return S_IFREG | permissions_; }
   DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) final;
 
  protected:

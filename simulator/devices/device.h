@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
@@ -17,14 +19,6 @@ struct OpenFlags {
   bool write = false;
   bool truncate = false;
   bool append = false;
-};
-
-enum class NodeKind : std::uint32_t { kCharacterDevice, kAttribute };
-
-// A node's stat: its kind and permission bits.
-struct NodeStat {
-  NodeKind kind = NodeKind::kAttribute;
-  std::uint32_t permissions = 0644;
 };
 
 // One open descriptor of a device; destroyed when the descriptor is closed.
@@ -46,7 +40,8 @@ class OpenDevice {
 class Device {
  public:
   virtual ~Device() = default;
-  virtual NodeStat Stat() const = 0;
+  // What stat tells: kind and permissions.
+  virtual std::uint32_t Mode() const { return S_IFREG | 0644; }
   virtual DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) = 0;
 };
 

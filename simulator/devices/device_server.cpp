@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/un.h>
+#include <sys/utsname.h>
 
 #include <algorithm>
 #include <array>
@@ -42,10 +43,13 @@ UniqueFd Listen(const std::string& path) {
   return listener;
 }
 
-void Describe(const NodeStat& stat, std::uint64_t inode, DeviceMessage& answer) {
-  answer.argument = static_cast<std::uint64_t>(stat.kind);
-  answer.request = stat.permissions;
-  answer.descriptor = inode;
+// A utsname as bytes.
+std::string NamesOf(const KernelIdentity& kernel) {
+  utsname names{};
+  kernel.machine.copy(names.machine, sizeof names.machine - 1);
+  kernel.release.copy(names.release, sizeof names.release - 1);
+  kernel.version.copy(names.version, sizeof names.version - 1);
+  return {reinterpret_cast<const char*>(&names), sizeof names};
 }
 
 }  // namespace
@@ -187,7 +191,7 @@ bool DeviceServer::ServeCaller(UniqueFd& caller) {
   message.msg_iovlen = parts.size();
   // The program waits for this answer and has nothing else in its buffer: it cannot block.
   sendmsg(caller.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
-  if (request.operation == static_cast<std::uint32_t>(DeviceRequest::kOpen) && answer.result == 0) {
+  if (request.operation == DeviceRequest::kOpen && answer.result == 0) {
     shutdown(caller.get(), SHUT_WR);
     descriptors_[request.descriptor].socket = std::move(caller);
   }
@@ -197,14 +201,14 @@ bool DeviceServer::ServeCaller(UniqueFd& caller) {
 DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::string& payload,
                                    std::string& answer_payload) {
   DeviceMessage answer{};
-  switch (static_cast<DeviceRequest>(request.operation)) {
+  switch (request.operation) {
     case DeviceRequest::kOpen:
       answer.result = Open(request.descriptor, payload, request.argument);
       break;
     case DeviceRequest::kSettle:
       break;
     case DeviceRequest::kStat:
-      answer.result = Stat(payload, answer);
+      answer.result = Stat(request.descriptor, payload, answer);
       break;
     case DeviceRequest::kShow:
       answer.result = Show(payload);
@@ -213,9 +217,7 @@ DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::stri
       on_serial_open_();
       break;
     case DeviceRequest::kUname:
-      for (const std::string& name : {kernel_.machine, kernel_.release, kernel_.version}) {
-        answer_payload.append(name).push_back('\0');
-      }
+      answer_payload = NamesOf(kernel_);
       break;
     default:
       if (const auto found = descriptors_.find(request.descriptor); found != descriptors_.end()) {
@@ -232,7 +234,7 @@ DeviceMessage DeviceServer::Answer(const DeviceMessage& request, const std::stri
 DeviceMessage DeviceServer::AnswerFor(Descriptor& descriptor, const DeviceMessage& request,
                                       const std::string& payload, std::string& answer_payload) {
   DeviceMessage answer{};
-  switch (static_cast<DeviceRequest>(request.operation)) {
+  switch (request.operation) {
     case DeviceRequest::kRead:
       answer.result = Read(descriptor, request, answer_payload);
       break;
@@ -246,9 +248,6 @@ DeviceMessage DeviceServer::AnswerFor(Descriptor& descriptor, const DeviceMessag
       break;
     case DeviceRequest::kIoctl:
       answer.result = Ioctl(descriptor, request.request, request.argument);
-      break;
-    case DeviceRequest::kStatDescriptor:
-      Describe(descriptor.node.device->Stat(), descriptor.node.inode, answer);
       break;
     default:
       answer.result = -EINVAL;
@@ -322,10 +321,13 @@ void DeviceServer::Close(const Descriptor& descriptor) {
   Record({std::chrono::steady_clock::now(), descriptor.path, DeviceOperation::kClose, {}, 0, 0, 0});
 }
 
-DeviceResult DeviceServer::Stat(const std::string& path, DeviceMessage& answer) const {
-  if (!IsThere(path)) return -ENOENT;
-  const Node node = FindNode(path);
-  Describe(node.device->Stat(), node.inode, answer);
+DeviceResult DeviceServer::Stat(std::uint64_t id, const std::string& path, DeviceMessage& answer) const {
+  const auto descriptor = descriptors_.find(id);
+  if (id != 0 && descriptor == descriptors_.end()) return -EIO;
+  if (id == 0 && !IsThere(path)) return -ENOENT;
+  const Node node = id == 0 ? FindNode(path) : descriptor->second.node;
+  answer.request = node.device->Mode();
+  answer.descriptor = node.inode;
   return 0;
 }
 

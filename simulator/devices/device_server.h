@@ -110,7 +110,8 @@ class DeviceServer {
   DeviceResult Write(Descriptor& descriptor, const std::string& bytes, std::uint64_t offset);
   DeviceResult Ioctl(Descriptor& descriptor, std::uint32_t request, std::uint64_t argument);
   void Close(const Descriptor& descriptor);
-  DeviceResult Stat(const std::string& path, DeviceMessage& answer) const;
+  // Of a descriptor, or of a path when `id` is 0.
+  DeviceResult Stat(std::uint64_t id, const std::string& path, DeviceMessage& answer) const;
   DeviceResult Show(const std::string& path) const;
 
   bool IsThere(const std::string& path) const;

@@ -97,10 +97,6 @@ void I2cBus::ClearTransfers() {
   transfers_.clear();
 }
 
-NodeStat I2cBus::Stat() const {
-  return {NodeKind::kCharacterDevice, 0660};
-}
-
 DeviceResult I2cBus::Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice>& opened) {
   opened = std::make_unique<Descriptor>(*this);
   return 0;

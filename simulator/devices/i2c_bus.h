@@ -83,7 +83,7 @@ class I2cBus : public Device {
   std::vector<I2cTransfer> Transfers() const;
   void ClearTransfers();
 
-  NodeStat Stat() const override;
+  std::uint32_t Mode() const override { return S_IFCHR | 0660; }
   DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) override;
 
  private:

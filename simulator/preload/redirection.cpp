@@ -14,8 +14,6 @@
 namespace rolu_sim {
 namespace {
 
-NextCall<ssize_t (*)(const char*, char*, size_t)> next_readlink("readlink");
-
 bool StartsWith(const char* path, const char* start) {
   return strncmp(path, start, strlen(start)) == 0;
 }
@@ -43,7 +41,7 @@ const char* BoardDirectoryAt(int directory, char (&link)[PATH_MAX]) {
   char name[32] = "/proc/self/cwd";
   if (directory != AT_FDCWD) snprintf(name, sizeof name, "/proc/self/fd/%d", directory);
   const int error = errno;
-  const ssize_t length = next_readlink.get()(name, link, sizeof link - 1);
+  const ssize_t length = Next<readlink>("readlink")(name, link, sizeof link - 1);
   errno = error;
   if (length < 0) return nullptr;
   link[length] = '\0';
@@ -106,8 +104,7 @@ const char* Place::SystemPath() {
       in_root_ = PathInRoot(kSerialLinkName);
       break;
     default:
-      DeviceMessage answer{};
-      if (AskBoard(DeviceRequest::kShow, board_path_, answer, nullptr, 0) < 0) return nullptr;
+      if (AskBoard(DeviceRequest::kShow, board_path_, nullptr, 0) < 0) return nullptr;
       in_root_ = PathInRoot(kShownDirectory, board_path_);
   }
   return in_root_.get();

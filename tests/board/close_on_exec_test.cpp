@@ -48,7 +48,6 @@ bool IsNothingInherited(const Descriptors& before) {
 // A device that looks at the process while the library has it open.
 class LookingDevice : public rolu_sim::Device {
  public:
-  rolu_sim::NodeStat Stat() const override { return {}; }
   rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
                               std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
     opened = std::make_unique<Descriptor>(*this);

@@ -16,7 +16,6 @@ namespace rolu_test {
 class TextNode : public rolu_sim::Device {
  public:
   explicit TextNode(std::string text, int end_errno = 0) : text_(std::move(text)), end_errno_(end_errno) {}
-  rolu_sim::NodeStat Stat() const override { return {}; }
   rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
                               std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
     opened = std::make_unique<Descriptor>(text_, end_errno_);

@@ -11,7 +11,8 @@
 #include <thread>
 #include <utility>
 
-#include "simulator/control/control_socket.h"
+#include "simulator/desk/control_socket.h"
+#include "simulator/socket_server.h"
 
 namespace rolu_sim {
 

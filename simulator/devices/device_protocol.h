@@ -22,10 +22,11 @@ enum class DeviceRequest : std::uint32_t {
   kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
   kIoctl,   // descriptor; request and argument
   kSettle,  // answered once all that came before is done, also what no request tells: closes
-  kStat,    // descriptor; or 0 and payload: path. Answer: request is the mode, descriptor the inode
-  kShow,    // payload: path of a directory or node. It is there below the board root when answered
-  kSerialOpens,  // a program is about to open the serial port
-  kUname,        // answer: payload is a utsname, which is the same to every program
+  kStat,    // payload: path. Answer: request is the mode, descriptor the inode
+  kStatDescriptor,  // descriptor. Answer as that of kStat
+  kShow,            // payload: path of a directory or node. It is there below the board root when answered
+  kSerialOpens,     // a program is about to open the serial port
+  kUname,           // answer: payload is a utsname, which is the same to every program
 };
 
 // Open flags by our own numbers: those of O_NOFOLLOW and others differ between processors.

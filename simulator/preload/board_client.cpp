@@ -170,7 +170,8 @@ int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size
 }
 
 int AskNode(DeviceId device, const char* path, DeviceMessage& answer) {
-  answer = {.operation = DeviceRequest::kStat, .descriptor = device};
+  answer = {.operation = device == 0 ? DeviceRequest::kStat : DeviceRequest::kStatDescriptor,
+            .descriptor = device};
   return device == 0 ? Call(answer, Payload(path, strlen(path)), kNothing) : CallDevice(answer);
 }
 

@@ -9,7 +9,7 @@
 #include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "simulator/control/control_client.h"
-#include "simulator/control/control_server.h"
+#include "simulator/desk/control_server.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/commands.h"

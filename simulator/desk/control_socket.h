@@ -1,9 +1,6 @@
 #pragma once
 
-#include <chrono>
 #include <string>
-
-#include "simulator/unique_fd.h"
 
 namespace rolu_sim {
 
@@ -15,12 +12,8 @@ namespace rolu_sim {
 //   "play"  {"name": ..., "text": ...}, a scenario    answer: {"ok": true}
 //   "stop"  true: the board goes down           answer: {"ok": true}
 // What cannot be done is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.
-std::string ControlSocketPath(const std::string& board_directory);
-
-// Throws std::system_error.
-UniqueFd ListenAt(const std::string& socket_path);
-
-// No descriptor when nobody listens there.
-UniqueFd ConnectTo(const std::string& socket_path);
+inline std::string ControlSocketPath(const std::string& board_directory) {
+  return board_directory + "/control";
+}
 
 }  // namespace rolu_sim

@@ -4,9 +4,8 @@
 #include <string>
 
 #include "simulator/board_root.h"
-#include "simulator/devices/attribute.h"
-#include "simulator/devices/backlight.h"
 #include "simulator/devices/board_paths.h"
+#include "simulator/devices/device.h"
 #include "simulator/devices/device_server.h"
 #include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"

@@ -1,30 +1,26 @@
 #include "simulator/control/board_files.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
+#include "protocol/values.h"
 #include "simulator/devices/board_paths.h"
+#include "simulator/devices/gpio.h"
 
 namespace rolu_sim {
 namespace {
 
-// "/sys/class/gpio/gpio37/value" is gpio37-value, the export attribute gpio-export.
-std::string NameOf(const std::string& path) {
-  if (path == kI2cBusPath) return "i2c";
-  if (path == kBacklightPath) return "backlight";
-  if (path == kLuxPath) return "lux";
-  constexpr std::string_view kClass = "/sys/class/gpio/";
-  std::string name = path.substr(kClass.size());
-  if (name == "export") return "gpio-export";
-  std::replace(name.begin(), name.end(), '/', '-');
-  return name;
-}
-
 const std::vector<std::pair<std::string, std::string>>& Files() {
   static const std::vector<std::pair<std::string, std::string>> files = [] {
-    std::vector<std::pair<std::string, std::string>> all = {{"serial", kSerialPath}};
-    for (const char* const path : kDevicePaths) all.emplace_back(NameOf(path), path);
+    std::vector<std::pair<std::string, std::string>> all = {
+        {"serial", kSerialPath}, {"i2c", kI2cBusPath}, {"gpio-export", kGpioExportPath}};
+    for (const int line : rolu_protocol::kGpioLines) {
+      for (const char* const attribute : kGpioAttributes)
+        all.emplace_back(fmt::format("gpio{}-{}", line, attribute), GpioPath(line, attribute));
+    }
+    all.insert(all.end(), {{"backlight", kBacklightPath}, {"lux", kLuxPath}});
     return all;
   }();
   return files;

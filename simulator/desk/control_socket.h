@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "simulator/devices/board_paths.h"
+
 namespace rolu_sim {
 
 // The socket of a board through which it is steered, in the board's directory. Both sides send lines
@@ -13,7 +15,7 @@ namespace rolu_sim {
 //   "stop"  true: the board goes down           answer: {"ok": true}
 // What cannot be done is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.
 inline std::string ControlSocketPath(const std::string& board_directory) {
-  return board_directory + "/control";
+  return board_directory + kControlSocketName;
 }
 
 }  // namespace rolu_sim

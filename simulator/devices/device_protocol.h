@@ -16,7 +16,7 @@ namespace rolu_sim {
 //
 // All widths are fixed: a 32-bit program talks to a 64-bit board.
 enum class DeviceRequest : std::uint32_t {
-  kOpen,    // payload: path; descriptor: the new one; argument: OpenBits
+  kOpen,    // payload: path; descriptor: the new one; request: O_RDONLY, O_WRONLY or O_RDWR
   kRead,    // descriptor; length: bytes wanted; argument: offset. Answer: result and payload
   kWrite,   // descriptor; payload: bytes; argument: offset
   kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
@@ -28,9 +28,6 @@ enum class DeviceRequest : std::uint32_t {
   kSerialOpens,     // a program is about to open the serial port
   kUname,           // answer: payload is a utsname, which is the same to every program
 };
-
-// Open flags by our own numbers: those of O_NOFOLLOW and others differ between processors.
-enum OpenBits : std::uint64_t { kOpenRead = 1, kOpenWrite = 2, kOpenTruncate = 4, kOpenAppend = 8 };
 
 // The offset of reads and writes that go on where the last one ended.
 inline constexpr std::uint64_t kAtPosition = UINT64_MAX;

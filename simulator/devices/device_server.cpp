@@ -1,5 +1,6 @@
 #include "simulator/devices/device_server.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <sys/utsname.h>
@@ -12,11 +13,6 @@
 
 namespace rolu_sim {
 namespace {
-
-OpenFlags FlagsOf(std::uint64_t bits) {
-  return {(bits & kOpenRead) != 0, (bits & kOpenWrite) != 0, (bits & kOpenTruncate) != 0,
-          (bits & kOpenAppend) != 0};
-}
 
 // A utsname as bytes.
 std::string NamesOf(const KernelIdentity& kernel) {
@@ -226,7 +222,7 @@ DeviceMessage DeviceServer::AnswerFor(Connection& descriptor, const DeviceMessag
 
 DeviceResult DeviceServer::Open(Connection& caller, const DeviceMessage& request, const std::string& path) {
   const Node node = NodeAt(path);
-  const OpenFlags flags = FlagsOf(request.argument);
+  const OpenFlags flags = {request.request != O_WRONLY, request.request != O_RDONLY};
   DeviceResult result = 0;
   if (!node.IsThere()) {
     result = -ENOENT;
@@ -243,7 +239,7 @@ DeviceResult DeviceServer::Open(Connection& caller, const DeviceMessage& request
     const std::lock_guard<std::mutex> lock(mutex_);
     ++nodes_[path].open_count;
   }
-  Record(path, DeviceOperation::kOpen, result, {}, 0, request.argument);
+  Record(path, DeviceOperation::kOpen, result);
   return result;
 }
 

@@ -1,12 +1,12 @@
 #include "simulator/devices/gpio.h"
 
+#include <fmt/format.h>
+
 #include <atomic>
 #include <limits>
-#include <string>
 #include <utility>
 
 #include "protocol/values.h"
-#include "simulator/devices/attribute.h"
 #include "simulator/devices/board_paths.h"
 
 namespace rolu_sim {
@@ -73,9 +73,8 @@ class Export : public Attribute {
     if (found == lines_.end()) return -EINVAL;
     const auto& [number, line] = *found;
     if (line->exported.exchange(true)) return -EBUSY;
-    const std::string directory = "/sys/class/gpio/gpio" + std::to_string(number);
-    server_.AddNode(directory + "/direction", std::make_shared<Direction>(line));
-    server_.AddNode(directory + "/value", std::make_shared<Value>(line));
+    server_.AddNode(GpioPath(number, "direction"), std::make_shared<Direction>(line));
+    server_.AddNode(GpioPath(number, "value"), std::make_shared<Value>(line));
     return 0;
   }
 
@@ -84,6 +83,10 @@ class Export : public Attribute {
 };
 
 }  // namespace
+
+std::string GpioPath(int line, std::string_view attribute) {
+  return fmt::format("{}/gpio{}/{}", kGpioDirectory, line, attribute);
+}
 
 Gpio::Gpio(DeviceServer& server) {
   for (const int number : rolu_protocol::kGpioLines) lines_[number] = std::make_shared<Line>();

@@ -99,16 +99,6 @@ void Tell(DeviceRequest what) {
   errno = error;
 }
 
-uint64_t OpenBitsOf(int flags) {
-  const int mode = flags & O_ACCMODE;
-  uint64_t bits = 0;
-  if (mode != O_WRONLY) bits |= kOpenRead;
-  if (mode != O_RDONLY) bits |= kOpenWrite;
-  if ((flags & O_TRUNC) != 0) bits |= kOpenTruncate;
-  if ((flags & O_APPEND) != 0) bits |= kOpenAppend;
-  return bits;
-}
-
 size_t CutToPayload(size_t size) {
   return size < kMaxPayload ? size : kMaxPayload;
 }
@@ -118,9 +108,10 @@ size_t CutToPayload(size_t size) {
 int OpenDeviceNode(const char* path, int flags) {
   const int fd = ConnectToBoard();
   if (fd < 0) return -1;
-  DeviceMessage message{
-      .operation = DeviceRequest::kOpen, .descriptor = SocketInode(fd), .argument = OpenBitsOf(flags)};
-  const DeviceId device = message.descriptor;
+  const DeviceId device = SocketInode(fd);
+  DeviceMessage message{.operation = DeviceRequest::kOpen,
+                        .request = static_cast<uint32_t>(flags & O_ACCMODE),
+                        .descriptor = device};
   if (Converse(fd, message, Payload(path, strlen(path)), kNothing) < 0) {
     CloseKeepingErrno(fd);
     return -1;

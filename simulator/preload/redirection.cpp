@@ -9,7 +9,6 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/next_call.h"
-#include "simulator/preloaded.h"
 
 namespace rolu_sim {
 namespace {
@@ -24,11 +23,21 @@ bool IsWithin(const char* path, const char* directory) {
   return StartsWith(path, directory) && (path[length] == '/' || path[length] == '\0');
 }
 
+// An attribute of a GPIO line that is not there is a node that the board does not find.
+bool IsGpioAttribute(const char* path) {
+  const char* const name = strrchr(path, '/') + 1;
+  for (const char* const attribute : kGpioAttributes) {
+    if (strcmp(name, attribute) == 0) return IsWithin(path, kGpioDirectory);
+  }
+  return false;
+}
+
 Target TargetOf(const char* path) {
   if (strcmp(path, kSerialPath) == 0) return Target::kSerialPort;
-  for (const char* const device : kDevicePaths) {
+  for (const char* const device : {kI2cBusPath, kGpioExportPath, kBacklightPath, kLuxPath}) {
     if (strcmp(path, device) == 0) return Target::kDevice;
   }
+  if (IsGpioAttribute(path)) return Target::kDevice;
   for (const char* const directory : kBoardDirectories) {
     if (IsWithin(path, directory)) return Target::kDirectory;
   }

@@ -5,12 +5,9 @@
 
 #include <filesystem>
 
-#include "simulator/command_path.h"
 #include "simulator/control/parameter.h"
 #include "simulator/installed_files.h"
-#include "simulator/preload_list.h"
 #include "simulator/preloaded.h"
-#include "simulator/system_error.h"
 
 namespace rolu_sim {
 namespace {
@@ -23,18 +20,14 @@ std::string PreloadList() {
 }
 
 std::string CommandDirectoryOf(const std::string& board_directory) {
-  return board_directory + "/bin";
-}
-
-void Set(const char* variable, const std::string& value) {
-  if (setenv(variable, value.c_str(), 1) != 0) ThrowErrno("setting the environment");
+  return board_directory + kCommandDirectoryName;
 }
 
 }  // namespace
 
 void MeetBoard(const std::string& board_directory) {
-  Set(kRootVariable, board_directory);
-  Set(kPreloadVariable, PreloadList());
+  SetEnvironment(kRootVariable, board_directory);
+  SetEnvironment(kPreloadVariable, PreloadList());
   AddCommandDirectory(CommandDirectoryOf(board_directory));
 }
 

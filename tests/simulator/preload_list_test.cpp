@@ -1,4 +1,4 @@
-#include "simulator/preload_list.h"
+#include "simulator/preloaded.h"
 
 #include <gtest/gtest.h>
 

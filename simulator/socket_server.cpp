@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <vector>
 
-#include "simulator/blocked_signals.h"
+#include "simulator/background_thread.h"
 #include "simulator/system_error.h"
 
 namespace rolu_sim {

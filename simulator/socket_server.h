@@ -10,8 +10,8 @@
 #include <thread>
 #include <utility>
 
+#include "simulator/background_thread.h"
 #include "simulator/unique_fd.h"
-#include "simulator/wakeup_event.h"
 
 namespace rolu_sim {
 

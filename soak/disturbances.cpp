@@ -7,7 +7,7 @@
 #include <chrono>
 #include <string>
 
-#include "simulator/blocked_signals.h"
+#include "simulator/background_thread.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {

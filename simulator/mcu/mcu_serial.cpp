@@ -8,7 +8,7 @@
 #include <array>
 #include <cerrno>
 
-#include "simulator/blocked_signals.h"
+#include "simulator/background_thread.h"
 
 namespace rolu_sim {
 namespace {

@@ -14,11 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/background_thread.h"
 #include "simulator/mcu/mcu_model.h"
 #include "simulator/mcu/pseudo_terminal.h"
 #include "simulator/mcu/reply_script.h"
 #include "simulator/mcu/wire_log.h"
-#include "simulator/wakeup_event.h"
 
 namespace rolu_sim {
 

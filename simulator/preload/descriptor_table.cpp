@@ -12,7 +12,6 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
-#include "simulator/preload/standard_streams.h"
 
 namespace rolu_sim {
 namespace {

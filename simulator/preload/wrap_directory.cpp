@@ -1,4 +1,4 @@
-// Looking around: directories, and what a path is made of.
+// Looking around: directories, what a path is made of, and the kernel's names.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -6,10 +6,12 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/types.h>
+#include <sys/utsname.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include "simulator/devices/board_paths.h"
+#include "simulator/preload/board_client.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
 
@@ -119,6 +121,23 @@ ssize_t getxattr(const char* path, const char* name, void* value, size_t size) n
 
 ssize_t lgetxattr(const char* path, const char* name, void* value, size_t size) noexcept {
   return CallAt(Next<lgetxattr>("lgetxattr"), ssize_t{-1}, path, name, value, size);
+}
+
+// The board's while a board is attached.
+int uname(utsname* names) noexcept {
+  const int result = Next<uname>("uname")(names);
+  utsname board{};
+  if (result != 0 || BoardRootPath() == nullptr) return result;
+  if (AskBoard(DeviceRequest::kUname, "", &board, sizeof board) < 0) return result;
+  memcpy(names->machine, board.machine, sizeof names->machine);
+  memcpy(names->release, board.release, sizeof names->release);
+  memcpy(names->version, board.version, sizeof names->version);
+  return result;
+}
+
+// Tells that the object is loaded.
+int rolu_sim_preload_version() {
+  return 1;
 }
 
 }  // extern "C"

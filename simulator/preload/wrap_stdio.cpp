@@ -12,7 +12,6 @@
 #include "simulator/preload/descriptor_table.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
-#include "simulator/preload/standard_streams.h"
 
 namespace rolu_sim {
 namespace {

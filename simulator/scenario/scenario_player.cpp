@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "simulator/blocked_signals.h"
+#include "simulator/background_thread.h"
 
 namespace rolu_sim {
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <system_error>
@@ -17,7 +18,7 @@ class Attribute::Descriptor : public OpenDevice {
   explicit Descriptor(Attribute& attribute) : attribute_(attribute) {}
 
   DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t offset) override {
-    if (!text_ || offset == 0) text_ = attribute_.Show();
+    if (!text_ || offset == 0) text_ = attribute_.show_();
     if (offset < text_->size()) bytes = text_->substr(static_cast<std::size_t>(offset), capacity);
     return static_cast<DeviceResult>(bytes.size());
   }
@@ -26,7 +27,7 @@ class Attribute::Descriptor : public OpenDevice {
     text_.reset();
     std::string_view text = bytes;
     if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
-    const DeviceResult result = attribute_.Store(text);
+    const DeviceResult result = attribute_.store_(text);
     return result < 0 ? result : static_cast<DeviceResult>(bytes.size());
   }
 
@@ -60,21 +61,32 @@ class Attribute::Descriptor : public OpenDevice {
 };
 
 DeviceResult Attribute::Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) {
-  if (flags.read && (permissions_ & 0444U) == 0) return -EACCES;
-  if (flags.write && (permissions_ & 0222U) == 0) return -EACCES;
+  if ((flags.read && !show_) || (flags.write && !store_)) return -EACCES;
   opened = std::make_unique<Descriptor>(*this);
   return 0;
 }
+
+TextAttribute::TextAttribute(std::string text)
+    : Attribute(
+          [this] {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            return text_;
+          },
+          nullptr),
+      text_(std::move(text)) {}
 
 void TextAttribute::SetText(std::string text) {
   const std::lock_guard<std::mutex> lock(mutex_);
   text_ = std::move(text);
 }
 
-std::string TextAttribute::Show() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return text_;
-}
+Backlight::Backlight()
+    : Attribute([this] { return std::to_string(level_) + '\n'; },
+                [this](std::string_view text) {
+                  const int level = ParseKernelNumber(text, kHighestLevel);
+                  if (level >= 0) level_ = level;
+                  return std::min(level, 0);
+                }) {}
 
 int ParseKernelNumber(std::string_view text, int highest) {
   if (text.starts_with('+')) text.remove_prefix(1);

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -54,34 +55,33 @@ class Device {
 // what its permissions do not have it answers EACCES.
 class Attribute : public Device {
  public:
-  std::uint32_t Mode() const final { return S_IFREG | permissions_; }
-  DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) final;
+  using Show = std::function<std::string()>;
+  // 0 or a negative errno. `text` comes without the line end that it may have been written with.
+  using Store = std::function<DeviceResult(std::string_view text)>;
 
- protected:
-  explicit Attribute(std::uint32_t permissions) : permissions_(permissions) {}
+  // May be read or written if there is a function for it.
+  Attribute(Show show, Store store) : show_(std::move(show)), store_(std::move(store)) {}
+
+  std::uint32_t Mode() const final { return S_IFREG | (show_ ? 0444U : 0) | (store_ ? 0200U : 0); }
+  DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) final;
 
  private:
   class Descriptor;
 
-  virtual std::string Show() { return {}; }
-  // 0 or a negative errno. `text` comes without the line end that it may have been written with.
-  virtual DeviceResult Store(std::string_view /*text*/) { return -EINVAL; }
-
-  const std::uint32_t permissions_;
+  const Show show_;
+  const Store store_;
 };
 
 // An attribute that programs read and the owner sets.
 class TextAttribute : public Attribute {
  public:
-  explicit TextAttribute(std::string text) : Attribute(0444), text_(std::move(text)) {}
+  explicit TextAttribute(std::string text);
 
   // The text as it is read, line end included.
   void SetText(std::string text);
   void SetNumber(long number) { SetText(std::to_string(number) + '\n'); }
 
  private:
-  std::string Show() override;
-
   std::mutex mutex_;
   std::string text_;
 };
@@ -95,21 +95,12 @@ class Backlight : public Attribute {
  public:
   static constexpr int kHighestLevel = 10;
 
-  Backlight() : Attribute(0644) {}
+  Backlight();
 
   int level() const { return level_; }
   void SetLevel(int level) { level_ = level; }
 
  private:
-  std::string Show() override { return std::to_string(level_) + '\n'; }
-
-  DeviceResult Store(std::string_view text) override {
-    const int level = ParseKernelNumber(text, kHighestLevel);
-    if (level < 0) return level;
-    level_ = level;
-    return 0;
-  }
-
   std::atomic<int> level_{kHighestLevel};
 };
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "simulator/preloaded.h"
+#include "simulator/environment.h"
 
 namespace rolu_sim {
 namespace {

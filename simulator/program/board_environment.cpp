@@ -6,8 +6,9 @@
 #include <filesystem>
 
 #include "simulator/control/parameter.h"
+#include "simulator/devices/board_paths.h"
+#include "simulator/environment.h"
 #include "simulator/installed_files.h"
-#include "simulator/preloaded.h"
 
 namespace rolu_sim {
 namespace {

@@ -1,4 +1,4 @@
-#include "simulator/preloaded.h"
+#include "simulator/environment.h"
 
 #include <gtest/gtest.h>
 

@@ -92,7 +92,7 @@ DeviceResult I2cBus::Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice
 DeviceResult I2cBus::Select(std::uint64_t address) const {
   if (address > kHighestAddress) return -EINVAL;
   const std::lock_guard<std::mutex> lock(mutex_);
-  return -slots_[address].selection_errno;
+  return -slots_[static_cast<std::uint8_t>(address)].selection_errno;
 }
 
 DeviceResult I2cBus::Transfer(std::uint8_t address, bool is_read, std::string& bytes, std::size_t count) {

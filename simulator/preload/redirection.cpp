@@ -25,9 +25,10 @@ bool IsWithin(const char* path, const char* directory) {
 
 // An attribute of a GPIO line that is not there is a node that the board does not find.
 bool IsGpioAttribute(const char* path) {
+  if (!IsWithin(path, kGpioDirectory)) return false;
   const char* const name = strrchr(path, '/') + 1;
   for (const char* const attribute : kGpioAttributes) {
-    if (strcmp(name, attribute) == 0) return IsWithin(path, kGpioDirectory);
+    if (strcmp(name, attribute) == 0) return true;
   }
   return false;
 }

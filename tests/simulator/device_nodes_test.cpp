@@ -128,6 +128,7 @@ TEST_F(DeviceNodes, PathsAreTakenAsTheSystemTakesThem) {
   EXPECT_TRUE(UniqueFd(open("export", O_WRONLY | O_CLOEXEC)));
   struct stat status {};
   EXPECT_EQ(stat("../../class", &status), 0);
+  EXPECT_EQ(stat("/sys/..", &status), 0);
   EXPECT_EQ(fchdir(before.get()), 0);
 }
 

@@ -21,7 +21,7 @@ enum class DeviceRequest : std::uint32_t {
   kWrite,   // descriptor; payload: bytes; argument: offset
   kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
   kIoctl,   // descriptor; request and argument
-  kSettle,  // answered once all that came before is done, also what no request tells: closes
+  kSettle,  // the answer comes when the board knows of all closes so far
   kStat,    // payload: path. Answer: request is the mode, descriptor the inode
   kStatDescriptor,  // descriptor. Answer as that of kStat
   kShow,            // payload: path of a directory or node. It is there below the board root when answered

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "simulator/trace/printable.h"
+#include "simulator/desk/trace.h"
 #include "soak/judgement.h"
 
 namespace rolu_soak {

@@ -5,11 +5,12 @@
 
 #include <filesystem>
 
+#include "cli/command_line.h"
 #include "simulator/command_path.h"
-#include "simulator/control/parameter.h"
-#include "simulator/installed_files.h"
+#include "simulator/desk/parameter.h"
 #include "simulator/preload_list.h"
 #include "simulator/preloaded.h"
+#include "simulator/program/installed_files.h"
 #include "simulator/system_error.h"
 
 namespace rolu_sim {
@@ -50,6 +51,19 @@ std::string ShellAssignments(const std::string& board_directory) {
   return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, ShellWord(board_directory),
                      kPreloadVariable, ShellWord(PreloadList()),
                      ShellWord(CommandDirectoryOf(board_directory)));
+}
+
+void AddBoardChoice(CLI::App& command, BoardChoice& board) {
+  command
+      .add_option("--board", board.directory,
+                  "The board's directory; else the board that this program runs on")
+      ->type_name("DIR");
+  AddWaitOption(command, board);
+}
+
+void AddWaitOption(CLI::App& command, BoardChoice& board) {
+  rolu::AddDurationOption(command, "--wait", board.patience, "Wait this long for the board to come up",
+                          std::chrono::milliseconds(0), kLongestTime);
 }
 
 std::string BoardDirectory(const std::string& named) {

@@ -85,6 +85,10 @@ siginfo_t HeldSignals::Wait() const {
   return signal;
 }
 
+void EndThisProcess() {
+  kill(getpid(), SIGTERM);
+}
+
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals) {
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);

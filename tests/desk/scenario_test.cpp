@@ -1,4 +1,4 @@
-#include "simulator/scenario/scenario.h"
+#include "simulator/desk/scenario.h"
 
 #include <gmock/gmock.h>
 

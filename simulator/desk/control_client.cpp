@@ -1,0 +1,76 @@
+#include "simulator/desk/control_client.h"
+
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "simulator/desk/control_socket.h"
+
+namespace rolu_sim {
+
+ControlClient::ControlClient(std::string board_directory, std::chrono::milliseconds patience)
+    : directory_(std::move(board_directory)) {
+  // A board that comes up makes its socket last.
+  constexpr std::chrono::milliseconds kBetweenTries(20);
+  const TimePoint deadline = std::chrono::steady_clock::now() + patience;
+  while (!(socket_ = ConnectTo(ControlSocketPath(directory_)))) {
+    if (std::chrono::steady_clock::now() >= deadline) {
+      throw NoBoardError(fmt::format("no board answers at {}", directory_));
+    }
+    std::this_thread::sleep_for(kBetweenTries);
+  }
+}
+
+Json ControlClient::Ask(const Json& request) {
+  const std::string line = request.dump() + '\n';
+  std::string_view rest = line;
+  while (!rest.empty()) {
+    const ssize_t sent = send(socket_.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
+    if (sent < 0 && errno == EINTR) continue;
+    if (sent < 0) throw NoBoardError(fmt::format("the board at {} went away", directory_));
+    rest.remove_prefix(static_cast<std::size_t>(sent));
+  }
+  const std::optional<std::string> answer = ReadLine();
+  if (!answer) throw NoBoardError(fmt::format("the board at {} went away", directory_));
+  return Json::parse(*answer);
+}
+
+std::optional<std::string> ControlClient::ReadLine(std::optional<TimePoint> deadline) {
+  std::size_t end = 0;
+  while ((end = received_.find('\n')) == std::string::npos) {
+    if (!WaitForBytes(deadline)) return std::nullopt;
+  }
+  std::string line = received_.substr(0, end);
+  received_.erase(0, end + 1);
+  return line;
+}
+
+bool ControlClient::WaitForBytes(std::optional<TimePoint> deadline) {
+  pollfd source{socket_.get(), POLLIN, 0};
+  int wait_ms = -1;
+  if (deadline) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(*deadline - std::chrono::steady_clock::now());
+    wait_ms = static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+  }
+  const int ready = poll(&source, 1, wait_ms);
+  if (ready < 0) return errno == EINTR;
+  if (ready == 0) {
+    timed_out_ = true;
+    return false;
+  }
+  std::array<char, 65536> buffer{};
+  const ssize_t length = recv(socket_.get(), buffer.data(), buffer.size(), 0);
+  if (length < 0) return errno == EINTR;
+  received_.append(buffer.data(), static_cast<std::size_t>(length));
+  return length > 0;
+}
+
+}  // namespace rolu_sim

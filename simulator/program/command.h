@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,6 +18,18 @@ struct Invocation {
   bool is_short_form = false;             // "run" was left out
   std::vector<std::string> marked_words;  // from the "--" before a program on
   std::function<int()> action;            // gives the exit status
+};
+
+// Ends the program with this exit status and a message.
+class CommandError : public std::runtime_error {
+ public:
+  CommandError(rolu::ExitStatus status, const std::string& text)
+      : std::runtime_error(text), status_(status) {}
+
+  rolu::ExitStatus status() const { return status_; }
+
+ private:
+  rolu::ExitStatus status_;
 };
 
 // The help of one subcommand, or of the whole program: with a usage line of its own and the exit statuses.

@@ -99,6 +99,8 @@ int Run(int argc, char** argv) {
     return Report(problem, rolu::kWrongUse);
   } catch (const NoBoardError& problem) {
     return Report(problem, rolu::kNoAnswer);
+  } catch (const CommandError& problem) {
+    return Report(problem, problem.status());
   } catch (const std::exception& problem) {
     return Report(problem, rolu::kBoardFailed);
   }

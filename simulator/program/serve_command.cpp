@@ -23,7 +23,7 @@ namespace {
 // directory if it made it and it is empty.
 class ServedDirectory {
  public:
-  // Throws UsageError, or std::system_error.
+  // Throws UsageError, CommandError or std::system_error.
   explicit ServedDirectory(std::string path) : path_(std::move(path)) {
     if (path_.size() > BoardRoot::kMaxPathLength) {
       throw UsageError(fmt::format("{} is too long a path for the board's sockets: {} characters, at most {}",
@@ -48,7 +48,7 @@ class ServedDirectory {
     if (!held_) ThrowErrno("opening " + path_);
     if (flock(held_.get(), LOCK_EX | LOCK_NB) == 0) return;
     if (errno != EWOULDBLOCK) ThrowErrno("locking " + path_);
-    throw UsageError(fmt::format("a board is up at {} already", path_));
+    throw CommandError(rolu::kBusy, fmt::format("a board is up at {} already", path_));
   }
 
   const std::string path_;
@@ -87,7 +87,9 @@ void AddServeCommand(CLI::App& app, Invocation& invocation) {
   const auto settings = std::make_shared<BoardSettings>();
   const auto directory = std::make_shared<std::string>();
   serve
-      ->add_option("DIR", *directory, "Where the board is to be: a directory that is empty, or not there yet")
+      ->add_option("DIR", *directory,
+                   "Where the board is to be: a directory that is empty, or not there yet (exit status 5: a "
+                   "board is up there)")
       ->required();
   AddBoardSettings(*serve, *settings);
   serve->callback([=, &invocation] { invocation.action = [=] { return Serve(*settings, *directory); }; });

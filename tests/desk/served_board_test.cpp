@@ -162,7 +162,7 @@ TEST(ServedBoard, LivesBesideOthersAndLeavesOnlyWhatIsNotItsOwn) {
   EXPECT_THAT(other.Client({"voltage"}).out, HasSubstr("voltage C000 14.00"));
 
   const Ended second = RunTool(directory, {"serve", board.path()});
-  EXPECT_EQ(second.status, 2);
+  EXPECT_EQ(second.status, 5);
   EXPECT_THAT(second.err, HasSubstr("is up at " + board.path() + " already"));
 
   directory.Write("board/notes.txt", "mine");

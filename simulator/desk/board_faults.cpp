@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <string_view>
 
+#include "protocol/values.h"
 #include "simulator/devices/board_paths.h"
 
 namespace rolu_sim {
@@ -17,28 +17,30 @@ constexpr char kSerial[] = "serial";
 constexpr char kMissing[] = "missing";
 constexpr char kHangUp[] = "hang-up";
 
-// "/sys/class/gpio/gpio37/value" is gpio37-value, the export attribute gpio-export.
-std::string NameOf(const std::string& path) {
-  if (path == kI2cBusPath) return "i2c";
-  if (path == kBacklightPath) return "backlight";
-  if (path == kLuxPath) return "lux";
-  if (path == kGpioExportPath) return "gpio-export";
-  constexpr std::string_view kClass = "/sys/class/gpio/";
-  std::string name = path.substr(kClass.size());
-  std::ranges::replace(name, '/', '-');
-  return name;
+// Short names and paths.
+std::vector<std::pair<std::string, std::string>> Files() {
+  std::vector<std::pair<std::string, std::string>> files = {
+      {kSerial, kSerialPath}, {"i2c", kI2cBusPath}, {"gpio-export", kGpioExportPath}};
+  for (const int line : rolu_protocol::kGpioLines) {
+    for (const char* const attribute : {"direction", "value"}) {
+      files.emplace_back(fmt::format("gpio{}-{}", line, attribute),
+                         fmt::format("/sys/class/gpio/gpio{}/{}", line, attribute));
+    }
+  }
+  files.insert(files.end(), {{"backlight", kBacklightPath}, {"lux", kLuxPath}});
+  return files;
 }
 
-// Of any file but the serial port.
 std::string PathOf(const std::string& file) {
-  return *std::ranges::find(kDevicePaths, file, [](const char* path) { return NameOf(path); });
+  const auto files = Files();
+  return std::ranges::find(files, file, [](const auto& entry) { return entry.first; })->second;
 }
 
 }  // namespace
 
 std::vector<std::string> BoardFileNames() {
-  std::vector<std::string> names = {kSerial};
-  for (const char* const path : kDevicePaths) names.push_back(NameOf(path));
+  std::vector<std::string> names;
+  for (const auto& [name, path] : Files()) names.push_back(name);
   return names;
 }
 

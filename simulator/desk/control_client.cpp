@@ -45,32 +45,25 @@ Json ControlClient::Ask(const Json& request) {
 std::optional<std::string> ControlClient::ReadLine(std::optional<TimePoint> deadline) {
   std::size_t end = 0;
   while ((end = received_.find('\n')) == std::string::npos) {
-    if (!WaitForBytes(deadline)) return std::nullopt;
+    pollfd source{socket_.get(), POLLIN, 0};
+    int wait_ms = -1;
+    if (deadline) {
+      const auto left =
+          std::chrono::ceil<std::chrono::milliseconds>(*deadline - std::chrono::steady_clock::now());
+      wait_ms = static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
+    }
+    const int ready = poll(&source, 1, wait_ms);
+    timed_out_ = ready == 0;
+    if (timed_out_) return std::nullopt;
+    std::array<char, 65536> buffer{};
+    const ssize_t length = ready < 0 ? ready : recv(socket_.get(), buffer.data(), buffer.size(), 0);
+    if (length < 0 && errno == EINTR) continue;
+    if (length <= 0) return std::nullopt;
+    received_.append(buffer.data(), static_cast<std::size_t>(length));
   }
   std::string line = received_.substr(0, end);
   received_.erase(0, end + 1);
   return line;
-}
-
-bool ControlClient::WaitForBytes(std::optional<TimePoint> deadline) {
-  pollfd source{socket_.get(), POLLIN, 0};
-  int wait_ms = -1;
-  if (deadline) {
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(*deadline - std::chrono::steady_clock::now());
-    wait_ms = static_cast<int>(std::max<std::chrono::milliseconds::rep>(left.count(), 0));
-  }
-  const int ready = poll(&source, 1, wait_ms);
-  if (ready < 0) return errno == EINTR;
-  if (ready == 0) {
-    timed_out_ = true;
-    return false;
-  }
-  std::array<char, 65536> buffer{};
-  const ssize_t length = recv(socket_.get(), buffer.data(), buffer.size(), 0);
-  if (length < 0) return errno == EINTR;
-  received_.append(buffer.data(), static_cast<std::size_t>(length));
-  return length > 0;
 }
 
 }  // namespace rolu_sim

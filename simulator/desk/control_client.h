@@ -32,9 +32,6 @@ class ControlClient {
   bool TimedOut() const { return timed_out_; }
 
  private:
-  // False at the end of the connection, or when the deadline passes.
-  bool WaitForBytes(std::optional<TimePoint> deadline);
-
   std::string directory_;
   UniqueFd socket_;
   std::string received_;

@@ -22,7 +22,7 @@ Json AnswerDo(Desk& desk, const Json& request) {
     const std::string name = request["do"].get<std::string>();
     action.verb = FindVerb(name);
     if (action.verb == nullptr) throw UsageError(UnknownVerb(name));
-    action.arguments = CheckedArguments(*action.verb, request, {"do"});
+    action.arguments = CheckArguments(*action.verb, request, {"do"});
   } catch (const UsageError& problem) {
     return RefuseRequest(problem.what(), "usage");
   }

@@ -65,38 +65,35 @@ std::string UnknownVerb(std::string_view name, const std::vector<Verb>& verbs) {
 }
 
 Arguments CheckArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored,
-                         std::vector<Problem>& problems) {
+                         const Complain& complain) {
+  const auto refuse = [&](const Json* member, const std::string& problem) {
+    if (!complain) throw UsageError(problem);
+    complain(member, problem);
+  };
   Arguments arguments;
   for (const auto& [name, given] : members.items()) {
     if (std::ranges::find(ignored, name) != ignored.end()) continue;
     const Parameter* const parameter = FindNamed(verb.parameters, name);
     if (parameter == nullptr) {
-      problems.push_back({name, fmt::format("{} has no \"{}\"{}", verb.name, name,
-                                            rolu::Suggestion(name, NamesOf(verb.parameters)))});
+      refuse(&given, fmt::format("{} has no \"{}\"{}", verb.name, name,
+                                 rolu::Suggestion(name, NamesOf(verb.parameters))));
       continue;
     }
     try {
       arguments.Add(name, parameter->Check(given));
     } catch (const UsageError& problem) {
-      problems.push_back({name, problem.what()});
+      refuse(&given, problem.what());
     }
   }
   for (const Parameter& parameter : verb.parameters) {
     if (members.contains(parameter.name)) continue;
     if (parameter.required) {
-      problems.push_back({"", fmt::format("{} needs \"{}\", {}: {}", verb.name, parameter.name,
-                                          parameter.help, parameter.range)});
+      refuse(nullptr, fmt::format("{} needs \"{}\", {}: {}", verb.name, parameter.name, parameter.help,
+                                  parameter.range));
     } else if (!parameter.fallback.is_null()) {
       arguments.Add(parameter.name, parameter.Check(parameter.fallback));
     }
   }
-  return arguments;
-}
-
-Arguments CheckedArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored) {
-  std::vector<Problem> problems;
-  Arguments arguments = CheckArguments(verb, members, ignored, problems);
-  if (!problems.empty()) throw UsageError(problems.front().text);
   return arguments;
 }
 
@@ -129,7 +126,7 @@ Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words) {
 Action ParseAction(const std::vector<std::string>& words) {
   const Verb* const verb = FindVerb(words.front());
   if (verb == nullptr) throw UsageError(UnknownVerb(words.front()));
-  return {verb, CheckedArguments(*verb, MembersFromWords(*verb, {words.begin() + 1, words.end()}))};
+  return {verb, CheckArguments(*verb, MembersFromWords(*verb, {words.begin() + 1, words.end()}))};
 }
 
 Action ParseFault(const std::string& text) {

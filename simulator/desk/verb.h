@@ -73,20 +73,12 @@ std::string FallbackText(const Parameter& parameter);
 // A sentence about a verb that is not there.
 std::string UnknownVerb(std::string_view name, const std::vector<Verb>& verbs = Verbs());
 
-// What is wrong with a member of an action; `member` is empty when one is missing.
-struct Problem {
-  std::string member;
-  std::string text;
-};
-
-// The values for `verb` in `members`, whose other members (those in `ignored`) are not looked at.
-// What cannot be goes to `problems`.
-Arguments CheckArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored,
-                         std::vector<Problem>& problems);
-
-// The same, but throws UsageError for the first problem.
-Arguments CheckedArguments(const Verb& verb, const Json& members,
-                           const std::vector<std::string>& ignored = {});
+// The values for `verb` in `members`, whose other members (those in `ignored`) are not looked at. Tells
+// `complain` of all that is wrong, with the member, or null when one is missing; throws UsageError when there
+// is none to tell.
+using Complain = std::function<void(const Json* member, const std::string& problem)>;
+Arguments CheckArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored = {},
+                         const Complain& complain = nullptr);
 
 struct Action {
   const Verb* verb = nullptr;

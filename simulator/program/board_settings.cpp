@@ -98,7 +98,7 @@ PreparedBoard::PreparedBoard(const BoardSettings& settings) : settings_(settings
     replay_ = ReadReplay(settings.replay);
     for (const Replay::EarlyLine& early : replay_->early_lines()) {
       scenario_.events.push_back({std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
-                                  {send, CheckedArguments(*send, {{"text", early.line}})}});
+                                  {send, CheckArguments(*send, {{"text", early.line}})}});
     }
     scenario_.Sort();
   }

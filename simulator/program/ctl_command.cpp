@@ -180,7 +180,7 @@ int Ctl(const CtlOptions& options, const std::vector<std::string>& words) {
   const Verb* const verb = FindVerb(word, verbs);
   if (verb == nullptr) throw UsageError(UnknownVerb(word, verbs));
   Json members = MembersFromWords(*verb, rest);
-  const Arguments given = CheckedArguments(*verb, members);
+  const Arguments given = CheckArguments(*verb, members);
   if (word == "show") return Get(options, {});
   if (word == "wait") return Wait(options, given);
   if (word == "stop") return Stop(options);

@@ -136,9 +136,9 @@ TEST(Scenario, IsReadyForTheUsualCases) {
 TEST(Scenario, WakesTheParkedVehicleInTheMorning) {
   const Directory directory;
   const ServedBoard board(directory);
-  EXPECT_THAT(board.Client({"alarm"}).out, HasSubstr("alarm C000"));
-  ASSERT_EQ(board.Ctl({"play", "scenario=parked-overnight"}).status, 0);
-  EXPECT_EQ(board.Ctl({"wait", "the clock's alarm wakes"}).status, 0);
+  EXPECT_THAT(board.Client("alarm").out, HasSubstr("alarm C000"));
+  ASSERT_EQ(board.Ctl("play scenario=parked-overnight").status, 0);
+  EXPECT_EQ(board.Ctl("wait wakes").status, 0);
   const nlohmann::json events = board.Get("events");
   ASSERT_EQ(events.size(), 1U);
   EXPECT_EQ(events[0]["event"], "alarm-wakeup");

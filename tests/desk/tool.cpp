@@ -33,25 +33,20 @@ ServedBoard::ServedBoard(const Directory& directory, const std::vector<std::stri
   EXPECT_TRUE(tool_.WaitForOutput("rolu-sim join")) << tool_.err();
 }
 
-Ended ServedBoard::Ctl(const std::vector<std::string>& words) const {
-  return RunTool(directory_, Joined({"ctl", "--board", path_}, words));
+Ended ServedBoard::Ctl(const std::string& words) const {
+  return RunTool(directory_, Joined({"ctl", "--board", path_}, Words(words)));
 }
 
-Ended ServedBoard::Client(const std::vector<std::string>& calls) const {
-  return RunTool(directory_, Joined({"join", path_, "--"}, ClientCommand(calls)));
+Ended ServedBoard::Client(const std::string& calls) const {
+  return RunTool(directory_, Joined({"join", path_, "--", DESK_CLIENT}, Words(calls)));
 }
 
 nlohmann::json ServedBoard::Get(const std::string& reading) const {
-  return Ctl({"get", reading, "--json"}).Json().at(reading);
+  return Ctl("get --json " + reading).Json().at(reading);
 }
 
-std::vector<std::string> ClientCommand(const std::vector<std::string>& calls) {
-  return Joined({DESK_CLIENT}, calls);
-}
-
-std::vector<std::string> ClientRun(const std::vector<std::string>& options,
-                                   const std::vector<std::string>& calls) {
-  return Joined(Joined(Joined({"run"}, options), {"--"}), ClientCommand(calls));
+std::vector<std::string> ClientRun(const std::string& options, const std::string& calls) {
+  return Joined(Joined(Words("run " + options), {"--", DESK_CLIENT}), Words(calls));
 }
 
 std::vector<nlohmann::json> Records(const std::string& text) {

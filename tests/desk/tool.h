@@ -10,6 +10,7 @@ namespace desk_test {
 
 using rolu_test::Ended;
 using rolu_test::Joined;
+using rolu_test::Words;
 
 // A directory of the test's own, in which rolu-sim makes its boards; at the end of the test nothing
 // may be left of them.
@@ -33,9 +34,9 @@ class ServedBoard {
  public:
   explicit ServedBoard(const Directory& directory, const std::vector<std::string>& options = {});
 
-  Ended Ctl(const std::vector<std::string>& words) const;
+  Ended Ctl(const std::string& words) const;
   // A program (see desk_client.cpp) on the board.
-  Ended Client(const std::vector<std::string>& calls) const;
+  Ended Client(const std::string& calls) const;
   nlohmann::json Get(const std::string& reading) const;
 
   Tool& tool() { return tool_; }
@@ -47,11 +48,8 @@ class ServedBoard {
   Tool tool_;
 };
 
-// The words of a run of desk_client: its path and the calls.
-std::vector<std::string> ClientCommand(const std::vector<std::string>& calls);
-// The same on a board of its own, for rolu-sim.
-std::vector<std::string> ClientRun(const std::vector<std::string>& options,
-                                   const std::vector<std::string>& calls);
+// The words for rolu-sim that run desk_client on a board of its own.
+std::vector<std::string> ClientRun(const std::string& options, const std::string& calls);
 
 // The lines of a trace.
 std::vector<nlohmann::json> Records(const std::string& text);

@@ -60,8 +60,8 @@ TEST(Trace, IsShownOfAServedBoardAsTextAndAsJson) {
   ServedBoard board(directory);
   EXPECT_EQ(RunTool(directory, {"trace", "--board", board.path()}).out, "");
   Tool following(directory, {"trace", "--board", board.path(), "--follow"});
-  board.Client({"voltage"});
-  board.Ctl({"send", "[0000]"});
+  board.Client("voltage");
+  board.Ctl("send [0000]");
   ASSERT_TRUE(following.WaitForOutput("[0000]"));
   EXPECT_THAT(following.out(), HasSubstr(" > MCVG                measure the car battery's voltage\n"));
 
@@ -75,7 +75,7 @@ TEST(Trace, IsShownOfAServedBoardAsTextAndAsJson) {
 
   const Ended over = RunTool(directory, {"trace", "--follow", "--for", "50ms", "--board", board.path()});
   EXPECT_EQ(over.status, 0);
-  board.Ctl({"stop"});
+  board.Ctl("stop");
   EXPECT_EQ(following.Wait(), 0);
   EXPECT_THAT(following.err(), HasSubstr("went down"));
 }
@@ -83,15 +83,15 @@ TEST(Trace, IsShownOfAServedBoardAsTextAndAsJson) {
 TEST(Trace, IsPlayedBackAsTheScriptOfTheMcu) {
   const Directory directory;
   const std::string trace = directory.path() + "/trace";
-  const auto run = [&](const std::vector<std::string>& options, const std::vector<std::string>& calls) {
+  const auto run = [&](const std::string& options, const char* calls) {
     return RunTool(directory, ClientRun(options, calls));
   };
   const Ended recorded =
-      run({"--trace", trace, "--battery", "0s=9.87", "--fault", "delay:MCVG:200ms"}, {"voltage", "platform"});
+      run("--battery 0s=9.87 --fault delay:MCVG:200ms --trace " + trace, "voltage platform");
   EXPECT_THAT(recorded.out, HasSubstr("voltage C000 9.88"));
 
   const Ended replayed =
-      run({"--replay", trace, "--trace", directory.path() + "/again"}, {"platform", "voltage", "voltage"});
+      run("--replay " + trace + " --trace " + directory.File("again"), "platform voltage voltage");
   EXPECT_THAT(replayed.out, HasSubstr("voltage C000 9.88\nvoltage C000 12.60\n"));
   EXPECT_THAT(replayed.err,
               HasSubstr("replay: the recording holds no further answer to MCVG; the model answers\n"));

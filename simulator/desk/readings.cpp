@@ -23,15 +23,6 @@ double SinceStart(Desk& desk, TimePoint time) {
   return Seconds(time - desk.start());
 }
 
-Json DescribeBoardItself(Desk& desk) {
-  return {{"directory", desk.board().root().path()},
-          {"process", getpid()},
-          {"up_s", SinceStart(desk, std::chrono::steady_clock::now())},
-          {"serial_port", desk.board().mcu().DevicePath()},
-          {"serial_port_is_open", desk.board().mcu().IsOpenByHost()},
-          {"seed", desk.faults().seed()}};
-}
-
 Json DescribeBattery(const McuModel& mcu) {
   const TimePoint now = std::chrono::steady_clock::now();
   const auto threshold = [&](BatteryMode mode, Protection protection) {
@@ -49,27 +40,6 @@ Json DescribeBattery(const McuModel& mcu) {
           {"low_battery_protection", thresholds(Protection::kLowBattery)}};
 }
 
-Json DescribeIgnition(const McuModel& mcu) {
-  return {{"on", mcu.ignition.on},
-          {"mode", mcu.ignition.mode},
-          {"power_off_alarm", mcu.ignition.pre_power_off_alarm},
-          {"keep_alive_mode", mcu.ignition.keep_alive_mode},
-          {"at_mode", mcu.ignition.at_mode}};
-}
-
-Json DescribePowerOff(const McuModel& mcu) {
-  const PowerOffState& state = mcu.power_off;
-  return {{"low_battery_delay_s", state.Delay(DelayType::kLowBattery)},
-          {"low_battery_hard_delay_s", state.Delay(DelayType::kLowBatteryHard)},
-          {"ignition_on_delay_s", state.Delay(DelayType::kIgnitionOn)},
-          {"ignition_off_event_delay_s", state.Delay(DelayType::kIgnitionOffEvent)},
-          {"ignition_hard_off_delay_s", state.Delay(DelayType::kIgnitionHardOff)},
-          {"ignition_suspend_hard_off_delay_s", state.Delay(DelayType::kIgnitionSuspendHardOff)},
-          {"power_off_alarm_delay_s", state.Delay(DelayType::kPrePowerOffAlarm)},
-          {"forced_shutdown", state.forced_shutdown},
-          {"forced_shutdown_delay_s", state.forced_shutdown_delay}};
-}
-
 template <std::size_t N>
 Json NumbersOf(const std::array<bool, N>& switches) {
   Json numbers = Json::array();
@@ -77,12 +47,6 @@ Json NumbersOf(const std::array<bool, N>& switches) {
     if (switches[number]) numbers.push_back(number);
   }
   return numbers;
-}
-
-Json DescribeSources(const McuModel& mcu) {
-  return {{"shutdown_sources_on", NumbersOf(mcu.power_sources.shutdown_enabled)},
-          {"wakeup_sources_on", NumbersOf(mcu.power_sources.wakeup_enabled)},
-          {"last_wakeup_code", fmt::format("{:02X}", mcu.power_sources.last_wakeup_code)}};
 }
 
 Json DescribeClock(const McuModel& mcu) {
@@ -104,18 +68,6 @@ Json DescribeClock(const McuModel& mcu) {
             {"comes_in_s", is_on && next ? Json(Seconds(*next - now)) : Json(nullptr)}}}};
 }
 
-Json DescribeBackupBattery(const McuModel& mcu) {
-  const BackupBatteryState& battery = mcu.backup_battery;
-  return {{"voltage_v", battery.millivolts / 1000.0},
-          {"temperature_c", std::round(battery.temperature_tenths_kelvin * 10.0 - 27315.0) / 100.0},
-          {"charge_percent", battery.percent},
-          {"remaining_capacity", battery.remaining_capacity},
-          {"remaining_time", battery.remaining_time},
-          {"time_to_full", battery.time_to_full},
-          {"info", battery.info},
-          {"status_bits", fmt::format("{:016b}", battery.status_bits)}};
-}
-
 Json DescribeWatchdog(Desk& desk) {
   const int bites = desk.BiteCount();
   return desk.board().mcu().WithModel([&](McuModel& mcu) {
@@ -128,18 +80,6 @@ Json DescribeWatchdog(Desk& desk) {
   });
 }
 
-Json DescribeGSensor(const McuModel& mcu) {
-  const GSensorState& sensor = mcu.gsensor;
-  return {{"on", sensor.on},
-          {"x", sensor.sample.x},
-          {"y", sensor.sample.y},
-          {"z", sensor.sample.z},
-          {"resolution", sensor.resolution},
-          {"alarm_on", sensor.alarm_on},
-          {"alarm_threshold_steps", sensor.alarm_threshold},
-          {"wakeup_threshold_steps", sensor.wakeup_threshold}};
-}
-
 Json DescribePins(Desk& desk) {
   const Gpio& gpio = desk.board().gpio();
   Json pins = Json::object();
@@ -149,14 +89,6 @@ Json DescribePins(Desk& desk) {
                                          {"level", gpio.Level(line) ? 1 : 0}};
   }
   return pins;
-}
-
-Json DescribePeripherals(Desk& desk) {
-  const bool mcu_switch =
-      desk.board().mcu().WithModel([](McuModel& mcu) { return mcu.peripheral_switch.on; });
-  return {{"mcu_switch", mcu_switch},
-          {"wlan", desk.board().wireless().IsUp()},
-          {"gps_power", desk.board().gpio().Level(rolu_protocol::kGpsPowerLine)}};
 }
 
 Json DescribeRegisterDevices(Desk& desk) {
@@ -312,21 +244,77 @@ void Append(std::string& text, const Json& members, std::size_t depth) {
 
 const std::vector<Reading>& Readings() {
   static const std::vector<Reading> readings = {
-      {"board", "the board itself: its directory, its port", DescribeBoardItself},
+      {"board", "the board itself: its directory, its port",
+       [](Desk& desk) -> Json {
+         return {{"directory", desk.board().root().path()},
+                 {"process", getpid()},
+                 {"up_s", SinceStart(desk, std::chrono::steady_clock::now())},
+                 {"serial_port", desk.board().mcu().DevicePath()},
+                 {"serial_port_is_open", desk.board().mcu().IsOpenByHost()},
+                 {"seed", desk.faults().seed()}};
+       }},
       {"battery", "the car battery, its protections", OfMcu(DescribeBattery)},
-      {"ignition", "the ignition and its modes", OfMcu(DescribeIgnition)},
-      {"power-off", "the delays and the forced shutdown", OfMcu(DescribePowerOff)},
-      {"sources", "shutdown and wake-up sources", OfMcu(DescribeSources)},
+      {"ignition", "the ignition and its modes", OfMcu([](const McuModel& mcu) -> Json {
+         return {{"on", mcu.ignition.on},
+                 {"mode", mcu.ignition.mode},
+                 {"power_off_alarm", mcu.ignition.pre_power_off_alarm},
+                 {"keep_alive_mode", mcu.ignition.keep_alive_mode},
+                 {"at_mode", mcu.ignition.at_mode}};
+       })},
+      {"power-off", "the delays and the forced shutdown", OfMcu([](const McuModel& mcu) -> Json {
+         const PowerOffState& state = mcu.power_off;
+         return {{"low_battery_delay_s", state.Delay(DelayType::kLowBattery)},
+                 {"low_battery_hard_delay_s", state.Delay(DelayType::kLowBatteryHard)},
+                 {"ignition_on_delay_s", state.Delay(DelayType::kIgnitionOn)},
+                 {"ignition_off_event_delay_s", state.Delay(DelayType::kIgnitionOffEvent)},
+                 {"ignition_hard_off_delay_s", state.Delay(DelayType::kIgnitionHardOff)},
+                 {"ignition_suspend_hard_off_delay_s", state.Delay(DelayType::kIgnitionSuspendHardOff)},
+                 {"power_off_alarm_delay_s", state.Delay(DelayType::kPrePowerOffAlarm)},
+                 {"forced_shutdown", state.forced_shutdown},
+                 {"forced_shutdown_delay_s", state.forced_shutdown_delay}};
+       })},
+      {"sources", "shutdown and wake-up sources", OfMcu([](const McuModel& mcu) -> Json {
+         return {{"shutdown_sources_on", NumbersOf(mcu.power_sources.shutdown_enabled)},
+                 {"wakeup_sources_on", NumbersOf(mcu.power_sources.wakeup_enabled)},
+                 {"last_wakeup_code", fmt::format("{:02X}", mcu.power_sources.last_wakeup_code)}};
+       })},
       {"clock", "the MCU's clock and its wake-up alarm", OfMcu(DescribeClock)},
-      {"backup-battery", "the backup battery", OfMcu(DescribeBackupBattery)},
+      {"backup-battery", "the backup battery", OfMcu([](const McuModel& mcu) -> Json {
+         const BackupBatteryState& battery = mcu.backup_battery;
+         return {{"voltage_v", battery.millivolts / 1000.0},
+                 {"temperature_c", std::round(battery.temperature_tenths_kelvin * 10.0 - 27315.0) / 100.0},
+                 {"charge_percent", battery.percent},
+                 {"remaining_capacity", battery.remaining_capacity},
+                 {"remaining_time", battery.remaining_time},
+                 {"time_to_full", battery.time_to_full},
+                 {"info", battery.info},
+                 {"status_bits", fmt::format("{:016b}", battery.status_bits)}};
+       })},
       {"watchdog", "the watchdog: whether it is on, the time left, its bites", DescribeWatchdog},
-      {"gsensor", "the G-sensor and its alarm", OfMcu(DescribeGSensor)},
+      {"gsensor", "the G-sensor and its alarm", OfMcu([](const McuModel& mcu) -> Json {
+         const GSensorState& sensor = mcu.gsensor;
+         return {{"on", sensor.on},
+                 {"x", sensor.sample.x},
+                 {"y", sensor.sample.y},
+                 {"z", sensor.sample.z},
+                 {"resolution", sensor.resolution},
+                 {"alarm_on", sensor.alarm_on},
+                 {"alarm_threshold_steps", sensor.alarm_threshold},
+                 {"wakeup_threshold_steps", sensor.wakeup_threshold}};
+       })},
       {"pins", "the GPIO lines", DescribePins},
       {"backlight", "the display's backlight",
        [](Desk& desk) {
          return Json{{"level", desk.board().backlight().level()}};
        }},
-      {"peripherals", "the switched peripherals", DescribePeripherals},
+      {"peripherals", "the switched peripherals",
+       [](Desk& desk) -> Json {
+         const bool mcu_switch =
+             desk.board().mcu().WithModel([](McuModel& mcu) { return mcu.peripheral_switch.on; });
+         return {{"mcu_switch", mcu_switch},
+                 {"wlan", desk.board().wireless().IsUp()},
+                 {"gps_power", desk.board().gpio().Level(rolu_protocol::kGpsPowerLine)}};
+       }},
       {"events", "what the MCU did to the computer", DescribeEvents},
       {"faults", "the faults of answers, of the serial port, of device files and of the I2C bus",
        DescribeFaults},

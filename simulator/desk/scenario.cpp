@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstddef>
 #include <map>
+#include <mutex>
 #include <set>
 #include <sstream>
 #include <utility>
@@ -186,24 +188,16 @@ Scenario ParseScenario(std::string_view text, const std::string& name) {
 ScenarioPlayer::ScenarioPlayer(Desk& desk, Scenario scenario)
     : desk_(desk), scenario_(std::move(scenario)), start_(std::chrono::steady_clock::now()) {
   const BlockedSignals blocked;
-  thread_ = std::thread([this] { Run(); });
+  thread_ = std::jthread([this](const std::stop_token& stop) { Run(stop); });
 }
 
-ScenarioPlayer::~ScenarioPlayer() {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    stopping_ = true;
-  }
-  stopped_.notify_all();
-  thread_.join();
-}
-
-void ScenarioPlayer::Run() {
+void ScenarioPlayer::Run(const std::stop_token& stop) {
+  std::mutex mutex;
+  std::condition_variable_any never;
+  std::unique_lock<std::mutex> lock(mutex);
   for (const Scenario::Event& event : scenario_.events) {
-    {
-      std::unique_lock<std::mutex> lock(mutex_);
-      if (stopped_.wait_until(lock, start_ + event.at, [this] { return stopping_; })) return;
-    }
+    never.wait_until(lock, stop, start_ + event.at, [] { return false; });
+    if (stop.stop_requested()) return;
     try {
       desk_.Apply(event.action);
     } catch (const std::exception& problem) {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -52,20 +51,14 @@ Scenario ParseScenario(std::string_view text, const std::string& name);
 class ScenarioPlayer {
  public:
   ScenarioPlayer(Desk& desk, Scenario scenario);
-  ~ScenarioPlayer();
-  ScenarioPlayer(const ScenarioPlayer&) = delete;
-  ScenarioPlayer& operator=(const ScenarioPlayer&) = delete;
 
  private:
-  void Run();
+  void Run(const std::stop_token& stop);
 
   Desk& desk_;
   const Scenario scenario_;
   const TimePoint start_;
-  std::mutex mutex_;
-  std::condition_variable stopped_;
-  bool stopping_ = false;
-  std::thread thread_;
+  std::jthread thread_;
 };
 
 }  // namespace rolu_sim

@@ -199,25 +199,15 @@ std::string ValueAsText(const Json& value) {
   return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-bool IsListOfValues(const Json& value) {
-  return value.is_array() &&
-         std::none_of(value.begin(), value.end(), [](const Json& item) { return item.is_structured(); });
-}
-
-std::string ListAsText(const Json& list) {
-  std::vector<std::string> items;
-  for (const Json& item : list) items.push_back(ValueAsText(item));
-  return items.empty() ? "none" : fmt::format("{}", fmt::join(items, ", "));
-}
-
-// An element of a list of objects takes one line.
-std::string ElementAsText(const Json& element) {
+// A list of values, and an element of a list of objects, take one line.
+std::string InOneLine(const Json& value) {
   std::vector<std::string> parts;
-  for (const auto& [name, value] : element.items()) {
+  for (const auto& [name, part] : value.items()) {
     const auto [label, unit] = LabelAndUnit(name);
-    parts.push_back(fmt::format("{} {}{}", label, ValueAsText(value), unit));
+    parts.push_back(value.is_object() ? fmt::format("{} {}{}", label, ValueAsText(part), unit)
+                                      : ValueAsText(part));
   }
-  return fmt::format("{}", fmt::join(parts, ", "));
+  return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
 // A reading may consist of readings, and those of others.
@@ -226,16 +216,16 @@ void Append(std::string& text, const Json& members, std::size_t depth) {
   const std::string indent(depth * 2, ' ');
   for (const auto& [name, value] : members.items()) {
     const auto [label, unit] = LabelAndUnit(name);
-    if (IsListOfValues(value)) {
-      text += fmt::format("{}{}: {}\n", indent, label, ListAsText(value));
-    } else if (value.is_array()) {
-      text += fmt::format("{}{}:\n", indent, label);
-      for (const Json& element : value) text += fmt::format("{}  {}\n", indent, ElementAsText(element));
-    } else if (value.is_object()) {
+    if (value.is_object()) {
       text += fmt::format("{}{}:\n", indent, label);
       Append(text, value, depth + 1);
-    } else {
+    } else if (!value.is_array()) {
       text += fmt::format("{}{}: {}{}\n", indent, label, ValueAsText(value), value.is_null() ? "" : unit);
+    } else if (value.empty() || !value.front().is_structured()) {
+      text += fmt::format("{}{}: {}\n", indent, label, InOneLine(value));
+    } else {
+      text += fmt::format("{}{}:\n", indent, label);
+      for (const Json& element : value) text += fmt::format("{}  {}\n", indent, InOneLine(element));
     }
   }
 }

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "simulator/desk/parameter.h"
+
 namespace rolu_sim {
 namespace {
 
@@ -24,7 +26,7 @@ TraceRecord ParseLine(const std::string& text) {
 
 Replay::Replay(const std::string& path) {
   std::ifstream file(path);
-  if (!file) throw std::runtime_error(fmt::format("{}: the trace to replay cannot be read", path));
+  if (!file) throw UsageError(fmt::format("{}: the trace to replay cannot be read", path));
   std::vector<TraceRecord> records;
   std::string text;
   for (std::size_t number = 1; std::getline(file, text); ++number) {
@@ -32,11 +34,11 @@ Replay::Replay(const std::string& path) {
     try {
       records.push_back(ParseLine(text));
     } catch (const std::invalid_argument& problem) {
-      throw std::runtime_error(fmt::format("{}:{}: {}", path, number, problem.what()));
+      throw UsageError(fmt::format("{}:{}: {}", path, number, problem.what()));
     }
   }
   Take(records);
-  if (commands_ == 0) throw std::runtime_error(fmt::format("{}: the trace holds no command", path));
+  if (commands_ == 0) throw UsageError(fmt::format("{}: the trace holds no command", path));
 }
 
 void Replay::Take(const std::vector<TraceRecord>& records) {

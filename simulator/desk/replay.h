@@ -26,7 +26,7 @@ class Replay {
     std::string line;
   };
 
-  // Reads a file. Throws std::runtime_error with the file, the line and what is wrong there.
+  // Reads a file. Throws UsageError with the file, the line and what is wrong there.
   explicit Replay(const std::string& path);
 
   const std::vector<EarlyLine>& early_lines() const { return early_lines_; }

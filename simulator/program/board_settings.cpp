@@ -31,15 +31,6 @@ TraceFormat FormatOf(const BoardSettings& settings) {
   return settings.trace_format == "json" ? TraceFormat::kJson : TraceFormat::kText;
 }
 
-// A file that cannot be played back is the user's mistake, as any other word of the command line.
-std::unique_ptr<Replay> ReadReplay(const std::string& path) {
-  try {
-    return std::make_unique<Replay>(path);
-  } catch (const std::runtime_error& problem) {
-    throw UsageError(problem.what());
-  }
-}
-
 }  // namespace
 
 void AddBoardSettings(CLI::App& command, BoardSettings& settings) {
@@ -95,7 +86,7 @@ PreparedBoard::PreparedBoard(const BoardSettings& settings) : settings_(settings
   }
   if (!settings.replay.empty()) {
     const Verb* const send = FindVerb("send");
-    replay_ = ReadReplay(settings.replay);
+    replay_ = std::make_unique<Replay>(settings.replay);
     for (const Replay::EarlyLine& early : replay_->early_lines()) {
       scenario_.events.push_back({std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
                                   {send, CheckArguments(*send, {{"text", early.line}})}});

@@ -62,6 +62,11 @@ inline CLI::App* NewCommand(CLI::App& app, const std::string& name, const std::s
   return command;
 }
 
+// Lets `work` give the exit status when `command` is the one that was given.
+inline void OnRun(CLI::App* command, Invocation& invocation, const std::function<int()>& work) {
+  command->callback([&invocation, work] { invocation.action = work; });
+}
+
 // The words of a command that are not options. The parser takes an option that it does not know for one of
 // them.
 inline std::vector<std::string> WordsFor(const CLI::App& command, const Invocation& invocation,

@@ -217,9 +217,7 @@ void AddCtlCommand(CLI::App& app, Invocation& invocation) {
   const auto options = std::make_shared<CtlOptions>();
   ctl->add_flag("--json", options->json, "Print answers as JSON");
   AddBoardChoice(*ctl, options->board);
-  ctl->callback([=, &invocation] {
-    invocation.action = [=, &invocation] { return Ctl(*options, WordsFor(*ctl, invocation, "WORD")); };
-  });
+  OnRun(ctl, invocation, [=, &invocation] { return Ctl(*options, WordsFor(*ctl, invocation, "WORD")); });
 }
 
 }  // namespace rolu_sim

@@ -22,9 +22,7 @@ void AddJoinCommand(CLI::App& app, Invocation& invocation) {
   const auto board = std::make_shared<BoardChoice>();
   join->add_option("DIR", board->directory, "The board's directory")->required();
   AddWaitOption(*join, *board);
-  join->callback([=, &invocation] {
-    invocation.action = [=, &invocation] { return Join(*board, WordsFor(*join, invocation, "PROGRAM")); };
-  });
+  OnRun(join, invocation, [=, &invocation] { return Join(*board, WordsFor(*join, invocation, "PROGRAM")); });
 }
 
 }  // namespace rolu_sim

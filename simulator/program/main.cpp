@@ -28,11 +28,10 @@ constexpr char kExamples[] =
 void AddGenerator(CLI::App& app, Invocation& invocation, const char* name, const char* description,
                   std::string (*generate)(const CLI::App&)) {
   CLI::App* const command = NewCommand(app, name, description, std::string("rolu-sim ") + name);
-  command->group("")->callback([&app, &invocation, generate] {
-    invocation.action = [&app, generate] {
-      std::cout << generate(app);
-      return 0;
-    };
+  command->group("");
+  OnRun(command, invocation, [&app, generate] {
+    std::cout << generate(app);
+    return 0;
   });
 }
 

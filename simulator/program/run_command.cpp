@@ -36,13 +36,11 @@ void AddRunCommand(CLI::App& app, Invocation& invocation) {
   run->prefix_command();
   const auto settings = std::make_shared<BoardSettings>();
   AddBoardSettings(*run, *settings);
-  run->callback([=, &app, &invocation] {
-    invocation.action = [=, &app, &invocation] {
-      const std::vector<std::string> command = WordsFor(*run, invocation, "PROGRAM");
-      const int status = RunOnBoard(*settings, command);
-      if (status == rolu::kNotFound && invocation.is_short_form) SuggestSubcommand(command.front(), app);
-      return status;
-    };
+  OnRun(run, invocation, [=, &app, &invocation] {
+    const std::vector<std::string> command = WordsFor(*run, invocation, "PROGRAM");
+    const int status = RunOnBoard(*settings, command);
+    if (status == rolu::kNotFound && invocation.is_short_form) SuggestSubcommand(command.front(), app);
+    return status;
   });
 }
 

@@ -33,11 +33,6 @@ int List() {
   return 0;
 }
 
-int Show(const std::string& name) {
-  std::cout << ReadScenarioFile(name).text;
-  return 0;
-}
-
 }  // namespace
 
 void AddScenariosCommand(CLI::App& app, Invocation& invocation) {
@@ -49,11 +44,11 @@ void AddScenariosCommand(CLI::App& app, Invocation& invocation) {
   scenarios->add_option("--show", *shown, "Print the text of a scenario, to start your own from")
       ->type_name("NAME");
   scenarios->add_option("--check", *checked, "Check scenarios without playing them")->type_name("FILE...");
-  scenarios->callback([=, &invocation] {
-    invocation.action = [=] {
-      if (!checked->empty()) return Check(*checked);
-      return shown->empty() ? List() : Show(*shown);
-    };
+  OnRun(scenarios, invocation, [=] {
+    if (!checked->empty()) return Check(*checked);
+    if (shown->empty()) return List();
+    std::cout << ReadScenarioFile(*shown).text;
+    return 0;
   });
 }
 

@@ -92,7 +92,7 @@ void AddServeCommand(CLI::App& app, Invocation& invocation) {
                    "board is up there)")
       ->required();
   AddBoardSettings(*serve, *settings);
-  serve->callback([=, &invocation] { invocation.action = [=] { return Serve(*settings, *directory); }; });
+  OnRun(serve, invocation, [=] { return Serve(*settings, *directory); });
 }
 
 }  // namespace rolu_sim

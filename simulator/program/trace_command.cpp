@@ -48,7 +48,7 @@ void AddTraceCommand(CLI::App& app, Invocation& invocation) {
   rolu::AddDurationOption(*trace, "--for", options->length, "End after this time",
                           std::chrono::milliseconds(0), kLongestTime);
   AddBoardChoice(*trace, options->board);
-  trace->callback([=, &invocation] { invocation.action = [=] { return ShowTrace(*options); }; });
+  OnRun(trace, invocation, [=] { return ShowTrace(*options); });
 }
 
 }  // namespace rolu_sim

@@ -25,9 +25,7 @@ TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
     std::string says;
   } kRows[] = {
       {"", 2, "PROGRAM is required"},
-      {"run", 2, "PROGRAM is required"},
       {"/tmp", 126, "rolu-sim: /tmp"},
-      {"no-such-program", 127, "rolu-sim: no-such-program"},
       {"sevre", 127, "did you mean serve?"},
       {"--bogus true", 2, "--bogus"},
       {"--mode 13 true", 2, "{12,24}"},
@@ -53,7 +51,6 @@ TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
       {"join " + directory.path() + " -- true", 4, "no board answers at " + directory.path()},
       {"join " + board.path() + " -- no-such-program", 127, "no-such-program"},
       {"trace", 2, "--board DIR"},
-      {"trace --board " + full, 4, "no board answers"},
       {"trace --for 3 --board " + full, 2, "must be a time"},
       {"ctl --board " + board.path(), 2, "WORD is required"},
       {"scenarios --check " + scenario, 2, "\"do\" is missing"},

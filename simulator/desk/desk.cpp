@@ -39,10 +39,8 @@ std::string Desk::Apply(const Action& action) {
 }
 
 int Desk::BiteCount() {
-  const std::vector<McuEvent> events = board_.mcu().Events();
-  return static_cast<int>(std::count_if(events.begin(), events.end(), [](const McuEvent& event) {
-    return event.kind == McuEventKind::kWatchdogBite;
-  }));
+  return static_cast<int>(
+      std::ranges::count(board_.mcu().Events(), McuEventKind::kWatchdogBite, &McuEvent::kind));
 }
 
 void Desk::AttachRegisterDevice(std::uint8_t address) {

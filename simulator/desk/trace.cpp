@@ -40,10 +40,6 @@ bool IsOnWire(TraceDirection direction) {
   return direction == TraceDirection::kToMcu || direction == TraceDirection::kFromMcu;
 }
 
-double InSeconds(std::chrono::nanoseconds time) {
-  return std::chrono::duration<double>(time).count();
-}
-
 const Json& Member(const Json& object, const char* name, bool (Json::*has_type)() const noexcept,
                    const char* type) {
   const auto member = object.find(name);
@@ -105,7 +101,7 @@ std::optional<std::string> BytesFromHex(std::string_view digits) {
 }
 
 std::string ToText(const TraceRecord& record) {
-  const double seconds = InSeconds(record.time);
+  const double seconds = std::chrono::duration<double>(record.time).count();
   const char sign = NameOf(record.direction).sign;
   if (!IsOnWire(record.direction)) {
     return fmt::format("{:12.6f} {} {}", seconds, sign, record.words);
@@ -114,7 +110,7 @@ std::string ToText(const TraceRecord& record) {
 }
 
 Json ToJson(const TraceRecord& record) {
-  const double seconds = std::round(InSeconds(record.time) * 1e6) / 1e6;
+  const double seconds = std::round(std::chrono::duration<double>(record.time).count() * 1e6) / 1e6;
   Json object = {{"t_s", seconds}, {"direction", NameOf(record.direction).name}};
   const std::string line = Printable(record.line);
   if (IsOnWire(record.direction)) object["line"] = line;

@@ -43,8 +43,6 @@ TEST(ServedBoard, ShowsProgramsWhatIsSetByHand) {
       {"i2c-write 0x50 0x10 2A 2B", "register", "register C000 42"},
       {"answer ATF1 *PLT:WHATEVER", "platform", "platform C000 WHATEVER"},
       {"fault-i2c 0x50 select", "register", "register C00C"},
-      {"fault-missing serial", "voltage", "start C044"},
-      {"replug", "voltage", "start C000"},
   };
   const Directory directory;
   const ServedBoard board(directory);

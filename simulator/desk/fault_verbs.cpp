@@ -11,9 +11,6 @@ namespace {
 
 constexpr char kAnyCommand[] = "any";
 
-// The library waits 3 s for an answer.
-constexpr char kLateAnswer[] = "3200ms";
-
 // A verb that makes a fault of answers. The parameter of its own stands between the command and the rest.
 struct AnswerFaultVerb {
   std::string name;
@@ -27,14 +24,13 @@ std::vector<AnswerFaultVerb> AnswerFaultVerbs() {
   const auto characters = [](long fallback, long most, const char* help) {
     return Optional(Integer("characters", 1, most, help), fallback);
   };
-  constexpr long kLongestLine = 4000;
   return {
       {"fault-silence", AnswerFaultKind::kSilence,
        "Loses commands: the MCU neither carries them out nor answers", std::nullopt},
       {"fault-delay", AnswerFaultKind::kDelay, "Delays answers", Duration("time", "by how much")},
       {"fault-late", AnswerFaultKind::kDelay,
        "Delays answers until nobody waits for them any more (3 s is how long the library does)",
-       Optional(Duration("time", "by how much"), kLateAnswer)},
+       Optional(Duration("time", "by how much"), "3200ms")},
       {"fault-error", AnswerFaultKind::kErrorReply,
        "Refuses commands with an error reply; the MCU does not carry them out",
        Optional(OneOf("error", {rolu_protocol::kErrorReplies.begin(), rolu_protocol::kErrorReplies.end()},
@@ -45,7 +41,7 @@ std::vector<AnswerFaultVerb> AnswerFaultVerbs() {
       {"fault-drop", AnswerFaultKind::kDropBytes, "Drops characters of answers, at random",
        characters(1, 64, "how many")},
       {"fault-long-line", AnswerFaultKind::kLongLine, "Makes answers too long",
-       characters(80, kLongestLine, "how long the line is")},
+       characters(80, 4000, "how long the line is")},
   };
 }
 

@@ -54,24 +54,20 @@ std::optional<ClockText> ParseClockText(const std::string& text) {
   const auto field = [&](std::size_t index) {
     return static_cast<std::uint8_t>(fields[index].matched ? std::stoi(fields[index]) : 0);
   };
-  ClockText result;
-  ClockTime& time = result.time;
-  result.has_date = fields[1].matched;
-  if (result.has_date) {
+  const bool has_date = fields[1].matched;
+  ClockTime time{.hour = field(4), .minute = field(5), .second = field(6)};
+  if (has_date) {
     time.year = field(1);
     time.month = field(2);
     time.day = field(3);
   }
-  time.hour = field(4);
-  time.minute = field(5);
-  time.second = field(6);
   if (!IsValid(time)) return std::nullopt;
-  if (result.has_date) {
+  if (has_date) {
     const std::chrono::year_month_day date(std::chrono::year(2000 + time.year),
                                            std::chrono::month(time.month), std::chrono::day(time.day));
     time.weekday = static_cast<std::uint8_t>(std::chrono::weekday(date).c_encoding());
   }
-  return result;
+  return ClockText{has_date, time};
 }
 
 }  // namespace

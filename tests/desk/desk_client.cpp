@@ -23,16 +23,14 @@ void Print(const std::string& call, ROLU_STATUS status, const std::string& value
   std::fflush(stdout);
 }
 
-std::string Fixed(float value) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.2f", static_cast<double>(value));
-  return text.data();
-}
-
 void ReadVoltage() {
   float volts = 0;
   const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&volts);
-  Print("voltage", status, status == ROLU_STATUS_SUCCESS ? Fixed(volts) : "");
+  std::array<char, 32> text{};
+  if (status == ROLU_STATUS_SUCCESS) {
+    std::snprintf(text.data(), text.size(), "%.2f", static_cast<double>(volts));
+  }
+  Print("voltage", status, text.data());
 }
 
 // Reads until a reading fails.

@@ -30,9 +30,9 @@ TEST(RoluSim, LetsAProgramTalkToTheMicrocontroller) {
 
 TEST(RoluSim, LetsScriptsUseTheWholeBoard) {
   const Directory directory;
-  for (const char* const command : {"sh " SCRIPTS "whole_board.sh", "bash " SCRIPTS "whole_board.sh",
-                                    "python3 " SCRIPTS "whole_board.py"}) {
-    const Ended run = RunTool(directory, Words(command));
+  for (const auto& [program, script] :
+       {std::pair("sh", "whole_board.sh"), {"bash", "whole_board.sh"}, {"python3", "whole_board.py"}}) {
+    const Ended run = RunTool(directory, {program, std::string(SCRIPTS) + script});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out + run.err, "");
   }

@@ -75,12 +75,6 @@ Verb VerbOf(const AnswerFaultVerb& row) {
           })};
 }
 
-void EndAllFaults(Desk& desk) {
-  desk.faults().Clear();
-  desk.board().mcu().ClearScript();
-  desk.board_faults().EndAll();
-}
-
 }  // namespace
 
 std::string NameOf(AnswerFaultKind kind) {
@@ -120,7 +114,11 @@ std::vector<Verb> FaultVerbs() {
          desk.board_faults().RefuseAddress(given.Integer<std::uint8_t>("address"),
                                            given.Get<std::string>("stage"), given.Get<int>("error"));
        })},
-      {"fault-clear", "Ends all faults, and the answers of `answer`", {}, Doing(EndAllFaults)},
+      {"fault-clear", "Ends all faults, and the answers of `answer`", {}, Doing([](Desk& desk) {
+         desk.faults().Clear();
+         desk.board().mcu().ClearScript();
+         desk.board_faults().EndAll();
+       })},
   };
   verbs.insert(verbs.end(), others.begin(), others.end());
   return verbs;

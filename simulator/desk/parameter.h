@@ -95,6 +95,7 @@ Parameter Optional(Parameter parameter, Json fallback = nullptr);
 template <typename Named>
 std::vector<std::string> NamesOf(const std::vector<Named>& all) {
   std::vector<std::string> names;
+  names.reserve(all.size());
   for (const Named& one : all) names.push_back(one.name);
   return names;
 }

@@ -19,10 +19,6 @@ double Seconds(std::chrono::nanoseconds duration) {
   return std::round(std::chrono::duration<double>(duration).count() * 1e6) / 1e6;
 }
 
-double SinceStart(Desk& desk, TimePoint time) {
-  return Seconds(time - desk.start());
-}
-
 Json DescribeBattery(const McuModel& mcu) {
   const TimePoint now = std::chrono::steady_clock::now();
   const auto threshold = [&](BatteryMode mode, Protection protection) {
@@ -134,7 +130,7 @@ std::string_view NameOf(McuEventKind kind) {
 Json DescribeEvents(Desk& desk) {
   Json events = Json::array();
   for (const McuEvent& event : desk.board().mcu().Events()) {
-    events.push_back({{"t_s", SinceStart(desk, event.time)}, {"event", NameOf(event.kind)}});
+    events.push_back({{"t_s", Seconds(event.time - desk.start())}, {"event", NameOf(event.kind)}});
   }
   return events;
 }
@@ -238,7 +234,7 @@ const std::vector<Reading>& Readings() {
        [](Desk& desk) -> Json {
          return {{"directory", desk.board().root().path()},
                  {"process", getpid()},
-                 {"up_s", SinceStart(desk, std::chrono::steady_clock::now())},
+                 {"up_s", Seconds(std::chrono::steady_clock::now() - desk.start())},
                  {"serial_port", desk.board().mcu().DevicePath()},
                  {"serial_port_is_open", desk.board().mcu().IsOpenByHost()},
                  {"seed", desk.faults().seed()}};

@@ -106,7 +106,6 @@ std::vector<Verb> VehicleVerbs() {
   const auto word = [](const char* name, const char* help) {
     return Optional(Integer(name, 0, 65535, help));
   };
-  constexpr double kMostVolts = VoltageCurve::kMaxVolts;
   return {
       {"ignition",
        "Turns the ignition on or off",
@@ -114,7 +113,7 @@ std::vector<Verb> VehicleVerbs() {
        Doing([](McuModel& mcu, const Arguments& given) { mcu.ignition.on = given.Get<bool>("state"); })},
       {"battery-voltage",
        "Sets the car battery's voltage, at once or along a line from the present one",
-       {Number("volts", 0, kMostVolts, "V", "the voltage"),
+       {Number("volts", 0, VoltageCurve::kMaxVolts, "V", "the voltage"),
         Optional(Duration("over", "how long it takes"), "0s")},
        Doing(SetBatteryVoltage)},
       {"battery-curve",

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <string_view>
 
-#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/line/pseudo_terminal.h"
 #include "simulator/system_error.h"
 #include "simulator/unique_fd.h"
 

@@ -16,17 +16,12 @@ const CLI::App& Innermost(const CLI::App& app) {
   return *at;
 }
 
-std::vector<std::string> SubcommandNames(const CLI::App& app) {
-  std::vector<std::string> names;
-  for (const CLI::App* const command : ShownSubcommands(app)) names.push_back(command->get_name());
-  return names;
-}
-
 // Those of the command and of the commands around it.
-std::vector<std::string> UsableOptions(const CLI::App& app) {
-  std::vector<std::string> names = LongOptions(app);
-  if (app.get_parent() == nullptr) return names;
-  for (const std::string& name : UsableOptions(*app.get_parent())) names.push_back(name);
+std::vector<std::string> UsableOptions(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::App* app = &command; app != nullptr; app = app->get_parent()) {
+    std::ranges::move(LongOptions(*app), std::back_inserter(names));
+  }
   return names;
 }
 
@@ -34,17 +29,18 @@ std::string ProblemOf(const CLI::App& app, const CLI::ParseError& error) {
   const bool is_extra = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ExtrasError);
   const bool is_missing = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError);
   const CLI::App& command = Innermost(app);
-  const std::vector<std::string> subcommands = SubcommandNames(command);
+  std::vector<std::string> subcommands;
+  for (const CLI::App* const each : ShownSubcommands(command)) subcommands.push_back(each->get_name());
   const std::vector<std::string> unexpected = app.remaining(true);
   if (unexpected.empty() || !(is_extra || is_missing)) {
     return is_missing && !subcommands.empty() ? "a command is missing" : error.what();
   }
   const std::string& word = unexpected.front();
   if (word.starts_with('-')) {
-    return fmt::format("there is no option '{}'{}", word, Suggestion(word, UsableOptions(command)));
+    return fmt::format("there is no option \"{}\"{}", word, Suggestion(word, UsableOptions(command)));
   }
-  if (subcommands.empty()) return fmt::format("'{}' is one word too many", word);
-  return fmt::format("there is no command '{}'{}", word, Suggestion(word, subcommands));
+  if (subcommands.empty()) return fmt::format("\"{}\" is one word too many", word);
+  return fmt::format("there is no command \"{}\"{}", word, Suggestion(word, subcommands));
 }
 
 }  // namespace
@@ -56,7 +52,7 @@ CLI::Option* AddDurationOption(CLI::App& command, const std::string& name,
     const auto parsed = ParseDuration(text, longest);
     if (!parsed || *parsed < shortest) {
       throw CLI::ValidationError(
-          name, fmt::format("must be a time from {} to {}, as {}, not '{}'", FormatDuration(shortest),
+          name, fmt::format("must be a time from {} to {}, as {}, not \"{}\"", FormatDuration(shortest),
                             FormatDuration(longest), kDurationExamples, text));
     }
     duration = *parsed;

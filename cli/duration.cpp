@@ -1,17 +1,25 @@
 #include "cli/duration.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 
 namespace rolu {
 namespace {
 
-struct Unit {
+constexpr struct {
   std::string_view name;
-  double seconds;
-};
+  std::int64_t milliseconds;
+} kUnits[] = {{"h", 3'600'000}, {"min", 60'000}, {"m", 60'000}, {"s", 1000}, {"ms", 1}};
 
-constexpr Unit kUnits[] = {{"ms", 0.001}, {"s", 1}, {"m", 60}, {"min", 60}, {"h", 3600}};
+// To the nearest millisecond.
+std::optional<std::chrono::milliseconds> AtMost(std::chrono::milliseconds longest, double milliseconds) {
+  const double rounded = std::round(milliseconds);
+  // What is not a number is not in the range either.
+  if (!(rounded >= 0 && rounded <= static_cast<double>(longest.count()))) return std::nullopt;
+  return std::chrono::milliseconds(std::llround(rounded));
+}
 
 }  // namespace
 
@@ -22,27 +30,22 @@ std::optional<std::chrono::milliseconds> ParseDuration(std::string_view text,
       std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
   if (error != std::errc()) return std::nullopt;
   text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  for (const Unit& unit : kUnits) {
-    if (text == unit.name) return DurationFromSeconds(number * unit.seconds, longest);
+  for (const auto& unit : kUnits) {
+    if (text == unit.name) return AtMost(longest, number * static_cast<double>(unit.milliseconds));
   }
   return std::nullopt;
 }
 
 std::optional<std::chrono::milliseconds> DurationFromSeconds(double seconds,
                                                              std::chrono::milliseconds longest) {
-  const double milliseconds = std::round(seconds * 1000);
-  // What is not a number is not in the range either.
-  if (!(milliseconds >= 0 && milliseconds <= static_cast<double>(longest.count()))) return std::nullopt;
-  return std::chrono::milliseconds(std::llround(milliseconds));
+  return AtMost(longest, seconds * 1000);
 }
 
 std::string FormatDuration(std::chrono::milliseconds duration) {
-  const auto milliseconds = duration.count();
-  if (milliseconds % 1000 != 0) return std::to_string(milliseconds) + "ms";
-  const auto seconds = milliseconds / 1000;
-  if (seconds == 0 || seconds % 60 != 0) return std::to_string(seconds) + "s";
-  if (seconds % 3600 != 0) return std::to_string(seconds / 60) + "min";
-  return std::to_string(seconds / 3600) + "h";
+  if (duration.count() == 0) return "0s";
+  const auto* const unit = std::ranges::find_if(
+      kUnits, [&](const auto& each) { return duration.count() % each.milliseconds == 0; });
+  return std::to_string(duration.count() / unit->milliseconds) + std::string(unit->name);
 }
 
 }  // namespace rolu

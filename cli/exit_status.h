@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <string>
 
 namespace rolu {
@@ -41,6 +43,12 @@ inline constexpr ExitStatusText kExitStatusTexts[] = {
 };
 
 // The same as a part of a help text.
-std::string ExitStatusHelp();
+inline std::string ExitStatusHelp() {
+  std::string text = "Exit status:\n";
+  for (const ExitStatusText& status : kExitStatusTexts) {
+    text += fmt::format("  {:<8}  {}\n", status.number, status.meaning);
+  }
+  return text;
+}
 
 }  // namespace rolu

@@ -18,8 +18,11 @@ std::string Environment(const char* name) {
 }
 
 // Standard error may be closed; a message that cannot be written must not end the work.
-void Print(const std::string& line) {
-  std::fputs(line.c_str(), stderr);
+void Print(std::string_view text, bool is_red) {
+  std::fputs(fmt::format("{}{}:{} {}\n", is_red ? "\033[31m" : "", program_invocation_short_name,
+                         is_red ? "\033[0m" : "", text)
+                 .c_str(),
+             stderr);
 }
 
 }  // namespace
@@ -29,13 +32,11 @@ bool MayColour(int fd) {
 }
 
 void Say(std::string_view text) {
-  Print(fmt::format("{}: {}\n", program_invocation_short_name, text));
+  Print(text, false);
 }
 
 void SayProblem(std::string_view text) {
-  const bool colour = MayColour(STDERR_FILENO);
-  Print(fmt::format("{}{}:{} {}\n", colour ? "\033[31m" : "", program_invocation_short_name,
-                    colour ? "\033[0m" : "", text));
+  Print(text, MayColour(STDERR_FILENO));
 }
 
 std::string ErrnoText(int error) {

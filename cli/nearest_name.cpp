@@ -1,7 +1,6 @@
 #include "cli/nearest_name.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace rolu {
 namespace {
@@ -9,29 +8,19 @@ namespace {
 // How many characters must be inserted, deleted, replaced or swapped with their neighbours to get from one
 // text to the other.
 std::size_t EditDistance(std::string_view from, std::string_view to) {
-  std::vector<std::size_t> before_last(to.size() + 1);
-  std::vector<std::size_t> last(to.size() + 1);
-  std::vector<std::size_t> row(to.size() + 1);
-  std::iota(last.begin(), last.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= from.size(); ++i) {
-    row[0] = i;
-    for (std::size_t j = 1; j <= to.size(); ++j) {
+  // By how many characters of the one and of the other.
+  std::vector<std::vector<std::size_t>> edits(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
+  for (std::size_t i = 0; i <= from.size(); ++i) {
+    for (std::size_t j = 0; j <= to.size(); ++j) {
+      std::size_t& fewest = edits[i][j] = i + j;
+      if (i == 0 || j == 0) continue;
       const bool same = from[i - 1] == to[j - 1];
-      row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (same ? 0 : 1)});
-      if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
-        row[j] = std::min(row[j], before_last[j - 2] + 1);
-      }
+      fewest = std::min({edits[i - 1][j] + 1, edits[i][j - 1] + 1, edits[i - 1][j - 1] + (same ? 0 : 1)});
+      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
+      if (swapped) fewest = std::min(fewest, edits[i - 2][j - 2] + 1);
     }
-    before_last.swap(last);
-    last.swap(row);
   }
-  return last[to.size()];
-}
-
-// A name that was not typed to its end is the nearest.
-std::size_t Distance(std::string_view unknown, std::string_view name) {
-  const bool is_beginning = unknown.size() >= 3 && name.starts_with(unknown);
-  return is_beginning ? 0 : EditDistance(unknown, name);
+  return edits.back().back();
 }
 
 }  // namespace
@@ -41,7 +30,9 @@ std::string Suggestion(std::string_view unknown, const std::vector<std::string>&
   std::size_t closest = std::max<std::size_t>(unknown.size() / 3, 2) + 1;
   std::string_view nearest;
   for (const std::string& name : known) {
-    const std::size_t distance = Distance(unknown, name);
+    // A name that was not typed to its end is the nearest.
+    const bool is_beginning = unknown.size() >= 3 && name.starts_with(unknown);
+    const std::size_t distance = is_beginning ? 0 : EditDistance(unknown, name);
     // A short name is near to everything.
     if (distance >= closest || distance * 2 >= name.size()) continue;
     closest = distance;

@@ -1,7 +1,6 @@
-#include "fuzz/answered_link.h"
-
 #include <cstring>
 
+#include "fuzz/stand_ins.h"
 #include "mcu/link.h"
 #include "mcu/link_state.h"
 

@@ -4,17 +4,16 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <chrono>
 
-#include "fuzz/hurried_time.h"
 #include "fuzz/input.h"
+#include "fuzz/stand_ins.h"
 #include "mcu/link.h"
-#include "mcu/link_state.h"
 #include "simulator/board.h"
 #include "simulator/preloaded.h"
 #include "tests/oracle/made_call.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
+#include "tests/support/link_state.h"
 #include "tests/support/process_state.h"
 
 namespace {
@@ -22,9 +21,7 @@ namespace {
 using rolu_fuzz::FailIf;
 using rolu_fuzz::Input;
 using rolu_fuzz::Require;
-using rolu_sim::CommandMatch;
 using rolu_sim::Reply;
-using rolu_test::Bytes;
 using rolu_test::CallRow;
 using rolu_test::Made;
 using rolu_test::OddAnswer;
@@ -33,37 +30,20 @@ constexpr size_t kMostCalls = 16;
 
 struct Operation {
   size_t family;
-  CallRow row;
-  bool takes_down;
+  const CallRow* row;
 };
 
-bool EndsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
+// All operations, and the calls that take a family down without a command.
 std::vector<Operation> AllOperations() {
-  constexpr char kDown[] = "_Deinitialize";
   std::vector<Operation> operations;
-  const std::vector<rolu_test::McuFamily>& families = rolu_test::McuFamilies();
-  for (size_t i = 0; i < families.size(); ++i) {
-    for (const CallRow& row : families[i].operations) {
-      operations.push_back({i, row, EndsWith(row.name, kDown)});
-    }
+  for (size_t i = 0; i < rolu_test::McuFamilies().size(); ++i) {
+    const rolu_test::McuFamily& family = rolu_test::McuFamilies()[i];
+    for (const CallRow& row : family.operations) operations.push_back({i, &row});
     for (const CallRow& row : rolu_test::SilentOperations()) {
-      if (row.name == families[i].prefix + (kDown + 1)) operations.push_back({i, row, true});
+      if (row.name == family.prefix + "Deinitialize") operations.push_back({i, &row});
     }
   }
   return operations;
-}
-
-bool IsReplyStored() {
-  const ScopedLock lock(*io_op_lock);
-  return last_command_valid;
-}
-
-bool IsLinkOpen() {
-  const ScopedLock lock(*io_op_lock);
-  return vpm_ref_count > 0;
 }
 
 // How many more commands the MCU receives until the library's wait for an answer is over.
@@ -85,19 +65,22 @@ class Session {
   void Step(Input& input) {
     static const std::vector<Operation> operations = AllOperations();
     const Operation& operation = operations[input.Below(operations.size())];
-    const CallRow& row = operation.row;
+    const CallRow& row = *operation.row;
+    const bool takes_down = row.name.ends_with("_Deinitialize");
     if (up_[operation.family] == row.brings_up) {
-      ExpectRefusal(row, row.brings_up ? ROLU_STATUS_ALREADY_INITIALIZED : ROLU_STATUS_NOT_INITIALIZED);
+      const ROLU_STATUS due = row.brings_up ? ROLU_STATUS_ALREADY_INITIALIZED : ROLU_STATUS_NOT_INITIALIZED;
+      FailIf(row.name + " in the wrong state", FaultOf(Make(row), due, {}, ""));
     } else if (row.answers.empty()) {
       FailIf(row.name, FaultOf(Make(row), row.status, row.output, row.wire));
-      up_[operation.family] = !operation.takes_down;
+      up_[operation.family] = !takes_down;
     } else {
       const ROLU_STATUS status = CallWithOddAnswer(row, input);
       if (status != ROLU_STATUS_SUCCESS) return;
       if (row.brings_up) up_[operation.family] = true;
-      if (operation.takes_down) up_[operation.family] = false;
+      if (takes_down) up_[operation.family] = false;
       if (row.name == "VPM_Initialize") RestoreScales(row);
-      if (row.undo) FailIf(row.name, MakeUndo(row) == ROLU_STATUS_SUCCESS ? "" : "cannot be undone");
+      if (row.undo)
+        Require(Make({row.name, row.undo}).status == ROLU_STATUS_SUCCESS, "what cannot be undone");
     }
   }
 
@@ -117,26 +100,14 @@ class Session {
 
  private:
   Made Make(const CallRow& row) {
-    board_.mcu().Log().Clear();
-    board_.mcu().ClearScript();
-    for (const rolu_test::Answer& answer : row.answers) {
-      board_.mcu().Script(CommandMatch::Any(), answer.reply);
-    }
+    rolu_test::ScriptAnswers(board_.mcu(), row);
     rolu_fuzz::slept_ms = 0;
-    alignas(std::max_align_t) rolu_test::OutputMemory output = rolu_test::MemoryWith({});
-    const auto start = std::chrono::steady_clock::now();
-    Made made;
-    made.status = row.call(row.output_is_null ? nullptr : output.data());
+    Made made = rolu_test::MakeCall(row.call);
     // A call that hangs, on however busy a machine.
-    if (std::chrono::steady_clock::now() - start > kGenerous) FailIf(row.name, "took too long");
-    made.output = output;
-    for (const rolu_sim::WireEvent& chunk : board_.mcu().Log().Chunks()) {
-      if (chunk.direction == rolu_sim::Direction::kToMcu) made.traffic += chunk.bytes;
-    }
+    if (made.duration > kGenerous) FailIf(row.name, "took too long");
+    made.traffic = rolu_test::TrafficTo(board_.mcu());
     return made;
   }
-
-  ROLU_STATUS MakeUndo(const CallRow& row) { return Make({row.name + ", undone", row.undo}).status; }
 
   // The voltages of the rows are those of the scales that the power manager is told there.
   void RestoreScales(const CallRow& start_up) {
@@ -144,27 +115,9 @@ class Session {
     FailIf(start_up.name, FaultOf(Make(start_up), start_up.status, start_up.output, start_up.wire));
   }
 
-  void ExpectRefusal(const CallRow& row, ROLU_STATUS status) {
-    FailIf(row.name + " in the wrong state", FaultOf(Make(row), status, {}, ""));
-  }
-
-  // The library refuses a missing output, and sends nothing.
-  bool ExpectNullRefusal(CallRow row) {
-    if (row.output.empty()) return false;
-    row.output_is_null = true;
-    const Made made = Make(row);
-    const bool is_refused =
-        made.status == ROLU_STATUS_INVALID_PARAMETER || made.status == ROLU_STATUS_NULL_POINTER;
-    FailIf(row.name, is_refused && made.traffic.empty() ? "" : "takes a null output");
-    return true;
-  }
-
   ROLU_STATUS CallWithOddAnswer(const CallRow& row, Input& input) {
-    constexpr size_t kNull = 9;
     constexpr size_t kLate = 10;
     const size_t kind = input.Below(16);
-    if (kind == kNull && ExpectNullRefusal(row)) return ROLU_STATUS_INVALID_PARAMETER;
-
     const size_t command = input.Below(row.answers.size());
     const std::string healthy = BytesOf(row.answers[command]);
     OddAnswer odd = {&row, command, kind == kLate ? "" : AnswerOf(kind, healthy, input)};
@@ -178,7 +131,7 @@ class Session {
     if (made.status == ROLU_STATUS_SUCCESS && rolu_fuzz::slept_ms != row.post_delay_ms) {
       FailIf(row.name, "has another post-delay");
     }
-    if (kind == kLate && IsLinkOpen()) {
+    if (kind == kLate && LinkUsers() > 0) {
       board_.mcu().SendRaw(healthy);
       Require(WaitUntil(IsReplyStored), "the late answer was not received");
     }

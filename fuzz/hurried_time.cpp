@@ -1,42 +1,42 @@
-#include "fuzz/hurried_time.h"
-
-#include <chrono>
-
 #include "core/deadline.h"
+#include "fuzz/stand_ins.h"
 
 namespace rolu_fuzz {
 std::atomic<bool> time_is_up{false};
 std::atomic<int> slept_ms{0};
 }  // namespace rolu_fuzz
 
-timespec WallClockDeadline(unsigned long ms) {
-  const auto deadline = (std::chrono::system_clock::now() + std::chrono::milliseconds(ms)).time_since_epoch();
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(deadline);
+namespace {
+
+timespec Now(clockid_t clock) {
   timespec time{};
-  time.tv_sec = static_cast<time_t>(seconds.count());
-  time.tv_nsec = static_cast<long>(std::chrono::nanoseconds(deadline - seconds).count());
+  clock_gettime(clock, &time);
   return time;
 }
 
-bool HasPassed(const timespec& deadline) {
-  if (rolu_fuzz::time_is_up.exchange(false)) return true;
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME, &now);
-  if (now.tv_sec != deadline.tv_sec) return now.tv_sec > deadline.tv_sec;
-  return now.tv_nsec >= deadline.tv_nsec;
-}
-
-timespec MonotonicDeadline(unsigned long ms) {
-  timespec time{};
-  clock_gettime(CLOCK_MONOTONIC, &time);
+// Whole seconds do, rounded up.
+timespec TimeAfter(clockid_t clock, unsigned long ms) {
+  timespec time = Now(clock);
   time.tv_sec += static_cast<time_t>(ms / 1000 + 1);
   return time;
 }
 
+}  // namespace
+
+timespec WallClockDeadline(unsigned long ms) {
+  return TimeAfter(CLOCK_REALTIME, ms);
+}
+
+bool HasPassed(const timespec& deadline) {
+  return rolu_fuzz::time_is_up.exchange(false) || Now(CLOCK_REALTIME).tv_sec > deadline.tv_sec;
+}
+
+timespec MonotonicDeadline(unsigned long ms) {
+  return TimeAfter(CLOCK_MONOTONIC, ms);
+}
+
 bool HasPassedMonotonic(const timespec& deadline) {
-  timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
-  return now.tv_sec > deadline.tv_sec;
+  return Now(CLOCK_MONOTONIC).tv_sec > deadline.tv_sec;
 }
 
 void SleepForMs(int ms) {
@@ -44,7 +44,6 @@ void SleepForMs(int ms) {
 }
 
 long long MonotonicUs() {
-  using std::chrono::microseconds;
-  return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now().time_since_epoch())
-      .count();
+  const timespec now = Now(CLOCK_MONOTONIC);
+  return static_cast<long long>(now.tv_sec) * 1000000 + now.tv_nsec / 1000;
 }

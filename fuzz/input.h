@@ -15,7 +15,6 @@ class Input {
   Input(const uint8_t* bytes, size_t size) : bytes_(bytes), left_(size) {}
 
   bool empty() const { return left_ == 0; }
-  size_t left() const { return left_; }
 
   uint8_t Byte() {
     if (left_ == 0) return 0;
@@ -49,12 +48,7 @@ class Input {
   abort();
 }
 
-// The same, but nothing for an empty text.
-inline void FailIf(const std::string& wrong) {
-  if (!wrong.empty()) Fail(wrong);
-}
-
-// The same, with where it is wrong.
+// The same, with where it is wrong; nothing for an empty text.
 inline void FailIf(const std::string& where, const std::string& wrong) {
   if (!wrong.empty()) Fail(where + ": " + wrong);
 }

@@ -7,7 +7,7 @@
 #include "fuzz/input.h"
 #include "fuzz/unsolicited_model.h"
 #include "mcu/unsolicited.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (lines.empty() || !rolu_test::IsBracketed(lines.front())) continue;
     for (size_t i = 0; i < times; ++i) {
       HandleBracketedMessage(lines.front().c_str());
-      CompareSignals(EventOf(model.Take(lines.front())));
+      CompareSignals(model.Take(lines.front()));
     }
   }
   model.CompareAllPops();

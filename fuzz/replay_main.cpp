@@ -2,11 +2,9 @@
 // corpus as a test, with any compiler.
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -16,9 +14,7 @@ namespace {
 
 void Replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  std::vector<uint8_t> input(bytes.size());
-  memcpy(input.data(), bytes.data(), bytes.size());
+  const std::vector<uint8_t> input((std::istreambuf_iterator<char>(file)), {});
   fprintf(stderr, "%s\n", path.c_str());
   LLVMFuzzerTestOneInput(input.data(), input.size());
 }
@@ -27,18 +23,15 @@ void Replay(const std::filesystem::path& path) {
 
 int main(int argc, char** argv) {
   LLVMFuzzerInitialize(&argc, &argv);
-  size_t replayed = 0;
-  for (int i = 1; i < argc; ++i) {
-    if (!std::filesystem::is_directory(argv[i])) {
-      Replay(argv[i]);
-      ++replayed;
-      continue;
-    }
-    for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
-      Replay(entry.path());
-      ++replayed;
+  std::vector<std::filesystem::path> inputs;
+  for (const std::filesystem::path path : std::vector<const char*>(argv + 1, argv + argc)) {
+    if (is_directory(path)) {
+      inputs.insert(inputs.end(), std::filesystem::directory_iterator(path), {});
+    } else {
+      inputs.push_back(path);
     }
   }
-  fprintf(stderr, "%zu inputs replayed\n", replayed);
-  return replayed > 0 ? 0 : 2;
+  for (const std::filesystem::path& path : inputs) Replay(path);
+  fprintf(stderr, "%zu inputs replayed\n", inputs.size());
+  return inputs.empty() ? 2 : 0;
 }

@@ -14,40 +14,33 @@
 
 namespace rolu_fuzz {
 
-enum class Registration { kNone, kAlarm, kIgnition, kBattery };
-
-// What is registered, in their order.
-inline pthread_cond_t registered_events[] = {PTHREAD_COND_INITIALIZER, PTHREAD_COND_INITIALIZER,
-                                             PTHREAD_COND_INITIALIZER};
-
-// Null for none.
-inline pthread_cond_t* EventOf(Registration registration) {
-  if (registration == Registration::kNone) return nullptr;
-  return &registered_events[static_cast<size_t>(registration) - 1];
-}
+// What is registered.
+inline pthread_cond_t alarm_event = PTHREAD_COND_INITIALIZER;
+inline pthread_cond_t ignition_event = PTHREAD_COND_INITIALIZER;
+inline pthread_cond_t battery_event = PTHREAD_COND_INITIALIZER;
 
 // Empties the ring, and registers all events.
 inline void RegisterAnew() REQUIRES(io_op_lock) {
   ResetUnsolicited();
-  set_gsensor_alarm_event(EventOf(Registration::kAlarm));
-  set_ignition_poweroff_alarm_event(EventOf(Registration::kIgnition));
-  set_lvp_poweroff_alarm_event(EventOf(Registration::kBattery));
+  set_gsensor_alarm_event(&alarm_event);
+  set_ignition_poweroff_alarm_event(&ignition_event);
+  set_lvp_poweroff_alarm_event(&battery_event);
 }
 
 class UnsolicitedModel {
  public:
-  // Which registration the message signals.
-  Registration Take(const std::string& line) {
+  // What the message signals; null for nothing.
+  pthread_cond_t* Take(const std::string& line) {
     const std::string text = line.substr(0, line.find('\0'));
     if (text.size() > 1 && text[1] == 'G') return TakeSample(text);
     // The class, the kind, and something behind them.
     rolu_test::Pieces pieces(text);
-    if (!pieces.Exactly("[")) return Registration::kNone;
+    if (!pieces.Exactly("[")) return nullptr;
     const std::optional<int> message_class = pieces.Number(16, 2);
     const std::optional<int> kind = pieces.Number(16, 2);
-    if (!pieces.Word() || message_class != 0) return Registration::kNone;
-    if (kind == 0) return Registration::kIgnition;
-    return kind == 1 ? Registration::kBattery : Registration::kNone;
+    if (!pieces.Word() || message_class != 0) return nullptr;
+    if (kind == 0) return &ignition_event;
+    return kind == 1 ? &battery_event : nullptr;
   }
 
   // Takes a sample from the library, and compares it.
@@ -69,12 +62,12 @@ class UnsolicitedModel {
   }
 
  private:
-  Registration TakeSample(const std::string& text) {
+  pthread_cond_t* TakeSample(const std::string& text) {
     constexpr size_t kPrefix = 4;
     constexpr size_t kDigits = 12;
-    if (text.compare(0, kPrefix, "[GI:") != 0 || text.size() < kPrefix + kDigits) return Registration::kNone;
+    if (text.compare(0, kPrefix, "[GI:") != 0 || text.size() < kPrefix + kDigits) return nullptr;
     for (const char digit : text.substr(kPrefix, kDigits)) {
-      if (isxdigit(static_cast<unsigned char>(digit)) == 0) return Registration::kNone;
+      if (isxdigit(static_cast<unsigned char>(digit)) == 0) return nullptr;
     }
     const auto axis = [&text](size_t index) {
       const int value = rolu_test::NumberOf(text.substr(kPrefix + 4 * index, 4), 16);
@@ -82,7 +75,7 @@ class UnsolicitedModel {
     };
     ring_.push_back({axis(0), axis(1), axis(2)});
     if (ring_.size() > 31) ring_.pop_front();
-    return Registration::kAlarm;
+    return &alarm_event;
   }
 
   std::deque<ROLU_GSENSOR_DATA> ring_;

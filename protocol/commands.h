@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace rolu_protocol {
@@ -52,12 +53,14 @@ struct Command {
   Fields answer_fields;  // of the last line
   bool is_question;      // it changes nothing
   int answer_lines = 1;
-  int post_delay_ms = 0;  // how long the MCU is to be left alone after the answer
+  int post_delay_ms = 0;                 // how long the MCU is to be left alone after the answer
+  std::string_view factory_answer = {};  // of a question whose answer never changes
 };
 
 constexpr Command Question(std::string_view code, std::string_view words, Fields fields,
-                           std::string_view answer_words, Fields answer_fields) {
-  return {code, words, fields, answer_words, answer_fields, true};
+                           std::string_view answer_words, Fields answer_fields,
+                           std::string_view factory_answer = {}) {
+  return {code, words, fields, answer_words, answer_fields, true, 1, 0, factory_answer};
 }
 
 constexpr Command Order(std::string_view code, std::string_view words, Fields fields, int post_delay_ms,
@@ -68,9 +71,10 @@ constexpr Command Order(std::string_view code, std::string_view words, Fields fi
 inline constexpr int kUsualDelayMs = 50;
 
 inline constexpr Command kCommands[] = {
-    Question("Hello", "greet the MCU", {}, "{}", {kDone}),
-    Question("ATF0", "read the firmware version", {}, "firmware {}", {kText}),
-    Question("ATF1", "read the platform's name", {}, "platform {}", {kText}),
+    Question("Hello", "greet the MCU", {}, "{}", {kDone}, "OK"),
+    // "*VER:" major "." minor "*", three columns each; five characters and the twelve of the name.
+    Question("ATF0", "read the firmware version", {}, "firmware {}", {kText}, "*VER:  1. 26*"),
+    Question("ATF1", "read the platform's name", {}, "platform {}", {kText}, "*PLT:KAVO-ROLU-30*"),
     Order("ATPO", "power off now", {}, 0),
     Order("EEDF", "restore the MCU's default settings", {}, 1250),
 
@@ -168,8 +172,9 @@ const Command* FindCommand(std::string_view line);
 struct Value {
   std::string_view text;     // as it is on the wire
   std::uint64_t number = 0;  // of a field with a number
+  std::string words;         // as people say it
 };
-using Values = std::array<Value, std::tuple_size<Fields>::value>;
+using Values = std::array<Value, std::tuple_size_v<Fields>>;
 
 // The fields of a text, which must be all of it; nothing when one is malformed or stands for nothing. Whether
 // the MCU takes a value, as a delay, is for the MCU to say.

@@ -12,29 +12,10 @@ inline constexpr std::string_view kUnknownCommandReply = "ERR-C01";
 inline constexpr std::string_view kRefusedParameterReply = "ERR-M08";
 inline constexpr std::string_view kSensorOffReply = "ERR-G01";
 
-inline constexpr std::array<std::string_view, 23> kErrorReplies = {kUnknownCommandReply,
-                                                                   "ERR-R01",
-                                                                   "ERR-M01",
-                                                                   "ERR-M02",
-                                                                   "ERR-M03",
-                                                                   "ERR-M04",
-                                                                   "ERR-M06",
-                                                                   kRefusedParameterReply,
-                                                                   "ERR-W01",
-                                                                   "ERR-W02",
-                                                                   "ERR-B01",
-                                                                   "ERR-B02",
-                                                                   "ERR-E01",
-                                                                   "ERR-E02",
-                                                                   "ERR-E03",
-                                                                   "ERR-E04",
-                                                                   "ERR-L01",
-                                                                   kSensorOffReply,
-                                                                   "ERR-G02",
-                                                                   "ERR-A01",
-                                                                   "ERR-T01",
-                                                                   "ERR-Q01",
-                                                                   "ERR-Q02"};
+inline constexpr std::array<std::string_view, 23> kErrorReplies = {
+    "ERR-C01", "ERR-R01", "ERR-M01", "ERR-M02", "ERR-M03", "ERR-M04", "ERR-M06", "ERR-M08",
+    "ERR-W01", "ERR-W02", "ERR-B01", "ERR-B02", "ERR-E01", "ERR-E02", "ERR-E03", "ERR-E04",
+    "ERR-L01", "ERR-G01", "ERR-G02", "ERR-A01", "ERR-T01", "ERR-Q01", "ERR-Q02"};
 
 // A message that no command asked for.
 constexpr bool IsMessage(std::string_view line) {
@@ -75,15 +56,24 @@ constexpr std::uint8_t WakeupCodeOf(int source) {
   throw "no code stands for this source";
 }
 
+// The low-battery thresholds that the MCU takes, in units of its readings.
+struct ThresholdRange {
+  std::uint16_t least;
+  std::uint16_t middle;
+  std::uint16_t most;
+};
+
 // The vehicle's electrical systems, by their numbers.
 struct BatterySystem {
   unsigned number;
   int volts;
   double volts_per_unit;
   std::string_view scale_text;  // as the MCU tells it
+  ThresholdRange thresholds;
 };
 inline constexpr std::array<BatterySystem, 2> kBatterySystems = {
-    {{2, 24, 0.01582, "0.01582"}, {3, 12, 0.015385, "0.015385"}}};
+    {{2, 24, 0.01582, "0.01582", {0x052F, 0x05AE, 0x05ED}},
+     {3, 12, 0.015385, "0.015385", {0x02AA, 0x02EB, 0x030C}}}};
 
 inline constexpr double kZeroCelsiusInKelvin = 273.15;
 

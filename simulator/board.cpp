@@ -5,9 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "simulator/command_path.h"
-#include "simulator/preloaded.h"
-#include "simulator/system_error.h"
+#include "simulator/environment.h"
 
 namespace rolu_sim {
 namespace {
@@ -42,7 +40,7 @@ Board::~Board() {
 }
 
 void Board::AttachThisProcess() {
-  if (setenv(kRootVariable, root_.path().c_str(), 1) != 0) ThrowErrno("setting the environment");
+  SetEnvironment(kRootVariable, root_.path());
   AddCommandDirectory(root_.CommandDirectory());
 }
 

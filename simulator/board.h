@@ -4,13 +4,12 @@
 #include <string>
 
 #include "simulator/board_root.h"
-#include "simulator/devices/attribute.h"
-#include "simulator/devices/backlight.h"
 #include "simulator/devices/board_paths.h"
+#include "simulator/devices/device.h"
 #include "simulator/devices/device_server.h"
 #include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 #include "simulator/wireless_interface.h"
 
 namespace rolu_sim {

@@ -6,9 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -30,13 +30,12 @@ struct Part {
 };
 
 // What a board has in its directory, whoever makes it; what is in a directory stands before it.
-constexpr std::array<Part, 7> kParts = {{{kSerialLinkName, std::filesystem::file_type::symlink},
-                                         {"/proc", std::filesystem::file_type::directory},
-                                         {"/bin/ifconfig", std::filesystem::file_type::regular},
-                                         {"/bin", std::filesystem::file_type::directory},
-                                         {kDeviceSocketName, std::filesystem::file_type::socket},
-                                         {"/control", std::filesystem::file_type::socket},
-                                         {"/wlan0-up", std::filesystem::file_type::regular}}};
+using std::filesystem::file_type;
+constexpr Part kParts[] = {
+    {kSerialLinkName, file_type::symlink},   {"/proc", file_type::directory},
+    {"/bin/ifconfig", file_type::regular},   {kCommandDirectoryName, file_type::directory},
+    {kDeviceSocketName, file_type::socket},  {kControlSocketName, file_type::socket},
+    {kWirelessStateName, file_type::regular}};
 
 // Without symbolic links: a program's working directory may be in it, and is compared with it.
 std::string ParentDirectory() {
@@ -48,7 +47,7 @@ std::string ParentDirectory() {
 
 // Of the directories that are shown.
 bool IsShown(const std::string& name, const std::filesystem::directory_entry& entry) {
-  const bool is_within = name == kShownDirectory || name.rfind(kShownDirectory + std::string("/"), 0) == 0;
+  const bool is_within = name == kShownDirectory || name.starts_with(kShownDirectory + std::string("/"));
   const std::filesystem::file_status status = entry.symlink_status();
   return is_within && (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
 }
@@ -95,7 +94,7 @@ bool BoardRoot::HoldsOnlyParts(const std::string& directory) {
   const std::filesystem::recursive_directory_iterator entries(directory);
   return std::all_of(begin(entries), end(entries), [&](const std::filesystem::directory_entry& entry) {
     const std::string name = entry.path().string().substr(directory.size());
-    return IsShown(name, entry) || std::any_of(kParts.begin(), kParts.end(), [&](const Part& part) {
+    return IsShown(name, entry) || std::any_of(std::begin(kParts), std::end(kParts), [&](const Part& part) {
              return part.name == name && part.type == entry.symlink_status().type();
            });
   });
@@ -112,7 +111,7 @@ std::string BoardRoot::SerialLinkPath() const {
 }
 
 std::string BoardRoot::CommandDirectory() const {
-  return path_ + "/bin";
+  return path_ + kCommandDirectoryName;
 }
 
 std::string BoardRoot::DeviceSocketPath() const {
@@ -124,7 +123,7 @@ bool BoardRoot::ShowDirectory(const std::string& path, const Entries& entries) c
   std::error_code failed;
   std::filesystem::create_directories(directory, failed);
   for (const auto& shown : std::filesystem::directory_iterator(directory, failed)) {
-    if (entries.count(shown.path().filename()) == 0) RemoveShown(shown.path());
+    if (!entries.contains(shown.path().filename())) RemoveShown(shown.path());
   }
   for (const auto& [name, is_directory] : entries) {
     if (failed) break;

@@ -1,3 +1,5 @@
+// Names a directory of the build. rolu-sim, which is installed, links nothing of this file.
+
 #include "simulator/preloaded.h"
 
 #include <dlfcn.h>
@@ -9,7 +11,7 @@
 #include <cstring>
 #include <string>
 
-#include "simulator/preload_list.h"
+#include "simulator/environment.h"
 
 namespace rolu_sim {
 namespace {
@@ -26,10 +28,6 @@ constexpr char kSecondStartVariable[] = "ROLU_SIM_SECOND_START";
 
 }  // namespace
 
-bool IsPreloaded() {
-  return dlsym(RTLD_DEFAULT, "rolu_sim_preload_version") != nullptr;
-}
-
 void EnsurePreloaded(int /*argc*/, char** argv) {
   if (IsPreloaded()) {
     unsetenv(kSecondStartVariable);
@@ -37,11 +35,14 @@ void EnsurePreloaded(int /*argc*/, char** argv) {
   }
   if (getenv(kSecondStartVariable) != nullptr) GiveUp(argv[0], "the loader did not take it");
   const char* const present = getenv("LD_PRELOAD");
-  const std::string list = PreloadListWith(present == nullptr ? "" : present, ROLU_SIM_PRELOAD_PATH);
-  setenv("LD_PRELOAD", list.c_str(), 1);
-  setenv(kSecondStartVariable, "1", 1);
+  SetEnvironment("LD_PRELOAD", PreloadListWith(present == nullptr ? "" : present, ROLU_SIM_PRELOAD_PATH));
+  SetEnvironment(kSecondStartVariable, "1");
   execv("/proc/self/exe", argv);
   GiveUp(argv[0], std::string("starting this program again: ") + std::strerror(errno));
+}
+
+bool IsPreloaded() {
+  return dlsym(RTLD_DEFAULT, "rolu_sim_preload_version") != nullptr;
 }
 
 }  // namespace rolu_sim

@@ -1,9 +1,8 @@
 #pragma once
 
-namespace rolu_sim {
+#include "simulator/devices/board_paths.h"
 
-// The environment variable that tells the preloaded object where the board is.
-inline constexpr char kRootVariable[] = "ROLU_SIM_ROOT";
+namespace rolu_sim {
 
 // Makes sure that the preloaded object is loaded in this process: returns at once if it is, else
 // runs the program again from its beginning with LD_PRELOAD set. Call it first in main. Ends the

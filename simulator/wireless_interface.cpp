@@ -3,12 +3,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "simulator/devices/board_paths.h"
 #include "simulator/system_error.h"
 
 namespace rolu_sim {
 namespace {
-
-constexpr char kStateName[] = "/wlan0-up";
 
 // Finds the state beside its own directory. Without arguments the command shows what is up, as the
 // system's does.
@@ -51,7 +50,7 @@ void WriteFile(const std::string& path, const char* text) {
 
 }  // namespace
 
-WirelessInterface::WirelessInterface(const BoardRoot& root) : state_path_(root.path() + kStateName) {
+WirelessInterface::WirelessInterface(const BoardRoot& root) : state_path_(root.path() + kWirelessStateName) {
   const std::string command = root.CommandDirectory() + "/ifconfig";
   WriteFile(command, kIfconfig);
   std::filesystem::permissions(command, std::filesystem::perms::owner_all);

@@ -1,21 +1,19 @@
-#ifndef SOAK_ANSWERING_MCU_H
-#define SOAK_ANSWERING_MCU_H
+#pragma once
 
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <mutex>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "simulator/faults/answer_faults.h"
-#include "simulator/mcu/reply_script.h"
-#include "soak/findings.h"
-#include "soak/lane.h"
+#include "protocol/commands.h"
+#include "simulator/line/answer_faults.h"
+#include "simulator/line/reply.h"
+#include "soak/dice.h"
+#include "soak/judgement.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {
@@ -29,9 +27,11 @@ struct PlannedAnswer {
   std::chrono::milliseconds delay;  // kNever: silence
 };
 
-using Lanes = std::array<std::unique_ptr<Lane>, kLanes>;
+// An answer line to the command, which is the `running`th of all. A word in it is not mistaken for another
+// command's, nor for the same one's a while ago. Empty for a text: the simulated MCU has that.
+std::string DrawnAnswer(const rolu_protocol::Command& command, std::uint64_t running);
 
-// What answers in place of the MCU's model: numbers of its own, and the desk's faults at random from
+// Answers in place of the MCU's model: with numbers of its own, and with the desk's faults at random from
 // the seed. Any thread may call any member.
 //
 // The wire does not say which command a line answers. A line that comes while another command is
@@ -39,18 +39,22 @@ using Lanes = std::array<std::unique_ptr<Lane>, kLanes>;
 // next command's, when nothing is pending: there it must be recognised and thrown away.
 class AnsweringMcu {
  public:
-  AnsweringMcu(std::uint32_t seed, const Lanes& lanes, Findings& violations);
+  AnsweringMcu(std::uint32_t seed, Findings& violations);
 
   rolu_sim::Reply Answer(std::string_view command, const rolu_sim::AskModel& ask_model);
+
+  // Commands of a lane that come between the two are those of its call. BeginCall gives the last one that
+  // came before, by itself or too late; an empty text if there was none.
+  std::string BeginCall(std::size_t lane);
+  std::vector<Exchange> EndCall(std::size_t lane);
 
   // Random faults, or none.
   void SetFaults(bool on) { faults_on_ = on; }
 
   static constexpr std::chrono::milliseconds kNever{-1};
   void Plan(const std::vector<PlannedAnswer>& answers);
-  void ForgetPlans() { Plan({}); }
 
-  // The port is a new one: what was late is lost.
+  // For a new port, on which a late answer does not come any more.
   void ForgetLateAnswer();
 
   std::uint64_t commands() const { return commands_; }
@@ -65,14 +69,19 @@ class AnsweringMcu {
   };
   Struck Strikes(std::string_view command);
   Struck DrawStrike(std::string_view command);
-  rolu_sim::Reply Send(std::string_view command, std::string bytes, Struck struck);
-  rolu_sim::Reply SendUndisturbed(std::string bytes);
-  std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
+  rolu_sim::Reply Send(std::string_view command, const std::string& bytes, Struck struck);
 
-  const Lanes& lanes_;
+  // What a thread's call has to do with the wire.
+  struct Lane {
+    bool is_calling = false;
+    std::vector<Exchange> exchanges = {};
+    std::string uncalled = {};
+  };
+
   Findings& violations_;
   std::mutex mutex_;
-  std::mt19937 random_;
+  Dice dice_;
+  std::array<Lane, kLanes> lanes_;
   rolu_sim::AnswerFaults desk_faults_;
   std::vector<PlannedAnswer> plans_;
   std::string late_;
@@ -83,5 +92,3 @@ class AnsweringMcu {
 };
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_ANSWERING_MCU_H

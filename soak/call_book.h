@@ -1,18 +1,18 @@
-#ifndef SOAK_CALL_BOOK_H
-#define SOAK_CALL_BOOK_H
+#pragma once
 
 #include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory_resource>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "include/kavo_rolu.h"
-#include "soak/findings.h"
+#include "soak/judgement.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {
@@ -38,13 +38,10 @@ struct DurationFigures {
 
 // How long each call took and how it ended. A call may take as long as it promises; one that takes turns
 // may take besides as long as the commands of others held the line. That is no more than the time during
-// which others ran, and no more than these promise. Any thread may call any member. The book has its whole
-// size from the start, since what the process holds is compared.
+// which others ran, and no more than these promise. Any thread may call any member.
 class CallBook {
  public:
-  CallBook();
-
-  // `lane` is the thread's own place.
+  // `lane` is the thread's own place. The operation outlives the book.
   void Begin(std::size_t lane, const Operation& operation);
   struct Duration {
     std::chrono::microseconds took{0};
@@ -55,41 +52,43 @@ class CallBook {
   // The names of the calls that have not returned, with their ages.
   std::string Unfinished() const;
 
-  using Endings = std::map<std::pair<std::size_t, ROLU_STATUS>, std::uint64_t>;  // by family and status
-  Endings endings() const;
-  std::map<std::string, DurationFigures> durations() const;  // by promise
-  std::uint64_t calls() const;
+  using Endings = std::pmr::map<std::pair<std::size_t, ROLU_STATUS>, std::uint64_t>;  // by family and status
+  Endings endings() const { return Locked(endings_); }
+  using Durations = std::pmr::map<std::string_view, DurationFigures>;  // by promise
+  Durations durations() const { return Locked(durations_); }
+  std::uint64_t calls() const { return Locked(calls_); }
 
  private:
   struct Running {
     const Operation* operation = nullptr;
     SteadyTime start{};
   };
-  struct Ending {
-    std::size_t family;
-    ROLU_STATUS status;
-    std::uint64_t calls;
-  };
-  struct Ended {
+  // A call that has ended.
+  struct Span {
     SteadyTime start{};
     SteadyTime end{};
     std::chrono::milliseconds may_hold_line{0};
   };
   static constexpr std::size_t kRemembered = 8192;
 
+  template <typename Member>
+  Member Locked(const Member& member) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return member;
+  }
   // With mutex_ held.
-  void CountEnding(std::size_t family, ROLU_STATUS status);
   std::chrono::microseconds TimeOfOthers(std::size_t lane, SteadyTime start, SteadyTime end) const;
 
   mutable std::mutex mutex_;
   std::array<Running, kLanes> running_{};
-  std::array<Ended, kRemembered> ended_{};
+  std::array<Span, kRemembered> ended_{};
   std::size_t next_ended_ = 0;
   std::uint64_t calls_ = 0;
-  std::vector<Ending> endings_;
-  std::map<std::string, DurationFigures> durations_;
+  // What the process holds is compared, so the tables have their room from the start.
+  std::array<std::byte, 65536> room_{};
+  std::pmr::monotonic_buffer_resource memory_{room_.data(), room_.size(), std::pmr::null_memory_resource()};
+  Endings endings_{&memory_};
+  Durations durations_{&memory_};
 };
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_CALL_BOOK_H

@@ -1,32 +1,65 @@
-#ifndef SOAK_CALLERS_H
-#define SOAK_CALLERS_H
+#pragma once
 
 #include <pthread.h>
 
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <mutex>
 #include <thread>
 #include <vector>
 
 #include "soak/answering_mcu.h"
 #include "soak/call_book.h"
-#include "soak/findings.h"
-#include "soak/gate.h"
 #include "soak/operations.h"
 #include "soak/process_usage.h"
 
 namespace rolu_soak {
+
+// Lets at most so many threads through at once. Whoever closes it keeps the others out in their turn,
+// however many come. Who is inside has it locked.
+class Gate {
+ public:
+  static constexpr int kAll = 1000;
+
+  void lock() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [this] { return inside_ < limit_; });
+    ++inside_;
+  }
+  void unlock() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    --inside_;
+    changed_.notify_all();
+  }
+  void Open(int limit = kAll) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    limit_ = limit;
+    changed_.notify_all();
+  }
+  // Waits until nobody is inside; false when that takes longer than `patience`.
+  bool Close(std::chrono::seconds patience) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    limit_ = 0;
+    return changed_.wait_for(lock, patience, [this] { return inside_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  int limit_ = kAll;
+  int inside_ = 0;
+};
 
 // The application: a thread for each lane, which calls what belongs to its lane and switches the family
 // that it leads off and on. Each call is judged by what became of its commands at the MCU.
 class Callers {
  public:
   // `excuses` gets the calls whose faults are explained by what threads waited for a processor.
-  Callers(const Lanes& lanes, CallBook& book, Findings& violations, Findings& excuses);
+  Callers(std::uint32_t seed, AnsweringMcu& mcu, CallBook& book, Findings& violations, Findings& excuses);
   ~Callers();
   Callers(const Callers&) = delete;
   Callers& operator=(const Callers&) = delete;
@@ -52,13 +85,13 @@ class Callers {
     std::atomic<bool> is_up{false};
   };
 
-  void Run(std::size_t lane);
-  void CallAny(Lane& lane, const std::vector<const Operation*>& operations);
-  void TurnOffAndOn(std::size_t family);
+  void Run(std::size_t lane, std::uint32_t seed);
+  void CallAny(Dice& dice, const std::vector<const Operation*>& operations);
+  void TurnOffAndOn(Dice& dice, std::size_t family);
   bool Empty(Gate& gate);
   void Report(const Operation& operation, const std::vector<Fault>& faults, const ProcessorWaits& before);
 
-  const Lanes& lanes_;
+  AnsweringMcu& mcu_;
   CallBook& book_;
   Findings& violations_;
   Findings& excuses_;
@@ -72,5 +105,3 @@ class Callers {
 };
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_CALLERS_H

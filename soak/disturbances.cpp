@@ -7,55 +7,32 @@
 #include <chrono>
 #include <string>
 
-#include "simulator/blocked_signals.h"
+#include "simulator/background_thread.h"
+#include "soak/dice.h"
 #include "soak/operations.h"
 
 namespace rolu_soak {
-namespace {
-
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-
-std::atomic<std::uint64_t> signals_handled{0};
-
-void HandleSignal(int) {
-  ++signals_handled;
-}
-
-}  // namespace
-
-void InstallSignalHandler() {
-  struct sigaction action {};
-  action.sa_handler = HandleSignal;  // without SA_RESTART
-  sigaction(SIGUSR1, &action, nullptr);
-}
-
-std::uint64_t Disturbances::SignalsHandled() {
-  return signals_handled;
-}
 
 Disturbances::Disturbances(rolu_sim::McuSerial& serial, std::vector<pthread_t> victims, std::uint32_t seed)
-    : serial_(serial), victims_(std::move(victims)), random_(seed) {
+    : serial_(serial), victims_(std::move(victims)) {
+  struct sigaction action {};
+  action.sa_handler = [](int) { ++signals_handled_; };  // without SA_RESTART
+  sigaction(SIGUSR1, &action, nullptr);
   const rolu_sim::BlockedSignals blocked;
-  message_thread_ = std::thread([this] { SendMessages(); });
-  signal_thread_ = std::thread([this, seed] { SendSignals(seed); });
+  message_thread_ = std::jthread([this, seed](const std::stop_token& stop) { SendMessages(stop, seed); });
+  signal_thread_ = std::jthread([this, seed](const std::stop_token& stop) { SendSignals(stop, seed + 1); });
 }
 
-Disturbances::~Disturbances() {
-  ending_ = true;
-  message_thread_.join();
-  signal_thread_.join();
-}
-
-void Disturbances::SendMessages() {
-  while (!ending_) {
-    std::this_thread::sleep_for(milliseconds(1 + Draw(60)));
+void Disturbances::SendMessages(const std::stop_token& stop, std::uint32_t seed) {
+  Dice dice(seed);
+  while (!stop.stop_requested()) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1 + dice.Below(60)));
     const std::lock_guard<std::mutex> lock(sending_);
     // Now and then more samples than the library keeps.
-    const std::uint32_t samples = Draw(200) == 0 ? 50 : Draw(3);
+    const std::uint32_t samples = dice.Below(200) == 0 ? 50 : dice.Below(3);
     std::string messages;
     for (std::uint32_t i = 0; i < samples; ++i) messages += AlarmMessage(++last_alarm_sent);
-    switch (Draw(4)) {
+    switch (dice.Below(4)) {
       case 0:
         messages += "[0000]]\r\n";
         break;
@@ -63,7 +40,7 @@ void Disturbances::SendMessages() {
         messages += "[0001]]\r\n";
         break;
       case 2:
-        messages += fmt::format("[{:02X}{:02X}?]\r", Draw(256), Draw(256));
+        messages += fmt::format("[{:02X}{:02X}?]\r", dice.Below(256), dice.Below(256));
         break;
       default:
         break;
@@ -74,15 +51,15 @@ void Disturbances::SendMessages() {
   }
 }
 
-void Disturbances::SendSignals(std::uint32_t seed) const {
-  std::mt19937 random(seed + 1);
-  while (!ending_) {
-    std::this_thread::sleep_for(microseconds(200 + random() % 8000));
+void Disturbances::SendSignals(const std::stop_token& stop, std::uint32_t seed) {
+  Dice dice(seed);
+  while (!stop.stop_requested()) {
+    std::this_thread::sleep_for(std::chrono::microseconds(200 + dice.Below(8000)));
     ++signals_;
-    if (random() % 8 == 0) {
+    if (dice.Below(8) == 0) {
       kill(getpid(), SIGUSR1);
     } else {
-      pthread_kill(victims_.at(random() % victims_.size()), SIGUSR1);
+      pthread_kill(victims_.at(dice.Below(victims_.size())), SIGUSR1);
     }
   }
 }

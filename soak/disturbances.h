@@ -1,16 +1,14 @@
-#ifndef SOAK_DISTURBANCES_H
-#define SOAK_DISTURBANCES_H
+#pragma once
 
 #include <pthread.h>
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
-#include <random>
 #include <thread>
 #include <vector>
 
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 
 namespace rolu_soak {
 
@@ -19,42 +17,27 @@ namespace rolu_soak {
 class Disturbances {
  public:
   Disturbances(rolu_sim::McuSerial& serial, std::vector<pthread_t> victims, std::uint32_t seed);
-  ~Disturbances();
-  Disturbances(const Disturbances&) = delete;
-  Disturbances& operator=(const Disturbances&) = delete;
 
-  // As long as one lives no message is sent, and none is on its way.
-  class Pause {
-   public:
-    explicit Pause(Disturbances& disturbances) : lock_(disturbances.sending_) {}
-
-   private:
-    std::lock_guard<std::mutex> lock_;
-  };
+  // As long as it is held no message is sent, and none is on its way.
+  std::unique_lock<std::mutex> Pause() { return std::unique_lock<std::mutex>(sending_); }
 
   std::uint64_t messages() const { return messages_; }
   std::uint64_t signals_sent() const { return signals_; }
-  static std::uint64_t SignalsHandled();
+  static std::uint64_t signals_handled() { return signals_handled_; }
 
  private:
-  void SendMessages();
-  void SendSignals(std::uint32_t seed) const;
-  std::uint32_t Draw(std::uint32_t below) { return static_cast<std::uint32_t>(random_()) % below; }
+  void SendMessages(const std::stop_token& stop, std::uint32_t seed);
+  void SendSignals(const std::stop_token& stop, std::uint32_t seed);
 
+  static inline std::atomic<std::uint64_t> signals_handled_{0};
   rolu_sim::McuSerial& serial_;
   const std::vector<pthread_t> victims_;
-  std::mt19937 random_;
   std::mutex sending_;
-  std::atomic<bool> ending_{false};
   std::atomic<std::uint64_t> messages_{0};
-  mutable std::atomic<std::uint64_t> signals_{0};
-  std::thread message_thread_;
-  std::thread signal_thread_;
+  std::atomic<std::uint64_t> signals_{0};
+  // They end with this object.
+  std::jthread message_thread_;
+  std::jthread signal_thread_;
 };
 
-// Once, before any thread runs.
-void InstallSignalHandler();
-
 }  // namespace rolu_soak
-
-#endif  // SOAK_DISTURBANCES_H

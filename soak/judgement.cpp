@@ -7,33 +7,10 @@
 #include "soak/operations.h"
 #include "soak/process_usage.h"
 #include "tests/oracle/meaning.h"
+#include "tools/status_words.h"
 
 namespace rolu_soak {
 namespace {
-
-struct StatusName {
-  ROLU_STATUS status;
-  const char* name;
-};
-constexpr StatusName kStatusNames[] = {
-    {ROLU_STATUS_SUCCESS, "success"},
-    {ROLU_STATUS_INVALID_PARAMETER, "invalid parameter"},
-    {ROLU_STATUS_NOT_INITIALIZED, "not initialised"},
-    {ROLU_STATUS_TIMEOUT, "time-out"},
-    {ROLU_STATUS_FILE_ACCESS_FAILED, "file access failed"},
-    {ROLU_STATUS_DEVICE_OPEN_FAILED, "device open failed"},
-    {ROLU_STATUS_ALREADY_INITIALIZED, "already initialised"},
-    {ROLU_STATUS_VPM_UNKNOWN_VALUE, "unknown value"},
-    {ROLU_STATUS_VPM_OPEN_FAILED, "open failed"},
-    {ROLU_STATUS_VPM_ERROR_REPLY, "error reply"},
-    {ROLU_STATUS_VPM_SEND_FAILED, "send failed"},
-    {ROLU_STATUS_VPM_INVALID_REPLY, "invalid reply"},
-    {ROLU_STATUS_VPM_NO_REPLY, "no reply"},
-    {ROLU_STATUS_GSENSOR_DATA_UNAVAILABLE, "no sample"},
-    {ROLU_STATUS_GSENSOR_INVALID_REPLY, "invalid G-sensor reply"},
-    {ROLU_STATUS_GSENSOR_ALARM_ALREADY_ENABLED, "alarm already on"},
-    {ROLU_STATUS_GSENSOR_NO_ALARM_DATA, "no alarm sample"},
-};
 
 bool IsUnanswered(ROLU_STATUS status) {
   return status == ROLU_STATUS_VPM_NO_REPLY || status == ROLU_STATUS_VPM_OPEN_FAILED;
@@ -48,7 +25,8 @@ std::string Commands(const std::vector<Exchange>& exchanges) {
   return text.empty() ? "none" : text;
 }
 
-// The greeting is no thread's own: who is to send it is taken to have done so.
+// All families send the greeting, so the MCU cannot tell whose it is: a call that should send it is taken to
+// have sent it.
 rolu_test::Made MadeCall(const CallFacts& facts) {
   rolu_test::Made made{facts.status, facts.output,
                        facts.row->brings_up && facts.family_was_up ? "Hello\r" : ""};
@@ -69,9 +47,9 @@ rolu_test::Ending EndingOf(const CallFacts& facts) {
 }  // namespace
 
 std::string StatusText(ROLU_STATUS status) {
-  const auto* const known = std::find_if(std::begin(kStatusNames), std::end(kStatusNames),
-                                         [status](const StatusName& row) { return row.status == status; });
-  return known == std::end(kStatusNames) ? fmt::format("0x{:04X}", status) : known->name;
+  constexpr std::string_view kPrefix = "ROLU_STATUS_";
+  const std::string_view name = rolu::WordsOf(status).name;
+  return name.starts_with(kPrefix) ? std::string(name.substr(kPrefix.size())) : rolu::CodeText(status);
 }
 
 Fault FaultIn(const CallFacts& facts) {

@@ -34,26 +34,13 @@ constexpr struct {
     {"R", kLaneClock},         {"S", kLaneClock},         {"W", kLaneClock},     {"WD", kLaneWatchdog},
 };
 
-std::string ExportOf(const CallRow& row) {
-  return row.name.substr(0, row.name.find(' '));
-}
-
-bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
-bool IsInitialize(const CallRow& row) {
-  return EndsWith(row.name, "_Initialize");
-}
-
 bool IsDeinitialize(const CallRow& row) {
-  return EndsWith(row.name, "_Deinitialize");
+  return row.name.ends_with("_Deinitialize");
 }
 
 std::size_t FamilyOf(const CallRow& row) {
-  const auto& families = rolu_test::McuFamilies();
   std::size_t family = 0;
-  while (row.name.compare(0, families.at(family).prefix.size(), families.at(family).prefix) != 0) ++family;
+  while (!row.name.starts_with(rolu_test::McuFamilies().at(family).prefix)) ++family;
   return family;
 }
 
@@ -83,7 +70,7 @@ Promise PromiseOfCommands(const std::vector<std::string>& commands) {
 Promise PromiseOf(const CallRow& row) {
   const std::vector<std::string> commands = rolu_test::CommandsOf(row.wire);
   if (commands.empty() && IsDeinitialize(row)) return {"a closing", kClosingMs, false};
-  if (commands.empty()) return {EndsWith(row.name, "Event") ? "the inner lock" : "Does not block", 0, false};
+  if (commands.empty()) return {row.name.ends_with("Event") ? "the inner lock" : "Does not block", 0, false};
   Promise promise = PromiseOfCommands(commands);
   if (row.brings_up) {
     promise.statement = "the link, then " + promise.statement;
@@ -103,10 +90,16 @@ Operation OperationFor(const CallRow& row, Promise promise) {
   for (const std::string& command : rolu_test::CommandsOf(row.wire)) {
     if (LaneOf(command) != kAnyLane) lane = LaneOf(command);
   }
-  const std::string name = ExportOf(row);
+  const std::string name = row.name.substr(0, row.name.find(' '));
   const bool has_state =
       row.status != ROLU_STATUS_NOT_SUPPORTED && name != "WD_GetRange" && name != "VPM_GetLBPThresholdInfo";
-  return {name, family, lane, std::move(promise), &row, has_state};
+  return {name,
+          family,
+          lane,
+          std::move(promise),
+          &row,
+          has_state,
+          name.ends_with("_Initialize") || IsDeinitialize(row)};
 }
 
 // What switches a peripheral and asks for what has become of it: nobody else switches it.
@@ -164,19 +157,6 @@ std::vector<Operation> OwnOperations() {
   return operations;
 }
 
-// The rows of the tests, but for the one that has a course of its own here and what the board does not
-// provide: that is refused at once, from memory.
-std::vector<Operation> RowOperations() {
-  std::vector<Operation> operations;
-  for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
-    operations.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
-  }
-  for (const CallRow& row : rolu_test::SilentOperations()) {
-    if (row.status == ROLU_STATUS_SUCCESS) operations.push_back(OperationFor(row, PromiseOf(row)));
-  }
-  return operations;
-}
-
 }  // namespace
 
 std::atomic<std::uint32_t> last_alarm_sent{0};
@@ -191,50 +171,53 @@ std::size_t LaneOf(std::string_view command) {
   std::size_t longest = 0;
   std::size_t lane = kAnyLane;
   for (const auto& owner : kOwners) {
-    if (owner.begin.size() <= longest || command.substr(0, owner.begin.size()) != owner.begin) continue;
+    if (owner.begin.size() <= longest || !command.starts_with(owner.begin)) continue;
     longest = owner.begin.size();
     lane = owner.lane;
   }
   return lane;
 }
 
-const std::vector<FamilyCalls>& Families() {
-  static const std::vector<FamilyCalls> families = [] {
-    std::vector<FamilyCalls> all(kFamilies);
-    for (const Operation& operation : RowOperations()) {
-      FamilyCalls& family = all.at(operation.family);
-      const std::string& prefix = rolu_test::McuFamilies().at(operation.family).prefix;
-      family.name = prefix.substr(0, prefix.size() - 1);
-      family.lane = kLeaders.at(operation.family);
-      if (IsInitialize(*operation.row)) family.initialize = operation;
-      if (IsDeinitialize(*operation.row)) family.deinitialize = operation;
-    }
-    return all;
-  }();
-  return families;
-}
-
 const std::vector<Operation>& Operations() {
   static const std::vector<Operation> operations = [] {
     std::vector<Operation> all = OwnOperations();
-    for (Operation& operation : RowOperations()) {
-      if (!IsInitialize(*operation.row) && !IsDeinitialize(*operation.row))
-        all.push_back(std::move(operation));
+    for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
+      all.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
+    }
+    // But for what the board does not provide: that is refused at once, from memory.
+    for (const CallRow& row : rolu_test::SilentOperations()) {
+      if (row.status == ROLU_STATUS_SUCCESS) all.push_back(OperationFor(row, PromiseOf(row)));
     }
     return all;
   }();
   return operations;
 }
 
+const std::vector<FamilyCalls>& Families() {
+  static const std::vector<FamilyCalls> families = [] {
+    std::vector<FamilyCalls> all;
+    for (const rolu_test::McuFamily& family : rolu_test::McuFamilies()) {
+      all.push_back({OperationOf(family.prefix + "Initialize"), OperationOf(family.prefix + "Deinitialize")});
+    }
+    return all;
+  }();
+  return families;
+}
+
 const Operation& OperationOf(std::string_view row_name) {
-  for (const FamilyCalls& family : Families()) {
-    if (family.initialize.row->name == row_name) return family.initialize;
-    if (family.deinitialize.row->name == row_name) return family.deinitialize;
-  }
   for (const Operation& operation : Operations()) {
     if (operation.row->name == row_name) return operation;
   }
   throw std::out_of_range(std::string(row_name));
+}
+
+std::string ListOfPromises() {
+  std::string text;
+  for (const Operation& operation : Operations()) {
+    text += fmt::format("KAVO_ROLU_{} | {} | {}\n", operation.name, operation.promise.statement,
+                        operation.promise.own_ms);
+  }
+  return text;
 }
 
 }  // namespace rolu_soak

@@ -1,6 +1,5 @@
 // The functions of the interface as the soak calls them.
-#ifndef SOAK_OPERATIONS_H
-#define SOAK_OPERATIONS_H
+#pragma once
 
 #include <atomic>
 #include <cstddef>
@@ -49,14 +48,14 @@ struct Operation {
   std::size_t lane;
   Promise promise;
   const rolu_test::CallRow* row;
-  bool has_state = true;  // false: it answers the same when the family is down
+  bool has_state = true;         // false: it answers the same when the family is down
+  bool switches_family = false;  // it is one of FamilyCalls
 };
 
+// What brings a family up and down, both by one thread.
 struct FamilyCalls {
-  std::string name;
-  std::size_t lane;  // who brings it up and down
-  Operation initialize;
-  Operation deinitialize;
+  const Operation& initialize;
+  const Operation& deinitialize;
 };
 
 // The number of the last G-sensor message that was sent; the samples that come out have to be of such
@@ -64,12 +63,13 @@ struct FamilyCalls {
 extern std::atomic<std::uint32_t> last_alarm_sent;
 std::string AlarmMessage(std::uint32_t number);
 
-const std::vector<FamilyCalls>& Families();
 const std::vector<Operation>& Operations();
+const std::vector<FamilyCalls>& Families();
+
+// Each operation with the statement that the header makes of how long it blocks.
+std::string ListOfPromises();
 
 // The one whose row has this name.
 const Operation& OperationOf(std::string_view row_name);
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_OPERATIONS_H

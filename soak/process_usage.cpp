@@ -7,15 +7,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include "simulator/unique_fd.h"
 
 namespace rolu_soak {
 namespace {
@@ -44,19 +42,6 @@ std::unique_ptr<DIR, CloseDirectory> OpenTasks() {
   return std::unique_ptr<DIR, CloseDirectory>(descriptor < 0 ? nullptr : fdopendir(descriptor));
 }
 
-// False when the thread has ended.
-bool ReadWait(const char* thread, std::chrono::nanoseconds& waited) {
-  const std::string path = std::string("/proc/self/task/") + thread + "/schedstat";
-  const rolu_sim::UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  char text[128] = {};
-  if (!file || read(file.get(), text, sizeof text - 1) <= 0) return false;
-  long long ran_ns = 0;
-  long long waited_ns = 0;
-  if (std::sscanf(text, "%lld %lld", &ran_ns, &waited_ns) != 2) return false;
-  waited = std::chrono::nanoseconds(waited_ns);
-  return true;
-}
-
 }  // namespace
 
 ProcessUsage MeasureProcess() {
@@ -69,17 +54,30 @@ void CountHeapExactly() {
   setenv(kTunablesVariable, kOneArenaWithoutCaches, 0);
 }
 
-bool HeapIsCountedExactly() {
+// While all families are down the library holds nothing, and what the soak and the board hold has its whole
+// size from the start: at each rest of runs of minutes the heap was the same to the byte. A leak of 64 bytes
+// for each opening of a family is over this after seven of them. Of the resident memory pages, most of them
+// of stacks, come into use as threads meet.
+//
+// Where the allocator keeps freed pieces for each thread, these count as held, and so does what an emulator
+// has translated of the program and the library: that grew by 0.7 MiB in ten seconds.
+ProcessUsage TolerableGrowth() {
   const char* const tunables = getenv(kTunablesVariable);
-  return tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
+  const bool is_exact = tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
+  return is_exact ? ProcessUsage{.heap_bytes = 512, .resident_bytes = 262144}
+                  : ProcessUsage{.heap_bytes = 65536, .resident_bytes = 8388608};
 }
 
 ProcessorWaits MeasureProcessorWaits() {
   ProcessorWaits waits;
   const auto tasks = OpenTasks();
   while (const dirent* entry = tasks ? readdir(tasks.get()) : nullptr) {
-    std::chrono::nanoseconds waited{0};
-    if (entry->d_name[0] != '.' && ReadWait(entry->d_name, waited)) waits[atoi(entry->d_name)] = waited;
+    if (entry->d_name[0] == '.') continue;
+    // Without numbers when the thread has ended meanwhile.
+    std::ifstream statistics("/proc/self/task/" + std::string(entry->d_name) + "/schedstat");
+    std::int64_t ran_ns = 0;
+    std::int64_t waited_ns = 0;
+    if (statistics >> ran_ns >> waited_ns) waits[atoi(entry->d_name)] = std::chrono::nanoseconds(waited_ns);
   }
   return waits;
 }

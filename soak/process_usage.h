@@ -1,5 +1,4 @@
-#ifndef SOAK_PROCESS_USAGE_H
-#define SOAK_PROCESS_USAGE_H
+#pragma once
 
 #include <chrono>
 #include <cstddef>
@@ -7,15 +6,8 @@
 
 namespace rolu_soak {
 
-// A sanitizer's runtime manages memory in its own way, which says nothing about the library's.
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#ifdef ROLU_SANITIZED
 inline constexpr bool kMemoryIsMeasured = false;
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer) || __has_feature(address_sanitizer)
-inline constexpr bool kMemoryIsMeasured = false;
-#else
-inline constexpr bool kMemoryIsMeasured = true;
-#endif
 #else
 inline constexpr bool kMemoryIsMeasured = true;
 #endif
@@ -30,12 +22,12 @@ struct ProcessUsage {
 
 ProcessUsage MeasureProcess();
 
+// How much more the process may hold at the end than at the start.
+ProcessUsage TolerableGrowth();
+
 // For the program that this one runs next: what the allocator's thread caches hold would count as allocated,
 // and so would the head of each further arena, which threads that meet at the allocator get.
 void CountHeapExactly();
-
-// Whether this program was started so.
-bool HeapIsCountedExactly();
 
 // How long each thread of this process has been ready to run and waited for a processor so far, as the
 // kernel counts it. Empty where the kernel does not.
@@ -53,5 +45,3 @@ std::chrono::nanoseconds LongestWait(const ProcessorWaits& before, const Process
 inline constexpr std::chrono::milliseconds kStarved{500};
 
 }  // namespace rolu_soak
-
-#endif  // SOAK_PROCESS_USAGE_H

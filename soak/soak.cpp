@@ -11,6 +11,7 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/unique_fd.h"
 #include "soak/judgement.h"
+#include "tests/support/process_state.h"
 
 namespace rolu_soak {
 namespace {
@@ -23,19 +24,8 @@ using std::chrono::steady_clock;
 constexpr std::size_t kLinkDescriptors = 2;
 constexpr std::size_t kLinkThreads = 1;
 
-// The board's end of a connection closes a moment after the library's.
-constexpr std::chrono::seconds kGenerous{20};
-
 // A dead port holds each call for 3 s, one after another: a short run affords one.
 constexpr milliseconds kShortRun{30000};
-
-Lanes MakeLanes(std::uint32_t seed) {
-  Lanes lanes;
-  for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
-    lanes.at(lane) = std::make_unique<Lane>(seed * 100 + static_cast<std::uint32_t>(lane));
-  }
-  return lanes;
-}
 
 rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
   rolu_sim::BoardOptions options;
@@ -101,10 +91,9 @@ const std::vector<LongestCall>& LongestCalls() {
 Soak::Soak(const SoakOptions& options)
     : options_(options),
       start_(steady_clock::now()),
-      lanes_(MakeLanes(options.seed)),
-      mcu_(options.seed, lanes_, violations_),
+      mcu_(options.seed, violations_),
       board_(AnsweredBy(mcu_)),
-      callers_((board_.AttachThisProcess(), lanes_), book_, violations_, excuses_),
+      callers_((board_.AttachThisProcess(), options.seed), mcu_, book_, violations_, excuses_),
       disturbances_(board_.mcu(), callers_.Threads(), options.seed) {}
 
 milliseconds Soak::elapsed() const {
@@ -128,7 +117,11 @@ bool Soak::Run() {
   } while (elapsed() < options_.time);
   if (!Rest()) return false;
   SwitchAll(false);
-  CompareExcuses();
+  const std::uint64_t excusable = ExcusableCalls(book_.calls());
+  if (excuses_.count() > excusable) {
+    violations_.Add(
+        fmt::format("{} calls were excused; {} of {} may be", excuses_.count(), excusable, book_.calls()));
+  }
   return true;
 }
 
@@ -163,7 +156,7 @@ bool Soak::Rest() {
   ExpectHeld("while all families are up", kLinkDescriptors, kLinkThreads);
   DriveNextToTheLimit();
   SwitchAll(false);
-  const Disturbances::Pause pause(disturbances_);
+  const std::unique_lock<std::mutex> pause = disturbances_.Pause();
   ClearLogs();
   last_usage_ = ExpectHeld("while all families are down", 0, 0);
   CompareMemory();
@@ -174,13 +167,13 @@ bool Soak::Rest() {
 ProcessUsage Soak::ExpectHeld(const char* when, std::size_t more_descriptors, std::size_t more_threads) {
   const std::size_t descriptors = before_.descriptors + more_descriptors;
   const std::size_t threads = before_.threads + more_threads;
-  const SteadyTime end = steady_clock::now() + kGenerous;
-  ProcessUsage usage = MeasureProcess();
-  while ((usage.descriptors != descriptors || usage.threads != threads) && steady_clock::now() < end) {
-    std::this_thread::sleep_for(milliseconds(5));
+  ProcessUsage usage;
+  // The board's end of a connection closes a moment after the library's.
+  const bool is_held = WaitUntil([&] {
     usage = MeasureProcess();
-  }
-  if (usage.descriptors != descriptors || usage.threads != threads) {
+    return usage.descriptors == descriptors && usage.threads == threads;
+  });
+  if (!is_held) {
     violations_.Add(fmt::format("{}: {} descriptors and {} threads, not {} and {}", when, usage.descriptors,
                                 usage.threads, descriptors, threads));
   }
@@ -190,20 +183,13 @@ ProcessUsage Soak::ExpectHeld(const char* when, std::size_t more_descriptors, st
 void Soak::CompareMemory() {
   if (!kMemoryIsMeasured) return;
   if (!first_usage_) first_usage_ = last_usage_;
-  const auto compare = [this](const char* what, std::size_t first, std::size_t now, std::size_t tolerance) {
-    if (now <= first + tolerance) return;
-    violations_.Add(fmt::format("{} grew from {} to {} bytes", what, first, now));
+  const auto compare = [this](const char* what, std::size_t ProcessUsage::*bytes) {
+    if (last_usage_.*bytes <= (*first_usage_).*bytes + TolerableGrowth().*bytes) return;
+    violations_.Add(
+        fmt::format("{} grew from {} to {} bytes", what, (*first_usage_).*bytes, last_usage_.*bytes));
   };
-  compare("the heap", first_usage_->heap_bytes, last_usage_.heap_bytes, heap_tolerance());
-  compare("the resident memory", first_usage_->resident_bytes, last_usage_.resident_bytes,
-          resident_tolerance());
-}
-
-void Soak::CompareExcuses() {
-  const std::uint64_t excusable = ExcusableCalls(book_.calls());
-  if (excuses_.count() <= excusable) return;
-  violations_.Add(
-      fmt::format("{} calls were excused; {} of {} may be", excuses_.count(), excusable, book_.calls()));
+  compare("the heap", &ProcessUsage::heap_bytes);
+  compare("the resident memory", &ProcessUsage::resident_bytes);
 }
 
 // The next one of the list, unless it would outlast the run.
@@ -222,7 +208,7 @@ void Soak::DriveNextToTheLimit() {
     violations_.Add(fmt::format("{} took {} ms alone; its answers make it last {} ms", operation.name,
                                 took.count(), call.lasts.count()));
   }
-  mcu_.ForgetPlans();
+  mcu_.Plan({});
   SwitchAll(true);
 }
 

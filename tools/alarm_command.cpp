@@ -1,13 +1,10 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <charconv>
 
 #include "cli/nearest_name.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/reading.h"
-#include "tools/settings_table.h"
+#include "tools/report.h"
 #include "tools/status_words.h"
 
 namespace rolu {
@@ -22,25 +19,14 @@ struct AlarmOptions {
 };
 
 // "07:30", or for an hourly alarm "30" or ":30".
-std::string TimeOfDay(const std::string& text, ALARM_MODE mode) {
-  if (mode != ALARM_MODE_HOURLY) return text;
-  if (text.size() == 2) return "00:" + text;
-  return text.size() == 3 ? "00" + text : "";
-}
-
 VPM_ALARM_TIME ParseTime(const std::string& text, ALARM_MODE mode) {
-  const std::string time = TimeOfDay(text, mode);
-  try {
-    ParseValue(SettingNamed("alarm.time"), time);
-  } catch (const std::invalid_argument&) {
-    const char* const form =
-        mode == ALARM_MODE_HOURLY ? "a minute from 00 to 59" : "a time from 00:00 to 23:59";
-    throw CommandError(kWrongUse, fmt::format("the alarm's time must be {}, not '{}'", form, text));
-  }
-  VPM_ALARM_TIME parsed{};
-  std::from_chars(time.data(), time.data() + 2, parsed.hour);
-  std::from_chars(time.data() + 3, time.data() + 5, parsed.minute);
-  return parsed;
+  const bool is_hourly = mode == ALARM_MODE_HOURLY;
+  const char* const hour = !is_hourly ? "" : text.size() == 2 ? "00:" : "00";
+  const std::optional<TimeOfDay> time = ParseTimeOfDay(hour + text);
+  if (time) return {.weekday = 0, .hour = time->hour, .minute = time->minute};
+  throw CommandError(kWrongUse,
+                     fmt::format("the alarm's time must be {}, not \"{}\"",
+                                 is_hourly ? "a minute from 00 to 59" : "a time from 00:00 to 23:59", text));
 }
 
 // A number, or the name of a day or its first three letters.
@@ -51,7 +37,7 @@ std::uint8_t ParseDay(const std::string& text) {
       return static_cast<std::uint8_t>(day);
   }
   const std::vector<std::string> known(kDays.begin(), kDays.end());
-  throw CommandError(kWrongUse, fmt::format("there is no day '{}'{} (0 to 6 or sunday to saturday)", text,
+  throw CommandError(kWrongUse, fmt::format("there is no day \"{}\"{} (0 to 6 or sunday to saturday)", text,
                                             Suggestion(text, known)));
 }
 

@@ -1,176 +1,327 @@
 #include "tools/board_watcher.h"
 
+#include <errno.h>
 #include <fmt/format.h>
-#include <time.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <condition_variable>
+#include <exception>
+#include <latch>
+#include <mutex>
+#include <set>
+#include <system_error>
+#include <thread>
+#include <utility>
 
 #include "cli/messages.h"
+#include "tools/interrupt.h"
+#include "tools/port_owner.h"
 #include "tools/setting.h"
 #include "tools/status_words.h"
 
 namespace rolu {
 namespace {
 
-timespec FromNow(std::chrono::milliseconds time) {
-  timespec deadline{};
-  clock_gettime(CLOCK_REALTIME, &deadline);
-  const std::int64_t nanoseconds = deadline.tv_nsec + (time.count() % 1000) * 1'000'000;
-  deadline.tv_sec += static_cast<time_t>(time.count() / 1000 + nanoseconds / 1'000'000'000);
-  deadline.tv_nsec = static_cast<long>(nanoseconds % 1'000'000'000);
-  return deadline;
+using std::chrono::milliseconds;
+
+// The end of the socket at which the events go in. Any thread may send.
+class EventSink {
+ public:
+  explicit EventSink(int socket) : socket_(socket) {}
+
+  void Put(EventKind kind, Document values = Document::object(), const std::string& detail = {}) const {
+    const Document event = {{"kind", static_cast<int>(kind)},
+                            {"values", std::move(values)},
+                            {"detail", detail},
+                            {"time", TimeStamp()}};
+    const std::string message = event.dump();
+    // Where the reader is gone the watching is about to end.
+    while (send(socket_, message.data(), message.size(), MSG_NOSIGNAL) < 0 && errno == EINTR) continue;
+  }
+
+  int socket() const { return socket_; }
+
+ private:
+  const int socket_;
+};
+
+// Waits on a condition variable that the library signals, from before it is registered until it is
+// stopped: a signal that finds nobody waiting is lost.
+class WarningWaiter {
+ public:
+  WarningWaiter(const EventSink& events, EventKind kind) {
+    thread_ = std::thread([this, &events, kind] {
+      std::unique_lock<std::mutex> lock(mutex_);
+      started_.count_down();
+      // No time-out: between two waits a signal would be lost. glibc ends this wait only when it is
+      // signalled.
+      for (condition_.wait(lock); !stopping_; condition_.wait(lock)) events.Put(kind);
+    });
+    started_.wait();
+    const std::lock_guard<std::mutex> waiting(mutex_);  // free only once the thread waits
+  }
+  ~WarningWaiter() { Stop(); }
+  WarningWaiter(const WarningWaiter&) = delete;
+  WarningWaiter& operator=(const WarningWaiter&) = delete;
+
+  // What to register; lives as long as this object.
+  pthread_cond_t* condition() { return condition_.native_handle(); }
+
+  void Stop() {
+    if (!thread_.joinable()) return;
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      stopping_ = true;
+      condition_.notify_one();
+    }
+    thread_.join();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable condition_;
+  std::latch started_{1};
+  bool stopping_ = false;
+  std::thread thread_;
+};
+
+// The threads that see what happens. VPM and GSENSOR must be up from Start to Stop, and be taken down before
+// this object goes: the library signals its condition variables until then.
+class Lookout {
+ public:
+  Lookout(const EventSink& events, const WatchTask& task)
+      : events_(events),
+        task_(task),
+        told_(task.told),
+        ignition_warning_(events, EventKind::kIgnitionWarning),
+        battery_warning_(events, EventKind::kBatteryWarning) {}
+  ~Lookout() { Stop(); }
+  Lookout(const Lookout&) = delete;
+  Lookout& operator=(const Lookout&) = delete;
+
+  // Registers for the events and starts to look. The status of switching the G-sensor's alarm on:
+  // without it the rest is watched all the same. Throws CommandError when nothing can be watched.
+  ROLU_STATUS Start() {
+    ThrowUnlessDone(KAVO_ROLU_VPM_SetIgnPowerOffEvent(ignition_warning_.condition()), "watch the warnings");
+    ThrowUnlessDone(KAVO_ROLU_VPM_SetLBPPowerOffEvent(battery_warning_.condition()), "watch the warnings");
+    ThrowUnlessDone(KAVO_ROLU_GSENSOR_SetAlarmEvent(shock_.native_handle()), "watch the G-sensor");
+    const ROLU_STATUS alarm = KAVO_ROLU_GSENSOR_AlarmEnabled(true);
+    poller_ = std::thread([this] { Poll(); });
+    shock_taker_ = std::thread([this] { TakeShocks(); });
+    return alarm;
+  }
+
+  // Ends the threads: after the question in hand, at most 3 s later.
+  void Stop() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      stopping_ = true;
+    }
+    stop_asked_.notify_all();
+    if (poller_.joinable()) poller_.join();
+    if (shock_taker_.joinable()) shock_taker_.join();
+    ignition_warning_.Stop();
+    battery_warning_.Stop();
+  }
+
+ private:
+  bool WaitUnlessStopped(milliseconds time) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    return !stop_asked_.wait_for(lock, time, [this] { return stopping_; });
+  }
+
+  void Poll() {
+    do {
+      const bool first = !told_.IsKnown();
+      if (LookAtIgnition()) LookAtVoltage();
+      if (first && told_.IsKnown()) TellState();
+    } while (WaitUnlessStopped(task_.interval));
+  }
+
+  void TellState() const {
+    Document values = Document::object();
+    std::string detail;
+    if (told_.ignition) {
+      values["ignition"] = *told_.ignition;
+      detail = *told_.ignition ? "ignition on" : "ignition off";
+    }
+    if (told_.volts) {
+      values["volts"] = *told_.volts;
+      detail += fmt::format("{}car battery {} V", detail.empty() ? "" : ", ", VoltsText(*told_.volts));
+    }
+    events_.Put(EventKind::kState, std::move(values), detail);
+  }
+
+  // False when the MCU did not answer.
+  bool LookAtIgnition() {
+    char on = 0;
+    const ROLU_STATUS status = KAVO_ROLU_VPM_GetIgnitionStatus(&on);
+    if (status == ROLU_STATUS_SUCCESS) {
+      const bool is_on = on == 1;
+      if (told_.ignition && *told_.ignition != is_on) {
+        events_.Put(is_on ? EventKind::kIgnitionOn : EventKind::kIgnitionOff);
+      }
+      told_.ignition = is_on;
+    }
+    return NoteAnswer(status, "the ignition");
+  }
+
+  void LookAtVoltage() {
+    float measured = 0;
+    const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&measured);
+    if (status == ROLU_STATUS_SUCCESS) {
+      const double volts = Thousandths(measured);
+      const bool is_first = !told_.volts;
+      if (is_first || std::abs(volts - *told_.volts) >= task_.volts_step) {
+        told_.volts = volts;
+        if (!is_first) events_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts) + " V");
+      }
+    }
+    NoteAnswer(status, "the car battery");
+  }
+
+  bool NoteAnswer(ROLU_STATUS status, const char* subject) {
+    const bool answered = status != ROLU_STATUS_VPM_NO_REPLY && status != ROLU_STATUS_VPM_SEND_FAILED;
+    if (answered == silent_) {
+      silent_ = !answered;
+      events_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
+    }
+    if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
+      SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
+    }
+    return answered;
+  }
+
+  // A signal that came while nobody waited is made good by looking at the queue now and then.
+  void TakeShocks() {
+    std::mutex mutex;
+    std::unique_lock<std::mutex> lock(mutex);
+    while (WaitUnlessStopped(milliseconds(0))) {
+      ROLU_GSENSOR_DATA sample{};
+      while (KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS) {
+        events_.Put(EventKind::kShock, {{"x", sample.x}, {"y", sample.y}, {"z", sample.z}},
+                    fmt::format("x {} y {} z {}", sample.x, sample.y, sample.z));
+      }
+      shock_.wait_for(lock, milliseconds(200));
+    }
+  }
+
+  const EventSink& events_;
+  const WatchTask& task_;
+  std::mutex mutex_;
+  std::condition_variable stop_asked_;
+  bool stopping_ = false;
+
+  // Of the polling thread.
+  bool silent_ = false;
+  std::set<std::string> complained_;
+  BoardState told_;
+
+  WarningWaiter ignition_warning_;
+  WarningWaiter battery_warning_;
+  std::condition_variable shock_;
+  std::thread poller_;
+  std::thread shock_taker_;
+};
+
+// Comes back when an end is asked for: by a signal, or by the reader of the events, who goes away.
+void WaitUntilAsked(const EventSink& events) {
+  pollfd ends[] = {{events.socket(), 0, 0}, {interrupt::Descriptor(), POLLIN, 0}, {DuplicateOwnPort(), 0, 0}};
+  while (poll(ends, 3, -1) < 0 && errno == EINTR) continue;
+  // What was up has gone with the port: nothing is left to be taken down.
+  if (ends[2].revents != 0) _exit(BoardWatcher::kPortAway);
+}
+
+ExitStatus WatchBoard(const WatchTask& task, const EventSink& events) {
+  Lookout lookout(events, task);
+  Session session(task.common);
+  session.Require(Family::kVpm);
+  session.Require(Family::kGsensor);
+  if (task.port_returns) events.Put(EventKind::kMcuBack);
+  const ROLU_STATUS alarm = lookout.Start();
+  if (alarm != ROLU_STATUS_SUCCESS) Say("G-sensor alarms are not watched: " + Describe(alarm));
+  WaitUntilAsked(events);
+  lookout.Stop();
+  return session.Close();
+}
+
+int WatchAsProcess(const WatchTask& task, int socket) {
+  try {
+    return WatchBoard(task, EventSink(socket));
+  } catch (const CommandError& error) {
+    if (task.port_returns) return BoardWatcher::kPortAway;
+    SayProblem(error.what());
+    return error.status();
+  } catch (const std::exception& error) {
+    SayProblem(error.what());
+    return kPartlyDone;
+  }
+}
+
+[[noreturn]] void ThrowErrno(const char* call) {
+  throw std::system_error(errno, std::generic_category(), call);
 }
 
 }  // namespace
 
-SignalWaiter::SignalWaiter(EventPipe& events, EventKind kind) : events_(events), kind_(kind) {
-  thread_ = std::thread([this] { Run(); });
-  pthread_mutex_lock(&mutex_);
-  while (!waiting_) pthread_cond_wait(&waiting_changed_, &mutex_);
-  pthread_mutex_unlock(&mutex_);
+const std::vector<EventName>& EventNames() {
+  static const std::vector<EventName> names = {
+      {EventKind::kIgnitionOn, "ignition-on", "ignition on"},
+      {EventKind::kIgnitionOff, "ignition-off", "ignition off"},
+      {EventKind::kVoltage, "voltage", "car battery"},
+      {EventKind::kIgnitionWarning, "power-off-ignition", "power-off warning: the ignition is off"},
+      {EventKind::kBatteryWarning, "power-off-battery", "power-off warning: the car battery is low"},
+      {EventKind::kShock, "shock", "G-sensor alarm"},
+      {EventKind::kMcuSilent, "mcu-silent", "the MCU does not answer"},
+      {EventKind::kMcuBack, "mcu-back", "the MCU answers again"},
+  };
+  return names;
 }
 
-SignalWaiter::~SignalWaiter() {
-  Stop();
-  pthread_cond_destroy(&waiting_changed_);
-  pthread_cond_destroy(&condition_);
-  pthread_mutex_destroy(&mutex_);
-}
-
-// No time-out: between two waits a signal would be lost. glibc ends this wait only when it is
-// signalled.
-void SignalWaiter::Run() {
-  pthread_mutex_lock(&mutex_);
-  waiting_ = true;
-  pthread_cond_signal(&waiting_changed_);
-  while (true) {
-    pthread_cond_wait(&condition_, &mutex_);
-    if (stopping_) break;
-    events_.Put(kind_);
+BoardWatcher::BoardWatcher(const WatchTask& task) {
+  // Messages keep their bounds, so that those of several threads do not mix.
+  int ends[2];
+  if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) ThrowErrno("socketpair");
+  pid_ = fork();
+  if (pid_ == 0) {
+    close(ends[0]);
+    interrupt::Watch();
+    _exit(WatchAsProcess(task, ends[1]));
   }
-  pthread_mutex_unlock(&mutex_);
+  events_ = ends[0];
+  close(ends[1]);
+  if (pid_ < 0) ThrowErrno("fork");
 }
 
-void SignalWaiter::Stop() {
-  if (!thread_.joinable()) return;
-  pthread_mutex_lock(&mutex_);
-  stopping_ = true;
-  pthread_cond_signal(&condition_);
-  pthread_mutex_unlock(&mutex_);
-  thread_.join();
-}
-
-BoardWatcher::BoardWatcher(EventPipe& events, const WatchSettings& settings, const BoardState& told)
-    : events_(events),
-      settings_(settings),
-      ignition_warning_(events, EventKind::kIgnitionWarning),
-      battery_warning_(events, EventKind::kBatteryWarning),
-      told_(told) {}
-
-ROLU_STATUS BoardWatcher::Start() {
-  ThrowUnlessDone(KAVO_ROLU_VPM_SetIgnPowerOffEvent(ignition_warning_.condition()), "watch the warnings");
-  ThrowUnlessDone(KAVO_ROLU_VPM_SetLBPPowerOffEvent(battery_warning_.condition()), "watch the warnings");
-  ThrowUnlessDone(KAVO_ROLU_GSENSOR_SetAlarmEvent(&shock_), "watch the G-sensor");
-  const ROLU_STATUS alarm = KAVO_ROLU_GSENSOR_AlarmEnabled(true);
-  poller_ = std::thread([this] { Poll(); });
-  shock_taker_ = std::thread([this] { TakeShocks(); });
-  return alarm;
-}
-
-void BoardWatcher::Stop() {
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    stopping_ = true;
+std::optional<Event> BoardWatcher::Take() {
+  char message[1024];
+  const ssize_t length = recv(events_, message, sizeof message, MSG_DONTWAIT);
+  if (length <= 0) {
+    is_over_ = length == 0 || (errno != EAGAIN && errno != EINTR);
+    return std::nullopt;
   }
-  stop_asked_.notify_all();
-  if (poller_.joinable()) poller_.join();
-  if (shock_taker_.joinable()) shock_taker_.join();
-  ignition_warning_.Stop();
-  battery_warning_.Stop();
+  const Document event = Document::parse(message, message + length);
+  return Event{static_cast<EventKind>(event["kind"].get<int>()), event["values"], event["detail"],
+               event["time"]};
 }
 
-bool BoardWatcher::WaitUnlessStopped(std::chrono::milliseconds time) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  return !stop_asked_.wait_for(lock, time, [this] { return stopping_; });
-}
-
-void BoardWatcher::Poll() {
-  do {
-    const bool first = !told_.IsKnown();
-    if (LookAtIgnition()) LookAtVoltage();
-    if (first && told_.IsKnown()) TellState();
-  } while (WaitUnlessStopped(settings_.interval));
-}
-
-void BoardWatcher::TellState() {
-  Document values = Document::object();
-  std::string detail;
-  if (told_.ignition) {
-    values["ignition"] = *told_.ignition;
-    detail = *told_.ignition ? "ignition on" : "ignition off";
+int BoardWatcher::End() {
+  if (pid_ < 0) return status_;
+  // The process sees that the reader is gone.
+  close(events_);
+  int status = 0;
+  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;
+  pid_ = -1;
+  status_ = WEXITSTATUS(status);
+  if (WIFSIGNALED(status)) {
+    SayProblem(fmt::format("the process that watches was ended by signal {}", WTERMSIG(status)));
+    status_ = kSignalBase + WTERMSIG(status);
   }
-  if (told_.volts) {
-    values["volts"] = *told_.volts;
-    detail += fmt::format("{}car battery {} V", detail.empty() ? "" : ", ", VoltsText(*told_.volts));
-  }
-  events_.Put(EventKind::kState, std::move(values), detail);
-}
-
-bool BoardWatcher::NoteAnswer(ROLU_STATUS status, const char* subject) {
-  const bool answered = status != ROLU_STATUS_VPM_NO_REPLY && status != ROLU_STATUS_VPM_SEND_FAILED;
-  if (answered == silent_) {
-    silent_ = !answered;
-    events_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
-  }
-  if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
-    SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
-  }
-  return answered;
-}
-
-bool BoardWatcher::LookAtIgnition() {
-  char on = 0;
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetIgnitionStatus(&on);
-  if (status == ROLU_STATUS_SUCCESS) {
-    const bool is_on = on == 1;
-    if (told_.ignition && *told_.ignition != is_on) {
-      events_.Put(is_on ? EventKind::kIgnitionOn : EventKind::kIgnitionOff);
-    }
-    told_.ignition = is_on;
-  }
-  return NoteAnswer(status, "the ignition");
-}
-
-bool BoardWatcher::LookAtVoltage() {
-  float measured = 0;
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&measured);
-  if (status == ROLU_STATUS_SUCCESS) {
-    const double volts = Thousandths(measured);
-    const bool is_first = !told_.volts;
-    if (is_first || std::abs(volts - *told_.volts) >= settings_.volts_step) {
-      told_.volts = volts;
-      if (!is_first) events_.Put(EventKind::kVoltage, {{"volts", volts}}, VoltsText(volts) + " V");
-    }
-  }
-  return NoteAnswer(status, "the car battery");
-}
-
-// A signal that came while nobody waited is made good by looking at the queue now and then.
-void BoardWatcher::TakeShocks() {
-  constexpr std::chrono::milliseconds kLookAgain{200};
-  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-  pthread_mutex_lock(&mutex);
-  while (WaitUnlessStopped(std::chrono::milliseconds(0))) {
-    ROLU_GSENSOR_DATA sample{};
-    while (KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS) {
-      events_.Put(EventKind::kShock, {{"x", sample.x}, {"y", sample.y}, {"z", sample.z}},
-                  fmt::format("x {} y {} z {}", sample.x, sample.y, sample.z));
-    }
-    const timespec deadline = FromNow(kLookAgain);
-    pthread_cond_timedwait(&shock_, &mutex, &deadline);
-  }
-  pthread_mutex_unlock(&mutex);
-  pthread_mutex_destroy(&mutex);
+  return status_;
 }
 
 }  // namespace rolu

@@ -1,95 +1,91 @@
 #pragma once
 
-#include <pthread.h>
+#include <sys/types.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <set>
+#include <optional>
 #include <string>
-#include <thread>
+#include <string_view>
+#include <vector>
 
-#include "tools/watch_events.h"
+#include "tools/report.h"
+#include "tools/session.h"
 
 namespace rolu {
 
-struct WatchSettings {
+enum class EventKind {
+  kState,  // how things are at the start; no change, and not counted
+  kIgnitionOn,
+  kIgnitionOff,
+  kVoltage,
+  kIgnitionWarning,
+  kBatteryWarning,
+  kShock,
+  kMcuSilent,
+  kMcuBack,
+};
+
+struct EventName {
+  EventKind kind;
+  std::string_view name;   // in JSON and after --on
+  std::string_view words;  // in text
+};
+
+// Those that --on takes.
+const std::vector<EventName>& EventNames();
+
+struct Event {
+  EventKind kind = EventKind::kState;
+  Document values = Document::object();  // {"volts": 12.6}
+  std::string detail{};                  // the same for people: "12.600 V"; may be empty
+  std::string time{};                    // when it was seen
+};
+
+// What the events so far have told; a member is empty while none has told it.
+struct BoardState {
+  std::optional<bool> ignition;
+  std::optional<double> volts;
+
+  bool IsKnown() const { return ignition || volts; }
+};
+
+struct WatchTask {
+  CommonOptions common;
   std::chrono::milliseconds interval{500};  // between two looks at ignition and voltage
   double volts_step = 0.1;                  // the smallest change of the voltage that is told
+  BoardState told;                          // what was told before; a change of it is an event
+  bool port_returns = false;                // the port hung up under the process before this one
 };
 
-// Waits on a condition variable that the library signals, from before it is registered until it is
-// stopped: a signal that finds nobody waiting is lost.
-class SignalWaiter {
- public:
-  SignalWaiter(EventPipe& events, EventKind kind);
-  ~SignalWaiter();
-  SignalWaiter(const SignalWaiter&) = delete;
-  SignalWaiter& operator=(const SignalWaiter&) = delete;
-
-  // What to register; lives as long as this object.
-  pthread_cond_t* condition() { return &condition_; }
-
-  void Stop();
-
- private:
-  void Run();
-
-  EventPipe& events_;
-  const EventKind kind_;
-  pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
-  pthread_cond_t condition_ = PTHREAD_COND_INITIALIZER;
-  pthread_cond_t waiting_changed_ = PTHREAD_COND_INITIALIZER;
-  bool waiting_ = false;
-  bool stopping_ = false;
-  std::thread thread_;
-};
-
-// Sees what happens on the board and sends it through a pipe. VPM and GSENSOR must be up from Start to
-// Stop, and be taken down before this object goes: the library signals its condition variables
-// until then.
+// A process of its own that uses the library, and sees what happens on the board. A port that hung up is
+// dead for the process that opened it, and stays so: the library opens it again only when all families
+// are down, and the G-sensor goes down only with the MCU's answer. Another process can take over.
 class BoardWatcher {
  public:
-  // `told` is what has been told before: what has changed since is an event.
-  BoardWatcher(EventPipe& events, const WatchSettings& settings, const BoardState& told);
-  ~BoardWatcher() { Stop(); }
+  // The exit status of a process whose port hung up, or has not come back yet. No command ends with it.
+  static constexpr int kPortAway = 64;
+
+  // Call it while no other thread runs. Throws std::system_error.
+  explicit BoardWatcher(const WatchTask& task);
+  ~BoardWatcher() { End(); }
   BoardWatcher(const BoardWatcher&) = delete;
   BoardWatcher& operator=(const BoardWatcher&) = delete;
 
-  // Registers for the events and starts to look. The status of switching the G-sensor's alarm on:
-  // without it the rest is watched all the same. Throws CommandError when nothing can be watched.
-  ROLU_STATUS Start();
+  // The next event, if there is one now.
+  std::optional<Event> Take();
+  // The process has ended, and all its events were taken.
+  bool IsOver() const { return is_over_; }
+  // For poll: readable while Take or IsOver has something to say.
+  int Descriptor() const { return events_; }
 
-  // Ends the threads: after the question in hand, at most 3 s later.
-  void Stop();
+  // Ends the process: it finishes the question in hand and takes the families down. Gives its exit status.
+  int End();
 
  private:
-  void Poll();
-  void TakeShocks();
-  bool WaitUnlessStopped(std::chrono::milliseconds time);
-  // False when the MCU did not answer.
-  bool LookAtIgnition();
-  bool LookAtVoltage();
-  bool NoteAnswer(ROLU_STATUS status, const char* subject);
-  void TellState();
-
-  EventPipe& events_;
-  const WatchSettings settings_;
-  SignalWaiter ignition_warning_;
-  SignalWaiter battery_warning_;
-  pthread_cond_t shock_ = PTHREAD_COND_INITIALIZER;
-
-  std::mutex mutex_;
-  std::condition_variable stop_asked_;
-  bool stopping_ = false;
-
-  // Of the polling thread.
-  bool silent_ = false;
-  std::set<std::string> complained_;
-  BoardState told_;
-
-  std::thread poller_;
-  std::thread shock_taker_;
+  int events_ = -1;
+  bool is_over_ = false;
+  pid_t pid_ = -1;
+  int status_ = 0;
 };
 
 }  // namespace rolu

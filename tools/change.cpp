@@ -2,13 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <stdexcept>
+#include <algorithm>
 
 #include "cli/messages.h"
-#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
 
 namespace rolu {
@@ -47,15 +44,15 @@ bool IsProtection(const Setting& setting) {
   return setting.name == "battery.preboot" || setting.name == "battery.lbp";
 }
 
+bool HasChangeOf(const std::vector<Change>& changes, std::string_view name) {
+  return std::ranges::any_of(changes, [&](const Change& change) { return change.setting->name == name; });
+}
+
 Change ParseChange(const std::string& name, std::string_view text) {
   Change change;
   change.setting = &SettingNamed(name);
   if (!change.setting->IsWritable()) throw CommandError(kWrongUse, fmt::format("{} can only be read", name));
-  try {
-    change.wanted = ParseValue(*change.setting, text);
-  } catch (const std::invalid_argument& problem) {
-    throw CommandError(kWrongUse, fmt::format("{} {}", name, problem.what()));
-  }
+  change.wanted = ParseValue(*change.setting, text);
   return change;
 }
 

@@ -1,15 +1,12 @@
+#include <fmt/chrono.h>
 #include <fmt/format.h>
-
-#include <cstdlib>
-#include <stdexcept>
+#include <time.h>
 
 #include "tools/command.h"
-#include "tools/command_error.h"
 #include "tools/interrupt.h"
 #include "tools/report.h"
 #include "tools/session.h"
 #include "tools/status_words.h"
-#include "tools/wall_time.h"
 
 namespace rolu {
 namespace {
@@ -22,6 +19,49 @@ struct ClockOptions {
   std::string time;
   int weekday = -1;  // worked out from the date
 };
+
+VPM_RTC_TIME ClockOf(const std::tm& fields) {
+  const auto byte = [](int number) { return static_cast<std::uint8_t>(number); };
+  return {byte(fields.tm_year % 100), byte(fields.tm_mon + 1), byte(fields.tm_mday), byte(fields.tm_wday),
+          byte(fields.tm_hour),       byte(fields.tm_min),     byte(fields.tm_sec)};
+}
+
+// A date and time, "2026-11-24 21:38:15" or with a T between; the weekday is worked out (Sunday is 0).
+VPM_RTC_TIME ParseClock(const std::string& text) {
+  std::string given = text;
+  if (const std::size_t mark = given.find('T'); mark != std::string::npos) given[mark] = ' ';
+  std::tm fields{};
+  const bool is_read = strptime(given.c_str(), "%Y-%m-%d %H:%M:%S", &fields) != nullptr;
+  // timegm turns the 31st of April into the 1st of May, and strptime takes "7:3" for 07:03. So the text is
+  // written again and compared.
+  timegm(&fields);
+  const VPM_RTC_TIME time = ClockOf(fields);
+  if (is_read && ClockText(time) == given) return time;
+  throw CommandError(kWrongUse,
+                     fmt::format("the time must be a time that exists, from the years 2000 to 2099, "
+                                 "like \"2026-11-24 21:38:15\", not \"{}\"",
+                                 text));
+}
+
+VPM_RTC_TIME SystemClock(bool utc) {
+  const std::time_t now = time(nullptr);
+  return ClockOf(utc ? fmt::gmtime(now) : fmt::localtime(now));
+}
+
+// Negative when the second is earlier.
+long SecondsBetween(const VPM_RTC_TIME& from, const VPM_RTC_TIME& to) {
+  const auto seconds = [](const VPM_RTC_TIME& time) {
+    std::tm fields{};
+    fields.tm_year = 100 + time.year;
+    fields.tm_mon = time.month - 1;
+    fields.tm_mday = time.day;
+    fields.tm_hour = time.hour;
+    fields.tm_min = time.minute;
+    fields.tm_sec = time.second;
+    return timegm(&fields);
+  };
+  return static_cast<long>(seconds(to) - seconds(from));
+}
 
 VPM_RTC_TIME ReadClock() {
   VPM_RTC_TIME time{};
@@ -54,13 +94,8 @@ void SetAndCompare(const VPM_RTC_TIME& time) {
                                            ClockText(time), ClockText(now), now.weekday));
 }
 
-ExitStatus RunSet(const ClockOptions& options, const CommonOptions& common) {
-  VPM_RTC_TIME time{};
-  try {
-    time = ParseClock(options.time);
-  } catch (const std::invalid_argument& problem) {
-    throw CommandError(kWrongUse, fmt::format("the time {}", problem.what()));
-  }
+ExitStatus RunSetClock(const ClockOptions& options, const CommonOptions& common) {
+  VPM_RTC_TIME time = ParseClock(options.time);
   if (options.weekday >= 0) time.weekday = static_cast<std::uint8_t>(options.weekday);
   Session session(common);
   session.Require(Family::kVpm);
@@ -108,7 +143,7 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   set->add_option("--weekday", options->weekday, "0 to 6, in the MCU's counting; without it Sunday is 0")
       ->check(CLI::Range(0, 6));
   AddUtcFlag(set, *options);
-  OnRun(set, invocation, RunSet, options);
+  OnRun(set, invocation, RunSetClock, options);
 
   CLI::App* const sync =
       NewCommand(*clock, "sync", "Set the clock to the system's time", "  rolu clock sync");

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "tools/common_options.h"
+#include "tools/session.h"
 
 namespace rolu {
 
@@ -16,7 +16,7 @@ struct Invocation {
   std::function<int()> action;  // gives the exit status
 };
 
-// A subcommand. `examples` are whole command lines, one to a line.
+// Adds a subcommand. `examples` are whole command lines, each on a line of its own.
 inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
                             const std::string& examples) {
   CLI::App* const command = parent.add_subcommand(name, help);
@@ -26,7 +26,7 @@ inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std
   return command;
 }
 
-// Runs `run(*options, common options)` when `command` is the one that was given, and none of its subcommands.
+// Runs `run(*options, common options)` when `command` was given without one of its subcommands.
 template <typename Run, typename... Options>
 void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<Options>... options) {
   command->callback([=, &invocation] {
@@ -35,7 +35,7 @@ void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<O
   });
 }
 
-// Each adds its subcommand to `app`.
+// Each adds its subcommand, or a few of a kind, to `app`.
 void AddStatusCommand(CLI::App& app, Invocation& invocation);
 void AddGetCommand(CLI::App& app, Invocation& invocation);
 void AddSetCommand(CLI::App& app, Invocation& invocation);
@@ -48,12 +48,9 @@ void AddAlarmCommand(CLI::App& app, Invocation& invocation);
 void AddWatchdogCommand(CLI::App& app, Invocation& invocation);
 void AddI2cCommand(CLI::App& app, Invocation& invocation);
 void AddPinsCommand(CLI::App& app, Invocation& invocation);
-void AddLightCommand(CLI::App& app, Invocation& invocation);
-void AddBacklightCommand(CLI::App& app, Invocation& invocation);
+void AddLightCommands(CLI::App& app, Invocation& invocation);
 void AddDoctorCommand(CLI::App& app, Invocation& invocation);
-void AddDefaultsCommand(CLI::App& app, Invocation& invocation);
-void AddResetCommand(CLI::App& app, Invocation& invocation);
-void AddForceShutdownCommand(CLI::App& app, Invocation& invocation);
+void AddOrderCommands(CLI::App& app, Invocation& invocation);
 
 // rolu(1) as roff, and the completion for bash: from the definitions of the commands and the table of
 // settings.

@@ -11,7 +11,6 @@
 #include "cli/messages.h"
 #include "tools/command.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/port_owner.h"
 #include "tools/report.h"
 #include "tools/session.h"
@@ -22,11 +21,18 @@ namespace {
 
 constexpr unsigned kQuestions = 50;
 
-enum class Finding { kGood, kNote, kBad };
+struct Finding {
+  const char* word;  // in JSON
+  const char* mark;
+  const char* colour;
+};
+constexpr Finding kGood = {"good", "ok  ", "\033[32m"};
+constexpr Finding kNote = {"note", "note", "\033[33m"};
+constexpr Finding kBad = {"bad", "BAD ", "\033[31m"};
 
 struct Check {
   std::string subject;
-  Finding finding = Finding::kGood;
+  Finding finding;
   std::string text;
 };
 
@@ -117,21 +123,18 @@ class Examination {
 
  private:
   void Add(std::string subject, Finding finding, std::string text) {
-    if (!common_.json) PrintCheck(subject, finding, text);
+    if (!common_.json) {
+      const bool colour = MayColour(STDOUT_FILENO);
+      OutNow(fmt::format("{}{}{}  {:<22}  {}\n", colour ? finding.colour : "", finding.mark,
+                         colour ? "\033[0m" : "", subject, text));
+    }
     checks_.push_back({std::move(subject), finding, std::move(text)});
   }
 
   // The gravest status of those that were found; the order of finding is that of gravity.
   void AddBad(std::string subject, std::string text, ExitStatus status) {
-    Add(std::move(subject), Finding::kBad, std::move(text));
+    Add(std::move(subject), kBad, std::move(text));
     if (status_ == kDone) status_ = status;
-  }
-
-  static void PrintCheck(const std::string& subject, Finding finding, const std::string& text) {
-    constexpr const char* kMarks[] = {"\033[32mok  \033[0m", "\033[33mnote\033[0m", "\033[31mBAD \033[0m"};
-    const std::string_view mark = kMarks[static_cast<std::size_t>(finding)];
-    const bool colour = MayColour(STDOUT_FILENO);
-    OutNow(fmt::format("{}  {:<22}  {}\n", colour ? mark : mark.substr(5, 4), subject, text));
   }
 
   bool PortIsThere() {
@@ -141,7 +144,7 @@ class Examination {
     } else if (!S_ISCHR(port.st_mode)) {
       AddBad("MCU port", fmt::format("{} is not a character device", kMcuPort), kNoAnswer);
     } else {
-      Add("MCU port", Finding::kGood, fmt::format("{} is there", kMcuPort));
+      Add("MCU port", kGood, fmt::format("{} is there", kMcuPort));
       return true;
     }
     return false;
@@ -149,16 +152,16 @@ class Examination {
 
   bool PortIsFree() {
     const PortSearch search = FindPortOwner();
-    if (search.owner) {
-      AddBad("MCU port's owner", fmt::format("in use by {}", OwnerText(*search.owner)), kBusy);
+    if (!search.owner.empty()) {
+      AddBad("MCU port's owner", "in use by " + search.owner, kBusy);
       return common_.force;
     }
     if (search.hidden_processes > 0) {
-      Add("MCU port's owner", Finding::kNote,
+      Add("MCU port's owner", kNote,
           fmt::format("none was found, but {} processes belong to other users; only root can look at them",
                       search.hidden_processes));
     } else {
-      Add("MCU port's owner", Finding::kGood, "no other process uses it");
+      Add("MCU port's owner", kGood, "no other process uses it");
     }
     return true;
   }
@@ -169,10 +172,10 @@ class Examination {
       AddBad("MCU", DescribeWithHint(status), WordsOf(status).exit_status);
       return false;
     }
-    VPM_FIRMWARE_INFO firmware{};
-    KAVO_ROLU_VPM_GetFWVersion(&firmware);
-    firmware_ = std::string(firmware.text, strnlen(firmware.text, sizeof firmware.text));
-    Add("MCU", Finding::kGood, "answers; firmware " + firmware_);
+    Value firmware;
+    if (session_.Read(SettingNamed("mcu.firmware"), firmware) == ROLU_STATUS_SUCCESS)
+      firmware_ = firmware.get<std::string>();
+    Add("MCU", kGood, "answers; firmware " + firmware_);
     return true;
   }
 
@@ -187,7 +190,7 @@ class Examination {
         "{} of {}: minimum {:.1f} ms, median {:.1f} ms, 99th percentile {:.1f} ms", answered,
         latency_.asked(), latency_.Percentile(0), latency_.Percentile(50), latency_.Percentile(99));
     if (latency_.lost == 0) {
-      Add("MCU's answers", Finding::kGood, text);
+      Add("MCU's answers", kGood, text);
     } else {
       AddBad("MCU's answers", text + "; some were lost", kPartlyDone);
     }
@@ -196,15 +199,14 @@ class Examination {
   void LookForDevices() {
     for (const DeviceFile& device : kDeviceFiles) {
       if (access(device.path, device.access) == 0) {
-        Add(device.subject, Finding::kGood, fmt::format("{} is there", device.path));
+        Add(device.subject, kGood, fmt::format("{} is there", device.path));
       } else {
         AddBad(device.subject, fmt::format("{}: {}", device.path, ErrnoText(errno)), kPartlyDone);
       }
     }
     for (const DeviceFile& line : kLines) {
       const bool is_there = access(line.path, line.access) == 0;
-      Add(line.subject, is_there ? Finding::kGood : Finding::kNote,
-          is_there ? "prepared" : "not prepared yet");
+      Add(line.subject, is_there ? kGood : kNote, is_there ? "prepared" : "not prepared yet");
     }
   }
 
@@ -231,12 +233,9 @@ class Examination {
   }
 
   Document AsJson() const {
-    constexpr const char* kFindings[] = {"good", "note", "bad"};
     Document checks = Document::array();
     for (const Check& check : checks_) {
-      checks.push_back({{"subject", check.subject},
-                        {"finding", kFindings[static_cast<std::size_t>(check.finding)]},
-                        {"text", check.text}});
+      checks.push_back({{"subject", check.subject}, {"finding", check.finding.word}, {"text", check.text}});
     }
     Document document = {
         {"in_order", status_ == kDone}, {"verdict", Verdict()}, {"checks", std::move(checks)}};

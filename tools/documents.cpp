@@ -1,12 +1,11 @@
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
-#include "cli/completion.h"
-#include "cli/man_page.h"
+#include "cli/generated_documents.h"
+#include "tools/board_watcher.h"
 #include "tools/command.h"
 #include "tools/port_owner.h"
-#include "tools/settings_table.h"
-#include "tools/watch_events.h"
+#include "tools/setting.h"
 
 namespace rolu {
 namespace {

@@ -2,8 +2,7 @@
 
 #include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/reading.h"
-#include "tools/settings_table.h"
+#include "tools/report.h"
 #include "tools/status_words.h"
 
 namespace rolu {

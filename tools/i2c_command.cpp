@@ -5,10 +5,7 @@
 #include <optional>
 
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/report.h"
 #include "tools/status_words.h"
 
@@ -31,7 +28,7 @@ struct I2cOptions {
 
 // The whole of `text` as a number in decimal, or with 0x in hexadecimal.
 unsigned ParseByte(const std::string& text, const char* what, unsigned lowest, unsigned highest) {
-  const bool is_hex = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
+  const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
   const char* const begin = text.data() + (is_hex ? 2 : 0);
   const char* const end = text.data() + text.size();
   unsigned number = 0;
@@ -39,7 +36,7 @@ unsigned ParseByte(const std::string& text, const char* what, unsigned lowest, u
   if (error == std::errc() && stop == end && number >= lowest && number <= highest) return number;
   throw CommandError(kWrongUse,
                      fmt::format("{} must be from 0x{:02x} to 0x{:02x} (decimal, or hexadecimal with "
-                                 "0x), not '{}'",
+                                 "0x), not \"{}\"",
                                  what, lowest, highest, text));
 }
 

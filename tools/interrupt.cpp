@@ -11,7 +11,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "tools/command_error.h"
+#include "tools/status_words.h"
 
 namespace rolu::interrupt {
 namespace {

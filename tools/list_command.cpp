@@ -3,9 +3,7 @@
 #include <algorithm>
 
 #include "tools/command.h"
-#include "tools/output.h"
 #include "tools/report.h"
-#include "tools/settings_table.h"
 
 namespace rolu {
 namespace {

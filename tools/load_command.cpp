@@ -5,13 +5,9 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
 
 namespace rolu {
@@ -29,19 +25,8 @@ struct LoadPlan {
   std::vector<const Setting*> not_in_file;
 };
 
-const SavedSetting* FindIn(const SettingsFile& file, const Setting& setting) {
-  const auto found = std::find_if(file.settings.begin(), file.settings.end(),
-                                  [&](const SavedSetting& saved) { return saved.setting == &setting; });
-  return found == file.settings.end() ? nullptr : &*found;
-}
-
-bool HasChangeOf(const LoadPlan& plan, std::string_view name) {
-  return std::any_of(plan.changes.begin(), plan.changes.end(),
-                     [&](const Change& change) { return change.setting->name == name; });
-}
-
 void PlanSetting(Session& session, const Setting& setting, const SavedSetting* saved, LoadPlan& plan) {
-  const bool is_switched_off = IsProtection(setting) && HasChangeOf(plan, kBatteryMode);
+  const bool is_switched_off = IsProtection(setting) && HasChangeOf(plan.changes, kBatteryMode);
   if (saved == nullptr) plan.not_in_file.push_back(&setting);
   if (saved == nullptr && !is_switched_off) return;
   Change change;
@@ -61,12 +46,13 @@ void PlanSetting(Session& session, const Setting& setting, const SavedSetting* s
 
 // Reads the unit and compares. A change of the battery mode switches both protections off: they are then set
 // after it, to what the file says, or to what they were.
-LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
+LoadPlan PlanLoad(Session& session, const std::vector<SavedSetting>& file) {
   LoadPlan plan;
   for (const Setting& setting : Settings()) {
     if (!setting.IsSaved()) continue;
     interrupt::ThrowIfRequested();
-    PlanSetting(session, setting, FindIn(file, setting), plan);
+    const auto saved = std::ranges::find(file, &setting, &SavedSetting::setting);
+    PlanSetting(session, setting, saved == file.end() ? nullptr : &*saved, plan);
     if (!session.McuIsUnreachable()) continue;
     throw CommandError(kNoAnswer,
                        fmt::format("nothing was changed: {}", DescribeWithHint(session.McuProblem())));
@@ -76,14 +62,13 @@ LoadPlan PlanLoad(Session& session, const SettingsFile& file) {
 
 // Reads the settings of the file once more, those of `plan` that failed left out, and gives those that are
 // not as the file says: one setting may have moved another.
-std::vector<Change> FindDeviations(Session& session, const SettingsFile& file, const LoadPlan& plan) {
+std::vector<Change> FindDeviations(Session& session, const std::vector<SavedSetting>& file,
+                                   const LoadPlan& plan) {
   std::vector<Change> deviations;
-  for (const SavedSetting& saved : file.settings) {
+  for (const SavedSetting& saved : file) {
     if (interrupt::Signal() != 0) break;
-    const auto failed = std::find_if(plan.changes.begin(), plan.changes.end(), [&](const Change& change) {
-      return change.setting == saved.setting && !change.problem.empty();
-    });
-    if (failed != plan.changes.end()) continue;
+    const auto planned = std::ranges::find(plan.changes, saved.setting, &Change::setting);
+    if (planned != plan.changes.end() && !planned->problem.empty()) continue;
     Value now;
     const ROLU_STATUS status = session.Read(*saved.setting, now);
     if (status == ROLU_STATUS_SUCCESS && IsSame(saved.value, now, saved.setting->rounding)) continue;
@@ -134,7 +119,7 @@ void Judge(const std::vector<Change>& changes, Outcome& outcome) {
   }
 }
 
-ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
+ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPlan& plan) {
   ApplyAll(session, plan.changes, [](const Change&) {});
   const std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
@@ -146,7 +131,7 @@ ExitStatus Apply(Session& session, const SettingsFile& file, LoadPlan& plan) {
 }
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
-  const SettingsFile file = ReadSettingsFile(options.path);
+  const std::vector<SavedSetting> file = ReadSettingsFile(options.path);
   Session session(common);
   LoadPlan plan = PlanLoad(session, file);
   if (!common.json) ShowDifference(plan);

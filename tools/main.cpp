@@ -9,9 +9,9 @@
 #include "cli/command_line.h"
 #include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
+#include "tools/status_words.h"
+#include "tools/terminal.h"
 
 namespace {
 
@@ -32,10 +32,10 @@ void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(con
 }
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-  for (const auto add : {AddStatusCommand, AddGetCommand, AddSetCommand, AddListCommand, AddSaveCommand,
-                         AddLoadCommand, AddWatchCommand, AddDoctorCommand, AddClockCommand, AddAlarmCommand,
-                         AddWatchdogCommand, AddI2cCommand, AddPinsCommand, AddLightCommand,
-                         AddBacklightCommand, AddDefaultsCommand, AddResetCommand, AddForceShutdownCommand}) {
+  for (const auto add :
+       {AddStatusCommand, AddGetCommand, AddSetCommand, AddListCommand, AddSaveCommand, AddLoadCommand,
+        AddWatchCommand, AddDoctorCommand, AddClockCommand, AddAlarmCommand, AddWatchdogCommand,
+        AddI2cCommand, AddPinsCommand, AddLightCommands, AddOrderCommands}) {
     add(app, invocation);
   }
 }

@@ -3,8 +3,7 @@
 #include <array>
 
 #include "tools/command.h"
-#include "tools/output.h"
-#include "tools/reading.h"
+#include "tools/report.h"
 #include "tools/status_words.h"
 
 namespace rolu {

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string_view>
+#include <optional>
 #include <system_error>
 #include <vector>
 
@@ -35,12 +35,6 @@ std::optional<unsigned> PseudoTerminalNumber(const struct stat& port) {
   const unsigned device_major = major(port.st_rdev);
   if (!S_ISCHR(port.st_mode) || device_major < kFirstMajor || device_major > kLastMajor) return std::nullopt;
   return (device_major - kFirstMajor) * 256 + minor(port.st_rdev);
-}
-
-std::string Link(const fs::path& link) {
-  std::error_code error;
-  const fs::path target = fs::read_symlink(link, error);
-  return error ? "" : target.string();
 }
 
 // Whether the descriptor is the other end of pseudo-terminal `number`.
@@ -71,9 +65,10 @@ Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
   std::error_code error;
   Holding holding = Holding::kNothing;
   for (const fs::path& descriptor : EntriesOf(process / "fd", error)) {
-    const std::string target = Link(descriptor);
+    std::error_code closed_meanwhile;
+    const std::string target = fs::read_symlink(descriptor, closed_meanwhile);
     // Files elsewhere are not asked: they may be on a server that is not there.
-    if (target.rfind("/dev/", 0) != 0 && target.rfind("/proc/", 0) != 0) continue;
+    if (!target.starts_with("/dev/") && !target.starts_with("/proc/")) continue;
     if (number && target == "/dev/ptmx" && IsMasterOf(process, descriptor, *number)) return Holding::kFarEnd;
     struct stat file {};
     if (stat(descriptor.c_str(), &file) == 0 && IsSameFile(port, file)) holding = Holding::kPort;
@@ -84,13 +79,13 @@ Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
 std::string CommandOf(const fs::path& process) {
   std::ifstream file(process / "cmdline", std::ios::binary);
   std::string command{std::istreambuf_iterator<char>(file), {}};
-  while (!command.empty() && command.back() == '\0') command.pop_back();
+  command.erase(command.find_last_not_of('\0') + 1);
   for (char& character : command) {
     const bool prints = character >= ' ' && character <= '~';
     if (!prints) character = character == '\0' ? ' ' : '?';
   }
   if (command.size() > kShownCommandLength) command = command.substr(0, kShownCommandLength) + "...";
-  return command;
+  return command.empty() ? "unknown command" : command;
 }
 
 std::optional<pid_t> ProcessNumber(const std::string& name) {
@@ -113,7 +108,7 @@ PortSearch FindPortOwner() {
     const Holding holding = WhatProcessHolds(process, port);
     if (holding == Holding::kUnknown) ++search.hidden_processes;
     if (holding != Holding::kPort) continue;
-    search.owner = PortOwner{*pid, CommandOf(process)};
+    search.owner = fmt::format("process {} ({})", *pid, CommandOf(process));
     break;
   }
   return search;
@@ -124,19 +119,13 @@ int DuplicateOwnPort() {
   if (stat(kMcuPort, &port) != 0) return -1;
   std::error_code error;
   for (const fs::path& path : EntriesOf("/proc/self/fd", error)) {
-    int descriptor = -1;
-    const std::string name = path.filename();
-    std::from_chars(name.data(), name.data() + name.size(), descriptor);
+    const int descriptor = std::stoi(path.filename());
     struct stat file {};
     if (fstat(descriptor, &file) == 0 && IsSameFile(port, file)) {
       return fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     }
   }
   return -1;
-}
-
-std::string OwnerText(const PortOwner& owner) {
-  return fmt::format("process {} ({})", owner.pid, owner.command.empty() ? "unknown command" : owner.command);
 }
 
 }  // namespace rolu

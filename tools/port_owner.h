@@ -1,8 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <optional>
 #include <string>
 
 namespace rolu {
@@ -10,13 +7,8 @@ namespace rolu {
 // The MCU's port, as the library opens it.
 inline constexpr char kMcuPort[] = "/proc/vpm_serial";
 
-struct PortOwner {
-  pid_t pid = 0;
-  std::string command;  // its command line, shortened
-};
-
 struct PortSearch {
-  std::optional<PortOwner> owner;
+  std::string owner;  // "process 1234 (vehicle-app --verbose)"; empty when there is none
   // Processes whose descriptors this one may not see, as those of other users.
   int hidden_processes = 0;
 };
@@ -28,8 +20,5 @@ PortSearch FindPortOwner();
 // Another descriptor for this process's own open port, which nobody inherits; -1 when it is not open. It
 // is for poll, which tells when the port hangs up.
 int DuplicateOwnPort();
-
-// "process 1234 (vehicle-app --verbose)".
-std::string OwnerText(const PortOwner& owner);
 
 }  // namespace rolu

@@ -1,5 +1,6 @@
 #include "tools/report.h"
 
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -7,8 +8,7 @@
 #include <utility>
 
 #include "cli/messages.h"
-#include "tools/output.h"
-#include "tools/status_words.h"
+#include "tools/interrupt.h"
 
 namespace rolu {
 namespace {
@@ -91,6 +91,36 @@ void PrintJson(const Document& document) {
 
 void PrintJsonLine(const Document& document) {
   OutNow(Dump(document, -1) + "\n");
+}
+
+ROLU_STATUS ReadInto(Session& session, const Setting& setting, Report& report, Outcome& outcome) {
+  interrupt::ThrowIfRequested();
+  Value value;
+  const ROLU_STATUS status = session.Read(setting, value);
+  if (status == ROLU_STATUS_SUCCESS) report.AddValue(setting, value);
+  outcome.Add(WordsOf(status).exit_status);
+  return status;
+}
+
+ExitStatus ReadAndPrint(Session& session, const std::string& name, const CommonOptions& common) {
+  Report report;
+  for (const Setting* const setting : SettingsNamed({name})) {
+    Value value;
+    ThrowUnlessDone(session.Read(*setting, value), fmt::format("read {}", setting->name));
+    report.AddValue(*setting, value);
+  }
+  report.Print(common.json);
+  return kDone;
+}
+
+std::string TimeStamp() {
+  using std::chrono::system_clock;
+  const system_clock::time_point now = system_clock::now();
+  const std::tm fields = fmt::localtime(system_clock::to_time_t(now));
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+  const std::string offset = fmt::format("{:%z}", fields);
+  return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}{:.3}:{}", fields, milliseconds, offset, offset.substr(3));
 }
 
 }  // namespace rolu

@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/exit_status.h"
-#include "tools/setting.h"
+#include "tools/session.h"
+#include "tools/status_words.h"
+#include "tools/terminal.h"
 
 namespace rolu {
 
@@ -21,7 +22,7 @@ class Report {
  public:
   void AddValue(const Setting& setting, const Value& value);
   void AddValue(std::string name, const Value& value, std::string text, std::string_view unit = {});
-  // What could not be read, and what was not asked for a reason.
+  // A value that could not be read, and one that was not asked for.
   void AddProblem(std::string_view name, ROLU_STATUS status);
   void AddSkipped(std::string_view name, std::string_view reason);
   // A line over the fields that follow; not part of the JSON.
@@ -48,22 +49,17 @@ class Report {
 // Prints a document on standard output.
 void PrintJson(const Document& document);
 
-// Prints a document as one line at once, as a stream of events has them.
+// Prints a document as one line, at once: for a stream of events.
 void PrintJsonLine(const Document& document);
 
-// How well the parts of a command went.
-class Outcome {
- public:
-  void Add(ExitStatus status) {
-    if (status == kDone) ++done_;
-    if (first_failure_ == kDone) first_failure_ = status;
-  }
-  // kDone, kPartlyDone when some went well, else what the first failure was.
-  ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
+// Reads one setting into the report, with its success or failure in the outcome. Throws when a signal asks
+// for an end.
+ROLU_STATUS ReadInto(Session& session, const Setting& setting, Report& report, Outcome& outcome);
 
- private:
-  int done_ = 0;
-  ExitStatus first_failure_ = kDone;
-};
+// Reads the setting or the group of that name and prints it. Throws CommandError when it cannot be read.
+ExitStatus ReadAndPrint(Session& session, const std::string& name, const CommonOptions& common);
+
+// Now, with milliseconds and the offset from UTC: "2026-11-24T21:38:15.123+01:00".
+std::string TimeStamp();
 
 }  // namespace rolu

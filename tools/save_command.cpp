@@ -1,35 +1,18 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <stdexcept>
-
 #include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
-#include "tools/wall_time.h"
 
 namespace rolu {
 namespace {
 
-bool CanBeSetAgain(const Setting& setting, const Value& value) {
-  try {
-    CheckValue(setting, value);
-    return true;
-  } catch (const std::invalid_argument&) {
-    return false;
-  }
-}
-
-SettingsFile ReadUnit(Session& session, Outcome& outcome) {
-  SettingsFile file;
-  file.saved_at = TimeStamp();
+std::vector<SavedSetting> ReadUnit(Session& session, Outcome& outcome) {
+  std::vector<SavedSetting> settings;
   for (const Setting& setting : Settings()) {
     if (!setting.IsSaved()) continue;
     interrupt::ThrowIfRequested();
@@ -38,18 +21,15 @@ SettingsFile ReadUnit(Session& session, Outcome& outcome) {
     if (status != ROLU_STATUS_SUCCESS) {
       outcome.Add(WordsOf(status).exit_status);
       SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status)));
-    } else if (CanBeSetAgain(setting, value)) {
+    } else if (WhyNotTaken(setting, value).empty()) {
       outcome.Add(kDone);
-      file.settings.push_back({&setting, value});
+      settings.push_back({&setting, value});
     } else {
       Say(fmt::format("{} is not in the file: it is {}, which cannot be set again", setting.name,
                       ValueText(setting, value)));
     }
   }
-  Value firmware;
-  const bool known = session.Read(SettingNamed("mcu.firmware"), firmware) == ROLU_STATUS_SUCCESS;
-  if (known) file.firmware = firmware.get<std::string>();
-  return file;
+  return settings;
 }
 
 ExitStatus RunSave(const std::string& path, const CommonOptions& common) {
@@ -57,18 +37,20 @@ ExitStatus RunSave(const std::string& path, const CommonOptions& common) {
   if (replaces) Confirm(common, {fmt::format("replaces the file {}", path)});
   Session session(common);
   Outcome outcome;
-  const SettingsFile file = ReadUnit(session, outcome);
+  const std::vector<SavedSetting> settings = ReadUnit(session, outcome);
+  Value firmware = "";
+  session.Read(SettingNamed("mcu.firmware"), firmware);
   const ROLU_STATUS problem = session.McuProblem();
   session.Close();
   if (problem != ROLU_STATUS_SUCCESS) {
     throw CommandError(kNoAnswer, fmt::format("nothing was saved: {}", DescribeWithHint(problem)));
   }
-  if (file.settings.empty()) throw CommandError(outcome.Result(), "nothing was saved");
-  WriteSettingsFile(path, file);
+  if (settings.empty()) throw CommandError(outcome.Result(), "nothing was saved");
+  WriteSettingsFile(path, firmware.get<std::string>(), settings);
   if (common.json && path != "-") {
-    PrintJson({{"file", path}, {"saved", file.settings.size()}});
+    PrintJson({{"file", path}, {"saved", settings.size()}});
   } else if (path != "-") {
-    Out(fmt::format("{} settings saved in {}\n", file.settings.size(), path));
+    Out(fmt::format("{} settings saved in {}\n", settings.size(), path));
   }
   return outcome.Result();
 }

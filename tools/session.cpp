@@ -1,13 +1,13 @@
 #include "tools/session.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <chrono>
 
 #include "cli/messages.h"
 #include "cli/silenced_output.h"
-#include "tools/command_error.h"
-#include "tools/gpio_lines.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"
 
@@ -32,12 +32,36 @@ std::size_t IndexOf(Family family) {
   return static_cast<std::size_t>(family);
 }
 
+constexpr char kGpsValueFile[] = "/sys/class/gpio/gpio45/value";
+
+// Bringing the peripherals up gives the line of the GPS receiver's power its direction anew, and the kernel
+// then drives it low. A receiver that is on loses its power for that moment, and is switched on again here:
+// not through the library, which may have failed to come up.
+ROLU_STATUS BringUpPeripherals() {
+  const bool was_on = GpsLineIsOn();
+  const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_Initialize();
+  const int file = was_on ? open(kGpsValueFile, O_WRONLY | O_CLOEXEC) : -1;
+  if (file < 0) return status;
+  [[maybe_unused]] const ssize_t written = write(file, "1", 1);
+  close(file);
+  return status;
+}
+
 ROLU_STATUS BringUpVpm() {
   const SilencedOutput silenced;
   return KAVO_ROLU_VPM_Initialize(0);
 }
 
 }  // namespace
+
+bool GpsLineIsOn() {
+  const int file = open(kGpsValueFile, O_RDONLY | O_CLOEXEC);
+  if (file < 0) return false;
+  char level = '0';
+  const bool on = read(file, &level, 1) == 1 && level == '1';
+  close(file);
+  return on;
+}
 
 ROLU_STATUS Session::Use(Family family) {
   std::optional<ROLU_STATUS>& state = states_[IndexOf(family)];
@@ -57,10 +81,10 @@ void Session::EnsurePortIsOurs() {
   port_checked_ = true;
   if (options_.force) return;
   const PortSearch search = FindPortOwner();
-  if (!search.owner) return;
+  if (search.owner.empty()) return;
   throw CommandError(kBusy, fmt::format("the MCU's port {} is in use by {}; two programs would take each "
                                         "other's answers. End that process, or go on with --force",
-                                        kMcuPort, OwnerText(*search.owner)));
+                                        kMcuPort, search.owner));
 }
 
 ROLU_STATUS Session::BringUp(Family family) {

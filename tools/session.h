@@ -5,16 +5,25 @@
 #include <optional>
 
 #include "cli/exit_status.h"
-#include "tools/common_options.h"
 #include "tools/setting.h"
 
 namespace rolu {
 
-// This program's use of the board: brings the families up as they are needed, and takes down what
-// it brought up, on every way out.
+// The options that every command takes.
+struct CommonOptions {
+  bool json = false;
+  bool force = false;
+  bool yes = false;
+};
+
+// Whether the GPS receiver's power line is prepared and high.
+bool GpsLineIsOn();
+
+// This program's use of the board: brings families up when they are needed, and takes them down on
+// every way out.
 //
-// An MCU that has stopped answering is not asked again and again: after some questions in a row
-// without an answer the rest is answered with ROLU_STATUS_VPM_NO_REPLY at once.
+// The session stops asking an MCU that does not answer: after some unanswered questions in a row the
+// rest gets ROLU_STATUS_VPM_NO_REPLY at once.
 class Session {
  public:
   // `patience` is the number of those questions, each of which takes 3 s.
@@ -23,7 +32,7 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // Brings a family up, unless this was tried before: the status of the attempt. Throws
+  // Brings a family up, if this was not tried before, and gives the status of the attempt. Throws
   // CommandError(kBusy) when another process holds the MCU's port and --force is not given.
   ROLU_STATUS Use(Family family);
 
@@ -34,18 +43,18 @@ class Session {
   ROLU_STATUS Read(const Setting& setting, Value& value);
   ROLU_STATUS Write(const Setting& setting, const Value& value);
 
-  // Whether the MCU is silent: no question of this session that was asked lately had an answer.
+  // Whether the MCU is silent: the last questions of this session had no answer.
   bool McuIsSilent() const { return unanswered_ >= patience_; }
 
-  // Silent, or its port could not be opened; and the status that says which.
+  // Whether the MCU is silent or its port could not be opened; the status says which.
   bool McuIsUnreachable() const { return McuProblem() != ROLU_STATUS_SUCCESS; }
   ROLU_STATUS McuProblem() const;
 
   // The next question goes out although the MCU was silent.
   void AskAgain() { unanswered_ = 0; }
 
-  // Takes everything down, in the reverse order. Says on standard error what could not be, and gives
-  // its exit status; else kDone.
+  // Takes everything down, in the reverse order. Says on standard error what failed, and gives the exit
+  // status of the failure; else kDone.
   ExitStatus Close();
 
  private:

@@ -5,8 +5,6 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
 
 namespace rolu {
@@ -14,7 +12,8 @@ namespace {
 
 Change ParseAssignment(const std::string& text) {
   const std::size_t equals = text.find('=');
-  if (equals == std::string::npos) throw CommandError(kWrongUse, fmt::format("'{}' is not NAME=VALUE", text));
+  if (equals == std::string::npos)
+    throw CommandError(kWrongUse, fmt::format("\"{}\" is not NAME=VALUE", text));
   return ParseChange(text.substr(0, equals), text.substr(equals + 1));
 }
 
@@ -24,28 +23,20 @@ std::vector<Change> ParseAssignments(const std::vector<std::string>& texts) {
   changes.reserve(texts.size());
   for (const std::string& text : texts) changes.push_back(ParseAssignment(text));
   // All settings are rows of one vector, so their places are their order.
-  std::sort(changes.begin(), changes.end(),
-            [](const Change& left, const Change& right) { return left.setting < right.setting; });
-  const auto twice = std::adjacent_find(
-      changes.begin(), changes.end(),
-      [](const Change& left, const Change& right) { return left.setting == right.setting; });
+  std::ranges::sort(changes, {}, &Change::setting);
+  const auto twice = std::ranges::adjacent_find(changes, {}, &Change::setting);
   if (twice != changes.end()) {
     throw CommandError(kWrongUse, fmt::format("{} is given twice", twice->setting->name));
   }
   return changes;
 }
 
-bool IsNamed(const std::vector<Change>& changes, std::string_view name) {
-  return std::any_of(changes.begin(), changes.end(),
-                     [&](const Change& change) { return change.setting->name == name; });
-}
-
 // A change of the battery mode switches protections off; this says how to switch them on again.
 void RemindOfProtections(const std::vector<Change>& changes) {
-  if (!IsNamed(changes, kBatteryMode)) return;
+  if (!HasChangeOf(changes, kBatteryMode)) return;
   std::string left_off;
   for (const std::string_view name : {"battery.preboot", "battery.lbp"}) {
-    if (!IsNamed(changes, name)) left_off += fmt::format(" {}=on", name);
+    if (!HasChangeOf(changes, name)) left_off += fmt::format(" {}=on", name);
   }
   if (left_off.empty()) return;
   Say(fmt::format("the change of battery.mode switches protections off; 'rolu set{}' switches on again",

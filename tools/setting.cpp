@@ -6,21 +6,23 @@
 #include <charconv>
 #include <cmath>
 #include <optional>
-#include <stdexcept>
 
 #include "cli/nearest_name.h"
+#include "tools/status_words.h"
 
 namespace rolu {
 namespace {
 
 constexpr double kSameNumber = 0.0005;  // values are rounded to three decimals
 
-[[noreturn]] void Refuse(const Setting& setting, const std::string& got) {
-  throw std::invalid_argument(fmt::format("must be {}, not {}", RangeText(setting), got));
+std::string Refusal(const Setting& setting, const std::string& got) {
+  return fmt::format("{} must be {}, not {}", setting.name, RangeText(setting), got);
 }
 
-std::optional<std::int64_t> WholeNumber(std::string_view text) {
-  std::int64_t number = 0;
+// The whole of `text`; nothing when it is no number, or too large.
+template <typename Number>
+std::optional<Number> ParseNumber(std::string_view text) {
+  Number number{};
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return number;
@@ -29,25 +31,14 @@ std::optional<std::int64_t> WholeNumber(std::string_view text) {
 // Digits with a point; no exponents, signs or names of numbers.
 std::optional<double> Decimal(std::string_view text) {
   if (text.empty() || text.find_first_not_of("0123456789.") != std::string_view::npos) return std::nullopt;
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
+  return ParseNumber<double>(text);
 }
 
-bool IsTimeOfDay(std::string_view text) {
-  const auto two_digits_below = [](std::string_view field, int limit) {
-    if (field.size() != 2 || field.find_first_not_of("0123456789") != std::string_view::npos) return false;
-    return *WholeNumber(field) < limit;
-  };
-  return text.size() == 5 && text[2] == ':' && two_digits_below(text.substr(0, 2), 24) &&
-         two_digits_below(text.substr(3), 60);
-}
-
+// Null when it has not the form of the setting's values.
 Value Typed(const Setting& setting, std::string_view text) {
   switch (setting.kind) {
     case Kind::kNumber:
-      if (const auto number = WholeNumber(text)) return *number;
+      if (const auto number = ParseNumber<std::int64_t>(text)) return *number;
       break;
     case Kind::kVolts:
     case Kind::kCelsius:
@@ -59,11 +50,7 @@ Value Typed(const Setting& setting, std::string_view text) {
     default:
       return std::string(text);
   }
-  Refuse(setting, fmt::format("'{}'", text));
-}
-
-bool IsChoice(const Setting& setting, const std::string& word) {
-  return std::find(setting.choices.begin(), setting.choices.end(), word) != setting.choices.end();
+  return nullptr;
 }
 
 bool IsTaken(const Setting& setting, const Value& value) {
@@ -78,9 +65,9 @@ bool IsTaken(const Setting& setting, const Value& value) {
     case Kind::kFlag:
       return value.is_boolean();
     case Kind::kChoice:
-      return value.is_string() && IsChoice(setting, value.get_ref<const std::string&>());
+      return value.is_string() && std::ranges::count(setting.choices, value.get<std::string>()) > 0;
     case Kind::kTimeOfDay:
-      return value.is_string() && IsTimeOfDay(value.get_ref<const std::string&>());
+      return value.is_string() && ParseTimeOfDay(value.get_ref<const std::string&>());
     default:
       return false;
   }
@@ -95,7 +82,46 @@ std::string ChoicesText(const Setting& setting) {
   return text;
 }
 
+std::vector<std::string> SettingNames() {
+  std::vector<std::string> names;
+  for (const Setting& setting : Settings()) names.emplace_back(setting.name);
+  return names;
+}
+
 }  // namespace
+
+const Setting* FindSetting(std::string_view name) {
+  const auto named = std::ranges::find(Settings(), name, &Setting::name);
+  return named == Settings().end() ? nullptr : &*named;
+}
+
+const Setting& SettingNamed(std::string_view name) {
+  if (const Setting* const setting = FindSetting(name)) return *setting;
+  throw CommandError(kWrongUse, NoSetting(name));
+}
+
+std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names) {
+  std::vector<const Setting*> found;
+  if (names.empty()) {
+    for (const Setting& setting : Settings()) found.push_back(&setting);
+  }
+  for (const std::string& name : names) {
+    const std::size_t before = found.size();
+    for (const Setting& setting : Settings()) {
+      if (setting.name == name || GroupOf(setting) == name) found.push_back(&setting);
+    }
+    if (found.size() > before) continue;
+    std::vector<std::string> known = SettingNames();
+    for (const SettingGroup& group : SettingGroups()) known.emplace_back(group.name);
+    throw CommandError(kWrongUse,
+                       fmt::format("there is no setting or group \"{}\"{}", name, Suggestion(name, known)));
+  }
+  return found;
+}
+
+std::string NoSetting(std::string_view name) {
+  return fmt::format("there is no setting \"{}\"{}", name, Suggestion(name, SettingNames()));
+}
 
 std::string_view GroupOf(const Setting& setting) {
   return setting.name.substr(0, setting.name.find('.'));
@@ -126,12 +152,13 @@ std::string RangeText(const Setting& setting) {
 
 Value ParseValue(const Setting& setting, std::string_view text) {
   Value value = Typed(setting, text);
-  if (!IsTaken(setting, value)) Refuse(setting, fmt::format("'{}'", text));
-  return value;
+  if (IsTaken(setting, value)) return value;
+  throw CommandError(kWrongUse, Refusal(setting, fmt::format("\"{}\"", text)));
 }
 
-void CheckValue(const Setting& setting, const Value& value) {
-  if (!IsTaken(setting, value)) Refuse(setting, value.dump(-1, ' ', true, Value::error_handler_t::replace));
+std::string WhyNotTaken(const Setting& setting, const Value& value) {
+  if (IsTaken(setting, value)) return "";
+  return Refusal(setting, value.dump(-1, ' ', true, Value::error_handler_t::replace));
 }
 
 std::string ValueText(const Setting& setting, const Value& value) {
@@ -156,6 +183,19 @@ double Thousandths(float volts) {
 
 std::string VoltsText(double volts) {
   return fmt::format("{:.3f}", volts);
+}
+
+std::optional<TimeOfDay> ParseTimeOfDay(std::string_view text) {
+  if (text.size() != 5 || text[2] != ':') return std::nullopt;
+  const auto hour = ParseNumber<std::uint8_t>(text.substr(0, 2));
+  const auto minute = ParseNumber<std::uint8_t>(text.substr(3));
+  if (!hour || !minute || *hour > 23 || *minute > 59) return std::nullopt;
+  return TimeOfDay{*hour, *minute};
+}
+
+std::string ClockText(const VPM_RTC_TIME& time) {
+  return fmt::format("20{:02}-{:02}-{:02} {:02}:{:02}:{:02}", time.year, time.month, time.day, time.hour,
+                     time.minute, time.second);
 }
 
 bool IsSame(const Value& wanted, const Value& found, double allowance) {

@@ -1,20 +1,21 @@
 #pragma once
 
-// How the rows of the table reach the library: adaptors from its typed getters and setters to values. A row
-// names its functions as template arguments.
+// How the rows of the table reach the library: readers and writers made of its typed getters and setters.
 
-#include <cstdint>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "kavo_rolu.h"
 #include "tools/setting.h"
 
-namespace rolu::access {
-
-template <typename T>
-T GotBy(ROLU_STATUS (*)(T*));
-template <typename T>
-T TakenBy(ROLU_STATUS (*)(T));
+namespace rolu::board_access {
 
 // What the library gave, as a value.
 
@@ -29,92 +30,167 @@ requires(std::is_integral_v<Raw> || std::is_enum_v<Raw>) Value AsValue(Raw raw) 
 inline Value AsValue(float volts) {
   return Thousandths(volts);
 }
-Value AsValue(CAR_BATTERY_MODE mode);
-Value AsValue(WAKEUP_SOURCE source);
-Value AsValue(const VPM_FIRMWARE_INFO& info);
-Value AsValue(const VPM_RTC_TIME& time);
-Value AsValue(const BATTERY_INFO& info);
-Value AsValue(const ROLU_GSENSOR_DATA& sample);
+inline Value AsValue(CAR_BATTERY_MODE mode) {
+  return mode == CAR_BATTERY_MODE_24V ? "24V" : "12V";
+}
+inline Value AsValue(WAKEUP_SOURCE source) {
+  if (source == WAKEUP_SOURCE_NONE) return "none";
+  if (source == WAKEUP_SOURCE_RTC_ALARM) return "alarm";
+  return fmt::format("source-{}", static_cast<int>(source));
+}
+inline Value AsValue(const VPM_RTC_TIME& time) {
+  return ClockText(time);
+}
+inline Value AsValue(const ROLU_GSENSOR_DATA& sample) {
+  return {sample.x, sample.y, sample.z};
+}
+inline Value AsValue(const BATTERY_INFO& info) {
+  return {Thousandths(info.range_start), Thousandths(info.range_mid), Thousandths(info.range_end)};
+}
+// Up to a NUL, and only characters that print.
+template <std::size_t Size>
+Value AsValue(const std::array<char, Size>& text) {
+  std::string printable(text.begin(), std::ranges::find(text, '\0'));
+  std::ranges::replace_if(
+      printable, [](char character) { return character < ' ' || character > '~'; }, '?');
+  return printable;
+}
+inline Value AsValue(const VPM_FIRMWARE_INFO& info) {
+  return AsValue(std::to_array(info.text));
+}
+inline Value Celsius(float raw) {
+  return std::round(static_cast<double>(raw) * 10.0) / 10.0;
+}
+inline Value InfoNumber(const BACKUP_BATTERY_INFO& info) {
+  return info.info_value;
+}
+inline Value SetFlags(const BACKUP_BATTERY_INFO& info) {
+  const std::pair<int, std::uint8_t> flags[] = {
+      {0, info.status_bit0},   {1, info.status_bit1},   {2, info.status_bit2},   {7, info.status_bit7},
+      {8, info.status_bit8},   {9, info.status_bit9},   {10, info.status_bit10}, {11, info.status_bit11},
+      {14, info.status_bit14}, {15, info.status_bit15},
+  };
+  Value bits = Value::array();
+  for (const auto& [bit, set] : flags) {
+    if (set != 0) bits.push_back(bit);
+  }
+  return bits;
+}
+
+// Reads what `get` writes, and shows it as a value.
+template <typename Raw, typename Get, typename Show>
+Reader ReadAs(Get get, Show show) {
+  return [=](Value& value) {
+    Raw raw{};
+    const ROLU_STATUS status = get(&raw);
+    if (status == ROLU_STATUS_SUCCESS) value = show(raw);
+    return status;
+  };
+}
 
 template <typename Raw>
-Value IsOn(Raw raw) {
-  return raw != 0;
+Reader Read(ROLU_STATUS (*get)(Raw*)) {
+  return ReadAs<Raw>(get, [](const Raw& raw) { return AsValue(raw); });
 }
-Value Celsius(float raw);
-Value InfoNumber(const BACKUP_BATTERY_INFO& info);
-Value SetFlags(const BACKUP_BATTERY_INFO& info);
 
-// What the library gives in two pieces, or for one of several, as one thing.
+template <typename Raw>
+Reader ReadFlag(ROLU_STATUS (*get)(Raw*)) {
+  return ReadAs<Raw>(get, [](Raw raw) { return raw != 0; });
+}
+
+// A text of at most `Size` bytes.
+template <std::size_t Size, typename Get>
+Reader ReadText(Get get) {
+  using Text = std::array<char, Size>;
+  return ReadAs<Text>([get](Text* text) { return get(text->data()); },
+                      [](const Text& text) { return AsValue(text); });
+}
+
+template <typename Raw>
+Writer Write(ROLU_STATUS (*set)(Raw)) {
+  return [set](const Value& value) { return set(value.get<Raw>()); };
+}
+
+// What the library gives for one of several.
+
+inline Reader ReadBatteryRange(CAR_BATTERY_MODE mode) {
+  return ReadAs<BATTERY_INFO>(
+      [mode](BATTERY_INFO* info) { return KAVO_ROLU_VPM_GetLBPThresholdInfo(mode, info); },
+      [](const BATTERY_INFO& info) { return AsValue(info); });
+}
+
+template <typename Which>
+Reader ReadFlagOf(ROLU_STATUS (*get)(Which, char*), Which which) {
+  return ReadAs<char>([=](char* on) { return get(which, on); }, [](char on) { return on != 0; });
+}
+
+template <typename Which>
+Writer WriteFlagOf(ROLU_STATUS (*set)(Which, char), Which which) {
+  return [=](const Value& value) { return set(which, value.get<char>()); };
+}
+
+// The alarm's mode and time are one thing to the MCU: a part is changed by writing the whole.
+
+constexpr char kNoAlarm[] = "none";
+
 struct Alarm {
   ALARM_MODE mode;
   VPM_ALARM_TIME time;
 };
-ROLU_STATUS GetAlarm(Alarm* alarm);
-Value AlarmMode(const Alarm& alarm);
-Value AlarmTime(const Alarm& alarm);
-Value AlarmWeekday(const Alarm& alarm);
 
-template <CAR_BATTERY_MODE Mode>
-ROLU_STATUS GetBatteryRange(BATTERY_INFO* info) {
-  return KAVO_ROLU_VPM_GetLBPThresholdInfo(Mode, info);
+inline ROLU_STATUS GetAlarm(Alarm* alarm) {
+  return KAVO_ROLU_VPM_GetAlarmTime(&alarm->mode, &alarm->time);
 }
 
-template <auto Get, auto Show>
-ROLU_STATUS ReadAs(Value& value) {
-  decltype(GotBy(Get)) raw{};
-  const ROLU_STATUS status = Get(&raw);
-  if (status == ROLU_STATUS_SUCCESS) value = Show(raw);
-  return status;
+inline Value AlarmMode(const Alarm& alarm) {
+  switch (alarm.mode) {
+    case ALARM_MODE_NONE:
+      return kNoAlarm;
+    case ALARM_MODE_HOURLY:
+      return "hourly";
+    case ALARM_MODE_DAILY:
+      return "daily";
+    default:
+      return "weekly";
+  }
 }
 
-template <auto Get>
-ROLU_STATUS Read(Value& value) {
-  decltype(GotBy(Get)) raw{};
-  const ROLU_STATUS status = Get(&raw);
-  if (status == ROLU_STATUS_SUCCESS) value = AsValue(raw);
-  return status;
+inline Value AlarmTime(const Alarm& alarm) {
+  if (alarm.mode == ALARM_MODE_NONE) return kNoAlarm;
+  return fmt::format("{:02}:{:02}", alarm.time.hour, alarm.time.minute);
 }
 
-template <auto Get>
-ROLU_STATUS ReadFlag(Value& value) {
-  return ReadAs<Get, IsOn<decltype(GotBy(Get))>>(value);
+inline Value AlarmWeekday(const Alarm& alarm) {
+  return alarm.mode == ALARM_MODE_NONE ? Value(kNoAlarm) : Value(alarm.time.weekday);
 }
 
-template <auto Set>
-ROLU_STATUS Write(const Value& value) {
-  return Set(value.get<decltype(TakenBy(Set))>());
+// A writer that changes a part of the alarm.
+template <typename Change>
+Writer WriteAlarm(Change change) {
+  return [change](const Value& value) {
+    Alarm alarm{};
+    const ROLU_STATUS status = GetAlarm(&alarm);
+    if (status != ROLU_STATUS_SUCCESS) return status;
+    VPM_ALARM_TIME& time = alarm.time;
+    // An alarm that was never set may hold anything.
+    if (time.weekday > 6) time.weekday = 0;
+    if (time.hour > 23) time.hour = 0;
+    if (time.minute > 59) time.minute = 0;
+    change(alarm, value);
+    return KAVO_ROLU_VPM_SetAlarmTime(alarm.mode, time);
+  };
 }
 
-template <auto Set>
-ROLU_STATUS WriteFlag(const Value& value) {
-  return Set(static_cast<decltype(TakenBy(Set))>(value.get<bool>() ? 1 : 0));
+inline void SetAlarmMode(Alarm& alarm, const Value& value) {
+  alarm.mode = value == "hourly"  ? ALARM_MODE_HOURLY
+               : value == "daily" ? ALARM_MODE_DAILY
+                                  : ALARM_MODE_WEEKLY;
 }
 
-// The switches that are told apart by a source or a type.
-
-template <auto Get, auto Which>
-ROLU_STATUS ReadFlagOf(Value& value) {
-  char enabled = 0;
-  const ROLU_STATUS status = Get(Which, &enabled);
-  if (status == ROLU_STATUS_SUCCESS) value = enabled != 0;
-  return status;
+inline void SetAlarmTime(Alarm& alarm, const Value& value) {
+  const TimeOfDay time = ParseTimeOfDay(value.get<std::string>()).value();
+  alarm.time.hour = time.hour;
+  alarm.time.minute = time.minute;
 }
 
-template <auto Set, auto Which>
-ROLU_STATUS WriteFlagOf(const Value& value) {
-  return Set(Which, static_cast<char>(value.get<bool>() ? 1 : 0));
-}
-
-// The rest, each with a shape of its own.
-
-ROLU_STATUS LibraryVersion(Value& value);
-ROLU_STATUS Machine(Value& value);
-ROLU_STATUS KernelRelease(Value& value);
-ROLU_STATUS McuPlatform(Value& value);
-ROLU_STATUS SetBatteryMode(const Value& value);
-ROLU_STATUS SetAlarmMode(const Value& value);
-ROLU_STATUS SetAlarmTime(const Value& value);
-ROLU_STATUS SetAlarmWeekday(const Value& value);
-ROLU_STATUS InputPins(Value& value);
-
-}  // namespace rolu::access
+}  // namespace rolu::board_access

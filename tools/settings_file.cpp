@@ -11,13 +11,8 @@
 #include <iostream>
 #include <iterator>
 #include <set>
-#include <stdexcept>
 
 #include "cli/messages.h"
-#include "cli/nearest_name.h"
-#include "tools/command_error.h"
-#include "tools/output.h"
-#include "tools/settings_table.h"
 
 namespace rolu {
 namespace {
@@ -57,7 +52,7 @@ Value ParseJson(const std::string& path, const std::string& text) {
     if (event == Value::parse_event_t::object_start) keys.emplace_back();
     if (event == Value::parse_event_t::object_end) keys.pop_back();
     if (event == Value::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second) {
-      twice.push_back(fmt::format("'{}' is there twice", parsed.get<std::string>()));
+      twice.push_back(fmt::format("\"{}\" is there twice", parsed.get<std::string>()));
     }
     return true;
   };
@@ -71,13 +66,8 @@ Value ParseJson(const std::string& path, const std::string& text) {
   }
 }
 
-std::string TextMember(const Value& document, const char* key) {
-  const auto member = document.find(key);
-  return member != document.end() && member->is_string() ? member->get<std::string>() : "";
-}
-
 void CheckFrame(const std::string& path, const Value& document) {
-  if (!document.is_object() || TextMember(document, "format") != kFormat) {
+  if (!document.is_object() || document.value("format", Value()) != kFormat) {
     Refuse(path, {"was not written by 'rolu save'"});
   }
   const auto version = document.find("version");
@@ -88,7 +78,7 @@ void CheckFrame(const std::string& path, const Value& document) {
   static const std::set<std::string> known = {"format", "version", "saved_at", "firmware", "settings"};
   Problems problems;
   for (const auto& [key, value] : document.items()) {
-    if (known.count(key) == 0) problems.push_back(fmt::format("has an unknown part '{}'", key));
+    if (known.count(key) == 0) problems.push_back(fmt::format("has an unknown part \"{}\"", key));
   }
   const auto settings = document.find("settings");
   if (settings == document.end() || !settings->is_object()) problems.emplace_back("has no settings");
@@ -98,37 +88,17 @@ void CheckFrame(const std::string& path, const Value& document) {
 // An empty text, or what is wrong with the entry.
 std::string ProblemWith(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
-  if (setting == nullptr)
-    return fmt::format("there is no setting '{}'{}", name, Suggestion(name, SettingNames()));
+  if (setting == nullptr) return NoSetting(name);
   if (!setting->IsSaved()) return fmt::format("{} cannot be loaded", name);
   if (!entry.is_object() || !entry.contains("value")) return fmt::format("{} has no value", name);
   for (const auto& [key, value] : entry.items()) {
-    if (key != "value" && key != "unit") return fmt::format("{} has an unknown part '{}'", name, key);
+    if (key != "value" && key != "unit") return fmt::format("{} has an unknown part \"{}\"", name, key);
   }
   const auto unit = entry.find("unit");
   if (unit != entry.end() && *unit != setting->unit) {
-    return fmt::format("{} is in {}, not in '{}'", name, unit->dump(), setting->unit);
+    return fmt::format("{} is in {}, not in \"{}\"", name, unit->dump(), setting->unit);
   }
-  try {
-    CheckValue(*setting, entry["value"]);
-  } catch (const std::invalid_argument& problem) {
-    return fmt::format("{} {}", name, problem.what());
-  }
-  return "";
-}
-
-Document AsJson(const SettingsFile& file) {
-  Document settings = Document::object();
-  for (const SavedSetting& saved : file.settings) {
-    Document entry = {{"value", saved.value}};
-    if (!saved.setting->unit.empty()) entry["unit"] = saved.setting->unit;
-    settings[std::string(saved.setting->name)] = std::move(entry);
-  }
-  return {{"format", kFormat},
-          {"version", kVersion},
-          {"saved_at", file.saved_at},
-          {"firmware", file.firmware},
-          {"settings", std::move(settings)}};
+  return WhyNotTaken(*setting, entry["value"]);
 }
 
 // A new file beside `path`, which takes its place once it is complete; removed otherwise.
@@ -176,10 +146,9 @@ class Replacement {
 
 }  // namespace
 
-SettingsFile ReadSettingsFile(const std::string& path) {
+std::vector<SavedSetting> ReadSettingsFile(const std::string& path) {
   const Value document = ParseJson(path, ReadWhole(path));
   CheckFrame(path, document);
-  SettingsFile file{TextMember(document, "saved_at"), TextMember(document, "firmware"), {}};
   const Value& entries = document["settings"];
   Problems problems;
   for (const auto& [name, entry] : entries.items()) {
@@ -187,21 +156,29 @@ SettingsFile ReadSettingsFile(const std::string& path) {
     if (!problem.empty()) problems.push_back(problem);
   }
   if (!problems.empty()) Refuse(path, problems);
+  std::vector<SavedSetting> settings;
   for (const Setting& setting : Settings()) {
     const auto entry = entries.find(setting.name);
-    if (entry != entries.end()) file.settings.push_back({&setting, (*entry)["value"]});
+    if (entry != entries.end()) settings.push_back({&setting, (*entry)["value"]});
   }
-  if (file.settings.empty()) Refuse(path, {"has no settings"});
-  return file;
+  if (settings.empty()) Refuse(path, {"has no settings"});
+  return settings;
 }
 
-void WriteSettingsFile(const std::string& path, const SettingsFile& file) {
-  if (path == "-") {
-    PrintJson(AsJson(file));
-    return;
+void WriteSettingsFile(const std::string& path, const std::string& firmware,
+                       const std::vector<SavedSetting>& settings) {
+  Document document = {{"format", kFormat},
+                       {"version", kVersion},
+                       {"saved_at", TimeStamp()},
+                       {"firmware", firmware},
+                       {"settings", Document::object()}};
+  for (const SavedSetting& saved : settings) {
+    Document& entry = document["settings"][std::string(saved.setting->name)] = {{"value", saved.value}};
+    if (!saved.setting->unit.empty()) entry["unit"] = saved.setting->unit;
   }
+  if (path == "-") return PrintJson(document);
   Replacement replacement(path);
-  replacement.Write(AsJson(file).dump(2) + "\n");
+  replacement.Write(document.dump(2) + "\n");
   replacement.TakePlace();
 }
 

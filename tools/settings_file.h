@@ -15,17 +15,13 @@ struct SavedSetting {
 
 // A unit's settings as a file: JSON, {"format": "rolu-settings", "version": 1, "saved_at": ...,
 // "firmware": ..., "settings": {NAME: {"value": ..., "unit": ...}, ...}}.
-struct SettingsFile {
-  std::string saved_at;
-  std::string firmware;
-  std::vector<SavedSetting> settings;  // in the order of the table
-};
-
-// Reads and checks the whole file, "-" for standard input. Throws CommandError(kWrongUse) that names
-// everything that is wrong with it.
-SettingsFile ReadSettingsFile(const std::string& path);
+//
+// Reads and checks the whole file, "-" for standard input: the settings in the order of the table. Throws
+// CommandError(kWrongUse) that names everything that is wrong with it.
+std::vector<SavedSetting> ReadSettingsFile(const std::string& path);
 
 // Writes the file whole or not at all, "-" for standard output. Throws CommandError.
-void WriteSettingsFile(const std::string& path, const SettingsFile& file);
+void WriteSettingsFile(const std::string& path, const std::string& firmware,
+                       const std::vector<SavedSetting>& settings);
 
 }  // namespace rolu

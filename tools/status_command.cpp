@@ -1,17 +1,21 @@
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "cli/messages.h"
 #include "tools/command.h"
-#include "tools/gpio_lines.h"
-#include "tools/reading.h"
-#include "tools/settings_table.h"
-#include "tools/status_words.h"
+#include "tools/report.h"
 
 namespace rolu {
 namespace {
 
 // A user who wants to know how things are learns soon that the MCU does not answer.
 constexpr int kPatience = 1;
+
+// Whether the lines of the digital inputs are there, or the system has no lines at all.
+bool PinsArePrepared() {
+  return access("/sys/class/gpio/gpio37/value", F_OK) == 0 || access("/sys/class/gpio/export", F_OK) != 0;
+}
 
 // Why `status`, which must change nothing, does not ask for a setting now; null when it does.
 const char* ReasonNotToAsk(const Setting& setting) {
@@ -25,17 +29,13 @@ const char* ReasonNotToAsk(const Setting& setting) {
   return nullptr;
 }
 
-bool NeedsMcu(const Setting* setting) {
-  return setting->family != Family::kCore;
-}
-
 Report ReadAll(Session& session, const std::vector<const Setting*>& settings, Outcome& outcome) {
   Report report;
   std::string_view group;
   for (const Setting* const setting : settings) {
     if (GroupOf(*setting) != group) {
       group = GroupOf(*setting);
-      report.AddTitle(TitleOf(group));
+      report.AddTitle(std::ranges::find(SettingGroups(), group, &SettingGroup::name)->title);
     }
     if (const char* const reason = ReasonNotToAsk(*setting)) {
       report.AddSkipped(setting->name, reason);
@@ -51,7 +51,9 @@ ExitStatus RunStatus(const std::vector<std::string>& names, const CommonOptions&
   const std::vector<const Setting*> settings = SettingsNamed(names);
   Session session(common, kPatience);
   // The quickest way to learn that the MCU is silent.
-  if (std::any_of(settings.begin(), settings.end(), NeedsMcu)) session.Use(Family::kWatchdog);
+  const bool needs_mcu =
+      std::ranges::any_of(settings, [](const Setting* setting) { return setting->family != Family::kCore; });
+  if (needs_mcu) session.Use(Family::kWatchdog);
   Outcome outcome;
   ReadAll(session, settings, outcome).Print(common.json);
   // The board tells some things without the MCU; they do not make a silent MCU a part of a success.

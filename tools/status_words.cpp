@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "tools/command_error.h"
-
 namespace rolu {
 namespace {
 

@@ -1,11 +1,39 @@
 #pragma once
 
+#include <stdexcept>
 #include <string>
 
 #include "cli/exit_status.h"
 #include "kavo_rolu.h"
 
 namespace rolu {
+
+// What ends a command before its work is done. main prints the text and exits with the status.
+class CommandError : public std::runtime_error {
+ public:
+  CommandError(ExitStatus status, const std::string& text) : std::runtime_error(text), status_(status) {}
+  ExitStatus status() const { return status_; }
+
+ private:
+  ExitStatus status_;
+};
+
+// How well the parts of a command went.
+class Outcome {
+ public:
+  void Add(ExitStatus status) {
+    if (status == kDone) ++done_;
+    if (first_failure_ == kDone) first_failure_ = status;
+  }
+  // How many went well.
+  unsigned long done() const { return done_; }
+  // kDone, kPartlyDone when some went well, else what the first failure was.
+  ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
+
+ private:
+  unsigned long done_ = 0;
+  ExitStatus first_failure_ = kDone;
+};
 
 struct StatusWords {
   ROLU_STATUS status;
@@ -15,7 +43,7 @@ struct StatusWords {
   ExitStatus exit_status;
 };
 
-// The words for a status code; for one that the library does not have, words that say so.
+// The words for a status code. An unknown code gets words that say so.
 const StatusWords& WordsOf(ROLU_STATUS status);
 
 // "the MCU did not answer within 3 s (ROLU_STATUS_VPM_NO_REPLY, 0xC048)".

@@ -1,46 +1,44 @@
 #include <errno.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <exception>
 #include <limits>
 #include <optional>
-#include <system_error>
+#include <utility>
 
 #include "cli/command_line.h"
 #include "cli/messages.h"
+#include "cli/nearest_name.h"
 #include "tools/board_watcher.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/event_commands.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
-#include "tools/port_owner.h"
-#include "tools/session.h"
 #include "tools/status_words.h"
-#include "tools/wall_time.h"
 
 namespace rolu {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// An event's name and a command for the shell.
+using CommandOfEvent = std::pair<std::string, std::string>;
+
 struct WatchOptions {
-  std::vector<std::pair<std::string, std::string>> commands;
+  std::vector<CommandOfEvent> commands;
   unsigned count = 0;
   std::chrono::milliseconds time{0};
-  WatchSettings settings;
+  WatchTask task;
 };
 
 const EventName& NameOf(EventKind kind) {
   static const EventName state = {EventKind::kState, "state", "watching"};
-  for (const EventName& event : EventNames()) {
-    if (event.kind == kind) return event;
-  }
-  return state;
+  const auto named = std::ranges::find(EventNames(), kind, &EventName::kind);
+  return named == EventNames().end() ? state : *named;
 }
 
 void Tell(const Event& event, bool json) {
@@ -55,105 +53,99 @@ void Tell(const Event& event, bool json) {
   }
 }
 
-struct WatchTask {
-  WatchSettings settings;
-  CommonOptions common;
-  BoardState told;            // what has been told before
-  bool port_returns = false;  // the port hung up under the process before this one
-};
-
-// The exit status of a process whose port hung up, or has not come back yet. No command ends with it.
-inline constexpr int kPortAway = 64;
-
-// Comes back when an end is asked for: by a signal, or by the reader of the events, who goes away.
-void WatchUntilAsked(const EventPipe& events) {
-  pollfd ends[] = {
-      {events.Descriptor(), 0, 0}, {interrupt::Descriptor(), POLLIN, 0}, {DuplicateOwnPort(), 0, 0}};
-  while (poll(ends, 3, -1) < 0 && errno == EINTR) continue;
-  // What was up has gone with the port: nothing is left to be taken down.
-  if (ends[2].revents != 0) _exit(kPortAway);
-}
-
-ExitStatus WatchBoard(const WatchTask& task, EventPipe& events) {
-  BoardWatcher watcher(events, task.settings, task.told);
-  Session session(task.common);
-  session.Require(Family::kVpm);
-  session.Require(Family::kGsensor);
-  if (task.port_returns) events.Put(EventKind::kMcuBack);
-  const ROLU_STATUS alarm = watcher.Start();
-  if (alarm != ROLU_STATUS_SUCCESS) Say("G-sensor alarms are not watched: " + Describe(alarm));
-  WatchUntilAsked(events);
-  watcher.Stop();
-  return session.Close();
-}
-
-int WatchAsProcess(const WatchTask& task, EventPipe& events) {
-  try {
-    return WatchBoard(task, events);
-  } catch (const CommandError& error) {
-    if (task.port_returns) return kPortAway;
-    SayProblem(error.what());
-    return error.status();
-  } catch (const std::exception& error) {
-    SayProblem(error.what());
-    return kPartlyDone;
-  }
-}
-
-// A process of its own that uses the library, and sees what happens on the board. A port that hung up is
-// dead for the process that opened it, and stays so: the library opens it again only when all families
-// are down, and the G-sensor goes down only with the MCU's answer. Another process can take over.
-class WatchProcess {
+// Shell commands that run when an event is seen, beside the watching. What they print goes to standard error:
+// standard output is the stream of events.
+class EventCommands {
  public:
-  // Call it while no other thread runs. Throws std::system_error.
-  explicit WatchProcess(const WatchTask& task);
-  ~WatchProcess() { End(); }
-  WatchProcess(const WatchProcess&) = delete;
-  WatchProcess& operator=(const WatchProcess&) = delete;
+  // Throws CommandError(kWrongUse) when an event has another name than those of EventNames.
+  explicit EventCommands(const std::vector<CommandOfEvent>& commands) : commands_(commands) {
+    std::vector<std::string> known;
+    for (const EventName& event : EventNames()) known.emplace_back(event.name);
+    for (const auto& [name, command] : commands_) {
+      if (std::ranges::find(known, name) != known.end()) continue;
+      throw CommandError(kWrongUse, fmt::format("there is no event \"{}\"{}", name, Suggestion(name, known)));
+    }
+  }
 
-  EventPipe& events() { return *events_; }
+  // Starts the commands for an event, with ROLU_EVENT and ROLU_TIME in their environment.
+  void Start(const Event& event) {
+    const std::string name(NameOf(event.kind).name);
+    for (const auto& [wanted, command] : commands_) {
+      if (wanted != name) continue;
+      const pid_t pid = fork();
+      if (pid < 0) {
+        SayNotRun(command);
+        continue;
+      }
+      // A process group of its own, so that what the shell starts ends with it. Both processes make it:
+      // either may come first.
+      setpgid(pid, pid);
+      if (pid == 0) BecomeShell(command, name, event.time);
+      running_.push_back({pid, command});
+    }
+  }
 
-  // Lets it take down what it brought up, after the question in hand, and gives its exit status.
-  int End();
+  // Says which commands failed that have ended since.
+  void Reap() {
+    std::erase_if(running_, [](const Running& running) { return HasEnded(running, WNOHANG); });
+  }
+
+  // Waits for those that still run; when a signal asks for an end, ends them.
+  void WaitForEnd() {
+    Reap();
+    while (!running_.empty() && interrupt::SleepFor(std::chrono::milliseconds(20))) Reap();
+    for (const Running& running : running_) kill(-running.pid, SIGTERM);
+    while (!running_.empty()) {
+      if (HasEnded(running_.back(), 0)) running_.pop_back();
+    }
+  }
 
  private:
-  std::optional<EventPipe> events_;
-  pid_t pid_ = -1;
-  int status_ = 0;
+  struct Running {
+    pid_t pid;
+    std::string command;
+  };
+
+  static void SayNotRun(const std::string& command) {
+    SayProblem(fmt::format("could not run \"{}\": {}", command, ErrnoText(errno)));
+  }
+
+  [[noreturn]] static void BecomeShell(const std::string& command, const std::string& event,
+                                       const std::string& time) {
+    signal(SIGPIPE, SIG_DFL);
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(nothing, STDIN_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    setenv("ROLU_EVENT", event.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): it has one thread
+    setenv("ROLU_TIME", time.c_str(), 1);    // NOLINT(concurrency-mt-unsafe)
+    execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    SayNotRun(command);
+    _exit(kNotFound);
+  }
+
+  static bool HasEnded(const Running& running, int flags) {
+    int status = 0;
+    const pid_t ended = waitpid(running.pid, &status, flags);
+    if (ended == 0 || (ended < 0 && errno == EINTR)) return false;
+    if (WIFSIGNALED(status)) {
+      SayProblem(fmt::format("\"{}\" was ended by signal {}", running.command, WTERMSIG(status)));
+    } else if (WEXITSTATUS(status) != 0) {
+      SayProblem(fmt::format("\"{}\" ended with status {}", running.command, WEXITSTATUS(status)));
+    }
+    return true;
+  }
+
+  const std::vector<CommandOfEvent>& commands_;
+  std::vector<Running> running_;
 };
-
-WatchProcess::WatchProcess(const WatchTask& task) {
-  events_.emplace();
-  pid_ = fork();
-  if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (pid_ > 0) {
-    events_->BeReader();
-    return;
-  }
-  events_->BeWriter();
-  interrupt::Watch();
-  _exit(WatchAsProcess(task, *events_));
-}
-
-int WatchProcess::End() {
-  if (pid_ < 0) return status_;
-  events_.reset();
-  int status = 0;
-  while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;
-  pid_ = -1;
-  status_ = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) {
-    SayProblem(fmt::format("the process that watches was ended by signal {}", WTERMSIG(status)));
-    status_ = kSignalBase + WTERMSIG(status);
-  }
-  return status_;
-}
 
 // Tells what a process of its own sees, and lets another take over where the port hung up.
 class Watch {
  public:
   Watch(const WatchOptions& options, const CommonOptions& common)
-      : options_(options), commands_(options.commands), task_{options.settings, common, {}, false} {}
+      : options_(options), commands_(options.commands), task_(options.task) {
+    task_.common = common;
+  }
 
   ExitStatus Run() {
     bool goes_on = true;
@@ -164,7 +156,7 @@ class Watch {
       if (goes_on) Wait();
     }
     EndProcess();
-    if (status_ == kPortAway) {
+    if (status_ == BoardWatcher::kPortAway) {
       SayProblem("could not take down the G-sensor: the MCU's port hung up");
       status_ = kNoAnswer;
     }
@@ -184,13 +176,13 @@ class Watch {
   // False when the process has ended for good.
   bool TellEvents() {
     while (!IsOver()) {
-      const std::optional<Event> event = process_->events().Take();
+      const std::optional<Event> event = process_->Take();
       if (!event) break;
       TellAndNote(*event);
     }
-    if (!process_->events().IsAtEnd()) return true;
+    if (!process_->IsOver()) return true;
     EndProcess();
-    if (status_ != kPortAway) return false;
+    if (status_ != BoardWatcher::kPortAway) return false;
     if (!task_.port_returns) NotePortAway();
     next_start_ = Clock::now() + kPortRest;
     return true;
@@ -204,13 +196,13 @@ class Watch {
   void NotePortAway() {
     task_.port_returns = true;
     Say("the MCU's port hung up; waiting for it to come back");
-    if (!mcu_is_silent_) TellAndNote({EventKind::kMcuSilent, Document::object(), "", TimeStamp()});
+    if (!mcu_is_silent_) TellAndNote({.kind = EventKind::kMcuSilent, .time = TimeStamp()});
   }
 
   void TellAndNote(const Event& event) {
     if (event.kind == EventKind::kMcuBack && task_.port_returns) Say("the MCU's port is back");
     Tell(event, task_.common.json);
-    commands_.Start(event, NameOf(event.kind).name);
+    commands_.Start(event);
     if (event.kind != EventKind::kState) ++told_;
     switch (event.kind) {
       case EventKind::kMcuSilent:
@@ -234,7 +226,7 @@ class Watch {
   void Wait() {
     constexpr std::chrono::milliseconds kLongest{500};
     const auto wait = std::min(kLongest, std::chrono::ceil<std::chrono::milliseconds>(end_ - Clock::now()));
-    pollfd descriptors[] = {{process_ ? process_->events().Descriptor() : -1, POLLIN, 0},
+    pollfd descriptors[] = {{process_ ? process_->Descriptor() : -1, POLLIN, 0},
                             {interrupt::Descriptor(), POLLIN, 0}};
     poll(descriptors, 2, static_cast<int>(std::max<std::int64_t>(wait.count(), 0)));
   }
@@ -242,7 +234,7 @@ class Watch {
   const WatchOptions& options_;
   EventCommands commands_;
   WatchTask task_;  // of the next process
-  std::optional<WatchProcess> process_;
+  std::optional<BoardWatcher> process_;
   int status_ = kDone;  // of the last one
   const Clock::time_point end_ =
       options_.time.count() == 0 ? Clock::time_point::max() : Clock::now() + options_.time;
@@ -277,11 +269,10 @@ void AddWatchCommand(CLI::App& app, Invocation& invocation) {
   command->add_option("--count", options->count, "End after so many events")
       ->check(CLI::Range(1U, std::numeric_limits<unsigned>::max()));
   AddDurationOption(*command, "--for", options->time, "End after this time, like 20s");
-  AddDurationOption(*command, "--interval", options->settings.interval,
+  AddDurationOption(*command, "--interval", options->task.interval,
                     "Time between two looks at ignition and voltage");
   command
-      ->add_option("--step", options->settings.volts_step,
-                   "The smallest change of the voltage to tell, in volts")
+      ->add_option("--step", options->task.volts_step, "The smallest change of the voltage to tell, in volts")
       ->check(CLI::Range(0.001, 100.0))
       ->capture_default_str();
   OnRun(command, invocation,

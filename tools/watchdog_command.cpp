@@ -4,13 +4,9 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
-#include "tools/command_error.h"
-#include "tools/confirm.h"
 #include "tools/interrupt.h"
-#include "tools/output.h"
 #include "tools/report.h"
 #include "tools/session.h"
-#include "tools/settings_table.h"
 #include "tools/status_words.h"
 
 namespace rolu {
@@ -25,41 +21,25 @@ struct WatchdogOptions {
   std::chrono::milliseconds duration{0};  // 0: until a signal
 };
 
-void Tell(const CommonOptions& common, const char* state) {
-  if (common.json) {
-    PrintJsonLine({{"watchdog", state}});
-  } else {
-    OutNow(fmt::format("the watchdog is {}\n", state));
-  }
+// `feeding` is what came of the feeding, if it was fed for a time.
+void Tell(const CommonOptions& common, const char* state, const Outcome* feeding = nullptr) {
+  Document line = {{"watchdog", state}};
+  if (feeding != nullptr) line["fed"] = feeding->done();
+  if (common.json) return PrintJsonLine(line);
+  OutNow(fmt::format("{}the watchdog is {}\n",
+                     feeding == nullptr ? "" : fmt::format("fed {} times; ", feeding->done()), state));
 }
-
-struct Feeding {
-  unsigned long fed = 0;
-  Outcome outcome;
-};
 
 // A question that is lost now and then does not end the feeding.
-Feeding FeedUntilEnd(const WatchdogOptions& options) {
+Outcome FeedUntilEnd(const WatchdogOptions& options) {
   const Clock::time_point start = Clock::now();
-  Feeding feeding;
+  Outcome feeding;
   while (true) {
     const ROLU_STATUS status = KAVO_ROLU_WD_Trigger();
-    feeding.outcome.Add(WordsOf(status).exit_status);
-    if (status == ROLU_STATUS_SUCCESS) {
-      ++feeding.fed;
-    } else {
-      SayProblem("could not feed the watchdog: " + Describe(status));
-    }
+    feeding.Add(WordsOf(status).exit_status);
+    if (status != ROLU_STATUS_SUCCESS) SayProblem("could not feed the watchdog: " + Describe(status));
     const bool is_over = options.duration.count() > 0 && Clock::now() - start >= options.duration;
     if (is_over || !interrupt::SleepFor(options.every)) return feeding;
-  }
-}
-
-void TellFeeding(const CommonOptions& common, const char* state, const Feeding& feeding) {
-  if (common.json) {
-    PrintJsonLine({{"watchdog", state}, {"fed", feeding.fed}});
-  } else {
-    OutNow(fmt::format("fed {} times; the watchdog is {}\n", feeding.fed, state));
   }
 }
 
@@ -81,11 +61,11 @@ ExitStatus RunOn(const WatchdogOptions& options, const CommonOptions& common) {
   ThrowUnlessDone(KAVO_ROLU_WD_Enabled(true), "switch the watchdog on");
   Tell(common, "on");
   if (!options.feed) return kDone;
-  const Feeding feeding = FeedUntilEnd(options);
+  const Outcome feeding = FeedUntilEnd(options);
   // Nobody feeds it from here on.
   ThrowUnlessDone(KAVO_ROLU_WD_Enabled(false), "switch the watchdog off again");
-  TellFeeding(common, "off", feeding);
-  return feeding.outcome.Result();
+  Tell(common, "off", &feeding);
+  return feeding.Result();
 }
 
 ExitStatus RunOff(const CommonOptions& common) {
@@ -101,9 +81,9 @@ ExitStatus RunFeed(const WatchdogOptions& options, const CommonOptions& common) 
   Session session(common);
   session.Require(Family::kWatchdog);
   if (options.duration.count() > 0) {
-    const Feeding feeding = FeedUntilEnd(options);
-    TellFeeding(common, "as it was", feeding);
-    return feeding.outcome.Result();
+    const Outcome feeding = FeedUntilEnd(options);
+    Tell(common, "as it was", &feeding);
+    return feeding.Result();
   }
   ThrowUnlessDone(KAVO_ROLU_WD_Trigger(), "feed the watchdog");
   Tell(common, "fed");

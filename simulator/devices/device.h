@@ -1,11 +1,17 @@
 #pragma once
 
+#include <sys/stat.h>
+
+#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace rolu_sim {
 
@@ -15,16 +21,6 @@ using DeviceResult = std::int32_t;
 struct OpenFlags {
   bool read = false;
   bool write = false;
-  bool truncate = false;
-  bool append = false;
-};
-
-enum class NodeKind : std::uint32_t { kCharacterDevice, kAttribute };
-
-// A node's stat: its kind and permission bits.
-struct NodeStat {
-  NodeKind kind = NodeKind::kAttribute;
-  std::uint32_t permissions = 0644;
 };
 
 // One open descriptor of a device; destroyed when the descriptor is closed.
@@ -33,12 +29,16 @@ class OpenDevice {
   virtual ~OpenDevice() = default;
   // Puts at most `capacity` bytes into `bytes` (empty at the call) and gives their count. `offset` is
   // where in its text an attribute is read.
-  virtual DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t offset);
-  virtual DeviceResult Write(std::string_view bytes);
+  virtual DeviceResult Read(std::string& /*bytes*/, std::size_t /*capacity*/, std::uint64_t /*offset*/) {
+    return -EINVAL;
+  }
+  virtual DeviceResult Write(std::string_view /*bytes*/) { return -EINVAL; }
   // `whence` and `offset` are those of lseek; moves the position unless it fails.
-  virtual DeviceResult Seek(std::uint32_t whence, std::int64_t offset, std::uint64_t& position);
+  virtual DeviceResult Seek(std::uint32_t /*whence*/, std::int64_t /*offset*/, std::uint64_t& /*position*/) {
+    return -ESPIPE;
+  }
   // Requests take a number as their argument; none of the board's take a pointer.
-  virtual DeviceResult Ioctl(std::uint32_t request, std::uint64_t argument);
+  virtual DeviceResult Ioctl(std::uint32_t /*request*/, std::uint64_t /*argument*/) { return -ENOTTY; }
 };
 
 // A device node. The server calls devices from its thread only, one call at a time; what a device
@@ -46,8 +46,62 @@ class OpenDevice {
 class Device {
  public:
   virtual ~Device() = default;
-  virtual NodeStat Stat() const = 0;
+  // What stat tells: kind and permissions.
+  virtual std::uint32_t Mode() const { return S_IFREG | 0644; }
   virtual DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) = 0;
+};
+
+// A sysfs attribute: a read gives its present text, a write stores a new one as a whole. Opened for
+// what its permissions do not have it answers EACCES.
+class Attribute : public Device {
+ public:
+  using Show = std::function<std::string()>;
+  // 0 or a negative errno. `text` comes without the line end that it may have been written with.
+  using Store = std::function<DeviceResult(std::string_view text)>;
+
+  // May be read or written if there is a function for it.
+  Attribute(Show show, Store store) : show_(std::move(show)), store_(std::move(store)) {}
+
+  std::uint32_t Mode() const final { return S_IFREG | (show_ ? 0444U : 0) | (store_ ? 0200U : 0); }
+  DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) final;
+
+ private:
+  class Descriptor;
+
+  const Show show_;
+  const Store store_;
+};
+
+// An attribute that programs read and the owner sets.
+class TextAttribute : public Attribute {
+ public:
+  explicit TextAttribute(std::string text);
+
+  // The text as it is read, line end included.
+  void SetText(std::string text);
+  void SetNumber(long number) { SetText(std::to_string(number) + '\n'); }
+
+ private:
+  std::mutex mutex_;
+  std::string text_;
+};
+
+// The whole of `text` as the kernel reads a number, from 0 to `highest`: decimal, octal after 0,
+// hexadecimal after 0x; -EINVAL when it is none.
+int ParseKernelNumber(std::string_view text, int highest);
+
+// The brightness of the display's backlight; any other text than a level is refused with EINVAL.
+class Backlight : public Attribute {
+ public:
+  static constexpr int kHighestLevel = 10;
+
+  Backlight();
+
+  int level() const { return level_; }
+  void SetLevel(int level) { level_ = level; }
+
+ private:
+  std::atomic<int> level_{kHighestLevel};
 };
 
 }  // namespace rolu_sim

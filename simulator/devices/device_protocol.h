@@ -16,32 +16,29 @@ namespace rolu_sim {
 //
 // All widths are fixed: a 32-bit program talks to a 64-bit board.
 enum class DeviceRequest : std::uint32_t {
-  kOpen,    // payload: path; descriptor: the new one; argument: OpenBits
+  kOpen,    // payload: path; descriptor: the new one; request: O_RDONLY, O_WRONLY or O_RDWR
   kRead,    // descriptor; length: bytes wanted; argument: offset. Answer: result and payload
   kWrite,   // descriptor; payload: bytes; argument: offset
   kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
   kIoctl,   // descriptor; request and argument
-  kSettle,  // answered once all that came before is done, also what no request tells: closes
-  kStat,    // payload: path. Answer: argument is a NodeKind, request the permissions, descriptor the inode
+  kSettle,  // the answer comes when the board knows of all closes so far
+  kStat,    // payload: path. Answer: request is the mode, descriptor the inode
   kStatDescriptor,  // descriptor. Answer as that of kStat
   kShow,            // payload: path of a directory or node. It is there below the board root when answered
   kSerialOpens,     // a program is about to open the serial port
-  kUname,           // answer: payload is machine, release and version, each ended by a NUL
+  kUname,           // answer: payload is a utsname, which is the same to every program
 };
-
-// Open flags by our own numbers: those of O_NOFOLLOW and others differ between processors.
-enum OpenBits : std::uint64_t { kOpenRead = 1, kOpenWrite = 2, kOpenTruncate = 4, kOpenAppend = 8 };
 
 // The offset of reads and writes that go on where the last one ended.
 inline constexpr std::uint64_t kAtPosition = UINT64_MAX;
 
 struct DeviceMessage {
-  std::uint32_t operation;  // DeviceRequest; an answer repeats it
-  std::int32_t result;      // answers: 0 or a count, or a negative errno
-  std::uint32_t length;
-  std::uint32_t request;
-  std::uint64_t descriptor;  // the inode of the program's socket
-  std::uint64_t argument;
+  DeviceRequest operation{};  // an answer repeats it
+  std::int32_t result = 0;    // answers: 0 or a count, or a negative errno
+  std::uint32_t length = 0;
+  std::uint32_t request = 0;
+  std::uint64_t descriptor = 0;  // the inode of the program's socket
+  std::uint64_t argument = 0;
 };
 static_assert(sizeof(DeviceMessage) == 32 && alignof(DeviceMessage) <= 8);
 

@@ -1,26 +1,22 @@
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <list>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include "simulator/board_root.h"
 #include "simulator/devices/device.h"
 #include "simulator/devices/device_protocol.h"
-#include "simulator/unique_fd.h"
-#include "simulator/wakeup_event.h"
+#include "simulator/socket_server.h"
 
 namespace rolu_sim {
 
@@ -65,9 +61,6 @@ class DeviceServer {
   // Listens in the board root from the start, and shows its directories there. Calls `on_serial_open` from
   // its thread each time before a program opens the serial port, which it does not serve itself.
   DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
-  ~DeviceServer();
-  DeviceServer(const DeviceServer&) = delete;
-  DeviceServer& operator=(const DeviceServer&) = delete;
 
   // Adds or replaces the node at `path`, one of board_paths.h. Descriptors that are open on a
   // removed node keep working, as they do on Linux.
@@ -88,58 +81,47 @@ class DeviceServer {
   std::size_t OpenCount(const std::string& path) const;
 
  private:
+  // What is known of a path. A node that is not there has no device.
   struct Node {
     std::shared_ptr<Device> device;
     std::uint64_t inode = 0;
-  };
-  struct Descriptor;
+    DeviceFaults faults;
+    std::size_t open_count = 0;
 
-  void Run();
-  void WaitForWork();
+    bool IsThere() const { return device != nullptr && !faults.missing; }
+    void Describe(DeviceMessage& answer) const;
+  };
+  class Connection;
+
+  bool Serve(Connection& caller);
   // Takes what came past the preloaded object: bytes, which are a write, and closes.
   void ServeDescriptors();
-  // False when the system refuses another descriptor.
-  bool AcceptCallers();
-  // False while the request has not come yet.
-  bool ServeCaller(UniqueFd& caller);
-  DeviceMessage Answer(const DeviceMessage& request, const std::string& payload, std::string& answer_payload);
-  DeviceMessage AnswerFor(Descriptor& descriptor, const DeviceMessage& request, const std::string& payload,
+  DeviceMessage Answer(Connection& caller, const DeviceMessage& request, const std::string& payload,
+                       std::string& answer_payload);
+  DeviceMessage AnswerFor(Connection& descriptor, const DeviceMessage& request, const std::string& payload,
                           std::string& answer_payload);
-  DeviceResult Open(std::uint64_t id, const std::string& path, std::uint64_t open_bits);
-  DeviceResult Read(Descriptor& descriptor, const DeviceMessage& request, std::string& bytes);
-  DeviceResult Write(Descriptor& descriptor, const std::string& bytes, std::uint64_t offset);
-  DeviceResult Ioctl(Descriptor& descriptor, std::uint32_t request, std::uint64_t argument);
-  void Close(const Descriptor& descriptor);
-  DeviceResult Stat(const std::string& path, DeviceMessage& answer) const;
+  DeviceResult Open(Connection& caller, const DeviceMessage& request, const std::string& path);
+  DeviceResult Read(Connection& descriptor, const DeviceMessage& request, std::string& bytes);
+  DeviceResult Write(Connection& descriptor, const std::string& bytes, std::uint64_t offset);
+  DeviceResult Ioctl(Connection& descriptor, std::uint32_t request, std::uint64_t argument);
   DeviceResult Show(const std::string& path) const;
 
-  bool IsThere(const std::string& path) const;
   BoardRoot::Entries EntriesOf(const std::string& directory) const;
-  // A node without a device when there is none.
-  Node FindNode(const std::string& path) const;
-  DeviceFaults FaultsOf(const std::string& path) const;
-  void Record(DeviceAccess access);
+  Node NodeAt(const std::string& path) const;
+  void Record(const std::string& path, DeviceOperation operation, DeviceResult result,
+              const std::string& bytes = {}, std::uint32_t request = 0, std::uint64_t argument = 0);
 
   const BoardRoot& root_;
   const KernelIdentity kernel_;
   const std::function<void()> on_serial_open_;
-  UniqueFd listener_;
-  WakeupEvent wakeup_;
-  std::atomic<bool> stopping_{false};
-
-  // Of the server's thread: connections whose request has not come yet, and the descriptors by their id.
-  bool can_accept_ = true;
-  std::list<UniqueFd> callers_;
-  std::map<std::uint64_t, Descriptor> descriptors_;
 
   mutable std::mutex mutex_;
   std::map<std::string, Node> nodes_;
   std::uint64_t last_inode_ = 0;
-  std::map<std::string, DeviceFaults> faults_;
-  std::map<std::string, std::size_t> open_counts_;
   std::deque<DeviceAccess> accesses_;
 
-  std::thread thread_;
+  std::map<std::uint64_t, Connection*> descriptors_;  // of the server's thread, by their id
+  SocketServer sockets_;
 };
 
 }  // namespace rolu_sim

@@ -2,12 +2,17 @@
 
 #include <map>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "simulator/devices/device_server.h"
 
 namespace rolu_sim {
 
-// The board's GPIO lines 34 to 37 and 45 as sysfs shows them. A line's direction and value are there
+// The path of an attribute of a line, one of kGpioAttributes.
+std::string GpioPath(int line, std::string_view attribute);
+
+// The board's GPIO lines as sysfs shows them. A line's direction and value are there
 // once a program has exported it: a second export answers EBUSY, that of any other line EINVAL. A
 // line starts as an input; the direction "out" or "low" drives it low, "high" high.
 class Gpio {

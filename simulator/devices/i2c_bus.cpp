@@ -9,15 +9,6 @@ namespace {
 constexpr std::uint64_t kHighestAddress = 0x7F;
 constexpr std::string_view kResetCommand("\x0B\x01", 2);
 
-// An errno of 0 takes the address out again.
-void SetRefusal(std::map<std::uint8_t, int>& refused, std::uint8_t address, int error) {
-  if (error == 0) {
-    refused.erase(address);
-  } else {
-    refused[address] = error;
-  }
-}
-
 }  // namespace
 
 DeviceResult I2cRegisterDevice::Write(std::string_view bytes) {
@@ -48,11 +39,12 @@ class I2cBus::Descriptor : public OpenDevice {
   explicit Descriptor(I2cBus& bus) : bus_(bus) {}
 
   DeviceResult Read(std::string& bytes, std::size_t capacity, std::uint64_t /*offset*/) override {
-    return bus_.ReadFrom(address_, bytes, std::min(capacity, kMaxTransferBytes));
+    return bus_.Transfer(address_, true, bytes, std::min(capacity, kMaxTransferBytes));
   }
 
   DeviceResult Write(std::string_view bytes) override {
-    return bus_.WriteTo(address_, bytes.substr(0, kMaxTransferBytes));
+    std::string written(bytes.substr(0, kMaxTransferBytes));
+    return bus_.Transfer(address_, false, written, written.size());
   }
 
   DeviceResult Ioctl(std::uint32_t request, std::uint64_t argument) override {
@@ -69,22 +61,17 @@ class I2cBus::Descriptor : public OpenDevice {
 
 void I2cBus::Attach(std::uint8_t address, std::shared_ptr<I2cDevice> device) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  devices_[address] = std::move(device);
-}
-
-void I2cBus::Detach(std::uint8_t address) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  devices_.erase(address);
+  slots_[address].device = std::move(device);
 }
 
 void I2cBus::RefuseSelection(std::uint8_t address, int error) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  SetRefusal(refused_selections_, address, error);
+  slots_[address].selection_errno = error;
 }
 
 void I2cBus::RefuseTransfers(std::uint8_t address, int error) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  SetRefusal(refused_transfers_, address, error);
+  slots_[address].transfer_errno = error;
 }
 
 std::vector<I2cTransfer> I2cBus::Transfers() const {
@@ -97,10 +84,6 @@ void I2cBus::ClearTransfers() {
   transfers_.clear();
 }
 
-NodeStat I2cBus::Stat() const {
-  return {NodeKind::kCharacterDevice, 0660};
-}
-
 DeviceResult I2cBus::Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice>& opened) {
   opened = std::make_unique<Descriptor>(*this);
   return 0;
@@ -109,44 +92,18 @@ DeviceResult I2cBus::Open(const OpenFlags& /*flags*/, std::unique_ptr<OpenDevice
 DeviceResult I2cBus::Select(std::uint64_t address) const {
   if (address > kHighestAddress) return -EINVAL;
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto refused = refused_selections_.find(static_cast<std::uint8_t>(address));
-  return refused == refused_selections_.end() ? 0 : -refused->second;
+  return -slots_[static_cast<std::uint8_t>(address)].selection_errno;
 }
 
-DeviceResult I2cBus::WriteTo(std::uint8_t address, std::string_view bytes) {
+DeviceResult I2cBus::Transfer(std::uint8_t address, bool is_read, std::string& bytes, std::size_t count) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  DeviceResult result = 0;
-  I2cDevice* const device = FindDevice(address, result);
-  if (device != nullptr) result = device->Write(bytes);
-  Record({address, false, std::string(bytes), result});
-  return result;
-}
-
-DeviceResult I2cBus::ReadFrom(std::uint8_t address, std::string& bytes, std::size_t count) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  DeviceResult result = 0;
-  I2cDevice* const device = FindDevice(address, result);
-  if (device != nullptr) result = device->Read(bytes, count);
-  Record({address, true, bytes, result});
-  return result;
-}
-
-I2cDevice* I2cBus::FindDevice(std::uint8_t address, DeviceResult& error) const {
-  const auto refused = refused_transfers_.find(address);
-  const auto found = devices_.find(address);
-  if (refused != refused_transfers_.end()) {
-    error = -refused->second;
-  } else if (found == devices_.end()) {
-    error = -EREMOTEIO;
-  } else {
-    return found->second.get();
-  }
-  return nullptr;
-}
-
-void I2cBus::Record(I2cTransfer transfer) {
+  const auto& [device, selection_errno, transfer_errno] = slots_[address];
+  DeviceResult result = -transfer_errno;
+  if (result == 0 && device == nullptr) result = -EREMOTEIO;
+  if (result == 0) result = is_read ? device->Read(bytes, count) : device->Write(bytes);
   if (transfers_.size() == kLogCapacity) transfers_.pop_front();
-  transfers_.push_back(std::move(transfer));
+  transfers_.push_back({address, is_read, bytes, result});
+  return result;
 }
 
 }  // namespace rolu_sim

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -73,7 +72,7 @@ class I2cBus : public Device {
   static constexpr std::size_t kLogCapacity = 65536;
 
   void Attach(std::uint8_t address, std::shared_ptr<I2cDevice> device);
-  void Detach(std::uint8_t address);
+  void Detach(std::uint8_t address) { Attach(address, nullptr); }
 
   // Make an address answer an errno to its selection, or to each transfer; 0 ends it.
   void RefuseSelection(std::uint8_t address, int error);
@@ -83,23 +82,24 @@ class I2cBus : public Device {
   std::vector<I2cTransfer> Transfers() const;
   void ClearTransfers();
 
-  NodeStat Stat() const override;
+  std::uint32_t Mode() const override { return S_IFCHR | 0660; }
   DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) override;
 
  private:
   class Descriptor;
 
+  // What is at an address: a device that sits there, and the errnos with which it refuses.
+  struct Slot {
+    std::shared_ptr<I2cDevice> device;
+    int selection_errno = 0;
+    int transfer_errno = 0;
+  };
+
   DeviceResult Select(std::uint64_t address) const;
-  DeviceResult WriteTo(std::uint8_t address, std::string_view bytes);
-  DeviceResult ReadFrom(std::uint8_t address, std::string& bytes, std::size_t count);
-  // With mutex_ held. Null, and why, when no device takes part in a transfer.
-  I2cDevice* FindDevice(std::uint8_t address, DeviceResult& error) const;
-  void Record(I2cTransfer transfer);
+  DeviceResult Transfer(std::uint8_t address, bool is_read, std::string& bytes, std::size_t count);
 
   mutable std::mutex mutex_;
-  std::map<std::uint8_t, std::shared_ptr<I2cDevice>> devices_;
-  std::map<std::uint8_t, int> refused_selections_;
-  std::map<std::uint8_t, int> refused_transfers_;
+  std::array<Slot, 256> slots_;
   std::deque<I2cTransfer> transfers_;
 };
 

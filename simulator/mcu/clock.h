@@ -1,12 +1,21 @@
 #pragma once
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
 #include "protocol/values.h"
-#include "simulator/mcu/time_point.h"
 
 namespace rolu_sim {
+
+// The time that goes on by itself, whatever the MCU's clock shows.
+using TimePoint = std::chrono::steady_clock::time_point;
+
+inline std::optional<TimePoint> Sooner(std::optional<TimePoint> one, std::optional<TimePoint> other) {
+  if (!one || !other) return one ? one : other;
+  return std::min(*one, *other);
+}
 
 // A time of the MCU's clock, as it goes over the wire: years since 2000, and a weekday that counts
 // on its own and need not belong to the date.
@@ -23,8 +32,7 @@ struct ClockTime {
 // Whether the fields are a time from 2000 to 2099.
 bool IsValid(const ClockTime& time);
 
-// The valid `time`, `seconds` later; 2099 ends in 2000. The C library's calendar is no help: on the
-// board its time ends in 2038.
+// The valid `time`, `seconds` later; 2099 ends in 2000.
 ClockTime AddSeconds(const ClockTime& time, std::int64_t seconds);
 
 // The seven bytes of the wire as a number. Nothing when they are no valid time.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <bitset>
+#include <limits>
 
 #include "protocol/commands.h"
 #include "simulator/mcu/mcu_model.h"
@@ -40,10 +41,6 @@ std::string Flags(const std::array<bool, kCount>& flags) {
   return line;
 }
 
-std::string Range(const ThresholdRange& range) {
-  return Word(range.start) + Word(range.mid) + Word(range.end);
-}
-
 template <typename Setting, typename Value>
 std::string Set(Setting& setting, const Value& value) {
   setting = static_cast<Setting>(value);
@@ -51,7 +48,8 @@ std::string Set(Setting& setting, const Value& value) {
 }
 
 template <typename Setting>
-std::string SetWithin(Setting& setting, std::uint64_t value, std::uint64_t least, std::uint64_t most) {
+std::string SetWithin(Setting& setting, std::uint64_t value, std::uint64_t least,
+                      std::uint64_t most = std::numeric_limits<Setting>::max()) {
   return value < least || value > most ? Refused() : Set(setting, value);
 }
 
@@ -68,29 +66,23 @@ AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
   // The first of two lines says that the command has arrived, the last what became of it.
   AnswerLines lines(static_cast<std::size_t>(known->answer_lines) - 1, Done());
   const std::optional<Values> fields = rolu_protocol::ParseCommandFields(command, *known);
-  lines.push_back(fields ? CarryOut(IndexOf(*known), *fields, now) : Refused());
+  lines.push_back(fields ? CarryOut(*known, *fields, now) : Refused());
   return lines;
 }
 
-std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePoint now) {
+std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Values& fields, TimePoint now) {
   const auto number = [&fields](std::size_t field) { return fields[field].number; };
   const auto is_on = [&fields](std::size_t field) { return fields[field].number == 1; };
   const auto mode = [&] { return static_cast<BatteryMode>(number(0)); };
+  const auto thresholds = [&] { return SystemOf(mode()).thresholds; };
   const auto threshold = [&]() -> std::uint16_t& {
     return battery.Threshold(mode(), static_cast<Protection>(number(1)));
   };
   const auto delay = [&]() -> std::uint16_t& { return power_off.Delay(static_cast<DelayType>(number(0))); };
-  constexpr std::uint64_t kMostWord = 0xFFFF;
 
-  switch (command) {
-    case IndexOf("Hello"):
-      return Done();
-    case IndexOf("ATF0"):
-      return identity.firmware;
-    case IndexOf("ATF1"):
-      return identity.platform;
+  switch (IndexOf(command)) {
     case IndexOf("ATPO"):
-      RecordEvent(McuEventKind::kPowerOff, now);
+      events_.push_back({McuEventKind::kPowerOff, now});
       return Done();
     case IndexOf("EEDF"):
       RestoreDefaults();
@@ -101,7 +93,7 @@ std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePo
     case IndexOf("MCVU"):
       return std::string(SystemOf(mode()).scale_text);
     case IndexOf("MCPR"):
-      return Range(RangeOf(mode()));
+      return Word(thresholds().least) + Word(thresholds().middle) + Word(thresholds().most);
     case IndexOf("MCBG"):
       return Byte(static_cast<unsigned>(battery.mode));
     case IndexOf("MCBS"):
@@ -114,16 +106,16 @@ std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePo
     case IndexOf("MCPG"):
       return Word(threshold());
     case IndexOf("MCPS"):
-      return SetWithin(threshold(), number(2), RangeOf(mode()).start, RangeOf(mode()).end);
+      return SetWithin(threshold(), number(2), thresholds().least, thresholds().most);
 
     case IndexOf("MCUG"):
       return Word(delay());
     case IndexOf("MCUS"):
-      return SetWithin(delay(), number(1), 1, kMostWord);
+      return SetWithin(delay(), number(1), 1);
     case IndexOf("MSDG"):
       return Word(power_off.forced_shutdown_delay);
     case IndexOf("MSDS"):
-      return SetWithin(power_off.forced_shutdown_delay, number(0), 1, kMostWord);
+      return SetWithin(power_off.forced_shutdown_delay, number(0), 1);
     case IndexOf("MSSG"):
       return Flag(power_off.forced_shutdown);
     case IndexOf("MSSS"):
@@ -201,7 +193,7 @@ std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePo
     case IndexOf("WDTG"):
       return Word(watchdog.time);
     case IndexOf("WDTS"):
-      return SetWithin(watchdog.time, number(0), 1, kMostWord);
+      return SetWithin(watchdog.time, number(0), 1);
 
     case IndexOf("GSO"):
       return Set(gsensor.on, true);
@@ -224,7 +216,7 @@ std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePo
     case IndexOf("GSWG"):
       return Byte(gsensor.wakeup_threshold);
     case IndexOf("GSWS"):
-      return SetWithin(gsensor.wakeup_threshold, number(0), 0x01, 0xFF);
+      return SetWithin(gsensor.wakeup_threshold, number(0), 1);
 
     case IndexOf("MCG"):
       return Flag(peripheral_switch.on);
@@ -232,7 +224,8 @@ std::string McuModel::CarryOut(std::size_t command, const Values& fields, TimePo
       return SetWithin(peripheral_switch.on, number(1), 0, 1);
   }
   // A test asks for each command of the table, so that none is forgotten here.
-  return std::string(rolu_protocol::kUnknownCommandReply);
+  return std::string(command.factory_answer.empty() ? rolu_protocol::kUnknownCommandReply
+                                                    : command.factory_answer);
 }
 
 }  // namespace rolu_sim

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace rolu_sim {
@@ -54,6 +55,47 @@ void McuModel::RestoreDefaults() {
   power_off = {};
   RestoreAllBut(power_sources, &PowerSourcesState::last_wakeup_code);
   RestoreAllBut(watchdog, &WatchdogState::trigger_count, &WatchdogState::last_trigger);
+}
+
+std::optional<TimePoint> McuModel::NextDue(TimePoint now) const {
+  std::optional<TimePoint> due;
+  if (!unsent_.empty()) due = now;
+  due = Sooner(due, ignition_off_.Due(power_off.Delay(DelayType::kIgnitionOffEvent)));
+  due = Sooner(due, battery_low_.Due(power_off.Delay(DelayType::kLowBattery)));
+  due = Sooner(due, battery.NextLowBatteryChange(now));
+  due = Sooner(due, watchdog.BiteDue());
+  return Sooner(due, NextAlarm());
+}
+
+AnswerLines McuModel::TakeDueLines(TimePoint now) {
+  ignition_off_.Follow(!ignition.on, now);
+  if (ignition_off_.TakeDue(power_off.Delay(DelayType::kIgnitionOffEvent), now) &&
+      ignition.pre_power_off_alarm) {
+    WarnOfPowerOff(PowerOffWarning::kIgnition);
+  }
+  battery_low_.Follow(battery.IsProtectedAndLow(now), now);
+  if (battery_low_.TakeDue(power_off.Delay(DelayType::kLowBattery), now)) {
+    WarnOfPowerOff(PowerOffWarning::kLowVoltage);
+  }
+
+  const std::optional<TimePoint> bite = watchdog.BiteDue();
+  if (bite && *bite <= now) {
+    watchdog.enabled = false;  // a reset computer starts without it
+    events_.push_back({McuEventKind::kWatchdogBite, *bite});
+  }
+
+  for (auto alarm = NextAlarm(); alarm && *alarm <= now; alarm = NextAlarm()) {
+    power_sources.last_wakeup_code = rolu_protocol::WakeupCodeOf(rolu_protocol::kAlarmSource);
+    events_.push_back({McuEventKind::kAlarmWakeup, *alarm});
+    alarm_followed_to_ = *alarm;
+  }
+  alarm_followed_to_ = std::max(alarm_followed_to_, now);
+  return std::exchange(unsent_, {});
+}
+
+std::optional<TimePoint> McuModel::NextAlarm() const {
+  if (!power_sources.wakeup_enabled[rolu_protocol::kAlarmSource]) return std::nullopt;
+  return clock.NextAlarm(alarm_followed_to_);
 }
 
 }  // namespace rolu_sim

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +8,6 @@
 #include "protocol/commands.h"
 #include "simulator/mcu/battery.h"
 #include "simulator/mcu/clock.h"
-#include "simulator/mcu/held_condition.h"
 #include "simulator/mcu/mcu_state.h"
 
 namespace rolu_sim {
@@ -61,7 +58,6 @@ class McuModel {
   BatteryState battery;
   ClockState clock;
   GSensorState gsensor;
-  IdentityState identity;
   IgnitionState ignition;
   PeripheralSwitchState peripheral_switch;
   PowerOffState power_off;
@@ -83,10 +79,6 @@ class McuModel {
   // Sends a warning, whatever the ignition and the battery are.
   void WarnOfPowerOff(PowerOffWarning warning);
 
-  // All settings are as the MCU left the factory. What it measures and has recorded stays, and so
-  // does the time of the clock.
-  void RestoreDefaults();
-
   // What the MCU does by itself: when TakeDueLines has something to do next, as things are, and the
   // lines that have become due. Call it at that time, and before and after each change: a condition
   // holds from the call that first sees it.
@@ -95,15 +87,16 @@ class McuModel {
 
   // What the MCU did to the computer, oldest first.
   const std::vector<McuEvent>& Events() const { return events_; }
-  void RecordEvent(McuEventKind kind, TimePoint time) { events_.push_back({kind, time}); }
 
  private:
-  // The last line of the answer to the command at this place of the table.
-  std::string CarryOut(std::size_t command, const rolu_protocol::Values& fields, TimePoint now);
+  // The last line of the answer.
+  std::string CarryOut(const rolu_protocol::Command& command, const rolu_protocol::Values& fields,
+                       TimePoint now);
 
-  void FollowPowerOffConditions(TimePoint now);
-  void FollowWatchdog(TimePoint now);
-  void FollowAlarm(TimePoint now);
+  // All settings are as the MCU left the factory. What it measures and has recorded stays, and so
+  // does the time of the clock.
+  void RestoreDefaults();
+
   std::optional<TimePoint> NextAlarm() const;
 
   HeldCondition ignition_off_;

@@ -1,5 +1,5 @@
 // What the MCU knows, by subject; the car battery and the clock have files of their own. The values here
-// are those of a board from the factory.
+// are those of a board from the factory; what never changes is in the table of commands.
 #pragma once
 
 #include <array>
@@ -8,10 +8,9 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
-#include <string>
 
 #include "protocol/values.h"
-#include "simulator/mcu/time_point.h"
+#include "simulator/mcu/clock.h"
 
 namespace rolu_sim {
 
@@ -49,11 +48,6 @@ struct GSensorState {
     const auto is_above = [limit](int axis) { return std::abs(axis) > limit; };
     return on && alarm_on && (is_above(sample.x) || is_above(sample.y) || is_above(sample.z));
   }
-};
-
-struct IdentityState {
-  std::string firmware = "*VER:  1. 26*";       // "*VER:" major "." minor "*", three columns each
-  std::string platform = "*PLT:KAVO-ROLU-30*";  // five characters, then twelve of the name
 };
 
 struct IgnitionState {
@@ -110,6 +104,38 @@ struct WatchdogState {
     if (!enabled) return std::nullopt;
     return last_trigger + std::chrono::seconds(time);
   }
+};
+
+// A condition that counts once it has held, without a break, for a delay; then once until it has
+// ended and begun again.
+class HeldCondition {
+ public:
+  // Call it whenever the condition may have changed.
+  void Follow(bool holds, TimePoint now) {
+    if (!holds) {
+      since_.reset();
+      taken_ = false;
+    } else if (!since_) {
+      since_ = now;
+    }
+  }
+
+  std::optional<TimePoint> Due(std::uint16_t delay_s) const {
+    if (!since_ || taken_) return std::nullopt;
+    return *since_ + std::chrono::seconds(delay_s);
+  }
+
+  // Whether the delay has passed; true only once.
+  bool TakeDue(std::uint16_t delay_s, TimePoint now) {
+    const std::optional<TimePoint> due = Due(delay_s);
+    if (!due || *due > now) return false;
+    taken_ = true;
+    return true;
+  }
+
+ private:
+  std::optional<TimePoint> since_;
+  bool taken_ = false;
 };
 
 }  // namespace rolu_sim

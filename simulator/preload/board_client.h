@@ -20,8 +20,9 @@ int OpenDeviceNode(const char* path, int flags);
 // What is asked of a device goes by its id, which descriptor_table.h tells.
 using DeviceId = uint64_t;
 
-ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset = kAtPosition);
-ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset = kAtPosition);
+// From `offset`, or kAtPosition.
+ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset);
+ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset);
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
 int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
 
@@ -34,8 +35,9 @@ void SettleDevices();
 void AnnounceSerialOpen();
 
 // Asks the board a question about a path or about itself. The answer's payload is cut to `size`.
-int AskBoard(DeviceRequest question, const char* path, DeviceMessage& answer, void* buffer, size_t size);
-// The same about a device.
-int AskAbout(DeviceId device, DeviceRequest question, DeviceMessage& answer);
+int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size);
+
+// What stat tells of a device, or of the node at `path` when `device` is 0.
+int AskNode(DeviceId device, const char* path, DeviceMessage& answer);
 
 }  // namespace rolu_sim

@@ -12,12 +12,9 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
-#include "simulator/preload/standard_streams.h"
 
 namespace rolu_sim {
 namespace {
-
-NextCall<int (*)(int, struct stat64*)> next_fstat64("fstat64");
 
 // What is known of a descriptor: one of these, or the inode of a device (sockets have 32-bit ones).
 constexpr uint32_t kUnknown = 0;
@@ -50,7 +47,7 @@ uint64_t LookAt(int fd) {
   const int error = errno;
   struct stat64 status {};
   uint64_t device = 0;
-  if (next_fstat64.get()(fd, &status) == 0) {
+  if (Next<fstat64>("fstat64")(fd, &status) == 0) {
     if (S_ISSOCK(status.st_mode) && IsConnectedToBoard(fd)) device = status.st_ino;
     Note(fd, device == 0 ? kOrdinary : static_cast<uint32_t>(device));
   }
@@ -68,7 +65,7 @@ uint64_t LookAt(int fd) {
 uint64_t SocketInode(int fd) {
   const int error = errno;
   struct stat64 status {};
-  const bool is_socket = next_fstat64.get()(fd, &status) == 0 && S_ISSOCK(status.st_mode);
+  const bool is_socket = Next<fstat64>("fstat64")(fd, &status) == 0 && S_ISSOCK(status.st_mode);
   errno = error;
   return is_socket ? status.st_ino : 0;
 }

@@ -20,6 +20,11 @@ uint64_t KnownDeviceOf(int fd);
 // `device` is what is behind `fd` from now on; 0: not known.
 void NoteDevice(int fd, uint64_t device);
 
+// The C library reads and writes its streams past the wrapped calls, so a stream on a device is one with
+// functions of its own (wrap_stdio.cpp). A shell's echo writes to standard output, which it has led to a file
+// before: while descriptor 0, 1 or 2 is a device, stdin, stdout or stderr is such a stream.
+void FollowStandardStream(int fd, bool is_device);
+
 // The inode of the socket behind `fd`, 0 when there is none.
 uint64_t SocketInode(int fd);
 

@@ -1,30 +1,31 @@
 #pragma once
 
 #include <dlfcn.h>
+#include <stddef.h>
 
 #include <atomic>
 
+// Ends a fortified program whose buffer would overflow, as the C library does.
+extern "C" [[noreturn]] void __chk_fail();
+
 namespace rolu_sim {
 
-// The function of this name that the program would have called without the preloaded object.
+inline size_t Checked(size_t size, size_t buffer_size) {
+  if (size > buffer_size) __chk_fail();
+  return size;
+}
+
+// The function that the program would have called in place of `kWrapper`, a wrapped one of this name.
 // Looked up at its first use: programs open files before any constructor of ours has run.
-template <typename Function>
-class NextCall {
- public:
-  explicit constexpr NextCall(const char* name) : name_(name) {}
-
-  Function get() {
-    Function function = function_.load(std::memory_order_acquire);
-    if (function == nullptr) {
-      function = reinterpret_cast<Function>(dlsym(RTLD_NEXT, name_));
-      function_.store(function, std::memory_order_release);
-    }
-    return function;
+template <auto kWrapper>
+static auto Next(const char* name) {
+  static std::atomic<void*> next{nullptr};
+  void* function = next.load(std::memory_order_acquire);
+  if (function == nullptr) {
+    function = dlsym(RTLD_NEXT, name);
+    next.store(function, std::memory_order_release);
   }
-
- private:
-  const char* name_;
-  std::atomic<Function> function_{nullptr};
-};
+  return reinterpret_cast<decltype(kWrapper)>(function);
+}
 
 }  // namespace rolu_sim

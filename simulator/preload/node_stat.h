@@ -1,12 +1,15 @@
 #pragma once
 
+#include <fcntl.h>
 #include <stdint.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include "simulator/devices/device.h"
 #include "simulator/preload/board_client.h"
+#include "simulator/preload/descriptor_table.h"
+#include "simulator/preload/next_call.h"
+#include "simulator/preload/redirection.h"
 
 namespace rolu_sim {
 
@@ -14,48 +17,60 @@ namespace rolu_sim {
 inline constexpr unsigned kI2cMajor = 89;
 inline constexpr unsigned kI2cMinor = 3;
 
-struct NodeAttributes {
+struct NodeStat {
+  explicit NodeStat(const DeviceMessage& answer)
+      : mode(answer.request), inode(answer.descriptor), is_device(S_ISCHR(mode)) {}
+
   mode_t mode;
-  unsigned major;
-  unsigned minor;
-  int64_t size;
   uint64_t inode;
+  bool is_device;  // else an attribute
+  unsigned major = is_device ? kI2cMajor : 0;
+  unsigned minor = is_device ? kI2cMinor : 0;
+  int64_t size = is_device ? 0 : kAttributeSize;
 };
 
-inline NodeAttributes AttributesIn(const DeviceMessage& answer) {
-  const bool is_device = answer.argument == static_cast<uint64_t>(NodeKind::kCharacterDevice);
-  return {(is_device ? S_IFCHR : S_IFREG) | answer.request, is_device ? kI2cMajor : 0,
-          is_device ? kI2cMinor : 0, is_device ? 0 : kAttributeSize, answer.descriptor};
+// A question about a path, or about a descriptor if `flags` say so: `of_node` answers it for a node of the
+// board, `of_system` for what the system finds at a path. The serial device answers as what its link in the
+// board root leads to.
+template <typename OfNode, typename OfSystem>
+int AskAt(int directory, const char* path, int flags, OfNode of_node, OfSystem of_system) {
+  const bool is_descriptor = (flags & AT_EMPTY_PATH) != 0 && path != nullptr && *path == '\0';
+  const DeviceId device = is_descriptor ? DeviceOf(directory) : 0;
+  Place place(path, directory);
+  if (device != 0 || place.target() == Target::kDevice) {
+    DeviceMessage answer{};
+    return AskNode(device, place.board_path(), answer) < 0 ? -1 : of_node(NodeStat(answer));
+  }
+  const char* const system_path = place.SystemPath();
+  if (system_path == nullptr) return -1;
+  return of_system(system_path, place.target() == Target::kSerialPort ? flags & ~AT_SYMLINK_NOFOLLOW : flags);
 }
 
-// -1 with the board's errno for a node that is not there.
-inline int AskAttributes(const char* path, NodeAttributes& attributes) {
-  DeviceMessage answer{};
-  if (AskBoard(DeviceRequest::kStat, path, answer, nullptr, 0) < 0) return -1;
-  attributes = AttributesIn(answer);
-  return 0;
-}
-
-inline int AskAttributes(DeviceId device, NodeAttributes& attributes) {
-  DeviceMessage answer{};
-  if (AskAbout(device, DeviceRequest::kStatDescriptor, answer) < 0) return -1;
-  attributes = AttributesIn(answer);
-  return 0;
-}
-
-// Fills any of the C library's stat records. `node` is a path or the id of a device.
-template <typename Node, typename StatRecord>
-int StatNode(Node node, StatRecord* record) {
-  NodeAttributes attributes{};
-  if (AskAttributes(node, attributes) < 0) return -1;
+// For any of the C library's stat records.
+template <typename Record>
+int FillRecord(const NodeStat& node, Record* record) {
   memset(record, 0, sizeof *record);
-  record->st_mode = attributes.mode;
-  record->st_ino = static_cast<decltype(record->st_ino)>(attributes.inode);
+  record->st_mode = node.mode;
+  record->st_ino = static_cast<decltype(record->st_ino)>(node.inode);
   record->st_nlink = 1;
-  record->st_rdev = makedev(attributes.major, attributes.minor);
-  record->st_size = static_cast<decltype(record->st_size)>(attributes.size);
+  record->st_rdev = makedev(node.major, node.minor);
+  record->st_size = static_cast<decltype(record->st_size)>(node.size);
   record->st_blksize = 4096;
   return 0;
+}
+
+template <typename Call, typename Record>
+int StatAt(Call next, int directory, const char* path, Record* record, int flags) {
+  return AskAt(
+      directory, path, flags, [=](const NodeStat& node) { return FillRecord(node, record); },
+      [=](const char* at, int with) { return next(directory, at, record, with); });
+}
+
+template <typename Call, typename Record>
+int StatDescriptor(Call next, int fd, Record* record) {
+  return AskAt(
+      fd, "", AT_EMPTY_PATH, [=](const NodeStat& node) { return FillRecord(node, record); },
+      [=](const char*, int) { return next(fd, record); });
 }
 
 }  // namespace rolu_sim

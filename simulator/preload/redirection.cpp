@@ -9,12 +9,9 @@
 #include "simulator/devices/board_paths.h"
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/next_call.h"
-#include "simulator/preloaded.h"
 
 namespace rolu_sim {
 namespace {
-
-NextCall<ssize_t (*)(const char*, char*, size_t)> next_readlink("readlink");
 
 bool StartsWith(const char* path, const char* start) {
   return strncmp(path, start, strlen(start)) == 0;
@@ -26,11 +23,22 @@ bool IsWithin(const char* path, const char* directory) {
   return StartsWith(path, directory) && (path[length] == '/' || path[length] == '\0');
 }
 
+// An attribute of a GPIO line that is not there is a node that the board does not find.
+bool IsGpioAttribute(const char* path) {
+  if (!IsWithin(path, kGpioDirectory)) return false;
+  const char* const name = strrchr(path, '/') + 1;
+  for (const char* const attribute : kGpioAttributes) {
+    if (strcmp(name, attribute) == 0) return true;
+  }
+  return false;
+}
+
 Target TargetOf(const char* path) {
   if (strcmp(path, kSerialPath) == 0) return Target::kSerialPort;
-  for (const char* const device : kDevicePaths) {
+  for (const char* const device : {kI2cBusPath, kGpioExportPath, kBacklightPath, kLuxPath}) {
     if (strcmp(path, device) == 0) return Target::kDevice;
   }
+  if (IsGpioAttribute(path)) return Target::kDevice;
   for (const char* const directory : kBoardDirectories) {
     if (IsWithin(path, directory)) return Target::kDirectory;
   }
@@ -43,7 +51,7 @@ const char* BoardDirectoryAt(int directory, char (&link)[PATH_MAX]) {
   char name[32] = "/proc/self/cwd";
   if (directory != AT_FDCWD) snprintf(name, sizeof name, "/proc/self/fd/%d", directory);
   const int error = errno;
-  const ssize_t length = next_readlink.get()(name, link, sizeof link - 1);
+  const ssize_t length = Next<readlink>("readlink")(name, link, sizeof link - 1);
   errno = error;
   if (length < 0) return nullptr;
   link[length] = '\0';
@@ -106,8 +114,7 @@ const char* Place::SystemPath() {
       in_root_ = PathInRoot(kSerialLinkName);
       break;
     default:
-      DeviceMessage answer{};
-      if (AskBoard(DeviceRequest::kShow, board_path_, answer, nullptr, 0) < 0) return nullptr;
+      if (AskBoard(DeviceRequest::kShow, board_path_, nullptr, 0) < 0) return nullptr;
       in_root_ = PathInRoot(kShownDirectory, board_path_);
   }
   return in_root_.get();

@@ -1,54 +1,29 @@
-// Looking around: directories, and what a path is made of.
+// Looking around: directories, what a path is made of, and the kernel's names.
 
 #include <dirent.h>
-#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/types.h>
+#include <sys/utsname.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include "simulator/devices/board_paths.h"
-#include "simulator/preload/exported.h"
+#include "simulator/preload/board_client.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
 
 namespace rolu_sim {
 namespace {
 
-template <typename Entry>
-using ScandirCall = int (*)(const char*, Entry***, int (*)(const Entry*),
-                            int (*)(const Entry**, const Entry**));
-using AttributeCall = ssize_t (*)(const char*, const char*, void*, size_t);
-
-NextCall<DIR* (*)(const char*)> next_opendir("opendir");
-NextCall<ScandirCall<dirent>> next_scandir("scandir");
-NextCall<ScandirCall<dirent64>> next_scandir64("scandir64");
-NextCall<int (*)(const char*)> next_chdir("chdir");
-NextCall<char* (*)(char*, size_t)> next_getcwd("getcwd");
-NextCall<char* (*)(char*, size_t, size_t)> next_getcwd_chk("__getcwd_chk");
-NextCall<char* (*)(const char*, char*)> next_realpath("realpath");
-NextCall<char* (*)(const char*, char*, size_t)> next_realpath_chk("__realpath_chk");
-NextCall<ssize_t (*)(const char*, char*, size_t)> next_readlink("readlink");
-NextCall<ssize_t (*)(const char*, char*, size_t, size_t)> next_readlink_chk("__readlink_chk");
-NextCall<ssize_t (*)(int, const char*, char*, size_t)> next_readlinkat("readlinkat");
-NextCall<ssize_t (*)(int, const char*, char*, size_t, size_t)> next_readlinkat_chk("__readlinkat_chk");
-NextCall<AttributeCall> next_getxattr("getxattr");
-NextCall<AttributeCall> next_lgetxattr("lgetxattr");
-
-// The result of `next`, called with the path at which the system finds `path`; `failure` when it does not.
-template <typename Result, typename Function, typename... Rest>
-Result CallAt(NextCall<Function>& next, Result failure, const char* path, Rest... rest) {
+// `next`, called with the path at which the system finds `path`; `failure` when it does not.
+template <typename Call, typename Result, typename... Rest>
+Result CallAt(Call next, Result failure, const char* path, Rest... rest) {
   Place place(path);
   const char* const system_path = place.SystemPath();
-  return system_path == nullptr ? failure : next.get()(system_path, rest...);
-}
-
-template <typename Function, typename... Rest>
-ssize_t CallFrom(NextCall<Function>& next, int directory, const char* path, Rest... rest) {
-  Place place(path, directory);
-  const char* const system_path = place.SystemPath();
-  return system_path == nullptr ? -1 : next.get()(directory, system_path, rest...);
+  return system_path == nullptr ? failure : next(system_path, rest...);
 }
 
 // A directory that is shown goes by its name on the board.
@@ -71,85 +46,99 @@ char* RealPathOnBoard(Place& place, char* resolved) {
 }  // namespace
 }  // namespace rolu_sim
 
-using rolu_sim::CallAt;
-using rolu_sim::CallFrom;
-using rolu_sim::Place;
-using rolu_sim::Target;
+using namespace rolu_sim;
 
+#pragma GCC visibility push(default)
 extern "C" {
 
-ROLU_SIM_EXPORTED DIR* opendir(const char* path) {
-  return CallAt<DIR*>(rolu_sim::next_opendir, nullptr, path);
+DIR* opendir(const char* path) {
+  return CallAt(Next<opendir>("opendir"), static_cast<DIR*>(nullptr), path);
 }
 
-ROLU_SIM_EXPORTED int scandir(const char* path, dirent*** entries, int (*chosen)(const dirent*),
-                              int (*order)(const dirent**, const dirent**)) {
-  return CallAt(rolu_sim::next_scandir, -1, path, entries, chosen, order);
+int scandir(const char* path, dirent*** entries, int (*chosen)(const dirent*),
+            int (*order)(const dirent**, const dirent**)) {
+  return CallAt(Next<scandir>("scandir"), -1, path, entries, chosen, order);
 }
 
-ROLU_SIM_EXPORTED int scandir64(const char* path, dirent64*** entries, int (*chosen)(const dirent64*),
-                                int (*order)(const dirent64**, const dirent64**)) {
-  return CallAt(rolu_sim::next_scandir64, -1, path, entries, chosen, order);
+int scandir64(const char* path, dirent64*** entries, int (*chosen)(const dirent64*),
+              int (*order)(const dirent64**, const dirent64**)) {
+  return CallAt(Next<scandir64>("scandir64"), -1, path, entries, chosen, order);
 }
 
-ROLU_SIM_EXPORTED int chdir(const char* path) noexcept {
-  return CallAt(rolu_sim::next_chdir, -1, path);
+int chdir(const char* path) noexcept {
+  return CallAt(Next<chdir>("chdir"), -1, path);
 }
 
-ROLU_SIM_EXPORTED char* getcwd(char* buffer, size_t size) noexcept {
-  return rolu_sim::AsOnBoard(rolu_sim::next_getcwd.get()(buffer, size));
+char* getcwd(char* buffer, size_t size) noexcept {
+  return AsOnBoard(Next<getcwd>("getcwd")(buffer, size));
 }
 
-ROLU_SIM_EXPORTED char* realpath(const char* path, char* resolved) noexcept {
+char* realpath(const char* path, char* resolved) noexcept {
   Place place(path);
-  if (place.target() != Target::kUntouched) return rolu_sim::RealPathOnBoard(place, resolved);
-  return rolu_sim::next_realpath.get()(place.SystemPath(), resolved);
+  if (place.target() != Target::kUntouched) return RealPathOnBoard(place, resolved);
+  return Next<realpath>("realpath")(place.SystemPath(), resolved);
 }
 
-ROLU_SIM_EXPORTED char* canonicalize_file_name(const char* path) noexcept {
+char* canonicalize_file_name(const char* path) noexcept {
   return realpath(path, nullptr);
 }
 
-ROLU_SIM_EXPORTED ssize_t readlink(const char* path, char* buffer, size_t size) noexcept {
-  return CallAt<ssize_t>(rolu_sim::next_readlink, -1, path, buffer, size);
+ssize_t readlinkat(int directory, const char* path, char* buffer, size_t size) noexcept {
+  Place place(path, directory);
+  const char* const system_path = place.SystemPath();
+  return system_path == nullptr ? -1 : Next<readlinkat>("readlinkat")(directory, system_path, buffer, size);
 }
 
-ROLU_SIM_EXPORTED ssize_t readlinkat(int directory, const char* path, char* buffer, size_t size) noexcept {
-  return CallFrom(rolu_sim::next_readlinkat, directory, path, buffer, size);
+ssize_t readlink(const char* path, char* buffer, size_t size) noexcept {
+  return readlinkat(AT_FDCWD, path, buffer, size);
 }
 
-// What the calls become in a fortified program; the next ones end the program on an overflow.
+// What the calls become in a fortified program.
 
-ROLU_SIM_EXPORTED char* __getcwd_chk(char* buffer, size_t size, size_t buffer_size) noexcept {
-  return rolu_sim::AsOnBoard(rolu_sim::next_getcwd_chk.get()(buffer, size, buffer_size));
+char* __getcwd_chk(char* buffer, size_t size, size_t buffer_size) noexcept {
+  return getcwd(buffer, Checked(size, buffer_size));
 }
 
-ROLU_SIM_EXPORTED char* __realpath_chk(const char* path, char* resolved, size_t buffer_size) noexcept {
-  Place place(path);
-  if (place.target() != Target::kUntouched && buffer_size >= PATH_MAX) {
-    return rolu_sim::RealPathOnBoard(place, resolved);
-  }
-  return rolu_sim::next_realpath_chk.get()(place.SystemPath(), resolved, buffer_size);
+char* __realpath_chk(const char* path, char* resolved, size_t buffer_size) noexcept {
+  Checked(PATH_MAX, buffer_size);
+  return realpath(path, resolved);
 }
 
-ROLU_SIM_EXPORTED ssize_t __readlink_chk(const char* path, char* buffer, size_t size,
-                                         size_t buffer_size) noexcept {
-  return CallAt<ssize_t>(rolu_sim::next_readlink_chk, -1, path, buffer, size, buffer_size);
+ssize_t __readlink_chk(const char* path, char* buffer, size_t size, size_t buffer_size) noexcept {
+  return readlinkat(AT_FDCWD, path, buffer, Checked(size, buffer_size));
 }
 
-ROLU_SIM_EXPORTED ssize_t __readlinkat_chk(int directory, const char* path, char* buffer, size_t size,
-                                           size_t buffer_size) noexcept {
-  return CallFrom(rolu_sim::next_readlinkat_chk, directory, path, buffer, size, buffer_size);
+ssize_t __readlinkat_chk(int directory, const char* path, char* buffer, size_t size,
+                         size_t buffer_size) noexcept {
+  return readlinkat(directory, path, buffer, Checked(size, buffer_size));
 }
 
 // ls -l asks for access lists.
 
-ROLU_SIM_EXPORTED ssize_t getxattr(const char* path, const char* name, void* value, size_t size) noexcept {
-  return CallAt<ssize_t>(rolu_sim::next_getxattr, -1, path, name, value, size);
+ssize_t getxattr(const char* path, const char* name, void* value, size_t size) noexcept {
+  return CallAt(Next<getxattr>("getxattr"), ssize_t{-1}, path, name, value, size);
 }
 
-ROLU_SIM_EXPORTED ssize_t lgetxattr(const char* path, const char* name, void* value, size_t size) noexcept {
-  return CallAt<ssize_t>(rolu_sim::next_lgetxattr, -1, path, name, value, size);
+ssize_t lgetxattr(const char* path, const char* name, void* value, size_t size) noexcept {
+  return CallAt(Next<lgetxattr>("lgetxattr"), ssize_t{-1}, path, name, value, size);
+}
+
+// The board's while a board is attached.
+int uname(utsname* names) noexcept {
+  const int result = Next<uname>("uname")(names);
+  utsname board{};
+  if (result != 0 || BoardRootPath() == nullptr) return result;
+  if (AskBoard(DeviceRequest::kUname, "", &board, sizeof board) < 0) return result;
+  memcpy(names->machine, board.machine, sizeof names->machine);
+  memcpy(names->release, board.release, sizeof names->release);
+  memcpy(names->version, board.version, sizeof names->version);
+  return result;
+}
+
+// Tells that the object is loaded.
+int rolu_sim_preload_version() {
+  return 1;
 }
 
 }  // extern "C"
+#pragma GCC visibility pop

@@ -1,175 +1,194 @@
 // What programs read from, write to and ask of an open descriptor.
 
+#include <errno.h>
+#include <limits.h>
 #include <stdarg.h>
 #include <stdint.h>
 #include <sys/ioctl.h>
+#include <sys/sendfile.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/descriptor_table.h"
-#include "simulator/preload/device_io.h"
-#include "simulator/preload/exported.h"
 #include "simulator/preload/next_call.h"
 
 namespace rolu_sim {
 namespace {
 
-template <typename Offset>
-using PreadCall = ssize_t (*)(int, void*, size_t, Offset);
-template <typename Offset>
-using CheckedPreadCall = ssize_t (*)(int, void*, size_t, Offset, size_t);
-template <typename Offset>
-using PwriteCall = ssize_t (*)(int, const void*, size_t, Offset);
-using VectorCall = ssize_t (*)(int, const iovec*, int);
-template <typename Offset>
-using VectorAtCall = ssize_t (*)(int, const iovec*, int, Offset);
-template <typename Offset>
-using SeekCall = Offset (*)(int, Offset, int);
-using IoctlCall = int (*)(int, unsigned long, ...);
+// ReadDevice or WriteDevice for one part after another; a short one is the last.
+template <auto kTransfer>
+ssize_t EachPart(DeviceId device, const iovec* parts, int count, uint64_t offset) {
+  if (count < 0 || count > IOV_MAX) {
+    errno = EINVAL;
+    return -1;
+  }
+  ssize_t total = 0;
+  for (const iovec* part = parts; part != parts + count; ++part) {
+    const uint64_t start = offset == kAtPosition ? offset : offset + static_cast<uint64_t>(total);
+    const ssize_t moved = kTransfer(device, part->iov_base, part->iov_len, start);
+    if (moved < 0) return total > 0 ? total : -1;
+    total += moved;
+    if (static_cast<size_t>(moved) < part->iov_len) break;
+  }
+  return total;
+}
 
-NextCall<ssize_t (*)(int, void*, size_t)> next_read("read");
-NextCall<ssize_t (*)(int, void*, size_t, size_t)> next_read_chk("__read_chk");
-NextCall<PreadCall<off_t>> next_pread("pread");
-NextCall<PreadCall<off64_t>> next_pread64("pread64");
-NextCall<CheckedPreadCall<off_t>> next_pread_chk("__pread_chk");
-NextCall<CheckedPreadCall<off64_t>> next_pread64_chk("__pread64_chk");
-NextCall<VectorCall> next_readv("readv");
-NextCall<VectorAtCall<off_t>> next_preadv("preadv");
-NextCall<VectorAtCall<off64_t>> next_preadv64("preadv64");
-NextCall<ssize_t (*)(int, const void*, size_t)> next_write("write");
-NextCall<PwriteCall<off_t>> next_pwrite("pwrite");
-NextCall<PwriteCall<off64_t>> next_pwrite64("pwrite64");
-NextCall<VectorCall> next_writev("writev");
-NextCall<VectorAtCall<off_t>> next_pwritev("pwritev");
-NextCall<VectorAtCall<off64_t>> next_pwritev64("pwritev64");
-NextCall<SeekCall<off_t>> next_lseek("lseek");
-NextCall<SeekCall<off64_t>> next_lseek64("lseek64");
-NextCall<IoctlCall> next_ioctl("ioctl");
-#if __TIMESIZE == 32
-NextCall<IoctlCall> next_ioctl_time64("__ioctl_time64");
-#endif
+// Any of these at an offset. EINVAL for one that no file has.
+template <auto kTransfer, typename Bytes, typename Size>
+ssize_t TransferAt(DeviceId device, Bytes* bytes, Size size, int64_t offset) {
+  if (offset >= 0) return kTransfer(device, bytes, size, static_cast<uint64_t>(offset));
+  errno = EINVAL;
+  return -1;
+}
+
+// One attribute's text at most: a caller that wants more calls again.
+template <typename Call, typename Offset>
+ssize_t Copy(Call next, int target, int source, Offset* offset, size_t count) {
+  if (DeviceOf(target) == 0 && DeviceOf(source) == 0) return next(target, source, offset, count);
+  char text[kAttributeSize];
+  const size_t wanted = count < sizeof text ? count : sizeof text;
+  const ssize_t length =
+      offset == nullptr ? read(source, text, wanted) : pread64(source, text, wanted, *offset);
+  if (length <= 0) return length;
+  const ssize_t written = write(target, text, static_cast<size_t>(length));
+  if (written > 0 && offset != nullptr) *offset += static_cast<Offset>(written);
+  return written;
+}
+
+template <typename Call>
+int Ioctl(Call next, int fd, unsigned long request, void* argument) {
+  const DeviceId device = DeviceOf(fd);
+  if (device != 0) return IoctlDevice(device, request, reinterpret_cast<uintptr_t>(argument));
+  return next(fd, request, argument);
+}
 
 }  // namespace
 }  // namespace rolu_sim
 
-using rolu_sim::DeviceId;
-using rolu_sim::DeviceOf;
+using namespace rolu_sim;
 
+#pragma GCC visibility push(default)
 extern "C" {
 
-ROLU_SIM_EXPORTED ssize_t read(int fd, void* buffer, size_t size) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDevice(device, buffer, size);
-  return rolu_sim::next_read.get()(fd, buffer, size);
+ssize_t read(int fd, void* buffer, size_t size) {
+  if (const DeviceId device = DeviceOf(fd)) return ReadDevice(device, buffer, size, kAtPosition);
+  return Next<read>("read")(fd, buffer, size);
 }
 
-ROLU_SIM_EXPORTED ssize_t pread(int fd, void* buffer, size_t size, off_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDeviceAt(device, buffer, size, offset);
-  return rolu_sim::next_pread.get()(fd, buffer, size, offset);
+ssize_t pread64(int fd, void* buffer, size_t size, off64_t offset) {
+  if (const DeviceId device = DeviceOf(fd)) return TransferAt<ReadDevice>(device, buffer, size, offset);
+  return Next<pread64>("pread64")(fd, buffer, size, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t pread64(int fd, void* buffer, size_t size, off64_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDeviceAt(device, buffer, size, offset);
-  return rolu_sim::next_pread64.get()(fd, buffer, size, offset);
+ssize_t pread(int fd, void* buffer, size_t size, off_t offset) {
+  return pread64(fd, buffer, size, offset);
 }
 
-// What the reads become in a fortified program; the next ones end the program on an overflow.
-
-ROLU_SIM_EXPORTED ssize_t __read_chk(int fd, void* buffer, size_t size, size_t buffer_size) {
-  const DeviceId device = size <= buffer_size ? DeviceOf(fd) : 0;
-  if (device != 0) return rolu_sim::ReadDevice(device, buffer, size);
-  return rolu_sim::next_read_chk.get()(fd, buffer, size, buffer_size);
+ssize_t readv(int fd, const iovec* parts, int count) {
+  if (const DeviceId device = DeviceOf(fd)) return EachPart<ReadDevice>(device, parts, count, kAtPosition);
+  return Next<readv>("readv")(fd, parts, count);
 }
 
-ROLU_SIM_EXPORTED ssize_t __pread_chk(int fd, void* buffer, size_t size, off_t offset, size_t buffer_size) {
-  const DeviceId device = size <= buffer_size ? DeviceOf(fd) : 0;
-  if (device != 0) return rolu_sim::ReadDeviceAt(device, buffer, size, offset);
-  return rolu_sim::next_pread_chk.get()(fd, buffer, size, offset, buffer_size);
+ssize_t preadv64(int fd, const iovec* parts, int count, off64_t offset) {
+  if (const DeviceId device = DeviceOf(fd))
+    return TransferAt<EachPart<ReadDevice>>(device, parts, count, offset);
+  return Next<preadv64>("preadv64")(fd, parts, count, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t __pread64_chk(int fd, void* buffer, size_t size, off64_t offset,
-                                        size_t buffer_size) {
-  const DeviceId device = size <= buffer_size ? DeviceOf(fd) : 0;
-  if (device != 0) return rolu_sim::ReadDeviceAt(device, buffer, size, offset);
-  return rolu_sim::next_pread64_chk.get()(fd, buffer, size, offset, buffer_size);
+ssize_t preadv(int fd, const iovec* parts, int count, off_t offset) {
+  return preadv64(fd, parts, count, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t readv(int fd, const iovec* parts, int count) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDeviceParts(device, parts, count);
-  return rolu_sim::next_readv.get()(fd, parts, count);
+// What the reads become in a fortified program.
+
+ssize_t __read_chk(int fd, void* buffer, size_t size, size_t buffer_size) {
+  return read(fd, buffer, Checked(size, buffer_size));
 }
 
-ROLU_SIM_EXPORTED ssize_t preadv(int fd, const iovec* parts, int count, off_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDevicePartsAt(device, parts, count, offset);
-  return rolu_sim::next_preadv.get()(fd, parts, count, offset);
+ssize_t __pread_chk(int fd, void* buffer, size_t size, off_t offset, size_t buffer_size) {
+  return pread64(fd, buffer, Checked(size, buffer_size), offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t preadv64(int fd, const iovec* parts, int count, off64_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::ReadDevicePartsAt(device, parts, count, offset);
-  return rolu_sim::next_preadv64.get()(fd, parts, count, offset);
+ssize_t __pread64_chk(int fd, void* buffer, size_t size, off64_t offset, size_t buffer_size) {
+  return pread64(fd, buffer, Checked(size, buffer_size), offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t write(int fd, const void* bytes, size_t size) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDevice(device, bytes, size);
-  return rolu_sim::next_write.get()(fd, bytes, size);
+ssize_t write(int fd, const void* bytes, size_t size) {
+  if (const DeviceId device = DeviceOf(fd)) return WriteDevice(device, bytes, size, kAtPosition);
+  return Next<write>("write")(fd, bytes, size);
 }
 
-ROLU_SIM_EXPORTED ssize_t pwrite(int fd, const void* bytes, size_t size, off_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDeviceAt(device, bytes, size, offset);
-  return rolu_sim::next_pwrite.get()(fd, bytes, size, offset);
+ssize_t pwrite64(int fd, const void* bytes, size_t size, off64_t offset) {
+  if (const DeviceId device = DeviceOf(fd)) return TransferAt<WriteDevice>(device, bytes, size, offset);
+  return Next<pwrite64>("pwrite64")(fd, bytes, size, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t pwrite64(int fd, const void* bytes, size_t size, off64_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDeviceAt(device, bytes, size, offset);
-  return rolu_sim::next_pwrite64.get()(fd, bytes, size, offset);
+ssize_t pwrite(int fd, const void* bytes, size_t size, off_t offset) {
+  return pwrite64(fd, bytes, size, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t writev(int fd, const iovec* parts, int count) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDeviceParts(device, parts, count);
-  return rolu_sim::next_writev.get()(fd, parts, count);
+ssize_t writev(int fd, const iovec* parts, int count) {
+  if (const DeviceId device = DeviceOf(fd)) return EachPart<WriteDevice>(device, parts, count, kAtPosition);
+  return Next<writev>("writev")(fd, parts, count);
 }
 
-ROLU_SIM_EXPORTED ssize_t pwritev(int fd, const iovec* parts, int count, off_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDevicePartsAt(device, parts, count, offset);
-  return rolu_sim::next_pwritev.get()(fd, parts, count, offset);
+ssize_t pwritev64(int fd, const iovec* parts, int count, off64_t offset) {
+  if (const DeviceId device = DeviceOf(fd))
+    return TransferAt<EachPart<WriteDevice>>(device, parts, count, offset);
+  return Next<pwritev64>("pwritev64")(fd, parts, count, offset);
 }
 
-ROLU_SIM_EXPORTED ssize_t pwritev64(int fd, const iovec* parts, int count, off64_t offset) {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::WriteDevicePartsAt(device, parts, count, offset);
-  return rolu_sim::next_pwritev64.get()(fd, parts, count, offset);
+ssize_t pwritev(int fd, const iovec* parts, int count, off_t offset) {
+  return pwritev64(fd, parts, count, offset);
 }
 
-ROLU_SIM_EXPORTED off_t lseek(int fd, off_t offset, int whence) noexcept {
-  const DeviceId device = DeviceOf(fd);
-  if (device != 0) return static_cast<off_t>(rolu_sim::SeekDevice(device, offset, whence));
-  return rolu_sim::next_lseek.get()(fd, offset, whence);
+off_t lseek(int fd, off_t offset, int whence) noexcept {
+  if (const DeviceId device = DeviceOf(fd)) return static_cast<off_t>(SeekDevice(device, offset, whence));
+  return Next<lseek>("lseek")(fd, offset, whence);
 }
 
-ROLU_SIM_EXPORTED off64_t lseek64(int fd, off64_t offset, int whence) noexcept {
-  if (const DeviceId device = DeviceOf(fd)) return rolu_sim::SeekDevice(device, offset, whence);
-  return rolu_sim::next_lseek64.get()(fd, offset, whence);
+off64_t lseek64(int fd, off64_t offset, int whence) noexcept {
+  if (const DeviceId device = DeviceOf(fd)) return SeekDevice(device, offset, whence);
+  return Next<lseek64>("lseek64")(fd, offset, whence);
 }
 
-ROLU_SIM_EXPORTED int ioctl(int fd, unsigned long request, ...) noexcept {
+ssize_t sendfile(int target, int source, off_t* offset, size_t count) noexcept {
+  return Copy(Next<sendfile>("sendfile"), target, source, offset, count);
+}
+
+ssize_t sendfile64(int target, int source, off64_t* offset, size_t count) noexcept {
+  return Copy(Next<sendfile64>("sendfile64"), target, source, offset, count);
+}
+
+// The board's kernel does not have this call; programs copy by other means then.
+ssize_t copy_file_range(int source, off64_t* source_offset, int target, off64_t* target_offset, size_t count,
+                        unsigned flags) {
+  if (DeviceOf(source) == 0 && DeviceOf(target) == 0) {
+    return Next<copy_file_range>("copy_file_range")(source, source_offset, target, target_offset, count,
+                                                    flags);
+  }
+  errno = ENOSYS;
+  return -1;
+}
+
+int ioctl(int fd, unsigned long request, ...) noexcept {
   va_list arguments;
   va_start(arguments, request);
   void* const argument = va_arg(arguments, void*);
   va_end(arguments);
-  const DeviceId device = DeviceOf(fd);
-  if (device != 0) return rolu_sim::IoctlDevice(device, request, reinterpret_cast<uintptr_t>(argument));
-  return rolu_sim::next_ioctl.get()(fd, request, argument);
+  return Ioctl(Next<ioctl>("ioctl"), fd, request, argument);
 }
 
 #if __TIMESIZE == 32
-ROLU_SIM_EXPORTED int __ioctl_time64(int fd, unsigned long request, ...) noexcept {
+int __ioctl_time64(int fd, unsigned long request, ...) noexcept {
   va_list arguments;
   va_start(arguments, request);
   void* const argument = va_arg(arguments, void*);
   va_end(arguments);
-  const DeviceId device = DeviceOf(fd);
-  if (device != 0) return rolu_sim::IoctlDevice(device, request, reinterpret_cast<uintptr_t>(argument));
-  return rolu_sim::next_ioctl_time64.get()(fd, request, argument);
+  return Ioctl(Next<__ioctl_time64>("__ioctl_time64"), fd, request, argument);
 }
 #endif
 
 }  // extern "C"
+#pragma GCC visibility pop

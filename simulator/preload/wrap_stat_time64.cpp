@@ -6,37 +6,29 @@
 #include <sys/stat.h>
 
 #if __TIMESIZE == 32
-#include "simulator/preload/exported.h"
-#include "simulator/preload/stat_path.h"
+#include "simulator/preload/node_stat.h"
 
-namespace rolu_sim {
-namespace {
+using namespace rolu_sim;
 
-NextCall<StatCall<struct stat>> next_stat("__stat64_time64");
-NextCall<StatCall<struct stat>> next_lstat("__lstat64_time64");
-NextCall<StatDescriptorCall<struct stat>> next_fstat("__fstat64_time64");
-NextCall<StatAtCall<struct stat>> next_fstatat("__fstatat64_time64");
-
-}  // namespace
-}  // namespace rolu_sim
-
+#pragma GCC visibility push(default)
 extern "C" {
 
-ROLU_SIM_EXPORTED int stat(const char* path, struct stat* record) noexcept {
-  return rolu_sim::StatPath(rolu_sim::next_stat, rolu_sim::next_stat, path, record);
+int fstatat(int directory, const char* path, struct stat* record, int flags) noexcept {
+  return StatAt(Next<fstatat>("__fstatat64_time64"), directory, path, record, flags);
 }
 
-ROLU_SIM_EXPORTED int lstat(const char* path, struct stat* record) noexcept {
-  return rolu_sim::StatPath(rolu_sim::next_lstat, rolu_sim::next_stat, path, record);
+int stat(const char* path, struct stat* record) noexcept {
+  return StatAt(Next<fstatat>("__fstatat64_time64"), AT_FDCWD, path, record, 0);
 }
 
-ROLU_SIM_EXPORTED int fstat(int fd, struct stat* record) noexcept {
-  return rolu_sim::StatDescriptor(rolu_sim::next_fstat, fd, record);
+int lstat(const char* path, struct stat* record) noexcept {
+  return StatAt(Next<fstatat>("__fstatat64_time64"), AT_FDCWD, path, record, AT_SYMLINK_NOFOLLOW);
 }
 
-ROLU_SIM_EXPORTED int fstatat(int directory, const char* path, struct stat* record, int flags) noexcept {
-  return rolu_sim::StatPathAt(rolu_sim::next_fstatat, directory, path, record, flags);
+int fstat(int fd, struct stat* record) noexcept {
+  return StatDescriptor(Next<fstat>("__fstat64_time64"), fd, record);
 }
 
 }  // extern "C"
+#pragma GCC visibility pop
 #endif

@@ -2,26 +2,69 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdint.h>
 #include <stdio.h>
+#include <stdio_ext.h>
 #include <string.h>
 #include <unistd.h>
 
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/descriptor_table.h"
-#include "simulator/preload/exported.h"
 #include "simulator/preload/next_call.h"
 #include "simulator/preload/redirection.h"
-#include "simulator/preload/standard_streams.h"
 
 namespace rolu_sim {
 namespace {
 
-using FopenCall = FILE* (*)(const char*, const char*);
+constexpr int kStandardStreams = 3;
 
-NextCall<FopenCall> next_fopen("fopen");
-NextCall<FopenCall> next_fopen64("fopen64");
-NextCall<FILE* (*)(int, const char*)> next_fdopen("fdopen");
-NextCall<int (*)(FILE*)> next_fileno("fileno");
+// What was and what is in place of each; a stream that is in place of nothing waits for its next use.
+FILE* ordinary_streams[kStandardStreams];
+FILE* device_streams[kStandardStreams];
+
+FILE*& StandardStream(int fd) {
+  if (fd == STDIN_FILENO) return stdin;
+  return fd == STDOUT_FILENO ? stdout : stderr;
+}
+
+int DescriptorIn(void* cookie) {
+  return static_cast<int>(reinterpret_cast<intptr_t>(cookie));
+}
+
+ssize_t ReadCookie(void* cookie, char* buffer, size_t size) {
+  return read(DescriptorIn(cookie), buffer, size);
+}
+
+// A stream's write function reports failure by 0.
+ssize_t WriteCookie(void* cookie, const char* bytes, size_t size) {
+  const ssize_t written = write(DescriptorIn(cookie), bytes, size);
+  return written < 0 ? 0 : written;
+}
+
+int SeekCookie(void* cookie, off64_t* offset, int whence) {
+  const off64_t position = lseek64(DescriptorIn(cookie), *offset, whence);
+  if (position < 0) return -1;
+  *offset = position;
+  return 0;
+}
+
+int CloseCookie(void* cookie) {
+  return close(DescriptorIn(cookie));
+}
+
+int CloseStandardCookie(void* cookie) {
+  const int fd = DescriptorIn(cookie);
+  FollowStandardStream(fd, false);
+  device_streams[fd] = nullptr;
+  return close(fd);
+}
+
+FILE* OpenCookie(int fd, const char* mode, cookie_close_function_t* close_cookie) {
+  FILE* const stream = fopencookie(reinterpret_cast<void*>(static_cast<intptr_t>(fd)), mode,
+                                   {ReadCookie, WriteCookie, SeekCookie, close_cookie});
+  if (stream != nullptr) stream->_fileno = fd;  // for fileno
+  return stream;
+}
 
 // The open flags of a stream's mode; -1 with EINVAL when it is none.
 int FlagsOfMode(const char* mode) {
@@ -46,48 +89,70 @@ FILE* OpenDeviceStream(const char* path, const char* mode) {
   if (flags < 0) return nullptr;
   const int fd = OpenDeviceNode(path, flags);
   if (fd < 0) return nullptr;
-  FILE* const stream = OpenStreamOn(fd, mode);
+  FILE* const stream = OpenCookie(fd, mode, CloseCookie);
   if (stream == nullptr) close(fd);
   return stream;
 }
 
-FILE* OpenStream(NextCall<FopenCall>& next, const char* path, const char* mode) {
+template <typename Call>
+FILE* OpenStream(Call next, const char* path, const char* mode) {
   Place place(path);
   if (place.target() == Target::kDevice) return OpenDeviceStream(place.board_path(), mode);
   if (place.target() == Target::kSerialPort) AnnounceSerialOpen();
   const char* const system_path = place.SystemPath();
-  return system_path == nullptr ? nullptr : next.get()(system_path, mode);
-}
-
-// The C library gives none for a stream with functions of its own.
-int DescriptorOf(FILE* stream) {
-  return stream->_fileno >= 0 ? stream->_fileno : next_fileno.get()(stream);
+  return system_path == nullptr ? nullptr : next(system_path, mode);
 }
 
 }  // namespace
+
+void FollowStandardStream(int fd, bool is_device) {
+  FILE*& stream = StandardStream(fd);
+  FILE*& device_stream = device_streams[fd];
+  const bool was_device = device_stream != nullptr && stream == device_stream;
+  if (is_device == was_device) return;
+  if (!is_device) {
+    stream = ordinary_streams[fd];
+    return;
+  }
+  if (device_stream == nullptr) {
+    device_stream = OpenCookie(fd, fd == STDIN_FILENO ? "r" : "w", CloseStandardCookie);
+    if (device_stream == nullptr) return;
+    if (fd == STDERR_FILENO) setvbuf(device_stream, nullptr, _IONBF, 0);
+  }
+  __fpurge(device_stream);
+  clearerr(device_stream);
+  ordinary_streams[fd] = stream;
+  stream = device_stream;
+}
+
 }  // namespace rolu_sim
 
+using namespace rolu_sim;
+
+#pragma GCC visibility push(default)
 extern "C" {
 
-ROLU_SIM_EXPORTED FILE* fopen(const char* path, const char* mode) {
-  return rolu_sim::OpenStream(rolu_sim::next_fopen, path, mode);
+FILE* fopen(const char* path, const char* mode) {
+  return OpenStream(Next<fopen>("fopen"), path, mode);
 }
 
-ROLU_SIM_EXPORTED FILE* fopen64(const char* path, const char* mode) {
-  return rolu_sim::OpenStream(rolu_sim::next_fopen64, path, mode);
+FILE* fopen64(const char* path, const char* mode) {
+  return OpenStream(Next<fopen64>("fopen64"), path, mode);
 }
 
-ROLU_SIM_EXPORTED FILE* fdopen(int fd, const char* mode) noexcept {
-  if (rolu_sim::DeviceOf(fd) == 0) return rolu_sim::next_fdopen.get()(fd, mode);
-  return rolu_sim::FlagsOfMode(mode) < 0 ? nullptr : rolu_sim::OpenStreamOn(fd, mode);
+FILE* fdopen(int fd, const char* mode) noexcept {
+  if (DeviceOf(fd) == 0) return Next<fdopen>("fdopen")(fd, mode);
+  return FlagsOfMode(mode) < 0 ? nullptr : OpenCookie(fd, mode, CloseCookie);
 }
 
-ROLU_SIM_EXPORTED int fileno(FILE* stream) noexcept {
-  return rolu_sim::DescriptorOf(stream);
+// The C library gives none for a stream with functions of its own.
+int fileno(FILE* stream) noexcept {
+  return stream->_fileno >= 0 ? stream->_fileno : Next<fileno>("fileno")(stream);
 }
 
-ROLU_SIM_EXPORTED int fileno_unlocked(FILE* stream) noexcept {
-  return rolu_sim::DescriptorOf(stream);
+int fileno_unlocked(FILE* stream) noexcept {
+  return fileno(stream);
 }
 
 }  // extern "C"
+#pragma GCC visibility pop

@@ -5,12 +5,11 @@
 
 #include <filesystem>
 
-#include "simulator/command_path.h"
-#include "simulator/control/parameter.h"
-#include "simulator/installed_files.h"
-#include "simulator/preload_list.h"
-#include "simulator/preloaded.h"
-#include "simulator/system_error.h"
+#include "cli/command_line.h"
+#include "simulator/desk/parameter.h"
+#include "simulator/devices/board_paths.h"
+#include "simulator/environment.h"
+#include "simulator/program/installed_files.h"
 
 namespace rolu_sim {
 namespace {
@@ -23,18 +22,14 @@ std::string PreloadList() {
 }
 
 std::string CommandDirectoryOf(const std::string& board_directory) {
-  return board_directory + "/bin";
-}
-
-void Set(const char* variable, const std::string& value) {
-  if (setenv(variable, value.c_str(), 1) != 0) ThrowErrno("setting the environment");
+  return board_directory + kCommandDirectoryName;
 }
 
 }  // namespace
 
 void MeetBoard(const std::string& board_directory) {
-  Set(kRootVariable, board_directory);
-  Set(kPreloadVariable, PreloadList());
+  SetEnvironment(kRootVariable, board_directory);
+  SetEnvironment(kPreloadVariable, PreloadList());
   AddCommandDirectory(CommandDirectoryOf(board_directory));
 }
 
@@ -50,6 +45,19 @@ std::string ShellAssignments(const std::string& board_directory) {
   return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, ShellWord(board_directory),
                      kPreloadVariable, ShellWord(PreloadList()),
                      ShellWord(CommandDirectoryOf(board_directory)));
+}
+
+void AddBoardChoice(CLI::App& command, BoardChoice& board) {
+  command
+      .add_option("--board", board.directory,
+                  "The board's directory; else the board that this program runs on")
+      ->type_name("DIR");
+  AddWaitOption(command, board);
+}
+
+void AddWaitOption(CLI::App& command, BoardChoice& board) {
+  rolu::AddDurationOption(command, "--wait", board.patience, "Wait this long for the board to come up",
+                          std::chrono::milliseconds(0), kLongestTime);
 }
 
 std::string BoardDirectory(const std::string& named) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
+#include <chrono>
 #include <string>
 
 namespace rolu_sim {
@@ -14,8 +16,16 @@ std::string ShellWord(const std::string& text);
 // What MeetBoard does, as assignments for a shell.
 std::string ShellAssignments(const std::string& board_directory);
 
-// The board that a command is for: the one that the user named, else the one that this process
-// meets. Throws UsageError when there is neither.
+// Which board that is up already, and how long to wait for it to come up.
+struct BoardChoice {
+  std::string directory;
+  std::chrono::milliseconds patience{0};
+};
+void AddBoardChoice(CLI::App& command, BoardChoice& board);
+void AddWaitOption(CLI::App& command, BoardChoice& board);
+
+// The directory of the board that a command is for: the one that the user named, else the one that this
+// process meets. Throws UsageError when there is neither.
 std::string BoardDirectory(const std::string& named);
 
 }  // namespace rolu_sim

@@ -1,54 +1,98 @@
 #include "simulator/program/board_settings.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <random>
 #include <utility>
 
-#include "simulator/scenario/scenario_files.h"
+#include "cli/exit_status.h"
+#include "cli/messages.h"
+#include "simulator/program/installed_files.h"
 
 namespace rolu_sim {
 namespace {
 
-// A file is for programs to read, the terminal for people.
-TraceFormat FormatOf(const BoardSettings& settings) {
-  if (settings.trace_format == "json") return TraceFormat::kJson;
-  if (settings.trace_format == "text") return TraceFormat::kText;
-  return settings.trace == "-" ? TraceFormat::kText : TraceFormat::kJson;
-}
-
-Scenario ReadScenario(const std::string& file_or_name) {
-  const ScenarioFile file = ReadScenarioFile(file_or_name);
-  return ParseScenario(file.text, file.name);
-}
-
-// A file that cannot be played back is the user's mistake, as any other word of the command line.
-Replay ReadReplay(const std::string& path) {
+// What `read` throws is wrong with the value of the option.
+template <typename Read>
+void ReadValueOf(const std::string& option, Read read) {
   try {
-    return Replay::FromFile(path);
-  } catch (const std::runtime_error& problem) {
-    throw UsageError(problem.what());
+    read();
+  } catch (const std::exception& problem) {
+    throw CLI::ValidationError(option, problem.what());
   }
 }
 
-Scenario::Event SendingOf(const Replay::EarlyLine& early) {
-  return {std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
-          {FindVerb("send"), Arguments(Json{{"text", early.line}})}};
+// A file is for programs to read, the terminal for people.
+TraceFormat FormatOf(const BoardSettings& settings) {
+  if (settings.trace_format.empty()) return settings.trace == "-" ? TraceFormat::kText : TraceFormat::kJson;
+  return settings.trace_format == "json" ? TraceFormat::kJson : TraceFormat::kText;
 }
 
 }  // namespace
 
+void AddBoardSettings(CLI::App& command, BoardSettings& settings) {
+  command
+      .add_option("--scenario", settings.scenario, "Play a scenario: a file, or the name of a ready-made one")
+      ->type_name("FILE");
+  command.add_option("--replay", settings.replay, "Answer as the MCU did in a recorded trace")
+      ->type_name("FILE");
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--fault",
+          [&](const std::vector<std::string>& faults) {
+            ReadValueOf("--fault", [&] {
+              std::ranges::transform(faults, std::back_inserter(settings.faults), ParseFault);
+            });
+          },
+          "A fault from the start, as silence:MCVG or delay:any:200ms:times=3; ctl --help lists them "
+          "(without fault-)")
+      ->type_name("FAULT")
+      ->take_all()
+      ->allow_extra_args(false);
+  command.add_option("--seed", settings.seed, "Seed of the random faults; without it each run has another")
+      ->type_name("NUMBER")
+      ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
+  command
+      .add_option_function<std::string>(
+          "--battery",
+          [&](const std::string& curve) {
+            ReadValueOf("--battery", [&] { settings.battery = VoltageCurve::Parse(curve); });
+          },
+          "Voltage of the car battery over time, linear between the points: \"0s=12.6 2s=11.0\"")
+      ->type_name("CURVE");
+  command.add_option("--mode", settings.system_volts, "Electrical system of the vehicle: 12 or 24 (volts)")
+      ->check(CLI::IsMember({12, 24}))
+      ->type_name("VOLTS")
+      ->capture_default_str();
+  command.add_flag("--baud", settings.paced, "Let bytes take the time of the 115200 bit/s line");
+  command
+      .add_option("--trace", settings.trace, "Write each line on the wire to a file, or - for standard error")
+      ->type_name("FILE");
+  command
+      .add_option("--trace-format", settings.trace_format,
+                  "json (the default for a file) or text (the default for -)")
+      ->check(CLI::IsMember({"json", "text"}))
+      ->type_name("FORMAT");
+  command.add_flag("--fail-on-bite", settings.fail_on_bite, "Exit with status 6 if the watchdog bit");
+}
+
 PreparedBoard::PreparedBoard(const BoardSettings& settings) : settings_(settings) {
-  if (!settings.scenario.empty()) scenario_ = ReadScenario(settings.scenario);
-  if (!settings.replay.empty()) {
-    replay_ = ReadReplay(settings.replay);
-    for (const Replay::EarlyLine& early : replay_->early_lines())
-      scenario_.events.push_back(SendingOf(early));
-    std::stable_sort(
-        scenario_.events.begin(), scenario_.events.end(),
-        [](const Scenario::Event& one, const Scenario::Event& other) { return one.at < other.at; });
+  if (!settings.scenario.empty()) {
+    const ScenarioFile file = ReadScenarioFile(settings.scenario);
+    scenario_ = ParseScenario(file.text, file.name);
   }
-  for (const std::string& fault : settings.faults) faults_.push_back(ParseFault(fault));
-  if (!settings.battery.empty()) battery_ = VoltageCurve::Parse(settings.battery);
+  if (!settings.replay.empty()) {
+    const Verb* const send = FindVerb("send");
+    replay_ = std::make_unique<Replay>(settings.replay);
+    for (const Replay::EarlyLine& early : replay_->early_lines()) {
+      scenario_.events.push_back({std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
+                                  {send, CheckArguments(*send, {{"text", early.line}})}});
+    }
+    scenario_.Sort();
+  }
   if (!settings.trace.empty()) writer_ = std::make_unique<TraceWriter>(settings.trace, FormatOf(settings));
 }
 
@@ -65,10 +109,17 @@ DeskOptions PreparedBoard::TakeDeskOptions(const std::string& root_directory) {
 Scenario PreparedBoard::Start(Desk& desk) {
   desk.board().mcu().WithModel([&](McuModel& mcu) {
     mcu.SetVehicle(settings_.system_volts == 24 ? BatteryMode::k24V : BatteryMode::k12V);
-    if (battery_) mcu.SetBatteryCurve(*battery_, std::chrono::steady_clock::now());
+    if (settings_.battery) mcu.SetBatteryCurve(*settings_.battery, std::chrono::steady_clock::now());
   });
-  for (const Action& fault : faults_) desk.Apply(fault);
+  for (const Action& fault : settings_.faults) desk.Apply(fault);
   return std::move(scenario_);
+}
+
+int PreparedBoard::Conclude(Desk& desk, int status) const {
+  if (desk.replay() != nullptr) rolu::Say(desk.replay()->Summary());
+  if (!settings_.fail_on_bite || desk.BiteCount() == 0) return status;
+  rolu::SayProblem(fmt::format("failed: the watchdog bit (--fail-on-bite); bites: {}", desk.BiteCount()));
+  return rolu::kBitten;
 }
 
 }  // namespace rolu_sim

@@ -1,13 +1,13 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "simulator/control/desk.h"
-#include "simulator/scenario/scenario.h"
-#include "simulator/trace/trace_record.h"
+#include "simulator/desk/scenario.h"
 
 namespace rolu_sim {
 
@@ -15,18 +15,19 @@ namespace rolu_sim {
 struct BoardSettings {
   std::string scenario;  // a file or a name; empty: none
   std::string replay;    // a file; empty: none
-  std::vector<std::string> faults;
+  std::vector<Action> faults;
   std::optional<std::uint32_t> seed;
   bool paced = false;
   int system_volts = 12;
-  std::string battery;  // a curve; empty: a good battery
-  std::string trace;    // a file, or -; empty: none
+  std::optional<VoltageCurve> battery;  // nothing: a good battery
+  std::string trace;                    // a file, or -; empty: none
   std::string trace_format;
   bool fail_on_bite = false;
 };
+void AddBoardSettings(CLI::App& command, BoardSettings& settings);
 
-// A board's settings, read and checked before it comes up. Throws UsageError or ScenarioError, or
-// std::system_error when the trace cannot be written.
+// A board's settings, read and checked before it comes up. Throws UsageError, or std::system_error when the
+// trace cannot be written.
 class PreparedBoard {
  public:
   explicit PreparedBoard(const BoardSettings& settings);
@@ -37,12 +38,13 @@ class PreparedBoard {
   // Brings a board that has just come up into its first state, and gives what is to happen to it.
   Scenario Start(Desk& desk);
 
+  // Says what is to be said of a board at its end, and gives the exit status that it makes of the program's.
+  int Conclude(Desk& desk, int status) const;
+
  private:
-  const BoardSettings settings_;
+  const BoardSettings& settings_;
   Scenario scenario_;
-  std::optional<Replay> replay_;
-  std::vector<Action> faults_;
-  std::optional<VoltageCurve> battery_;
+  std::unique_ptr<Replay> replay_;
   std::unique_ptr<TraceWriter> writer_;
 };
 

@@ -20,18 +20,6 @@ int ReportFailedStart(const std::string& program, int error) {
   return error == ENOENT ? rolu::kNotFound : rolu::kNotExecutable;
 }
 
-bool IsIgnored(int number) {
-  struct sigaction present {};
-  sigaction(number, nullptr, &present);
-  return present.sa_handler == SIG_IGN;
-}
-
-// The terminal sends its signals to the program as well; only those that another process sent to
-// this one are passed on.
-bool CameFromProcess(const siginfo_t& signal) {
-  return signal.si_code <= 0;
-}
-
 // The exec functions get copies; the type is what C had before const.
 std::vector<char*> AsArguments(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
@@ -56,7 +44,9 @@ int WaitForEnd(pid_t child, const HeldSignals& signals) {
   while (true) {
     const siginfo_t signal = signals.Wait();
     if (signal.si_signo != SIGCHLD) {
-      if (CameFromProcess(signal)) kill(child, signal.si_signo);
+      // The terminal sends its signals to the program as well; only those that another process sent to this
+      // one are passed on.
+      if (signal.si_code <= 0) kill(child, signal.si_signo);
       continue;
     }
     int status = 0;
@@ -72,10 +62,11 @@ HeldSignals::HeldSignals() {
   pipe_was_default_ = signal(SIGPIPE, SIG_IGN) == SIG_DFL;
   sigemptyset(&watched_);
   sigaddset(&watched_, SIGCHLD);
-  for (const int number : kHeld) {
-    // Under nohup the end of the terminal ends neither the board nor its program.
-    if (number != SIGHUP || !IsIgnored(number)) sigaddset(&watched_, number);
-  }
+  for (const int number : kHeld) sigaddset(&watched_, number);
+  // Under nohup the end of the terminal ends neither the board nor its program.
+  struct sigaction hang_up {};
+  sigaction(SIGHUP, nullptr, &hang_up);
+  if (hang_up.sa_handler == SIG_IGN) sigdelset(&watched_, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &watched_, &mask_before_);
 }
 
@@ -83,6 +74,10 @@ siginfo_t HeldSignals::Wait() const {
   siginfo_t signal{};
   while (sigwaitinfo(&watched_, &signal) < 0) continue;
   return signal;
+}
+
+void EndThisProcess() {
+  kill(getpid(), SIGTERM);
 }
 
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals) {

@@ -26,6 +26,9 @@ class HeldSignals {
   bool pipe_was_default_ = false;
 };
 
+// A board ends as if somebody had ended this process.
+void EndThisProcess();
+
 // Runs one program in place of this process: signals that are sent to this process go on to the
 // program. Gives the program's exit status, or one of cli/exit_status.h after a message.
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals);

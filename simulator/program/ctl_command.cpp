@@ -1,149 +1,223 @@
 // rolu-sim ctl: steers and reads a board that is up.
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/file.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <iostream>
 
 #include "cli/duration.h"
-#include "cli/exit_status.h"
 #include "cli/messages.h"
-#include "simulator/control/control_client.h"
-#include "simulator/control/readings.h"
-#include "simulator/control/verb.h"
+#include "simulator/desk/control_client.h"
+#include "simulator/desk/readings.h"
+#include "simulator/desk/trace.h"
 #include "simulator/program/board_environment.h"
-#include "simulator/program/commands.h"
-#include "simulator/program/control_words.h"
-#include "simulator/program/served_directory.h"
-#include "simulator/scenario/scenario_files.h"
-#include "simulator/trace/trace_record.h"
+#include "simulator/program/command.h"
+#include "simulator/program/installed_files.h"
+#include "simulator/unique_fd.h"
 
 namespace rolu_sim {
 namespace {
 
-// The value of a word that may be "name=value" as well as the value alone.
-std::string ValueOf(const std::string& word, const std::string& name) {
-  return word.rfind(name + '=', 0) == 0 ? word.substr(name.size() + 1) : word;
+// What ctl does beside the verbs; these have no `apply`.
+const std::vector<Verb>& OwnWords() {
+  constexpr char kReading[] = "Reading";
+  constexpr char kBoard[] = "Board";
+  static const std::vector<Verb> words = {
+      {.name = "get",
+       .help = "Prints some readings",
+       .parameters = {OneOf("name", NamesOf(Readings()), "what is to be read")},
+       .subject = kReading},
+      {.name = "show",
+       .help = "Prints all readings but the long lists (i2c-registers, i2c-transfers, commands)",
+       .subject = kReading},
+      {.name = "wait",
+       .help =
+           "Waits until the trace has a line that begins with a text, or an event or words with the text in "
+           "them",
+       .parameters = {Text("text", "the text"), Optional(Duration("timeout", "for how long"), "30s"),
+                      Optional(Integer("times", 1, 1000000, "for how many of them, from the board's start"),
+                               1)},
+       .subject = kReading},
+      {.name = "play",
+       .help = "Plays a scenario from now on, in place of the one that is being played",
+       .parameters = {Text("scenario", "a file, or the name of a ready-made one")},
+       .subject = kBoard},
+      {.name = "stop", .help = "Takes the board down", .subject = kBoard},
+  };
+  return words;
 }
 
-class CtlCommand {
- public:
-  explicit CtlCommand(const CtlOptions& options)
-      : options_(options), words_(options.words), json_(options.json) {}
-
-  int Do() {
-    const bool asks_for_help = std::find(words_.begin(), words_.end(), "--help") != words_.end();
-    if (asks_for_help || words_.front() == "help") return Help();
-    const std::vector<std::string> rest(words_.begin() + 1, words_.end());
-    const std::string& word = words_.front();
-    if (word == "show" || word == "stop") MembersFromWords(ControlWord(word), rest);
-    if (word == "get" || word == "show") return Get(rest);
-    if (word == "wait") return Wait(rest);
-    if (word == "play") return Play(rest);
-    if (word == "stop") return Stop();
-    return Perform();
+void AppendLine(std::string& text, const std::string& left, const std::string& right) {
+  constexpr std::size_t kColumn = 26;
+  if (left.size() < kColumn) {
+    text += fmt::format("  {:<{}}{}\n", left, kColumn, right);
+  } else {
+    text += fmt::format("  {}\n  {:<{}}{}\n", left, "", kColumn, right);
   }
+}
 
- private:
-  Json Ask(const Json& request) {
-    ControlClient client(BoardDirectory(options_.board.directory), options_.board.patience);
-    try {
-      return client.Ask(request);
-    } catch (const Json::type_error&) {
-      throw UsageError("a word is not UTF-8");
+// All words, one a line, by subject.
+std::string ListOfWords() {
+  std::string text;
+  std::string subject;
+  for (const Verb& verb : CtlWords()) {
+    if (verb.subject != subject) {
+      subject = verb.subject;
+      text += fmt::format("{}{}:\n", text.empty() ? "" : "\n", subject);
     }
+    AppendLine(text, Synopsis(verb), verb.help);
   }
+  text += "\nReadings:\n";
+  for (const Reading& reading : Readings()) AppendLine(text, reading.name, reading.help);
+  return text;
+}
 
-  // Answers are said as they are with --json, else in words.
-  int Report(const Json& answer) const {
-    if (!answer["ok"].get<bool>()) {
-      rolu::SayProblem(answer["error"].get<std::string>());
-      return answer["kind"] == "refused" ? rolu::kRefused : rolu::kWrongUse;
-    }
-    if (json_) {
-      std::cout << answer.dump() << '\n';
-    } else if (answer.contains("remark")) {
-      std::cout << answer["remark"].get<std::string>() << '\n';
-    }
-    return 0;
-  }
-
-  int Help() const {
-    const auto verb = std::find_if(words_.begin(), words_.end(),
-                                   [](const std::string& word) { return FindVerb(word) != nullptr; });
-    std::cout << (verb == words_.end() ? ControlHelp() : FullHelp(*FindVerb(*verb)));
-    return 0;
-  }
-
-  int Get(std::vector<std::string> names) {
-    for (std::string& name : names) {
-      name = ValueOf(name, "name");
-      if (FindReading(name) == nullptr) throw UsageError(UnknownReading(name));
-    }
-    const Json answer = Ask({{"get", names}});
-    if (!answer["ok"].get<bool>()) return Report(answer);
-    std::cout << (json_ ? answer["board"].dump(2) + '\n' : ReadingsAsText(answer["board"]));
-    return 0;
-  }
-
-  // A served board has left its directory when this comes back.
-  int Stop() {
-    const BoardEnd end(BoardDirectory(options_.board.directory));
-    const int status = Report(Ask({{"stop", true}}));
-    end.Wait();
-    return status;
-  }
-
-  int Play(const std::vector<std::string>& rest) {
-    if (rest.size() != 1) throw UsageError("play takes one scenario, a file or a name");
-    const ScenarioFile file = ReadScenarioFile(ValueOf(rest.front(), "scenario"));
-    return Report(Ask({{"play", {{"name", file.name}, {"text", file.text}}}}));
-  }
-
-  int Perform() {
-    if (FindVerb(words_.front()) == nullptr) throw UsageError(UnknownWord(words_.front()));
-    const Action action = ParseAction(words_);
-    Json request = {{"do", action.verb->name}};
-    request.update(action.arguments.values());
-    return Report(Ask(request));
-  }
-
-  int Wait(const std::vector<std::string>& rest) {
-    std::vector<Problem> problems;
-    const Verb& wait = ControlWord("wait");
-    const Arguments arguments = CheckArguments(wait, MembersFromWords(wait, rest), {}, problems);
-    if (!problems.empty()) throw UsageError(problems.front().text);
-    ControlClient client(BoardDirectory(options_.board.directory), options_.board.patience);
-    client.Ask({{"trace", "follow"}});
-    const auto deadline = std::chrono::steady_clock::now() + arguments.Duration("timeout");
-    long times_left = arguments.Integer("times");
-    while (const auto line = client.ReadLine(deadline)) {
-      const TraceRecord record = TraceRecordFromJson(Json::parse(*line));
-      if (!Matches(record, arguments.Text("text")) || --times_left > 0) continue;
-      std::cout << (json_ ? *line : ToText(record)) << '\n';
-      return 0;
-    }
-    if (!client.TimedOut()) throw NoBoardError("the board went away");
-    rolu::SayProblem(fmt::format("\"{}\" did not come within {}", arguments.Text("text"),
-                                 rolu::FormatDuration(arguments.Duration("timeout"))));
-    return rolu::kPartlyDone;
-  }
-
-  // What was done to the board by hand is known to who did it.
-  static bool Matches(const TraceRecord& record, const std::string& text) {
-    if (record.direction == TraceDirection::kDesk) return false;
-    return record.line.compare(0, text.size(), text) == 0 || record.words.find(text) != std::string::npos;
-  }
-
-  const CtlOptions& options_;
-  const std::vector<std::string>& words_;
-  const bool json_;
+struct CtlOptions {
+  BoardChoice board;
+  bool json = false;
 };
+
+// The value of a word that may be "name=value" as well as the value alone.
+std::string ValueOf(const std::string& word, const std::string& name) {
+  return word.starts_with(name + '=') ? word.substr(name.size() + 1) : word;
+}
+
+ControlClient Connect(const CtlOptions& options) {
+  return ControlClient(BoardDirectory(options.board.directory), options.board.patience);
+}
+
+Json Ask(const CtlOptions& options, const Json& request) {
+  try {
+    return Connect(options).Ask(request);
+  } catch (const Json::type_error&) {
+    throw UsageError("a word is not UTF-8");
+  }
+}
+
+// Answers are said as they are with --json, else in words.
+int Report(const CtlOptions& options, const Json& answer) {
+  if (!answer["ok"].get<bool>()) {
+    rolu::SayProblem(answer["error"].get<std::string>());
+    return answer["kind"] == "refused" ? rolu::kRefused : rolu::kWrongUse;
+  }
+  if (options.json) {
+    std::cout << answer.dump() << '\n';
+  } else if (answer.contains("remark")) {
+    std::cout << answer["remark"].get<std::string>() << '\n';
+  }
+  return 0;
+}
+
+int Help(const std::vector<std::string>& words) {
+  const auto verb =
+      std::ranges::find_if(words, [](const std::string& word) { return FindVerb(word) != nullptr; });
+  std::cout << (verb == words.end() ? ListOfWords() : FullHelp(*FindVerb(*verb)));
+  return 0;
+}
+
+int Get(const CtlOptions& options, std::vector<std::string> names) {
+  for (std::string& name : names) {
+    name = ValueOf(name, "name");
+    CheckReading(name);
+  }
+  const Json answer = Ask(options, {{"get", names}});
+  if (!answer["ok"].get<bool>()) return Report(options, answer);
+  std::cout << (options.json ? answer["board"].dump(2) + '\n' : ReadingsAsText(answer["board"]));
+  return 0;
+}
+
+// A served board has left its directory when this comes back. The directory may be gone soon after the board
+// was asked: it is opened before.
+int Stop(const CtlOptions& options) {
+  const UniqueFd directory(
+      open(BoardDirectory(options.board.directory).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const int status = Report(options, Ask(options, {{"stop", true}}));
+  while (flock(directory.get(), LOCK_SH) != 0 && errno == EINTR) continue;
+  return status;
+}
+
+int Play(const CtlOptions& options, const std::vector<std::string>& rest) {
+  if (rest.size() != 1) throw UsageError("play takes one scenario, a file or a name");
+  const ScenarioFile file = ReadScenarioFile(ValueOf(rest.front(), "scenario"));
+  return Report(options, Ask(options, {{"play", {{"name", file.name}, {"text", file.text}}}}));
+}
+
+// What was done to the board by hand is known to who did it.
+bool Matches(const TraceRecord& record, const std::string& text) {
+  if (record.direction == TraceDirection::kDesk) return false;
+  return record.line.starts_with(text) || record.words.find(text) != std::string::npos;
+}
+
+int Wait(const CtlOptions& options, const Arguments& given) {
+  const auto& text = given.Get<std::string>("text");
+  const auto timeout = given.Get<std::chrono::milliseconds>("timeout");
+  ControlClient client = Connect(options);
+  client.Ask({{"trace", "follow"}});
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  long times_left = given.Integer<long>("times");
+  while (const auto line = client.ReadLine(deadline)) {
+    const TraceRecord record = TraceRecordFromJson(Json::parse(*line));
+    if (!Matches(record, text) || --times_left > 0) continue;
+    std::cout << (options.json ? *line : ToText(record)) << '\n';
+    return 0;
+  }
+  if (!client.TimedOut()) throw NoBoardError("the board went away");
+  rolu::SayProblem(fmt::format("\"{}\" did not come within {}", text, rolu::FormatDuration(timeout)));
+  return rolu::kPartlyDone;
+}
+
+int Ctl(const CtlOptions& options, const std::vector<std::string>& words) {
+  const std::string& word = words.front();
+  const bool asks_for_help = word == "help" || std::ranges::find(words, "--help") != words.end();
+  if (asks_for_help) return Help(words);
+  const std::vector<std::string> rest(words.begin() + 1, words.end());
+  if (word == "get") return Get(options, rest);
+  if (word == "play") return Play(options, rest);
+  const std::vector<Verb> verbs = CtlWords();
+  const Verb* const verb = FindVerb(word, verbs);
+  if (verb == nullptr) throw UsageError(UnknownVerb(word, verbs));
+  Json members = MembersFromWords(*verb, rest);
+  const Arguments given = CheckArguments(*verb, members);
+  if (word == "show") return Get(options, {});
+  if (word == "wait") return Wait(options, given);
+  if (word == "stop") return Stop(options);
+  members["do"] = word;
+  return Report(options, Ask(options, members));
+}
 
 }  // namespace
 
-int Ctl(const CtlOptions& options) {
-  return CtlCommand(options).Do();
+std::vector<Verb> CtlWords() {
+  std::vector<Verb> all = OwnWords();
+  all.insert(all.end(), Verbs().begin(), Verbs().end());
+  return all;
+}
+
+void BringCtlOptionsForward(std::vector<std::string>& words) {
+  auto front = words.begin() + 1;
+  for (auto word = front; word != words.end();) {
+    const bool takes_next = *word == "--board" || *word == "--wait";
+    const bool is_option =
+        takes_next || *word == "--json" || word->starts_with("--board=") || word->starts_with("--wait=");
+    const auto end = word + (takes_next && word + 1 != words.end() ? 2 : 1);
+    if (is_option) front = std::rotate(front, word, end);
+    word = end;
+  }
+}
+
+void AddCtlCommand(CLI::App& app, Invocation& invocation) {
+  CLI::App* const ctl =
+      NewCommand(app, "ctl", "Steers and reads a board that is up", "rolu-sim ctl [OPTIONS] WORD [VALUE...]",
+                 "Values go in their order, or as name=value. rolu-sim ctl WORD --help says more.\n\n" +
+                     ListOfWords() + '\n');
+  ctl->prefix_command();
+  const auto options = std::make_shared<CtlOptions>();
+  ctl->add_flag("--json", options->json, "Print answers as JSON");
+  AddBoardChoice(*ctl, options->board);
+  OnRun(ctl, invocation, [=, &invocation] { return Ctl(*options, WordsFor(*ctl, invocation, "WORD")); });
 }
 
 }  // namespace rolu_sim

@@ -1,13 +1,10 @@
 #include <fmt/format.h>
 
 #include "cli/command_line.h"
-#include "cli/completion.h"
-#include "cli/man_page.h"
-#include "simulator/control/readings.h"
-#include "simulator/program/commands.h"
-#include "simulator/program/control_words.h"
-#include "simulator/program/help_text.h"
-#include "simulator/scenario/scenario_files.h"
+#include "cli/generated_documents.h"
+#include "simulator/desk/readings.h"
+#include "simulator/program/command.h"
+#include "simulator/program/installed_files.h"
 
 namespace rolu_sim {
 namespace {
@@ -15,6 +12,10 @@ namespace {
 using rolu::RoffItem;
 using rolu::RoffText;
 using Paths = rolu::Candidates::Paths;
+
+std::string UsageOf(const CLI::App& app) {
+  return dynamic_cast<const HelpText&>(*app.get_formatter()).usage();
+}
 
 std::string VerbItem(const Verb& verb) {
   std::string text = RoffText(verb.help + '.');
@@ -29,7 +30,7 @@ std::string VerbItem(const Verb& verb) {
 std::string VerbItems() {
   std::string text;
   std::string subject;
-  for (const Verb& verb : AllWords()) {
+  for (const Verb& verb : CtlWords()) {
     if (verb.subject != subject) text += fmt::format(".SS {}\n", RoffText(subject = verb.subject));
     text += VerbItem(verb);
   }
@@ -125,7 +126,7 @@ std::string SimulatorManPage(const CLI::App& app) {
 
 std::string SimulatorCompletion(const CLI::App& app) {
   rolu::CompletionTable table;
-  for (const Verb& verb : AllWords()) AddVerb(verb, table);
+  for (const Verb& verb : CtlWords()) AddVerb(verb, table);
   const std::string scenarios = fmt::format("{}", fmt::join(ReadyScenarioNames(), " "));
   table.arguments["rolu-sim ctl play"] = {"scenario= " + scenarios, Paths::kFiles};
   // The short form: the options of run, and a program.

@@ -1,36 +1,23 @@
-// rolu-sim trace and scenarios: what can be looked at.
-
 #include <fmt/format.h>
 
 #include <iostream>
 
-#include "cli/exit_status.h"
+#include "cli/command_line.h"
 #include "cli/messages.h"
-#include "simulator/control/control_client.h"
+#include "simulator/desk/control_client.h"
+#include "simulator/desk/trace.h"
 #include "simulator/program/board_environment.h"
-#include "simulator/program/commands.h"
-#include "simulator/scenario/scenario_files.h"
-#include "simulator/trace/trace_record.h"
+#include "simulator/program/command.h"
 
 namespace rolu_sim {
 namespace {
 
-int Check(const std::vector<std::string>& files) {
-  int status = 0;
-  for (const std::string& name : files) {
-    try {
-      const ScenarioFile file = ReadScenarioFile(name);
-      const Scenario scenario = ParseScenario(file.text, file.name);
-      std::cout << fmt::format("{}: good, {} events\n", name, scenario.events.size());
-    } catch (const std::exception& problem) {
-      rolu::SayProblem(problem.what());
-      status = rolu::kWrongUse;
-    }
-  }
-  return status;
-}
-
-}  // namespace
+struct TraceOptions {
+  BoardChoice board;
+  bool json = false;
+  bool follow = false;
+  std::chrono::milliseconds length{0};  // of the following; 0 is without end
+};
 
 int ShowTrace(const TraceOptions& options) {
   const std::string directory = BoardDirectory(options.board.directory);
@@ -49,17 +36,19 @@ int ShowTrace(const TraceOptions& options) {
   return 0;
 }
 
-int Scenarios(const ScenariosOptions& options) {
-  if (!options.checked.empty()) return Check(options.checked);
-  if (!options.shown.empty()) {
-    std::cout << ReadScenarioFile(options.shown).text;
-    return 0;
-  }
-  for (const std::string& name : ReadyScenarioNames()) {
-    const ScenarioFile file = ReadScenarioFile(name);
-    std::cout << fmt::format("{:<18}{}\n", name, ParseScenario(file.text, file.name).description);
-  }
-  return 0;
+}  // namespace
+
+void AddTraceCommand(CLI::App& app, Invocation& invocation) {
+  CLI::App* const trace =
+      NewCommand(app, "trace", "Shows each line on the wire of a board that is up, in plain words",
+                 "rolu-sim trace [OPTIONS]");
+  const auto options = std::make_shared<TraceOptions>();
+  trace->add_flag("--json", options->json, "Print lines of JSON, as run --replay reads them");
+  trace->add_flag("--follow", options->follow, "Go on as the lines come, until the board goes down");
+  rolu::AddDurationOption(*trace, "--for", options->length, "End after this time",
+                          std::chrono::milliseconds(0), kLongestTime);
+  AddBoardChoice(*trace, options->board);
+  OnRun(trace, invocation, [=] { return ShowTrace(*options); });
 }
 
 }  // namespace rolu_sim

@@ -13,13 +13,13 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <string_view>
 #include <system_error>
 
 #include "kavo_rolu.h"
 #include "simulator/board.h"
 #include "simulator/unique_fd.h"
 #include "tests/support/process_state.h"
+#include "tests/support/text_node.h"
 
 namespace {
 
@@ -45,49 +45,6 @@ bool IsNothingInherited(const Descriptors& before) {
   });
 }
 
-// A device that looks at the process while the library has it open.
-class LookingDevice : public rolu_sim::Device {
- public:
-  rolu_sim::NodeStat Stat() const override { return {}; }
-  rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
-                              std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
-    opened = std::make_unique<Descriptor>(*this);
-    return 0;
-  }
-
-  int looks() const { return looks_; }
-
- private:
-  class Descriptor : public rolu_sim::OpenDevice {
-   public:
-    explicit Descriptor(LookingDevice& device) : device_(device) {}
-    rolu_sim::DeviceResult Read(std::string& bytes, size_t, uint64_t) override {
-      device_.Look();
-      bytes = "1";
-      return 1;
-    }
-    rolu_sim::DeviceResult Write(std::string_view bytes) override {
-      device_.Look();
-      return static_cast<rolu_sim::DeviceResult>(bytes.size());
-    }
-    rolu_sim::DeviceResult Ioctl(uint32_t, uint64_t) override {
-      device_.Look();
-      return 0;
-    }
-
-   private:
-    LookingDevice& device_;
-  };
-
-  void Look() {
-    EXPECT_TRUE(IsNothingInherited(before_));
-    ++looks_;
-  }
-
-  const Descriptors before_ = InheritableDescriptors();
-  std::atomic<int> looks_{0};
-};
-
 ROLU_STATUS ReadRegister() {
   unsigned char value = 0;
   ROLU_IIC_TRANSFER transfer = {0, 0xA0, &value, 1, nullptr, 0};
@@ -112,10 +69,15 @@ TEST(CloseOnExec, HoldsForDeviceFiles) {
   ASSERT_EQ(KAVO_ROLU_CORE_Init(), ROLU_STATUS_SUCCESS);
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.path);
-    const auto device = std::make_shared<LookingDevice>();
-    board.devices().AddNode(row.path, device);
+    // The device looks at the process while the library has it open.
+    std::atomic<int> looks{0};
+    const auto look = [&looks, before = InheritableDescriptors()] {
+      EXPECT_TRUE(IsNothingInherited(before));
+      ++looks;
+    };
+    board.devices().AddNode(row.path, std::make_shared<rolu_test::TextNode>("1", 0, look));
     row.call();
-    EXPECT_GT(device->looks(), 0);
+    EXPECT_GT(looks, 0);
     ASSERT_FALSE(HasFailure());
   }
   EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_SUCCESS);

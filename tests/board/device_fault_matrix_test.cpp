@@ -21,7 +21,6 @@ using rolu_sim::DeviceFaults;
 using rolu_sim::DeviceOperation;
 
 constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
-constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
 constexpr ROLU_STATUS kIoFailed = ROLU_STATUS_DEVICE_IO_FAILED;
 
 constexpr char kInput1[] = "/sys/class/gpio/gpio37/value";
@@ -32,17 +31,18 @@ struct DeviceCall {
   Call call;
   // In the order of use; each file gives an equal part of the output.
   std::vector<const char*> files;
-  Bytes output;
+  Bytes output = {};
   // What it answers when a file cannot be opened, its slave cannot be selected, a read fails, a write
   // fails. Success: it takes no notice.
-  ROLU_STATUS unopened;
+  ROLU_STATUS unopened = ROLU_STATUS_DEVICE_OPEN_FAILED;
   ROLU_STATUS unselected = kDone;
   ROLU_STATUS unread = kDone;
   ROLU_STATUS unwritten = kDone;
   // The output when each read gives one byte.
   Bytes short_output = output;
-  bool reads_text = false;
   std::string wire = {};  // what the MCU hears
+
+  bool ReadsText() const { return !output.empty() && files.front() != rolu_sim::kI2cBusPath; }
 };
 
 void PrintTo(const DeviceCall& device_call, std::ostream* stream) {
@@ -81,72 +81,62 @@ ROLU_STATUS GetGps(void* output) {
 
 std::vector<DeviceCall> DeviceCalls() {
   const char* gps = "/sys/class/gpio/gpio45/value";
-  DeviceCall get_bright = {"DISPLAY_GetBright",
-                           Into(KAVO_ROLU_DISPLAY_GetBright),
-                           {rolu_sim::kBacklightPath},
-                           Written('\x07'),
-                           ROLU_STATUS_FILE_OPEN_FAILED};
-  get_bright.unread = ROLU_STATUS_FILE_ACCESS_FAILED;
-  DeviceCall get_lux = {"LIGHTSENSOR_GetStatus",
-                        Into(KAVO_ROLU_LIGHTSENSOR_GetStatus),
-                        {rolu_sim::kLuxPath},
-                        Written(static_cast<unsigned short>(350)),
-                        kNoDevice};
-  get_lux.short_output = Written(static_cast<unsigned short>(3));
-  DeviceCall read_pins = {
-      "DIO_ReadDIPin", Into(KAVO_ROLU_DIO_ReadDIPin), {kInput1, kInput2}, {1, 1}, kNoDevice};
-  DeviceCall get_gps = {"PERIPHERALCTRL_GetPeripheralControl", GetGps, {gps}, {1}, kNoDevice};
-  // A line that could not be prepared shows when it is used.
-  DeviceCall come_up = {"PERIPHERALCTRL_Initialize",
-                        ComeUpAgain,
-                        {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio45/direction"},
-                        {},
-                        kDone};
-  come_up.wire = "Hello\r";
-  for (DeviceCall* reads_text : {&get_bright, &get_lux, &read_pins, &get_gps}) reads_text->reads_text = true;
+  const std::vector<const char*> bus = {rolu_sim::kI2cBusPath};
+  const std::vector<const char*> backlight = {rolu_sim::kBacklightPath};
+  constexpr ROLU_STATUS kNoFile = ROLU_STATUS_FILE_OPEN_FAILED;
   return {
-      get_bright,
-      {"DISPLAY_SetBright",
-       With(KAVO_ROLU_DISPLAY_SetBright, 7),
-       {rolu_sim::kBacklightPath},
-       {},
-       ROLU_STATUS_FILE_OPEN_FAILED},
-      get_lux,
-      read_pins,
-      {"DIO_WriteDOPin",
-       WritePins,
-       {"/sys/class/gpio/gpio35/value", "/sys/class/gpio/gpio34/value"},
-       {},
-       kNoDevice},
-      {"DIO_Initialize",
-       Plain(KAVO_ROLU_DIO_Initialize),
-       {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio37/direction", "/sys/class/gpio/gpio36/direction",
-        "/sys/class/gpio/gpio35/direction", "/sys/class/gpio/gpio34/direction"},
-       {},
-       kNoDevice},
-      come_up,
-      get_gps,
-      {"PERIPHERALCTRL_SetPeripheralControl", SetGps, {gps}, {}, kNoDevice},
-      {"IIC_Read",
-       ReadI2c,
-       {rolu_sim::kI2cBusPath},
-       {0xAB, 0xCD},
-       kNoDevice,
-       kIoFailed,
-       kIoFailed,
-       kDone,
-       {0xAB}},
-      {"IIC_Write", WriteI2c, {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed, kDone, kIoFailed},
-      {"IIC_WriteReadCombine",
-       CombineI2c,
-       {rolu_sim::kI2cBusPath},
-       {0xAB, 0xCD},
-       kNoDevice,
-       kIoFailed,
-       kIoFailed,
-       kIoFailed,
-       {0xAB}},
-      {"CORE_Reset", Plain(KAVO_ROLU_CORE_Reset), {rolu_sim::kI2cBusPath}, {}, kNoDevice, kIoFailed},
+      {.name = "DISPLAY_GetBright",
+       .call = Into(KAVO_ROLU_DISPLAY_GetBright),
+       .files = backlight,
+       .output = {7},
+       .unopened = kNoFile,
+       .unread = ROLU_STATUS_FILE_ACCESS_FAILED},
+      {.name = "DISPLAY_SetBright",
+       .call = With(KAVO_ROLU_DISPLAY_SetBright, 7),
+       .files = backlight,
+       .unopened = kNoFile},
+      {.name = "LIGHTSENSOR_GetStatus",
+       .call = Into(KAVO_ROLU_LIGHTSENSOR_GetStatus),
+       .files = {rolu_sim::kLuxPath},
+       .output = Written(static_cast<unsigned short>(350)),
+       .short_output = Written(static_cast<unsigned short>(3))},
+      {.name = "DIO_ReadDIPin",
+       .call = Into(KAVO_ROLU_DIO_ReadDIPin),
+       .files = {kInput1, kInput2},
+       .output = {1, 1}},
+      {.name = "DIO_WriteDOPin",
+       .call = WritePins,
+       .files = {"/sys/class/gpio/gpio35/value", "/sys/class/gpio/gpio34/value"}},
+      {.name = "DIO_Initialize",
+       .call = Plain(KAVO_ROLU_DIO_Initialize),
+       .files = {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio37/direction",
+                 "/sys/class/gpio/gpio36/direction", "/sys/class/gpio/gpio35/direction",
+                 "/sys/class/gpio/gpio34/direction"}},
+      // A line that could not be prepared shows when it is used.
+      {.name = "PERIPHERALCTRL_Initialize",
+       .call = ComeUpAgain,
+       .files = {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio45/direction"},
+       .unopened = kDone,
+       .wire = "Hello\r"},
+      {.name = "PERIPHERALCTRL_GetPeripheralControl", .call = GetGps, .files = {gps}, .output = {1}},
+      {.name = "PERIPHERALCTRL_SetPeripheralControl", .call = SetGps, .files = {gps}},
+      {.name = "IIC_Read",
+       .call = ReadI2c,
+       .files = bus,
+       .output = {0xAB, 0xCD},
+       .unselected = kIoFailed,
+       .unread = kIoFailed,
+       .short_output = {0xAB}},
+      {.name = "IIC_Write", .call = WriteI2c, .files = bus, .unselected = kIoFailed, .unwritten = kIoFailed},
+      {.name = "IIC_WriteReadCombine",
+       .call = CombineI2c,
+       .files = bus,
+       .output = {0xAB, 0xCD},
+       .unselected = kIoFailed,
+       .unread = kIoFailed,
+       .unwritten = kIoFailed,
+       .short_output = {0xAB}},
+      {.name = "CORE_Reset", .call = Plain(KAVO_ROLU_CORE_Reset), .files = bus, .unselected = kIoFailed},
   };
 }
 
@@ -174,7 +164,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
   // The devices as they are when all is well.
   void Restore() {
     for (const char* file : GetParam().files) board().devices().SetFaults(file, {});
-    if (GetParam().reads_text) {
+    if (GetParam().ReadsText()) {
       for (const char* file : GetParam().files) Show(file, "1\n");
       Show(rolu_sim::kBacklightPath, "7\n");
       Show(rolu_sim::kLuxPath, "350\n");
@@ -226,22 +216,20 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
   std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
 };
 
-DeviceFaults Failing(int DeviceFaults::*call, int error) {
+template <typename Member, typename Value>
+DeviceFaults Failing(Member DeviceFaults::*member, Value value) {
   DeviceFaults faults;
-  faults.*call = error;
+  faults.*member = value;
   return faults;
 }
 
 TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   const DeviceCall& call = GetParam();
-  DeviceFaults missing;
-  missing.missing = true;
-  DeviceFaults short_reads;
-  short_reads.max_read_bytes = 1;
   for (size_t i = 0; i < call.files.size(); ++i) {
     const size_t part = call.output.size() / call.files.size();
     const Bytes before_file(call.output.begin(), call.output.begin() + static_cast<std::ptrdiff_t>(i * part));
-    Strike("missing", i, DeviceOperation::kOpen, missing, call.unopened, before_file);
+    Strike("missing", i, DeviceOperation::kOpen, Failing(&DeviceFaults::missing, true), call.unopened,
+           before_file);
     for (const int error : {EACCES, EBUSY, EMFILE, EINTR}) {
       Strike(strerrorname_np(error), i, DeviceOperation::kOpen, Failing(&DeviceFaults::open_errno, error),
              call.unopened, before_file);
@@ -254,7 +242,8 @@ TEST_P(DeviceFaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
       Strike("no write", i, DeviceOperation::kWrite, Failing(&DeviceFaults::write_errno, error),
              call.unwritten, OutputOf(call.unwritten, call.output));
     }
-    Strike("short reads", i, DeviceOperation::kRead, short_reads, kDone, call.short_output);
+    Strike("short reads", i, DeviceOperation::kRead, Failing(&DeviceFaults::max_read_bytes, 1U), kDone,
+           call.short_output);
   }
 }
 
@@ -279,10 +268,8 @@ TEST_P(DeviceText, ReadsWhatItCanOfATextThatIsNone) {
 }
 
 std::vector<DeviceCall> TextCalls() {
-  std::vector<DeviceCall> calls;
-  for (const DeviceCall& call : DeviceCalls()) {
-    if (call.reads_text) calls.push_back(call);
-  }
+  std::vector<DeviceCall> calls = DeviceCalls();
+  std::erase_if(calls, [](const DeviceCall& call) { return !call.ReadsText(); });
   return calls;
 }
 

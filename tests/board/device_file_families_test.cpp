@@ -8,13 +8,10 @@ namespace rolu_test {
 namespace {
 
 using rolu_sim::DeviceAccess;
-using rolu_sim::DeviceFaults;
 using rolu_sim::DeviceOperation;
 
-constexpr ROLU_STATUS kDone = ROLU_STATUS_SUCCESS;
 constexpr ROLU_STATUS kNull = ROLU_STATUS_NULL_POINTER;
 constexpr ROLU_STATUS kOff = ROLU_STATUS_NOT_INITIALIZED;
-constexpr ROLU_STATUS kNoDevice = ROLU_STATUS_DEVICE_OPEN_FAILED;
 constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
 
 class DeviceFileTest : public CallTableTest {
@@ -37,33 +34,14 @@ class DeviceFileTest : public CallTableTest {
   void Show(const char* path, const std::string& text) {
     board().devices().AddNode(path, std::make_shared<TextNode>(text));
   }
-  void SetMissing(const char* path) {
-    DeviceFaults faults;
-    faults.missing = true;
-    board().devices().SetFaults(path, faults);
-  }
 };
 
-Bytes Byte(int value) {
-  return Written(static_cast<unsigned char>(value));
-}
-Bytes TwoBytes(int first, int second) {
-  return Written(static_cast<unsigned char>(first), static_cast<unsigned char>(second));
-}
-Bytes Short(int value) {
-  return Written(static_cast<unsigned short>(value));
-}
-
-ROLU_STATUS GetRange(void* output) {
-  auto* bytes = static_cast<unsigned char*>(output);
-  ROLU_BRIGHT_RANGE range = {bytes, bytes + 1, bytes + 2};
-  return KAVO_ROLU_DISPLAY_GetBrightRange(&range);
-}
-Call GetRangeWithout(int missing) {
+// Into three bytes, of which one may be missing.
+Call GetRange(int missing = -1) {
   return [missing](void* output) {
     auto* bytes = static_cast<unsigned char*>(output);
-    ROLU_BRIGHT_RANGE range = {bytes, bytes + 1, bytes + 2};
-    (missing == 0 ? range.min : missing == 1 ? range.max : range.step) = nullptr;
+    ROLU_BRIGHT_RANGE range = {missing == 0 ? nullptr : bytes, missing == 1 ? nullptr : bytes + 1,
+                               missing == 2 ? nullptr : bytes + 2};
     return KAVO_ROLU_DISPLAY_GetBrightRange(&range);
   };
 }
@@ -82,138 +60,122 @@ Call SetBright(int level) {
 }
 
 TEST_F(DeviceFileTest, FamiliesThatFollowTheCoreAreOffWithIt) {
-  Run({{"available", Plain(KAVO_ROLU_DISPLAY_Available), {}, kOff},
-       {"get level", kGetBright, {}, kOff},
-       {"get level, null", kGetBright, {}, kOff, {}, "", 0, true},
-       {"level 11", SetBright(11), {}, kOff},
-       {"range", GetRange, {}, kOff},
-       {"range, null", With(KAVO_ROLU_DISPLAY_GetBrightRange, nullptr), {}, kOff},
-       {"lux", kGetLux, {}, kOff},
-       {"lux, null", kGetLux, {}, kOff, {}, "", 0, true},
-       {"read pins", kReadPins, {}, kOff},
-       {"read pins, null", kReadPins, {}, kOff, {}, "", 0, true},
-       {"write pins", WritePins(1, 1), {}, kOff},
-       {"write pins, null", With(KAVO_ROLU_DIO_WriteDOPin, nullptr), {}, kOff}});
+  Refuse(kOff, {{"available", Plain(KAVO_ROLU_DISPLAY_Available)},
+                {"get level", kGetBright},
+                {"get level, null", OnNull(kGetBright)},
+                {"level 11", SetBright(11)},
+                {"range", GetRange()},
+                {"range, null", With(KAVO_ROLU_DISPLAY_GetBrightRange, nullptr)},
+                {"lux", kGetLux},
+                {"lux, null", OnNull(kGetLux)},
+                {"read pins", kReadPins},
+                {"read pins, null", OnNull(kReadPins)},
+                {"write pins", WritePins(1, 1)},
+                {"write pins, null", With(KAVO_ROLU_DIO_WriteDOPin, nullptr)}});
 }
 
 TEST_F(DeviceFileTest, OperationsThatTheBoardDoesNotProvide) {
   for (const char* core : {"off", "on"}) {
     SCOPED_TRACE(core);
-    Run({{"display version", With(KAVO_ROLU_DISPLAY_GetLibVersion, nullptr), {}, kNotSupported},
-         {"screen on", Plain(KAVO_ROLU_DISPLAY_ScreenOn), {}, kNotSupported},
-         {"screen off", Plain(KAVO_ROLU_DISPLAY_ScreenOff), {}, kNotSupported},
-         {"DIO version", With(KAVO_ROLU_DIO_GetLibVersion, nullptr), {}, kNotSupported},
-         {"get voice source", With(KAVO_ROLU_DIO_GetVoiceSourceControlPin, 0), {}, kOff},
-         {"set voice source", With(KAVO_ROLU_DIO_SetVoiceSourceControlPin, 0), {}, kOff},
-         {"get Bluetooth", With(KAVO_ROLU_DIO_GetBluetoothEnablePin, 0), {}, kOff},
-         {"set Bluetooth", With(KAVO_ROLU_DIO_SetBluetoothEnablePin, 0), {}, kOff},
-         {"get voice module", With(KAVO_ROLU_DIO_GetVoiceModuleSelectPin, 0), {}, kOff},
-         {"set voice module", With(KAVO_ROLU_DIO_SetVoiceModuleSelectPin, 0), {}, kOff},
-         {"temperature up", Plain(KAVO_ROLU_TEMPERATURESENSOR_Initialize), {}, kNotSupported},
-         {"temperature down", Plain(KAVO_ROLU_TEMPERATURESENSOR_Deinitialize), {}, kNotSupported},
-         {"core 1", With(KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore1Temperature, 0), {}, kOff},
-         {"core 2", With(KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore2Temperature, 0), {}, kOff},
-         {"system", With(KAVO_ROLU_TEMPERATURESENSOR_GetSystem1Temperature, 0), {}, kOff},
-         {"light version", With(KAVO_ROLU_LIGHTSENSOR_GetLibVersion, nullptr), {}, kNotSupported},
-         {"I2C version", With(KAVO_ROLU_IIC_GetLibVersion, nullptr), {}, kNotSupported},
-         {"I2C available", Plain(KAVO_ROLU_IIC_Available), {}, ROLU_STATUS_IIC_AVAILABLE},
-         {"EEPROM version", With(KAVO_ROLU_EEPROM_GetLibVersion, nullptr), {}, kNotSupported},
-         {"EEPROM size", With(KAVO_ROLU_EEPROM_GetEEPROMSize, nullptr), {}, kNotSupported},
-         {"EEPROM up", Plain(KAVO_ROLU_EEPROM_Initialize), {}, kNotSupported},
-         {"EEPROM down", Plain(KAVO_ROLU_EEPROM_Deinitialize), {}, kNotSupported},
-         {"EEPROM read", [](void*) { return KAVO_ROLU_EEPROM_ReadByte(0, nullptr); }, {}, kNotSupported},
-         {"EEPROM write", [](void*) { return KAVO_ROLU_EEPROM_WriteByte(0, 0); }, {}, kNotSupported},
-         {"EEPROM reads",
-          [](void*) { return KAVO_ROLU_EEPROM_ReadMultiByte(0, 0, 0, 0); },
-          {},
-          kNotSupported},
-         {"EEPROM writes",
-          [](void*) { return KAVO_ROLU_EEPROM_WriteMultiByte(0, 0, 0, 0); },
-          {},
-          kNotSupported}});
+    Refuse(kNotSupported,
+           {{"boot counter", With(KAVO_ROLU_CORE_AccessBootCounter, 1)},
+            {"soft reset", Plain(KAVO_ROLU_CORE_SoftReset)},
+            {"hard reset", Plain(KAVO_ROLU_CORE_HardReset)},
+            {"save", Plain(KAVO_ROLU_CORE_RegistrySave)},
+            {"clean", Plain(KAVO_ROLU_CORE_RegistryClean)},
+            {"display version", With(KAVO_ROLU_DISPLAY_GetLibVersion, nullptr)},
+            {"screen on", Plain(KAVO_ROLU_DISPLAY_ScreenOn)},
+            {"screen off", Plain(KAVO_ROLU_DISPLAY_ScreenOff)},
+            {"DIO version", With(KAVO_ROLU_DIO_GetLibVersion, nullptr)},
+            {"temperature up", Plain(KAVO_ROLU_TEMPERATURESENSOR_Initialize)},
+            {"temperature down", Plain(KAVO_ROLU_TEMPERATURESENSOR_Deinitialize)},
+            {"light version", With(KAVO_ROLU_LIGHTSENSOR_GetLibVersion, nullptr)},
+            {"I2C version", With(KAVO_ROLU_IIC_GetLibVersion, nullptr)},
+            {"EEPROM version", With(KAVO_ROLU_EEPROM_GetLibVersion, nullptr)},
+            {"EEPROM size", With(KAVO_ROLU_EEPROM_GetEEPROMSize, nullptr)},
+            {"EEPROM up", Plain(KAVO_ROLU_EEPROM_Initialize)},
+            {"EEPROM down", Plain(KAVO_ROLU_EEPROM_Deinitialize)},
+            {"EEPROM read", [](void*) { return KAVO_ROLU_EEPROM_ReadByte(0, nullptr); }},
+            {"EEPROM write", [](void*) { return KAVO_ROLU_EEPROM_WriteByte(0, 0); }},
+            {"EEPROM reads", [](void*) { return KAVO_ROLU_EEPROM_ReadMultiByte(0, 0, 0, 0); }},
+            {"EEPROM writes", [](void*) { return KAVO_ROLU_EEPROM_WriteMultiByte(0, 0, 0, 0); }}});
+    Refuse(kOff, {{"get voice source", With(KAVO_ROLU_DIO_GetVoiceSourceControlPin, 0)},
+                  {"set voice source", With(KAVO_ROLU_DIO_SetVoiceSourceControlPin, 0)},
+                  {"get Bluetooth", With(KAVO_ROLU_DIO_GetBluetoothEnablePin, 0)},
+                  {"set Bluetooth", With(KAVO_ROLU_DIO_SetBluetoothEnablePin, 0)},
+                  {"get voice module", With(KAVO_ROLU_DIO_GetVoiceModuleSelectPin, 0)},
+                  {"set voice module", With(KAVO_ROLU_DIO_SetVoiceModuleSelectPin, 0)},
+                  {"core 1", With(KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore1Temperature, 0)},
+                  {"core 2", With(KAVO_ROLU_TEMPERATURESENSOR_GetCPUCore2Temperature, 0)},
+                  {"system", With(KAVO_ROLU_TEMPERATURESENSOR_GetSystem1Temperature, 0)}});
+    Refuse(ROLU_STATUS_IIC_AVAILABLE, {{"I2C", Plain(KAVO_ROLU_IIC_Available)}});
     KAVO_ROLU_CORE_Init();
   }
 }
 
 TEST_F(DeviceFileTest, Backlight) {
   BringUp();
-  Run({{"available", Plain(KAVO_ROLU_DISPLAY_Available), {}, ROLU_STATUS_DISPLAY_AVAILABLE},
-       {"range", GetRange, {}, kDone, Written('\0', '\n', '\1')},
-       {"range without min", GetRangeWithout(0), {}, kNull},
-       {"range without max", GetRangeWithout(1), {}, kNull},
-       {"range without step", GetRangeWithout(2), {}, kNull},
-       {"range, null", With(KAVO_ROLU_DISPLAY_GetBrightRange, nullptr), {}, kNull},
-       {"get level, null", kGetBright, {}, kNull, {}, "", 0, true},
-       {"highest", SetBright(10), {}, kDone, {}, "vorn512p/brightness=10 "},
-       {"lowest", SetBright(0), {}, kDone, {}, "vorn512p/brightness=0 "},
-       {"reads back", kGetBright, {}, kDone, Byte(0)},
-       {"too high", SetBright(11), {}, kNotSupported}});
-  struct Row {
+  Refuse(ROLU_STATUS_DISPLAY_AVAILABLE, {{"available", Plain(KAVO_ROLU_DISPLAY_Available)}});
+  Refuse(kNull, {{"range without min", GetRange(0)},
+                 {"range without max", GetRange(1)},
+                 {"range without step", GetRange(2)},
+                 {"range, null", With(KAVO_ROLU_DISPLAY_GetBrightRange, nullptr)},
+                 {"get level, null", OnNull(kGetBright)}});
+  Refuse(kNotSupported, {{"too high", SetBright(11)}});
+  Run({Gives("range", GetRange(), {}, {0, 10, 1}),
+       Orders("highest", SetBright(10), {}, "vorn512p/brightness=10 ", 0),
+       Orders("lowest", SetBright(0), {}, "vorn512p/brightness=0 ", 0),
+       Gives("reads back", kGetBright, {}, {0})});
+  constexpr struct {
     const char* text;
-    int level;  // -1: not a number
-  };
-  constexpr Row kRows[] = {{"7\n", 7}, {" 12 rest", 12}, {"300", 44},         {"-1", 255},
-                           {"", -1},   {"seven", -1},    {"4294967297", 255}, {"-99999999999999999999", 0}};
-  for (const Row& row : kRows) {
+    unsigned char level;
+  } kRows[] = {{"7\n", 7},  {" 12 rest", 12},    {"300", 44},
+               {"-1", 255}, {"4294967297", 255}, {"-99999999999999999999", 0}};
+  for (const auto& row : kRows) {
     Show(rolu_sim::kBacklightPath, row.text);
-    if (row.level < 0) {
-      Run({{row.text, kGetBright, {}, ROLU_STATUS_FILE_ACCESS_FAILED}});
-    } else {
-      Run({{row.text, kGetBright, {}, kDone, Byte(row.level)}});
-    }
+    Run({Gives(row.text, kGetBright, {}, {row.level})});
   }
 }
 
 TEST_F(DeviceFileTest, LightSensor) {
-  struct Row {
+  constexpr struct {
     const char* text;
-    int lux;
-  };
-  constexpr Row kRows[] = {{"350\n", 350}, {"123456", 12345}, {"", 0},         {"-1", 65535},
-                           {" 42lx", 42},  {"dark", 0},       {"99999", 34463}};
+    unsigned short lux;
+  } kRows[] = {{"350\n", 350}, {"123456", 12345}, {"-1", 65535}, {" 42lx", 42}, {"99999", 34463}};
   BringUp();
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     Show(rolu_sim::kLuxPath, row.text);
-    Run({{row.text, kGetLux, {}, kDone, Short(row.lux)}, {"null", kGetLux, {}, kNull, {}, "", 0, true}});
+    Run({Gives(row.text, kGetLux, {}, Written(row.lux))});
   }
+  Refuse(kNull, {{"null", OnNull(kGetLux)}});
 }
-
-constexpr char kPrepared[] =
-    "gpio/export=37 gpio/export=36 gpio/export=35 gpio/export=34 "
-    "gpio37/direction=in gpio36/direction=in gpio35/direction=out gpio34/direction=out ";
 
 TEST_F(DeviceFileTest, PinsAreExportedOnceAndReadAndDriven) {
-  const Call prepare = Plain(KAVO_ROLU_DIO_Initialize);
+  // The core is not needed for it.
+  const CallRow prepare =
+      Orders("prepare", Plain(KAVO_ROLU_DIO_Initialize), {},
+             "gpio/export=37 gpio/export=36 gpio/export=35 gpio/export=34 "
+             "gpio37/direction=in gpio36/direction=in gpio35/direction=out gpio34/direction=out ",
+             0);
+  Run({prepare});
   BringUp();
-  Run({{"leave before", Plain(KAVO_ROLU_DIO_Deinitialize), {}, kDone},
-       {"read before", kReadPins, {}, kNoDevice},
-       {"write before", WritePins(1, 0), {}, kNoDevice},
-       {"prepare", prepare, {}, kDone, {}, kPrepared},
-       {"prepare again", prepare, {}, kDone, {}, kPrepared},
-       {"1 is high", WritePins(1, 0), {}, kDone, {}, "gpio35/value=1 gpio34/value=0 "},
-       {"2 is low", WritePins(2, 1), {}, kDone, {}, "gpio35/value=0 gpio34/value=1 "},
-       {"read, null", kReadPins, {}, kNull, {}, "", 0, true},
-       {"write, null", With(KAVO_ROLU_DIO_WriteDOPin, nullptr), {}, kNull}});
+  Run({{"leave", Plain(KAVO_ROLU_DIO_Deinitialize)},
+       prepare,
+       Orders("1 is high", WritePins(1, 0), {}, "gpio35/value=1 gpio34/value=0 ", 0),
+       Orders("2 is low", WritePins(2, 1), {}, "gpio35/value=0 gpio34/value=1 ", 0)});
+  Refuse(kNull,
+         {{"read, null", OnNull(kReadPins)}, {"write, null", With(KAVO_ROLU_DIO_WriteDOPin, nullptr)}});
   Show("/sys/class/gpio/gpio37/value", "1\n");
   Show("/sys/class/gpio/gpio36/value", "0\n");
-  Run({{"high, low", kReadPins, {}, kDone, TwoBytes(1, 0)}});
+  Run({Gives("high, low", kReadPins, {}, {1, 0})});
   Show("/sys/class/gpio/gpio37/value", "");
   Show("/sys/class/gpio/gpio36/value", "1");
-  Run({{"nothing to read, high", kReadPins, {}, kDone, TwoBytes(0, 1)}});
-  SetMissing("/sys/class/gpio/gpio34/value");
-  Run({{"second output missing", WritePins(1, 1), {}, kNoDevice, {}, "gpio35/value=1 "}});
+  Run({Gives("nothing to read, high", kReadPins, {}, {0, 1})});
 }
 
-TEST_F(DeviceFileTest, PinsNeedNoCoreToBePrepared) {
-  Run({{"prepare", Plain(KAVO_ROLU_DIO_Initialize), {}, kDone, {}, kPrepared}});
-  SetMissing("/sys/class/gpio/gpio35/direction");
-  Run({{"a line fails",
-        Plain(KAVO_ROLU_DIO_Initialize),
-        {},
-        kNoDevice,
-        {},
-        "gpio/export=37 gpio/export=36 gpio/export=35 gpio/export=34 gpio37/direction=in "
-        "gpio36/direction=in "}});
+TEST_F(DeviceFileTest, PinsThatAreNotPreparedCannotBeUsed) {
+  BringUp();
+  Refuse(ROLU_STATUS_DEVICE_OPEN_FAILED, {{"read", kReadPins}, {"write", WritePins(1, 0)}});
 }
 
 }  // namespace

@@ -1,113 +1,86 @@
-#include <gmock/gmock.h>
-
-#include <cerrno>
-#include <cstring>
-#include <string>
-
 #include "kavo_rolu.h"
-#include "simulator/board.h"
+#include "tests/support/call_table.h"
 
+namespace rolu_test {
 namespace {
 
-using testing::Each;
+constexpr ROLU_STATUS kBad = ROLU_STATUS_INVALID_PARAMETER;
+constexpr ROLU_STATUS kOff = ROLU_STATUS_NOT_INITIALIZED;
 
-constexpr char kRelease[] = "3.2.0-board";
-constexpr char kVersion[] = "#7 SMP PREEMPT Mon Jul 14 10:00:00 UTC 2014";
-
-class CoreOnBoard : public testing::Test {
+class Core : public CallTableTest {
  protected:
-  CoreOnBoard() { board.AttachThisProcess(); }
-  ~CoreOnBoard() override { KAVO_ROLU_CORE_DeInit(); }
-  rolu_sim::Board board{{{}, {"armv7l", kRelease, kVersion}}};
+  Core() : CallTableTest({KAVO_ROLU_CORE_Init, KAVO_ROLU_CORE_DeInit}) {}
 };
 
-TEST(Core, IsSwitchedOnAndOff) {
-  EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_Available(), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_Init(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_CORE_Init(), ROLU_STATUS_ALREADY_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_Available(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_Available(), ROLU_STATUS_NOT_INITIALIZED);
+TEST_F(Core, IsSwitchedOnAndOff) {
+  const Call available = Plain(KAVO_ROLU_CORE_Available);
+  const Call on = Plain(KAVO_ROLU_CORE_Init);
+  const Call off = Plain(KAVO_ROLU_CORE_DeInit);
+  const std::vector<NamedCall> refused = {{"off while off", off}, {"not available", available}};
+  Refuse(kOff, refused);
+  Run({{"on", on}});
+  Refuse(ROLU_STATUS_ALREADY_INITIALIZED, {{"on again", on}});
+  Run({{"available", available}, {"off", off}});
+  Refuse(kOff, refused);
 }
 
-TEST(Core, WritesSeventeenCharactersOfItsVersion) {
-  unsigned char version[18];
-  memset(version, 0xFF, sizeof version);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetLibVersion(version), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(std::string(version, version + 17), "030001.2014072500");
-  EXPECT_EQ(version[17], 0xFF);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetLibVersion(nullptr), ROLU_STATUS_NULL_POINTER);
+TEST_F(Core, WritesSeventeenCharactersOfItsVersion) {
+  const Call get = Into(KAVO_ROLU_CORE_GetLibVersion);
+  Run({Gives("version", get, {}, Characters("030001.2014072500", 17))});
+  Refuse(ROLU_STATUS_NULL_POINTER, {{"null", OnNull(get)}});
 }
 
-TEST(Core, DoesNotProvideTheRest) {
-  EXPECT_EQ(KAVO_ROLU_CORE_AccessBootCounter(1), ROLU_STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(KAVO_ROLU_CORE_SoftReset(), ROLU_STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(KAVO_ROLU_CORE_HardReset(), ROLU_STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(KAVO_ROLU_CORE_RegistrySave(), ROLU_STATUS_NOT_SUPPORTED);
-  EXPECT_EQ(KAVO_ROLU_CORE_RegistryClean(), ROLU_STATUS_NOT_SUPPORTED);
-}
-
-TEST_F(CoreOnBoard, TellsThePlatformNameInTheParts) {
-  char name[8];
-  memset(name, '#', sizeof name);
-  uint32_t length = 77;
-  ROLU_PLATFORM_NAME nothing{nullptr, nullptr};
-  ROLU_PLATFORM_NAME only_length{nullptr, &length};
-  ROLU_PLATFORM_NAME only_name{name, nullptr};
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(&nothing), ROLU_STATUS_NOT_INITIALIZED) << "the flag comes first";
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(nullptr), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(&only_length), ROLU_STATUS_NOT_INITIALIZED);
-  KAVO_ROLU_CORE_Init();
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(&nothing), ROLU_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(nullptr), ROLU_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(length, 77U);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(&only_length), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(length, 6U);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetPlatformName(&only_name), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(std::string(name, sizeof name), "armv7l##") << "no NUL";
-}
-
-TEST_F(CoreOnBoard, TellsTheKernelInPaddedBuffers) {
-  char release[129];
-  char version[129];
-  memset(release, '#', sizeof release);
-  memset(version, '#', sizeof version);
-  ROLU_IMAGE_INFO info{nullptr, nullptr, release, version};
-  ROLU_IMAGE_INFO no_release{nullptr, nullptr, nullptr, version};
-  ROLU_IMAGE_INFO no_version{nullptr, nullptr, release, nullptr};
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(nullptr), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(&info), ROLU_STATUS_NOT_INITIALIZED);
-  KAVO_ROLU_CORE_Init();
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(nullptr), ROLU_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(&no_release), ROLU_STATUS_INVALID_PARAMETER);
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(&no_version), ROLU_STATUS_INVALID_PARAMETER);
-  EXPECT_THAT(release, Each('#'));
-  EXPECT_THAT(version, Each('#'));
-  EXPECT_EQ(KAVO_ROLU_CORE_GetImageinfo(&info), ROLU_STATUS_SUCCESS);
-  const auto padded = [](std::string text) {
-    text.resize(128, '\0');
-    return text + '#';
+Call GetPlatform(bool with_name, bool with_length) {
+  return [=](void* output) {
+    ROLU_PLATFORM_NAME record = {with_name ? static_cast<char*>(output) : nullptr,
+                                 with_length ? static_cast<uint32_t*>(output) : nullptr};
+    return KAVO_ROLU_CORE_GetPlatformName(&record);
   };
-  EXPECT_EQ(std::string(release, sizeof release), padded(kRelease));
-  EXPECT_EQ(std::string(version, sizeof version), padded(kVersion));
 }
 
-TEST_F(CoreOnBoard, ResetsTheBoardOverTheI2cBus) {
-  EXPECT_EQ(KAVO_ROLU_CORE_Reset(), ROLU_STATUS_NOT_INITIALIZED);
-  EXPECT_TRUE(board.devices().Accesses().empty());
-  KAVO_ROLU_CORE_Init();
-  EXPECT_EQ(KAVO_ROLU_CORE_Reset(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(board.reset_controller().ResetCount(), 1);
-  const auto transfers = board.i2c().Transfers();
+Call GetImage(bool with_release, bool with_version) {
+  return [=](void* output) {
+    char* text = static_cast<char*>(output);
+    ROLU_IMAGE_INFO info = {nullptr, nullptr, with_release ? text : nullptr,
+                            with_version ? text + 128 : nullptr};
+    return KAVO_ROLU_CORE_GetImageinfo(&info);
+  };
+}
+
+TEST_F(Core, TellsThePlatformAndTheKernelInTheirParts) {
+  const std::vector<NamedCall> refused = {{"platform into nothing", GetPlatform(false, false)},
+                                          {"platform, null", With(KAVO_ROLU_CORE_GetPlatformName, nullptr)},
+                                          {"kernel without a release", GetImage(false, true)},
+                                          {"kernel without a version", GetImage(true, false)},
+                                          {"kernel, null", With(KAVO_ROLU_CORE_GetImageinfo, nullptr)}};
+  Refuse(kOff, refused);
+  Refuse(kOff, {{"platform", GetPlatform(false, true)}, {"kernel", GetImage(true, true)}});
+  BringUp();
+  Refuse(kBad, refused);
+  const rolu_sim::KernelIdentity kernel;
+  Bytes image = Characters(kernel.release, 128);
+  const Bytes version = Characters(kernel.version, 128);
+  image.insert(image.end(), version.begin(), version.end());
+  Run({Gives("length", GetPlatform(false, true), {}, Written(uint32_t{6})),
+       Gives("name without a NUL", GetPlatform(true, false), {}, Characters("armv7l", 6)),
+       Gives("kernel", GetImage(true, true), {}, image)});
+}
+
+TEST_F(Core, ResetsTheBoardOverTheI2cBus) {
+  const Call reset = Plain(KAVO_ROLU_CORE_Reset);
+  Refuse(kOff, {{"while off", reset}});
+  EXPECT_TRUE(board().devices().Accesses().empty());
+  BringUp();
+  Run({{"on", reset}});
+  EXPECT_EQ(board().reset_controller().ResetCount(), 1);
+  const auto transfers = board().i2c().Transfers();
   ASSERT_EQ(transfers.size(), 1U) << "both bytes in one write";
   EXPECT_EQ(transfers[0].address, 0x78);
   EXPECT_EQ(transfers[0].bytes, "\x0B\x01");
-  const auto accesses = board.devices().Accesses();
+  const auto accesses = board().devices().Accesses();
   ASSERT_EQ(accesses.size(), 4U) << "open, bind, write, close";
   EXPECT_EQ(accesses[1].request, rolu_sim::I2cBus::kForceSelectRequest);
-  EXPECT_EQ(board.devices().OpenCount(rolu_sim::kI2cBusPath), 0U);
 }
 
 }  // namespace
+}  // namespace rolu_test

@@ -43,15 +43,4 @@ TEST(CriticalSection, IsHeldUntilItIsUnlockedAsOftenAsItWasLocked) NO_THREAD_SAF
   EXPECT_EQ(TimeLockElsewhere(section, 0), 0);
 }
 
-TEST(CriticalSection, TimeLockGetsALockThatBecomesFreeInTime) {
-  CCriticalSection section;
-  section.Lock();
-  std::thread waiter([&section]() NO_THREAD_SAFETY_ANALYSIS {
-    EXPECT_EQ(section.TimeLock(20000), 0);
-    section.Unlock();
-  });
-  section.Unlock();
-  waiter.join();
-}
-
 }  // namespace

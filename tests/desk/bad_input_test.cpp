@@ -18,64 +18,65 @@ TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
   const std::string text_trace = directory.Write("text-trace", "   0.1 > MCVG\n");
   const std::string scenario = directory.Write("scenario", "{\n\"events\": [{}]}");
   const ServedBoard board(directory);
-  const auto ctl = [&](std::vector<std::string> words) {
-    words.insert(words.begin(), {"ctl", "--board", board.path()});
-    return words;
-  };
+  const std::string here = " --board " + board.path() + ' ';
   const struct {
-    std::vector<std::string> arguments;
+    std::string words;
     int status;
     std::string says;
   } kRows[] = {
-      {{"run"}, 2, "PROGRAM is required"},
-      {{"sevre"}, 127, "did you mean serve?"},
-      {{"run", "--fault", "silnce", "--", "true"}, 2, R"(no fault "silnce"; did you mean silence?)"},
-      {{"run", "--fault", "delay:MCVG", "--", "true"}, 2, "fault-delay needs \"time\""},
-      {{"run", "--fault", "error:MCVG:ERR-M8", "--", "true"}, 2, "did you mean ERR-M08?"},
-      {{"run", "--seed", "4294967296", "--", "true"}, 2, "0 to 4294967295"},
-      {{"run", "--scenarios", "x", "--", "true"}, 2, "no option '--scenarios'; did you mean --scenario?"},
-      {{"trace", "--folow"}, 2, "did you mean --follow?"},
-      {{"serve", "one", "two"}, 2, "'two' is one word too many"},
-      {{"run", "--scenario", "cold-stat", "--", "true"}, 2, "did you mean cold-start?"},
-      {{"run", "--scenario", scenario, "--", "true"}, 2, "scenario:2:12: \"at\" is missing"},
-      {{"run", "--replay", trace, "--", "true"}, 2, "trace:2: \"direction\" is missing"},
-      {{"run", "--replay", text_trace, "--", "true"}, 2, "text-trace:1: is not JSON"},
-      {{"run", "--replay", full + "no", "--", "true"}, 2, "cannot be read"},
-      {{"run", "--trace", "/no/such/directory/trace", "--", "true"}, 125, "/no/such/directory/trace"},
-      {{"serve"}, 2, "DIR is required"},
-      {{"serve", full}, 2, "is not an empty directory"},
-      {{"serve", directory.path()}, 2, "is not an empty directory"},
-      {{"serve", directory.path() + "/" + std::string(90, 'x')}, 2, "at most 90"},
-      {{"join", directory.path(), "--", "true"}, 4, "no board answers at " + directory.path()},
-      {{"join", board.path(), "--", "no-such-program"}, 127, "no-such-program"},
-      {{"trace"}, 2, "--board DIR"},
-      {{"trace", "--board", full}, 4, "no board answers"},
-      {{"trace", "--for", "3", "--board", full}, 2, "must be a time"},
-      {{"ctl", "--board", board.path()}, 2, "WORD is required"},
-      {{"scenarios", "--check", scenario}, 2, "\"do\" is missing"},
-      {ctl({"ignitoin", "on"}), 2, R"(no verb "ignitoin"; did you mean ignition?)"},
-      {{"ctl", "stpo", "--board", board.path()}, 2, "did you mean stop?"},
-      {{"ctl", "stop", "--board=" + board.path(), "now"}, 2, "stop takes no \"now\""},
-      {ctl({"ignition"}), 2, "ignition needs \"state\", the key: on or off"},
-      {ctl({"ignition", "of"}), 2, R"("state" must be on or off, not "of"; did you mean off?)"},
-      {ctl({"ignition", "on", "off"}), 2, "ignition takes no \"off\"; usage: ignition STATE"},
-      {ctl({"ignition", "on", "state=on"}), 2, "given twice"},
-      {ctl({"battery-voltage", "100.1"}), 2, "must be a number from 0 to 100 V, not \"100.1\""},
-      {ctl({"battery-voltage", "12V"}), 2, "not \"12V\""},
-      {ctl({"gsensor", "1", "2", "32768"}), 2, "from -32768 to 32767"},
-      {ctl({"i2c-write", "0x50", "0", "0"}), 2, "pairs of hexadecimal digits"},
-      {ctl({"i2c-write", "0x51", "0", "00"}), 3, "i2c-attach 0x51 puts one there"},
-      {ctl({"i2c-attach", "0x78"}), 2, "from 3 to 119"},
-      {ctl({"fault-missing", "luxx"}), 2, "did you mean lux?"},
-      {ctl({"fault-file", "serial", "open", "EIO"}), 3, "can only be missing"},
-      {ctl({"backup-battery"}), 3, "needs a value"},
-      {ctl({"get", "wachdog"}), 2, "did you mean watchdog?"},
-      {ctl({"play", scenario}), 2, "scenario:2:12: \"at\" is missing"},
-      {ctl({"send", "\xff"}), 2, "not UTF-8"},
+      {"", 2, "PROGRAM is required"},
+      {"/tmp", 126, "rolu-sim: /tmp"},
+      {"sevre", 127, "did you mean serve?"},
+      {"--bogus true", 2, "--bogus"},
+      {"--mode 13 true", 2, "{12,24}"},
+      {"--battery 2s true", 2, "as in 2s=12.6"},
+      {"run --fault silnce -- true", 2, R"(no fault "silnce"; did you mean silence?)"},
+      {"run --fault delay:MCVG -- true", 2, "fault-delay needs \"time\""},
+      {"run --fault error:MCVG:ERR-M8 -- true", 2, "did you mean ERR-M08?"},
+      {"run --seed 4294967296 -- true", 2, "0 to 4294967295"},
+      {"run --scenarios x -- true", 2, "did you mean --scenario?"},
+      {"trace --folow", 2, "did you mean --follow?"},
+      {"serve one two", 2, "is one word too many"},
+      {"run --scenario cold-stat -- true", 2, "did you mean cold-start?"},
+      {"run --scenario " + scenario + " -- true", 2, "scenario:2:12: \"at\" is missing"},
+      {"run --replay " + trace + " -- true", 2, "trace:2: \"direction\" is missing"},
+      {"run --replay " + text_trace + " -- true", 2, "text-trace:1: is not JSON"},
+      {"run --replay " + full + "no -- true", 2, "cannot be read"},
+      {"run --trace /no/such/directory/trace -- true", 125, "/no/such/directory/trace"},
+      {"serve", 2, "DIR is required"},
+      {"serve " + full, 2, "is not an empty directory"},
+      {"serve " + directory.path(), 2, "is not an empty directory"},
+      {"serve " + directory.path() + "/" + std::string(90, 'x'), 2, "at most 90"},
+      {"serve " + board.path(), 5, "a board is up at " + board.path() + " already"},
+      {"join " + directory.path() + " -- true", 4, "no board answers at " + directory.path()},
+      {"join " + board.path() + " -- no-such-program", 127, "no-such-program"},
+      {"trace", 2, "--board DIR"},
+      {"trace --for 3 --board " + full, 2, "must be a time"},
+      {"ctl --board " + board.path(), 2, "WORD is required"},
+      {"scenarios --check " + scenario, 2, "\"do\" is missing"},
+      {"ctl ignitoin on" + here, 2, R"(no verb "ignitoin"; did you mean ignition?)"},
+      {"ctl stpo" + here, 2, "did you mean stop?"},
+      {"ctl stop --board=" + board.path() + " now", 2, "stop takes no \"now\""},
+      {"ctl ignition" + here, 2, "ignition needs \"state\", the key: on or off"},
+      {"ctl ignition of" + here, 2, R"("state" must be on or off, not "of"; did you mean off?)"},
+      {"ctl ignition on off" + here, 2, "ignition takes no \"off\"; usage: ignition STATE"},
+      {"ctl ignition on state=on" + here, 2, "given twice"},
+      {"ctl battery-voltage 100.1" + here, 2, "must be a number from 0 to 100 V, not \"100.1\""},
+      {"ctl battery-voltage 12V" + here, 2, "not \"12V\""},
+      {"ctl gsensor 1 2 32768" + here, 2, "from -32768 to 32767"},
+      {"ctl i2c-write 0x50 0 0" + here, 2, "pairs of hexadecimal digits"},
+      {"ctl i2c-write 0x51 0 00" + here, 3, "i2c-attach 0x51 puts one there"},
+      {"ctl i2c-attach 0x78" + here, 2, "from 3 to 119"},
+      {"ctl fault-missing luxx" + here, 2, "did you mean lux?"},
+      {"ctl fault-file serial open EIO" + here, 3, "can only be missing"},
+      {"ctl backup-battery" + here, 3, "needs a value"},
+      {"ctl get wachdog" + here, 2, "did you mean watchdog?"},
+      {"ctl play " + scenario + here, 2, "scenario:2:12: \"at\" is missing"},
+      {"ctl send \xff" + here, 2, "not UTF-8"},
   };
   for (const auto& row : kRows) {
-    const Ended result = RunTool(directory, row.arguments);
-    EXPECT_EQ(result.status, row.status) << result.err;
+    const Ended result = RunTool(directory, Words(row.words));
+    EXPECT_EQ(result.status, row.status) << row.words << ": " << result.err;
     EXPECT_THAT(result.err, HasSubstr(row.says));
     EXPECT_THAT(result.err, StartsWith("rolu-sim: "));
     EXPECT_EQ(result.out, "");

@@ -4,10 +4,12 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "kavo_rolu.h"
@@ -21,16 +23,14 @@ void Print(const std::string& call, ROLU_STATUS status, const std::string& value
   std::fflush(stdout);
 }
 
-std::string Fixed(float value) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.2f", static_cast<double>(value));
-  return text.data();
-}
-
 void ReadVoltage() {
   float volts = 0;
   const ROLU_STATUS status = KAVO_ROLU_VPM_GetCarBatteryVoltage(&volts);
-  Print("voltage", status, status == ROLU_STATUS_SUCCESS ? Fixed(volts) : "");
+  std::array<char, 32> text{};
+  if (status == ROLU_STATUS_SUCCESS) {
+    std::snprintf(text.data(), text.size(), "%.2f", static_cast<double>(volts));
+  }
+  Print("voltage", status, text.data());
 }
 
 // Reads until a reading fails.
@@ -42,49 +42,12 @@ void ReadVoltageUntilFailure() {
   Print("failure", status);
 }
 
-void ReadPlatform() {
-  std::array<char, 13> name{};
-  const ROLU_STATUS status = KAVO_ROLU_VPM_GetPlatformName(name.data());
-  Print("platform", status, name.data());
-}
-
-void ReadInputs() {
-  std::array<unsigned char, 2> pins{};
-  KAVO_ROLU_DIO_Initialize();
-  const ROLU_STATUS status = KAVO_ROLU_DIO_ReadDIPin(pins.data());
-  Print("inputs", status, std::to_string(pins[0]) + std::to_string(pins[1]));
-}
-
-void WriteOutputs() {
-  std::array<unsigned char, 2> pins = {1, 0};
-  KAVO_ROLU_DIO_Initialize();
-  Print("outputs", KAVO_ROLU_DIO_WriteDOPin(pins.data()));
-}
-
 void ReadRegister() {
   std::array<unsigned char, 1> index = {0x10};
   std::array<unsigned char, 1> value = {};
   ROLU_IIC_TRANSFER transfer{0, 0xA0, index.data(), 1, value.data(), 1};
   const ROLU_STATUS status = KAVO_ROLU_IIC_WriteReadCombine(&transfer);
   Print("register", status, std::to_string(value[0]));
-}
-
-void ReadLight() {
-  unsigned short lux = 0;
-  const ROLU_STATUS status = KAVO_ROLU_LIGHTSENSOR_GetStatus(&lux);
-  Print("light", status, std::to_string(lux));
-}
-
-void StartWatchdog() {
-  KAVO_ROLU_WD_Initialize(0);
-  KAVO_ROLU_WD_SetTime(1);
-  Print("watchdog", KAVO_ROLU_WD_Enabled(true));
-  KAVO_ROLU_WD_Deinitialize();
-}
-
-void SetAlarm() {
-  KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, {0, 7, 30});
-  Print("alarm", KAVO_ROLU_VPM_SetAlarmActive(1));
 }
 
 // Waits for the warning that the ignition is off.
@@ -99,31 +62,53 @@ void AwaitWarning() {
 }
 
 struct Call {
-  const char* name;
+  std::string_view name;
   void (*make)();
 };
 constexpr std::array<Call, 11> kCalls = {{
     {"voltage", ReadVoltage},
     {"failure", ReadVoltageUntilFailure},
-    {"platform", ReadPlatform},
-    {"inputs", ReadInputs},
-    {"outputs", WriteOutputs},
+    {"platform",
+     [] {
+       std::array<char, 13> name{};
+       const ROLU_STATUS status = KAVO_ROLU_VPM_GetPlatformName(name.data());
+       Print("platform", status, name.data());
+     }},
+    {"inputs",
+     [] {
+       std::array<unsigned char, 2> pins{};
+       KAVO_ROLU_DIO_Initialize();
+       const ROLU_STATUS status = KAVO_ROLU_DIO_ReadDIPin(pins.data());
+       Print("inputs", status, std::to_string(pins[0]) + std::to_string(pins[1]));
+     }},
+    {"outputs",
+     [] {
+       std::array<unsigned char, 2> pins = {1, 0};
+       KAVO_ROLU_DIO_Initialize();
+       Print("outputs", KAVO_ROLU_DIO_WriteDOPin(pins.data()));
+     }},
     {"register", ReadRegister},
-    {"light", ReadLight},
-    {"watchdog", StartWatchdog},
-    {"alarm", SetAlarm},
+    {"light",
+     [] {
+       unsigned short lux = 0;
+       const ROLU_STATUS status = KAVO_ROLU_LIGHTSENSOR_GetStatus(&lux);
+       Print("light", status, std::to_string(lux));
+     }},
+    {"watchdog",
+     [] {
+       KAVO_ROLU_WD_Initialize(0);
+       KAVO_ROLU_WD_SetTime(1);
+       Print("watchdog", KAVO_ROLU_WD_Enabled(true));
+       KAVO_ROLU_WD_Deinitialize();
+     }},
+    {"alarm",
+     [] {
+       KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, {0, 7, 30});
+       Print("alarm", KAVO_ROLU_VPM_SetAlarmActive(1));
+     }},
     {"warning", AwaitWarning},
     {"sleep", [] { std::this_thread::sleep_for(std::chrono::milliseconds(1500)); }},
 }};
-
-bool Make(const std::string& name) {
-  for (const Call& call : kCalls) {
-    if (name != call.name) continue;
-    call.make();
-    return true;
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -131,7 +116,10 @@ int main(int argc, char** argv) {
   KAVO_ROLU_CORE_Init();
   Print("start", KAVO_ROLU_VPM_Initialize(0));
   for (int index = 1; index < argc; ++index) {
-    if (!Make(argv[index])) return 1;
+    const auto* const call =
+        std::find_if(kCalls.begin(), kCalls.end(), [&](const Call& one) { return argv[index] == one.name; });
+    if (call == kCalls.end()) return 1;
+    call->make();
   }
   KAVO_ROLU_VPM_Deinitialize();
   return 0;

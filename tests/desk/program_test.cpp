@@ -11,29 +11,11 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-TEST(RoluSim, GivesEachOutcomeItsExitStatusAndASentence) {
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    const char* says;
-  } kRows[] = {
-      {{"--", "sh", "-c", "exit 7"}, 7, ""},
-      {{"sh", "-c", "kill -9 $$"}, 128 + SIGKILL, ""},
-      {{"--help"}, 0, "--battery"},
-      {{"--version"}, 0, "rolu-sim "},
-      {{}, 2, "PROGRAM is required"},
-      {{"--bogus", "true"}, 2, "--bogus"},
-      {{"--mode", "13", "true"}, 2, "{12,24}"},
-      {{"--battery", "0s=12.6 2s", "true"}, 2, "as in 2s=12.6"},
-      {{"/tmp"}, 126, "rolu-sim: /tmp"},
-      {{"no-such-program"}, 127, "rolu-sim: no-such-program"},
-  };
+TEST(RoluSim, GivesTheProgramsStatus) {
   const Directory directory;
-  for (const auto& row : kRows) {
-    const Ended run = RunTool(directory, row.arguments);
-    EXPECT_EQ(run.status, row.status) << run.err;
-    EXPECT_THAT(run.out + run.err, HasSubstr(row.says));
-  }
+  EXPECT_EQ(RunTool(directory, {"--", "sh", "-c", "exit 7"}).status, 7);
+  EXPECT_EQ(RunTool(directory, {"sh", "-c", "kill -9 $$"}).status, 128 + SIGKILL);
+  EXPECT_THAT(RunTool(directory, {"--version"}).out, MatchesRegex("rolu-sim [0-9.]+\n"));
 }
 
 TEST(RoluSim, LetsAProgramTalkToTheMicrocontroller) {
@@ -48,11 +30,9 @@ TEST(RoluSim, LetsAProgramTalkToTheMicrocontroller) {
 
 TEST(RoluSim, LetsScriptsUseTheWholeBoard) {
   const Directory directory;
-  for (const std::vector<std::string>& command :
-       {std::vector<std::string>{"sh", SCRIPTS "whole_board.sh"},
-        std::vector<std::string>{"bash", SCRIPTS "whole_board.sh"},
-        std::vector<std::string>{"python3", SCRIPTS "whole_board.py"}}) {
-    const Ended run = RunTool(directory, command);
+  for (const auto& [program, script] :
+       {std::pair("sh", "whole_board.sh"), {"bash", "whole_board.sh"}, {"python3", "whole_board.py"}}) {
+    const Ended run = RunTool(directory, {program, std::string(SCRIPTS) + script});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out + run.err, "");
   }

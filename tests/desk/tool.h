@@ -1,6 +1,10 @@
 #ifndef TESTS_DESK_TOOL_H
 #define TESTS_DESK_TOOL_H
 
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -10,33 +14,61 @@ namespace desk_test {
 
 using rolu_test::Ended;
 using rolu_test::Joined;
+using rolu_test::Words;
 
 // A directory of the test's own, in which rolu-sim makes its boards; at the end of the test nothing
 // may be left of them.
 class Directory : public rolu_test::TemporaryDirectory {
  public:
-  ~Directory();
+  ~Directory() {
+    for (const std::string& name : Names()) {
+      EXPECT_FALSE(name.starts_with("rolu-")) << "a board left its directory behind";
+    }
+  }
 };
 
 // rolu-sim in a process of its own, that makes its boards in `directory`. It is ended if it still runs.
 class Tool : public rolu_test::Process {
  public:
-  Tool(const Directory& directory, const std::vector<std::string>& arguments);
-  ~Tool() override;
+  Tool(const Directory& directory, const std::vector<std::string>& arguments)
+      : Process(Joined({ROLU_SIM}, arguments), "", {"TMPDIR=" + directory.path(), "PATH=/usr/bin:/bin"}) {}
+  ~Tool() override {
+    if (pid() <= 0) return;
+    Signal(SIGTERM);
+    Wait();
+  }
 };
 
 // A run of rolu-sim from beginning to end.
-Ended RunTool(const Directory& directory, const std::vector<std::string>& arguments);
+inline Ended RunTool(const Directory& directory, const std::vector<std::string>& arguments) {
+  return Tool(directory, arguments).WaitForAll();
+}
+
+// The words for rolu-sim that run desk_client on a board of its own.
+inline std::vector<std::string> ClientRun(const std::string& options, const std::string& calls) {
+  return Joined(Joined(Words("run " + options), {"--", DESK_CLIENT}), Words(calls));
+}
 
 // A board that is up at directory.path() + "/board".
 class ServedBoard {
  public:
-  explicit ServedBoard(const Directory& directory, const std::vector<std::string>& options = {});
+  explicit ServedBoard(const Directory& directory, const std::vector<std::string>& options = {})
+      : directory_(directory),
+        path_(directory.File("board")),
+        tool_(directory, Joined(Joined({"serve"}, options), {path_})) {
+    EXPECT_TRUE(tool_.WaitForOutput("rolu-sim join")) << tool_.err();
+  }
 
-  Ended Ctl(const std::vector<std::string>& words) const;
+  Ended Ctl(const std::string& words) const {
+    return RunTool(directory_, Joined({"ctl", "--board", path_}, Words(words)));
+  }
   // A program (see desk_client.cpp) on the board.
-  Ended Client(const std::vector<std::string>& calls) const;
-  nlohmann::json Get(const std::string& reading) const;
+  Ended Client(const std::string& calls) const {
+    return RunTool(directory_, Joined({"join", path_, "--", DESK_CLIENT}, Words(calls)));
+  }
+  nlohmann::json Get(const std::string& reading) const {
+    return Ctl("get --json " + reading).Json().at(reading);
+  }
 
   Tool& tool() { return tool_; }
   const std::string& path() const { return path_; }
@@ -47,14 +79,13 @@ class ServedBoard {
   Tool tool_;
 };
 
-// The words of a run of desk_client: its path and the calls.
-std::vector<std::string> ClientCommand(const std::vector<std::string>& calls);
-// The same on a board of its own, for rolu-sim.
-std::vector<std::string> ClientRun(const std::vector<std::string>& options,
-                                   const std::vector<std::string>& calls);
-
 // The lines of a trace.
-std::vector<nlohmann::json> Records(const std::string& text);
+inline std::vector<nlohmann::json> Records(const std::string& text) {
+  std::vector<nlohmann::json> records;
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) records.push_back(nlohmann::json::parse(line));
+  return records;
+}
 
 }  // namespace desk_test
 

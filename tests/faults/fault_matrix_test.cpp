@@ -4,22 +4,31 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <exception>
 #include <set>
 
 #include "mcu/link.h"
-#include "mcu/link_state.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 #include "tests/support/call_table.h"
 #include "tests/support/interface_header.h"
-#include "tests/support/leak_check.h"
+#include "tests/support/link_state.h"
 #include "tests/support/process_state.h"
+
+#if defined(__has_feature)
+#define ROLU_HAS_LEAK_CHECK __has_feature(address_sanitizer)
+#elif defined(__SANITIZE_ADDRESS__)
+#define ROLU_HAS_LEAK_CHECK 1
+#else
+#define ROLU_HAS_LEAK_CHECK 0
+#endif
+
+#if ROLU_HAS_LEAK_CHECK
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace rolu_test {
 namespace {
@@ -84,11 +93,6 @@ std::vector<Cell> CellsOf(const CallRow& row) {
   return cells;
 }
 
-bool IsReplyStored() {
-  const ScopedLock lock(*io_op_lock);
-  return last_command_valid;
-}
-
 // A board and a family that meet some cells one after another. The link is open all the time.
 class Lane : public CallTable {
  public:
@@ -135,6 +139,16 @@ class Lane : public CallTable {
   }
 };
 
+// Whether this process has leaked; what and where goes to stderr. Only the address sanitizer knows: in
+// other builds nothing is found. For a process that ends by _exit, which the sanitizer does not notice.
+bool HasLeaked() {
+#if ROLU_HAS_LEAK_CHECK
+  return __lsan_do_recoverable_leak_check() != 0;
+#else
+  return false;
+#endif
+}
+
 // Lanes are processes: the library is one for a process, and one command at a time waits for its
 // answer there.
 constexpr size_t kSomeLanes = 4;
@@ -180,26 +194,18 @@ TEST_P(FaultMatrix, EndsTheCallAsStatedAndTheNextOneIsWhole) {
   fflush(nullptr);
   std::vector<pid_t> children;
   for (const auto& lane : lanes) children.push_back(StartLane(GetParam().family->switches, lane));
-  for (const pid_t child : children) {
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see above; wait status " << status;
-  }
+  for (const pid_t child : children) EXPECT_EQ(WaitStatusOf(child), 0) << "see above";
 }
 
 std::string TestName(const testing::TestParamInfo<Operation>& info) {
-  std::string name;
-  for (const char character : info.param.row->name) {
-    name += isalnum(static_cast<unsigned char>(character)) != 0 ? character : '_';
-  }
+  std::string name = info.param.row->name;
+  std::ranges::replace(name, ' ', '_');
   return name;
 }
 
 std::vector<Operation> Operations(bool slow) {
-  std::vector<Operation> operations;
-  for (const Operation& operation : AllOperations()) {
-    if (IsSlow(*operation.row) == slow) operations.push_back(operation);
-  }
+  std::vector<Operation> operations = AllOperations();
+  std::erase_if(operations, [slow](const Operation& operation) { return IsSlow(*operation.row) != slow; });
   return operations;
 }
 
@@ -217,7 +223,6 @@ TEST(TableOfOperations, HoldsEveryExportOfTheFamiliesThatTalkToTheMcu) {
     in_table.insert(ExportOf(*operation.row));
     cells += CellsOf(*operation.row).size();
   }
-  RecordProperty("operations", static_cast<int>(AllOperations().size()));
   RecordProperty("cells", static_cast<int>(cells));
   for (const CallRow& row : SilentOperations()) in_table.insert(ExportOf(row));
 

@@ -12,6 +12,7 @@
 
 #include "kavo_rolu.h"
 #include "simulator/board.h"
+#include "tests/oracle/plain_reading.h"
 #include "tests/support/process_state.h"
 
 namespace {
@@ -74,6 +75,7 @@ class Waiter {
 
 class UnsolicitedTest : public testing::Test {
  protected:
+  explicit UnsolicitedTest(bool paced = false) : board_(Options(paced)) {}
   void SetUp() override {
     board_.AttachThisProcess();
     ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
@@ -96,6 +98,12 @@ class UnsolicitedTest : public testing::Test {
       samples.push_back(sample);
     EXPECT_EQ(status, ROLU_STATUS_GSENSOR_NO_ALARM_DATA);
     return samples;
+  }
+
+  static rolu_sim::BoardOptions Options(bool paced) {
+    rolu_sim::BoardOptions options;
+    options.serial.paced = paced;
+    return options;
   }
 
   rolu_sim::Board board_;
@@ -144,16 +152,16 @@ TEST_F(UnsolicitedTest, ReopeningForgetsSamplesAndRegistrations) {
   EXPECT_FALSE(forgotten.woken());
 }
 
-// Samples come at the pace of the line, while another thread asks questions all the time.
-TEST(AlarmStream, NoSampleIsLostAndNoQueryFails) {
+// Samples come at the pace of the line.
+class PacedLine : public UnsolicitedTest {
+ protected:
+  PacedLine() : UnsolicitedTest(true) {}
+};
+
+// Another thread asks questions all the time.
+TEST_F(PacedLine, NoSampleIsLostAndNoQueryFails) {
   constexpr unsigned int kBursts = 125;
   constexpr int kSamplesOfABurst = 8;
-  rolu_sim::BoardOptions options;
-  options.serial.paced = true;
-  rolu_sim::Board board(options);
-  board.AttachThisProcess();
-  ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
-  ASSERT_EQ(KAVO_ROLU_GSENSOR_Initialize(0), ROLU_STATUS_SUCCESS);
   std::atomic<bool> drained{false};
   std::atomic<int> queries{0};
   std::thread asking([&] {
@@ -163,21 +171,20 @@ TEST(AlarmStream, NoSampleIsLostAndNoQueryFails) {
   const auto arrives = [&] { return KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS; };
   for (unsigned int burst = 1; burst <= kBursts; ++burst) {
     std::string lines;
-    for (unsigned int i = 0; i < kSamplesOfABurst; ++i) lines += Alarm(burst * 256, i * 256, 0);
-    board.mcu().SendRaw(lines);
+    for (unsigned int i = 0; i < kSamplesOfABurst; ++i) lines += Alarm(burst * 256, i * 256, -burst);
+    board_.mcu().SendRaw(lines);
     // The application keeps up.
     for (int i = 0; i < kSamplesOfABurst; ++i) {
       if (!WaitUntil(arrives)) ADD_FAILURE() << "a sample is lost";
       EXPECT_EQ(sample.x, static_cast<int32_t>(burst) * 1000);
       EXPECT_EQ(sample.y, i * 1000);
+      EXPECT_EQ(sample.z, rolu_test::ScaledAxis(static_cast<int16_t>(-burst)));
     }
     if (HasFailure()) break;
   }
   drained = true;
   asking.join();
   EXPECT_GT(queries, 0);
-  EXPECT_EQ(KAVO_ROLU_GSENSOR_Deinitialize(), ROLU_STATUS_SUCCESS);
-  EXPECT_EQ(KAVO_ROLU_VPM_Deinitialize(), ROLU_STATUS_SUCCESS);
 }
 
 }  // namespace

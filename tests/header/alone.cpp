@@ -1,1 +1,2 @@
 #include "kavo_rolu.h"
+#include "tests/header/layout_rows.h"

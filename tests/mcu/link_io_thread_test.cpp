@@ -1,6 +1,5 @@
 // The I/O thread's steps, one at a time on a paused link.
 #include <gmock/gmock.h>
-#include <signal.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "tests/mcu/paused_link.h"
+#include "tests/support/signal_handler.h"
 
 namespace {
 
@@ -18,28 +18,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kPoll{5};
 
-bool Queue(const std::string& bytes) {
-  return send_vpm_command(bytes.data(), static_cast<int>(bytes.size())) == 0;
-}
-
-std::string TakeReply(unsigned long wait_ms) {
-  char reply[kLineCapacity] = {};
-  return read_vpm_response(reply, wait_ms) == 0 ? reply : "none";
-}
-
 // The lines that have come, and as many empty polls. On a quiet line that holds no part of one, a second
 // empty poll would not end.
-std::vector<std::string> ReadLines(int idle_limit = 1) {
+std::vector<std::string> ReadLines() {
   std::vector<std::string> lines;
   char line[kLineCapacity];
   unsigned long length = 0;
-  while (VPMRead(line, &length, idle_limit)) lines.emplace_back(line, length);
+  while (VPMRead(line, &length, 1)) lines.emplace_back(line, length);
   return lines;
-}
-
-int Poll(milliseconds wait) {
-  unsigned char byte = 0;
-  return recvbyte_vpm(&byte, static_cast<unsigned int>(wait.count()));
 }
 
 TEST(QuietRule, WakeUpEndsAPollOnlyOnAQuietLine) {
@@ -47,24 +33,24 @@ TEST(QuietRule, WakeUpEndsAPollOnlyOnAQuietLine) {
   auto start = Clock::now();
   const PausedLink link;
   WakeIoThread();
-  EXPECT_EQ(Poll(kLongPoll), -2) << "nothing is known about the line yet";
+  EXPECT_EQ(PollPort(kLongPoll), -2) << "nothing is known about the line yet";
   EXPECT_GE(Clock::now() - start, kLongPoll);
   WakeIoThread();
-  EXPECT_EQ(Poll(kGenerous), kWoken);
+  EXPECT_EQ(PollPort(kGenerous), kWoken);
 
   start = Clock::now();
   WakeIoThread();
   link.Send("x");
-  EXPECT_EQ(Poll(kGenerous), 0) << "bytes come before a wake-up";
-  EXPECT_EQ(Poll(kLongPoll), -2) << "bytes have just arrived";
+  EXPECT_EQ(PollPort(kGenerous), 0) << "bytes come before a wake-up";
+  EXPECT_EQ(PollPort(kLongPoll), -2) << "bytes have just arrived";
   EXPECT_GE(Clock::now() - start, kLongPoll);
-  EXPECT_EQ(Poll(kGenerous), kWoken) << "the wake-up from before the bytes";
-  EXPECT_EQ(Poll(milliseconds(1)), -2) << "a wake-up counts once";
+  EXPECT_EQ(PollPort(kGenerous), kWoken) << "the wake-up from before the bytes";
+  EXPECT_EQ(PollPort(milliseconds(1)), -2) << "a wake-up counts once";
 }
 
 TEST(QuietRule, OnlyTheWaitForAnAnswerHurriesACommand) {
   PausedLink link;
-  EXPECT_EQ(Poll(kPoll), -2) << "the line is quiet";
+  EXPECT_EQ(PollPort(kPoll), -2) << "the line is quiet";
   EXPECT_EQ(TakeReply(0), "none");
   EXPECT_FALSE(IsReadable(vpm_wake_event, 0)) << "a wait with nothing queued has nothing to hurry";
   ASSERT_TRUE(Queue("A\r"));
@@ -92,23 +78,6 @@ TEST(QuietRule, CommandThatNobodyWaitsForLeavesAfterAPoll) {
   EXPECT_THAT(ReadLines(), testing::IsEmpty());
   EXPECT_GE(Clock::now() - start, kPoll);
   EXPECT_EQ(link.Receive(2), "A\r");
-}
-
-TEST(QuietRule, CommandDoesNotOvertakeWhatTheMcuHasSent) {
-  const PausedLink link;
-  ReadLines();
-  ASSERT_TRUE(Queue("NEXT\r"));
-  WakeIoThread();
-  link.Send("one\rtwo\rthree");
-  char line[kLineCapacity];
-  unsigned long length = 0;
-  for (const char* expected : {"one", "two"}) {
-    ASSERT_TRUE(VPMRead(line, &length, 1));
-    EXPECT_STREQ(line, expected);
-    EXPECT_FALSE(link.HasReceived(0));
-  }
-  EXPECT_FALSE(VPMRead(line, &length, 1));
-  EXPECT_EQ(link.Receive(5), "NEXT\r");
 }
 
 // The test sends a byte every millisecond, as well as the machine lets it. Whatever it lets it: a
@@ -152,7 +121,7 @@ TEST(BrokenLine, EmptyPollsTakeTheirTime) {
   PausedLink link;
   link.HangUp();
   const auto start = Clock::now();
-  for (int i = 0; i < 10; ++i) EXPECT_LT(Poll(kPoll), 0);
+  for (int i = 0; i < 10; ++i) EXPECT_LT(PollPort(kPoll), 0);
   EXPECT_GE(Clock::now() - start, 8 * kPoll) << "all but the first, which began when the link was opened";
 }
 
@@ -181,65 +150,17 @@ TEST(BrokenLine, WriteGoesOnWhereAShortOneStopped) {
 TEST(TransmitQueue, Holds511Bytes) {
   const PausedLink link;
   const std::string first(300, 'a');
-  EXPECT_FALSE(Queue(std::string(512, 'x')));
+  const std::string second(211, 'b');
   EXPECT_TRUE(Queue(first));
-  EXPECT_FALSE(Queue(std::string(212, 'x')));
-  const std::string second = std::string(210, 'b') + '\r';
+  EXPECT_FALSE(Queue(second + 'b'));
   EXPECT_TRUE(Queue(second));
-  EXPECT_FALSE(Queue("x"));
-  EXPECT_EQ(send_vpm_command("x", -1), -2);
   EXPECT_THAT(ReadLines(), testing::IsEmpty());
-  EXPECT_EQ(link.Receive(511), first + second) << "and nothing of what was refused";
-  EXPECT_TRUE(Queue(std::string(511, 'c')));
-}
-
-TEST(Framing, CutsThePortsBytesIntoLines) {
-  struct Row {
-    std::string received;
-    std::vector<std::string> lines;
-  };
-  const std::string across_two_reads = std::string(35, 'a') + "\r\n" + std::string(40, 'b') + "\r\n";
-  const Row rows[] = {
-      {"OK\r\n", {"OK"}},
-      {"\r\n\r\n", {}},
-      {"one\rtwo\nthree\r\n\nfour\r", {"one", "two", "three", "four"}},
-      {across_two_reads, {std::string(35, 'a'), std::string(40, 'b')}},
-      {std::string(63, 'c') + "\n" + std::string(64, 'd') + "\r\n02EB\r\n", {std::string(63, 'c'), "02EB"}},
-  };
-  const PausedLink link;
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.received);
-    link.Send(row.received);
-    EXPECT_EQ(ReadLines(), row.lines);
-  }
-}
-
-TEST(Framing, GivesUpALineThatDoesNotEnd) {
-  const PausedLink link;
-  for (const std::string& part : {std::string("02"), std::string(63, 'x'), std::string(80, 'x')}) {
-    link.Send(part);
-    const auto start = Clock::now();
-    EXPECT_THAT(ReadLines(4), testing::IsEmpty());
-    EXPECT_GE(Clock::now() - start, 4 * kPoll);
-    link.Send("OK\r");
-    EXPECT_THAT(ReadLines(), testing::ElementsAre("OK")) << "behind " << part;
-  }
-}
-
-TEST(ReplyStore, LineThatCameBeforeTheCommandLeftIsNotItsAnswer) {
-  PausedLink link;
-  link.Send("OLD\r");
-  ASSERT_TRUE(Queue("ASK\r"));
-  link.Resume();
-  EXPECT_EQ(link.Receive(4), "ASK\r");
-  EXPECT_FALSE(IsReplyStored());
-  link.Send("NEW\r");
-  EXPECT_EQ(TakeReply(kGenerousMs), "NEW");
+  EXPECT_EQ(link.Receive(511), first + second);
 }
 
 TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   PausedLink link;
-  ASSERT_EQ(send_vpm_command("RTCS\r", 5, 2), 0);
+  ASSERT_TRUE(Queue("RTCS\r", 2));
   EXPECT_EQ(TakeReply(0), "none") << "who gave up waits for nothing more";
   cancel_queued_commands();
   link.Resume();
@@ -262,7 +183,7 @@ bool IsCallerWaiting() {
 // The link keeps both lines of the answer from the moment when the transaction queues its command.
 TEST(ReplyStore, CallerThatWaitsLateReadsBothLines) {
   PausedLink link;
-  ASSERT_EQ(send_vpm_command("RTCS\r", 5, 2), 0);
+  ASSERT_TRUE(Queue("RTCS\r", 2));
   EXPECT_THAT(ReadLines(), testing::IsEmpty());
   EXPECT_EQ(link.Receive(5), "RTCS\r");
   link.Send("ONE\r\nTWO\r\nNOISE\r\n");
@@ -301,9 +222,7 @@ void AwaitGate(int) {
 TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
   constexpr size_t kTimes = 25;
   ASSERT_EQ(pipe(gate), 0);
-  struct sigaction action {};
-  action.sa_handler = AwaitGate;
-  ASSERT_EQ(sigaction(SIGUSR1, &action, nullptr), 0);
+  HandleSignal(SIGUSR1, AwaitGate);
   PausedLink link;
   std::atomic<size_t> taken{0};
   std::thread caller([&taken] {

@@ -3,7 +3,6 @@
 #ifndef TESTS_MCU_PAUSED_LINK_H
 #define TESTS_MCU_PAUSED_LINK_H
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <pthread.h>
@@ -12,9 +11,8 @@
 #include <string>
 #include <string_view>
 
-#include "mcu/link.h"
-#include "mcu/link_state.h"
-#include "simulator/mcu/pseudo_terminal.h"
+#include "simulator/line/pseudo_terminal.h"
+#include "tests/mcu/link_calls.h"
 #include "tests/support/process_state.h"
 
 inline constexpr int kGenerousMs = static_cast<int>(std::chrono::milliseconds(kGenerous).count());
@@ -24,15 +22,28 @@ inline bool IsReadable(int descriptor, int wait_ms) {
   return poll(&source, 1, wait_ms) == 1 && (source.revents & POLLIN) != 0;
 }
 
-inline bool IsReplyStored() {
-  const ScopedLock lock(*io_op_lock);
-  return last_command_valid;
+// What has come to the MCU's end of a line; waits for `size` characters of it.
+inline std::string ReceiveAt(int line, size_t size) {
+  std::string received;
+  while (IsReadable(line, received.size() < size ? kGenerousMs : 0)) {
+    char bytes[1024];
+    const ssize_t length = read(line, bytes, sizeof bytes);
+    if (length <= 0) break;
+    received.append(bytes, static_cast<size_t>(length));
+  }
+  return received;
+}
+
+// The I/O thread's next poll.
+inline int PollPort(std::chrono::milliseconds wait) {
+  unsigned char byte = 0;
+  return recvbyte_vpm(&byte, static_cast<unsigned int>(wait.count()));
 }
 
 class PausedLink {
  public:
   PausedLink() {
-    EXPECT_EQ(VPMOpen(line_.device_path().c_str(), O_RDWR), 0);
+    EXPECT_TRUE(OpenLink(line_.device_path()));
     io_thread_active = false;
     WakeIoThread();
     pthread_join(vpm_io_thread_handle, nullptr);
@@ -62,17 +73,7 @@ class PausedLink {
 
   bool HasReceived(int wait_ms) const { return IsReadable(line_.master(), wait_ms); }
 
-  // What the MCU has received; waits for `size` characters of it.
-  std::string Receive(size_t size) const {
-    std::string received;
-    while (HasReceived(received.size() < size ? kGenerousMs : 0)) {
-      char bytes[1024];
-      const ssize_t length = read(line_.master(), bytes, sizeof bytes);
-      if (length <= 0) break;
-      received.append(bytes, static_cast<size_t>(length));
-    }
-    return received;
-  }
+  std::string Receive(size_t size) const { return ReceiveAt(line_.master(), size); }
 
   // The line breaks: its port reads an end of file and fails to write.
   void HangUp() { line_.Close(); }

@@ -16,17 +16,12 @@ using Clock = std::chrono::steady_clock;
 constexpr milliseconds kPoll{30};
 constexpr int kNothing = -2;
 
-int Poll() {
-  unsigned char byte = 0;
-  return recvbyte_vpm(&byte, static_cast<unsigned int>(kPoll.count()));
-}
-
 // A line that is busy: its last byte has been taken just now.
 class QuietTime : public testing::Test {
  protected:
   QuietTime() {
     link_.Send("x");
-    EXPECT_EQ(Poll(), 0);
+    EXPECT_EQ(PollPort(kPoll), 0);
   }
 
   const Clock::time_point before_byte_ = Clock::now();
@@ -35,7 +30,7 @@ class QuietTime : public testing::Test {
 
 TEST_F(QuietTime, IsNoLongerWhenTheClockIsSetBack) {
   MoveWallClock(-hours(1));
-  auto poll = std::async(std::launch::async, Poll);
+  auto poll = std::async(std::launch::async, PollPort, kPoll);
   const bool has_ended = poll.wait_for(kGenerous) == std::future_status::ready;
   EXPECT_TRUE(has_ended) << "a command would wait until the clock has caught up";
   if (!has_ended) link_.Send("y");
@@ -44,7 +39,7 @@ TEST_F(QuietTime, IsNoLongerWhenTheClockIsSetBack) {
 
 TEST_F(QuietTime, IsNoShorterWhenTheClockIsSetForward) {
   MoveWallClock(hours(1));
-  EXPECT_EQ(Poll(), kNothing);
+  EXPECT_EQ(PollPort(kPoll), kNothing);
   EXPECT_GE(Clock::now() - before_byte_, kPoll) << "a command would leave amid what the MCU sends";
 }
 

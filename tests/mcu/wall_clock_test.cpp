@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <string>
 
@@ -33,8 +34,7 @@ struct Made {
   milliseconds took{0};
 };
 
-template <typename Call>
-std::future<Made> Start(Call call) {
+std::future<Made> Start(const std::function<ROLU_STATUS()>& call) {
   return std::async(std::launch::async, [=] {
     const auto start = Clock::now();
     const ROLU_STATUS status = call();
@@ -42,8 +42,11 @@ std::future<Made> Start(Call call) {
   });
 }
 
-void Record(const char* key, const Made& made) {
+// What came of it, which the test records.
+Made Finish(const char* key, std::future<Made>& call) {
+  const Made made = call.get();
   testing::Test::RecordProperty(key, static_cast<int>(made.took.count()));
+  return made;
 }
 
 class WallClock : public testing::Test {
@@ -56,8 +59,8 @@ class WallClock : public testing::Test {
   ~WallClock() override { EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS); }
 
   // A call whose command is at the MCU.
-  template <typename Call>
-  std::future<Made> StartWithAnswer(const std::string& command, const Reply& reply, Call call) {
+  std::future<Made> StartWithAnswer(const std::string& command, const Reply& reply,
+                                    const std::function<ROLU_STATUS()>& call) {
     board_.mcu().Log().Clear();
     board_.mcu().Script(CommandMatch::Exactly(command), reply);
     auto made = Start(call);
@@ -66,6 +69,17 @@ class WallClock : public testing::Test {
   }
   std::future<Made> AskTime(const Reply& reply) {
     return StartWithAnswer("WDTG", reply, [this] { return KAVO_ROLU_WD_GetTime(&time_); });
+  }
+
+  // The clock is set while the library waits for the answer.
+  Made AskWhileTheClockIsSet(const Reply& reply, seconds by) {
+    auto call = AskTime(reply);
+    EXPECT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
+    const auto set_at = Clock::now();
+    MoveWallClock(by);
+    const Made made = Finish("took_ms", call);
+    RecordProperty("after_set_us", static_cast<int>((Clock::now() - set_at) / std::chrono::microseconds(1)));
+    return made;
   }
 
   void ExpectNextCallsWhole() {
@@ -81,13 +95,7 @@ class WallClock : public testing::Test {
 };
 
 TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
-  auto call = AskTime(Reply::Silence());
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  const auto set_at = Clock::now();
-  MoveWallClock(hours(1));
-  const Made made = call.get();
-  const auto after_set = std::chrono::duration_cast<milliseconds>(Clock::now() - set_at);
-  RecordProperty("after_set_ms", static_cast<int>(after_set.count()));
+  const Made made = AskWhileTheClockIsSet(Reply::Silence(), hours(1));
   EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
   EXPECT_LT(made.took, kReplyWait);
   // The answer to it comes after all; the message behind it tells when the library has it.
@@ -101,11 +109,7 @@ TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
 
 TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerUntilItComes) {
   constexpr milliseconds kLaterThanTheWait(3300);
-  auto call = AskTime(Reply::Line("0007", kLaterThanTheWait));
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  MoveWallClock(-hours(1));
-  const Made made = call.get();
-  Record("took_ms", made);
+  const Made made = AskWhileTheClockIsSet(Reply::Line("0007", kLaterThanTheWait), -hours(1));
   EXPECT_EQ(made.status, ROLU_STATUS_SUCCESS);
   EXPECT_EQ(time_, 7);
   EXPECT_GE(made.took, kLaterThanTheWait);
@@ -113,11 +117,7 @@ TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerUntilItComes) {
 }
 
 TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerByAsMuch) {
-  auto call = AskTime(Reply::Silence());
-  ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
-  MoveWallClock(-seconds(1));
-  const Made made = call.get();
-  Record("took_ms", made);
+  const Made made = AskWhileTheClockIsSet(Reply::Silence(), -seconds(1));
   EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
   EXPECT_GE(made.took, kReplyWait + seconds(1));
   EXPECT_LT(made.took, kGenerous);
@@ -134,11 +134,9 @@ TEST_F(WallClock, SetForwardEndsTheWaitForTheLinkAndNoPostDelay) {
   auto opening = Start([] { return KAVO_ROLU_GSENSOR_Initialize(0); });
   ASSERT_TRUE(WaitUntil([] { return WaitsForLocks() == 1; }));
   MoveWallClock(hours(1));
-  const Made opened = opening.get();
+  const Made opened = Finish("link_took_ms", opening);
   MoveWallClock(-hours(1));
-  const Made held = holder.get();
-  Record("link_took_ms", opened);
-  Record("post_delay_took_ms", held);
+  const Made held = Finish("post_delay_took_ms", holder);
   EXPECT_EQ(opened.status, ROLU_STATUS_VPM_OPEN_FAILED);
   EXPECT_LT(opened.took, kLinkWait);
   EXPECT_EQ(held.status, ROLU_STATUS_SUCCESS);
@@ -156,8 +154,7 @@ TEST_F(WallClock, SetBackLengthensTheWaitForTheLink) {
   auto opening = Start([] { return KAVO_ROLU_GSENSOR_Initialize(0); });
   ASSERT_TRUE(WaitUntil([] { return WaitsForConditions() == 1 && WaitsForLocks() == 1; }));
   MoveWallClock(-hours(1));
-  const Made opened = opening.get();
-  Record("link_took_ms", opened);
+  const Made opened = Finish("link_took_ms", opening);
   EXPECT_EQ(opened.status, ROLU_STATUS_SUCCESS);
   EXPECT_GE(opened.took, kLinkWait);
   EXPECT_EQ(holder.get().status, ROLU_STATUS_SUCCESS);

@@ -27,8 +27,9 @@ CallRow Fails(std::string name, Call call, std::vector<Answer> answers, ROLU_STA
   return {std::move(name), std::move(call), std::move(answers), status, {}, std::move(wire)};
 }
 
-CallRow OrUnreadable(CallRow row, ROLU_STATUS status) {
-  row.unreadable = status;
+CallRow Reads(CallRow row, std::vector<Reading> readings, ROLU_STATUS unreadable) {
+  row.readings = std::move(readings);
+  row.unreadable = unreadable;
   return row;
 }
 

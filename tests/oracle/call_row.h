@@ -11,12 +11,11 @@
 #include <vector>
 
 #include "kavo_rolu.h"
-#include "simulator/mcu/reply_script.h"
+#include "simulator/line/reply.h"
 
 namespace rolu_test {
 
-// Makes the call. `output` is the memory that the call writes its results to, null when the row
-// tests a missing one.
+// Makes the call. `output` is the memory that the call writes its results to.
 using Call = std::function<ROLU_STATUS(void* output)>;
 
 // What the MCU answers to one command in place of its model: a line, or any other reply.
@@ -28,6 +27,10 @@ struct Answer {
 };
 
 using Bytes = std::vector<unsigned char>;
+
+// What an operation makes of one reply; false where it cannot be read. See meaning.h.
+struct Course;
+using Reading = std::function<bool(const std::string& reply, Course& course)>;
 
 struct CallRow {
   // In a table of operations: the export's name without its prefix, and behind a blank what else
@@ -44,16 +47,16 @@ struct CallRow {
   std::string wire = {};
   // The call lasts at least as long.
   int post_delay_ms = 0;
-  bool output_is_null = false;
 
   // The rest is for the faults that are derived from a table of operations.
   //
+  // What is made of the replies, in the order of the commands. Behind the last reading only an error
+  // matters, as it does to an order.
+  std::vector<Reading> readings = {};
   // The status for a line that is none of the operation's answers, where it can tell.
   ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS;
-  // Those of its commands, from 0 on, whose failure does not matter to it.
+  // The numbers of its commands, from 0 on, whose failure does not matter to it.
   std::vector<size_t> indifferent = {};
-  // The call has written this when a command after the first fails.
-  Bytes first_output = {};
   // The call brings its family up, which has to be down before it.
   bool brings_up = false;
   // Made after each success, where the call would not say the same to the MCU once more. Not after a
@@ -69,8 +72,8 @@ CallRow Gives(std::string name, Call call, std::vector<Answer> answers, Bytes ou
 CallRow Fails(std::string name, Call call, std::vector<Answer> answers, ROLU_STATUS status,
               std::string wire = {});
 
-// The row of a call that answers `status` to a line which is none of its answers.
-CallRow OrUnreadable(CallRow row, ROLU_STATUS status);
+// The row with its readings, and the status for what they cannot read.
+CallRow Reads(CallRow row, std::vector<Reading> readings, ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS);
 
 // Calls of the usual forms; more go into a lambda.
 inline Call Plain(ROLU_STATUS (*function)()) {
@@ -83,6 +86,10 @@ Call With(ROLU_STATUS (*set)(Parameter), Argument argument) {
 template <typename Value>
 Call Into(ROLU_STATUS (*get)(Value*)) {
   return [get](void* output) { return get(static_cast<Value*>(output)); };
+}
+// The same call with a null output.
+inline Call OnNull(Call call) {
+  return [call = std::move(call)](void*) { return call(nullptr); };
 }
 // A switch as some compilers pass it: any byte, not only 0 and 1.
 Call WithByte(ROLU_STATUS (*set)(bool), unsigned int byte);

@@ -9,7 +9,6 @@
 #include "mcu/error_reply.h"
 #include "mcu/reply_fields.h"
 #include "tests/oracle/plain_reading.h"
-#include "tests/oracle/wire_model.h"
 #include "vpm/clock_fields.h"
 #include "vpm/voltage_scale.h"
 #include "vpm/vpm_manager.h"

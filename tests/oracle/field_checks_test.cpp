@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <sstream>
 
 #include "mcu/error_reply.h"
 #include "mcu/reply_fields.h"
@@ -17,37 +18,14 @@ namespace rolu_test {
 namespace {
 
 TEST(ReplyFields, NumbersAreReadAsA32BitStrtolReadsThem) {
-  for (const char* sign : {"", "-", "+", "--", " \t", "\v\f -", "- "}) {
-    for (const char* digits : {"",
-                               "0",
-                               "02EB",
-                               "02eb",
-                               "0x1F",
-                               "0X1f",
-                               "0x",
-                               "0xG",
-                               "0x-1",
-                               "12G4",
-                               "12 34",
-                               "OK",
-                               "\xff",
-                               "7FFFFFFF",
-                               "80000000",
-                               "80000001",
-                               "FFFFFFFF",
-                               "100000000",
-                               "1FFFFFFFFFFFFFFFFFF",
-                               "00000000000000000000001A",
-                               "1000000000000001",
-                               "1021",
-                               "0b101",
-                               "0B1",
-                               "2",
-                               "1111111111111111111111111111111",
-                               "10000000000000000000000000000000",
-                               "10000000000000000000000000000001",
-                               "100000000000000000000000000000000000000000000000000000000000001"}) {
-      EXPECT_TRUE(NumbersAgree(std::string(sign) + digits)) << sign << digits;
+  std::istringstream all_digits(
+      "|0|02EB|02eb|0x1F|0X1f|0x|0xG|0x-1|12G4|12 34|OK|\xff|7FFFFFFF|80000000|80000001|FFFFFFFF|100000000|"
+      "1FFFFFFFFFFFFFFFFFF|00000000000000000000001A|1000000000000001|1021|0b101|0B1|2|"
+      "1111111111111111111111111111111|10000000000000000000000000000000|10000000000000000000000000000001|"
+      "100000000000000000000000000000000000000000000000000000000000001");
+  for (std::string digits; std::getline(all_digits, digits, '|');) {
+    for (const char* sign : {"", "-", "+", "--", " \t", "\v\f -", "- "}) {
+      EXPECT_TRUE(NumbersAgree(sign + digits)) << sign << digits;
     }
   }
   EXPECT_EQ(ReadHexadecimal("123456789"), std::numeric_limits<int32_t>::max());
@@ -66,17 +44,13 @@ TEST(ReplyFields, FieldsAndCharactersAreThoseOfTheReplyAlone) {
   EXPECT_TRUE(CharactersAgree("02EB", std::numeric_limits<int32_t>::min()));
 }
 
-void ExpectFloats() {
+TEST(ReplyFields, FloatsAreReadWithAPoint) {
   for (const char* text : {"0.01582", "3.7V", "-0.5", "+.5", ".", "5", "5.", "0,5", "", "V3.7", " 1.5"}) {
     EXPECT_TRUE(FloatsAgree(text)) << text;
   }
   float value = 0;
   EXPECT_TRUE(ReadFloat(" -1e2", &value));
   EXPECT_EQ(value, -100.0F);
-}
-
-TEST(ReplyFields, FloatsAreReadWithAPoint) {
-  ExpectFloats();
 }
 
 // One of the system's locales whose numbers have a decimal comma, or one made here for this test.

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "tests/oracle/meaning.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_test {
 namespace {
@@ -50,6 +50,29 @@ OutputMemory MemoryWith(const Bytes& bytes) {
   memory.fill(kUnwritten);
   std::copy_n(bytes.begin(), std::min(bytes.size(), memory.size()), memory.begin());
   return memory;
+}
+
+Made MakeCall(const Call& call) {
+  Made made = {.output = MemoryWith({})};
+  const auto start = std::chrono::steady_clock::now();
+  made.status = call(made.output.data());
+  made.duration =
+      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  return made;
+}
+
+void ScriptAnswers(rolu_sim::McuSerial& mcu, const CallRow& row) {
+  mcu.Log().Clear();
+  mcu.ClearScript();
+  for (const Answer& answer : row.answers) mcu.Script(rolu_sim::CommandMatch::Any(), answer.reply);
+}
+
+std::string TrafficTo(rolu_sim::McuSerial& mcu) {
+  std::string bytes;
+  for (const rolu_sim::WireEvent& chunk : mcu.Log().Chunks()) {
+    if (chunk.direction == rolu_sim::Direction::kToMcu) bytes += chunk.bytes;
+  }
+  return bytes;
 }
 
 std::string BytesOf(const Answer& answer) {

@@ -4,15 +4,17 @@
 
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <string>
 
+#include "simulator/line/mcu_serial.h"
 #include "tests/oracle/call_row.h"
 
 namespace rolu_test {
 
 // The memory that a call is given: room for any result, filled so that a byte that was written
 // shows, and so does one too many.
-using OutputMemory = std::array<unsigned char, 96>;
+using OutputMemory = std::array<unsigned char, 272>;
 
 // Memory that holds these bytes, and otherwise what it held before the call.
 OutputMemory MemoryWith(const Bytes& bytes);
@@ -24,10 +26,17 @@ std::string StatusText(ROLU_STATUS status);
 
 struct Made {
   ROLU_STATUS status = ROLU_STATUS_SUCCESS;
-  OutputMemory output = {};
+  alignas(std::max_align_t) OutputMemory output = {};
   std::string traffic = {};
   std::chrono::milliseconds duration{0};
 };
+
+// Makes the call. What it sends is for the caller to add.
+Made MakeCall(const Call& call);
+
+// The MCU gives the row's answers to the commands that come now, which are what TrafficTo tells.
+void ScriptAnswers(rolu_sim::McuSerial& mcu, const CallRow& row);
+std::string TrafficTo(rolu_sim::McuSerial& mcu);
 
 // How a call has to end.
 struct Ending {

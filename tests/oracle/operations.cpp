@@ -30,7 +30,7 @@ std::vector<CallRow> VpmOperations() {
                 &BackupBatteryOperations()},
                {ComesUp("VPM_Initialize", With(KAVO_ROLU_VPM_Initialize, 0),
                         {"OK", "*VER:  1. 26*", "0.01582", "0.015385", "02AA02EB030C", "052F05AE05ED"},
-                        kVpmStartUpWire, {0, 2, 3})});
+                        "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\rMCPR2\r", {0, 2, 3})});
 }
 
 std::vector<CallRow> GSensorAndItsSwitches() {

@@ -48,9 +48,6 @@ std::vector<Operation> AllOperations();
 inline constexpr float k12V = 0.015385F;
 inline constexpr float k24V = 0.01582F;
 
-// What VPM_Initialize asks, in its order.
-inline constexpr char kVpmStartUpWire[] = "Hello\rATF0\rMCVU2\rMCVU3\rMCPR3\rMCPR2\r";
-
 }  // namespace rolu_test
 
 #endif  // TESTS_ORACLE_OPERATIONS_H

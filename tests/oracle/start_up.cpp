@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "tests/oracle/plain_reading.h"
-#include "tests/oracle/wire_model.h"
 
 namespace rolu_test {
 namespace {
@@ -51,6 +50,18 @@ bool LearnRange(const std::string& text, float scale, BATTERY_INFO& range) {
 }
 
 }  // namespace
+
+std::string StartUp::FaultOfLibrary(bool is_up) const {
+  BATTERY_INFO ranges[2] = {};
+  VPM_FIRMWARE_INFO name = {};
+  if (KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_12V, &ranges[0]) != ROLU_STATUS_SUCCESS ||
+      KAVO_ROLU_VPM_GetLBPThresholdInfo(CAR_BATTERY_MODE_24V, &ranges[1]) != ROLU_STATUS_SUCCESS)
+    return "a range is not told";
+  if (KAVO_ROLU_VPM_GetFWVersion(&name) != (is_up ? ROLU_STATUS_SUCCESS : ROLU_STATUS_NOT_INITIALIZED))
+    return "the firmware is told while the family is down, or not while it is up";
+  if (Written(ranges) != Written(range_12v, range_24v)) return "another range";
+  return is_up && Written(name) != Characters(firmware, sizeof name) ? "another firmware" : "";
+}
 
 void StartUp::Learn(const Replies& replies) {
   const std::string text = TextOf(replies[1]).substr(0, 31);

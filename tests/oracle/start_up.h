@@ -14,6 +14,10 @@ struct StartUp {
   BATTERY_INFO range_12v = {};
   BATTERY_INFO range_24v = {};
 
+  // What is wrong with the ranges that the library tells, and with the firmware's name, which it tells while
+  // it is up; empty if all is as here.
+  std::string FaultOfLibrary(bool is_up) const;
+
   // Takes what these answers to its six commands tell. What they leave out stays as it was.
   void Learn(const Replies& replies);
 };

@@ -29,17 +29,6 @@ inline Call GetWakeup(int source) {
   return GetSwitch(KAVO_ROLU_VPM_GetWakeupSourceControlStatus, source);
 }
 
-// What the wake-up alarm's query writes, one after the other.
-struct Alarm {
-  ALARM_MODE mode;
-  VPM_ALARM_TIME time;
-};
-inline ROLU_STATUS GetAlarm(void* output) {
-  auto* alarm = static_cast<Alarm*>(output);
-  return KAVO_ROLU_VPM_GetAlarmTime(alarm == nullptr ? nullptr : &alarm->mode,
-                                    alarm == nullptr ? nullptr : &alarm->time);
-}
-
 }  // namespace rolu_test
 
 #endif  // TESTS_ORACLE_VPM_CALLS_H

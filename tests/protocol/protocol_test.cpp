@@ -12,7 +12,7 @@
 #include "simulator/mcu/mcu_model.h"
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
-#include "tests/oracle/wire_model.h"
+#include "tests/oracle/plain_reading.h"
 
 namespace rolu_test {
 namespace {
@@ -31,7 +31,7 @@ const CallRow& RowNamed(const std::string& name) {
   throw std::out_of_range(name);
 }
 
-TEST(Protocol, knows_each_command_that_the_library_sends_and_no_other) {
+TEST(Protocol, KnowsEachCommandThatTheLibrarySendsAndNoOther) {
   std::set<std::string_view> sent;
   for (const Operation& operation : AllOperations()) {
     const CallRow& row = *operation.row;
@@ -57,7 +57,7 @@ TEST(Protocol, knows_each_command_that_the_library_sends_and_no_other) {
 }
 
 // What the library sends suits the simulated MCU, whose answers suit the table and its words.
-TEST(Protocol, is_what_the_simulated_mcu_speaks) {
+TEST(Protocol, IsWhatTheSimulatedMcuSpeaks) {
   std::set<std::string_view> asked;
   for (const Operation& operation : AllOperations()) {
     rolu_sim::McuModel mcu;
@@ -67,6 +67,7 @@ TEST(Protocol, is_what_the_simulated_mcu_speaks) {
       const rolu_protocol::Command& known = *rolu_protocol::FindCommand(line);
       const std::vector<std::string> answer = mcu.Execute(line, {});
       ASSERT_EQ(answer.size(), static_cast<size_t>(known.answer_lines)) << line;
+      EXPECT_NE(answer.back(), rolu_protocol::kUnknownCommandReply) << line << ": no case, no factory answer";
       EXPECT_TRUE(rolu_protocol::ParseFields(answer.back(), known.answer_fields))
           << line << " is answered with " << answer.back();
       rolu_protocol::Words words;
@@ -78,10 +79,11 @@ TEST(Protocol, is_what_the_simulated_mcu_speaks) {
   EXPECT_EQ(asked.size(), std::size(kCommands));
 }
 
-TEST(Protocol, refuses_fields_that_stand_for_nothing) {
-  for (const char* const line : {"WDTS012", "WDTS012C0", "WDTS012c", "WDTS-12C", "MCVU4", "MCUG5", "MCUG8",
-                                 "MSSS2", "MCS11", "MCS01234", "WKMS1", "WKMS011", "WKMS27", "WKMS-11",
-                                 "ARGI02", "MCBS01", "MCPS3202EB", "RTAS00000", "WDTR1"}) {
+TEST(Protocol, RefusesFieldsThatStandForNothing) {
+  for (const char* const line :
+       {"WDTS012", "WDTS012C0", "WDTS012c",   "WDTS-12C",   "MCVU4",   "MCUG5",     "MCUG8",
+        "MSSS2",   "MCS11",     "MCS01234",   "WKMS1",      "WKMS011", "WKMS27",    "WKMS-11",
+        "ARGI02",  "MCBS01",    "MCPS3202EB", "MCPS3102eb", "MCAS0x",  "RTAS00000", "WDTR1"}) {
     const rolu_protocol::Command* const known = rolu_protocol::FindCommand(line);
     ASSERT_NE(known, nullptr) << line;
     EXPECT_FALSE(rolu_protocol::ParseCommandFields(line, *known)) << line;
@@ -91,7 +93,7 @@ TEST(Protocol, refuses_fields_that_stand_for_nothing) {
   }
 }
 
-TEST(Protocol, splits_fields_whose_width_the_line_tells) {
+TEST(Protocol, SplitsFieldsWhoseWidthTheLineTells) {
   const auto fields = [](const char* line) {
     return *rolu_protocol::ParseCommandFields(line, *rolu_protocol::FindCommand(line));
   };
@@ -101,19 +103,18 @@ TEST(Protocol, splits_fields_whose_width_the_line_tells) {
   EXPECT_EQ(fields("MCPS3102EB")[2].number, 747U);
 }
 
-TEST(Protocol, has_the_error_replies_of_the_library) {
+TEST(Protocol, HasTheErrorRepliesOfTheLibrary) {
   EXPECT_THAT(rolu_protocol::kErrorReplies, testing::ElementsAreArray(kErrorReplies));
 }
 
-TEST(Protocol, has_the_wakeup_codes_of_the_library) {
+TEST(Protocol, HasTheWakeupCodesOfTheLibrary) {
   const CallRow& row = RowNamed("VPM_GetLastWakeupSource");
   for (unsigned int code = 0; code < 256; ++code) {
     char text[3];
     snprintf(text, sizeof text, "%02X", code);
     const Ending ending = MeaningOf(row, {text});
     const auto* const known =
-        std::find_if(rolu_protocol::kWakeupCodes.begin(), rolu_protocol::kWakeupCodes.end(),
-                     [&](const auto& entry) { return entry.code == code; });
+        std::ranges::find(rolu_protocol::kWakeupCodes, code, &rolu_protocol::WakeupCode::code);
     const bool is_known = known != rolu_protocol::kWakeupCodes.end();
     ASSERT_EQ(ending.status == ROLU_STATUS_SUCCESS, is_known) << text;
     if (!is_known) continue;
@@ -121,7 +122,7 @@ TEST(Protocol, has_the_wakeup_codes_of_the_library) {
   }
 }
 
-TEST(Protocol, reads_and_writes_the_alarm_as_the_library_does) {
+TEST(Protocol, ReadsAndWritesTheAlarmAsTheLibraryDoes) {
   const CallRow& row = RowNamed("VPM_GetAlarmTime");
   for (const unsigned int number : {0x000000U, 0x000001U, 0x00E101U, 0x01E101U, 0xA0CB0DU, 0xA14B9BU}) {
     char text[7];
@@ -137,7 +138,7 @@ TEST(Protocol, reads_and_writes_the_alarm_as_the_library_does) {
   }
 }
 
-TEST(Protocol, has_the_scales_of_the_library) {
+TEST(Protocol, HasTheScalesOfTheLibrary) {
   EXPECT_EQ(static_cast<float>(rolu_protocol::kBatterySystems[0].volts_per_unit), k24V);
   EXPECT_EQ(static_cast<float>(rolu_protocol::kBatterySystems[1].volts_per_unit), k12V);
   for (const rolu_protocol::BatterySystem& system : rolu_protocol::kBatterySystems) {

@@ -83,7 +83,7 @@ TEST_F(BoardDescriptor, CopiesGoOnWhereAnotherLeftOffAndTheLastClosesTheDevice) 
     const UniqueFd second(copy_of(first.get()));
     EXPECT_EQ(Read(first.get(), 2), "ab");
     EXPECT_EQ(Read(second.get(), 2), "cd");
-    EXPECT_EQ(InChild([&] { return Read(second.get(), 1) == "e"; }), 0);
+    EXPECT_EQ(InChild([&] { return Read(second.get(), 1) == "e" && close(second.get()) == 0; }), 0);
     first.Reset();
     EXPECT_EQ(OpenCount(), 1U);
     EXPECT_EQ(Read(second.get(), 8), "f\n");
@@ -181,7 +181,7 @@ TEST_F(BoardDescriptor, EveryStatCallTellsWhatItIs) {
 }
 
 TEST_F(BoardDescriptor, StreamsSeekAndNameTheirDescriptor) {
-  FILE* const stream = fdopen(open(kLuxPath, O_RDONLY), "r");
+  FILE* stream = fopen(kLuxPath, "r");
   ASSERT_NE(stream, nullptr);
   EXPECT_EQ(fgetc(stream), 'a');
   board_.light_sensor().SetText("new\n");
@@ -190,6 +190,11 @@ TEST_F(BoardDescriptor, StreamsSeekAndNameTheirDescriptor) {
   EXPECT_EQ(ReadAt(fileno(stream), 3, 0), "new");
   fclose(stream);
   EXPECT_EQ(OpenCount(), 0U);
+  stream = fdopen(open(kBacklightPath, O_WRONLY), "w");
+  ASSERT_NE(stream, nullptr);
+  EXPECT_EQ(fprintf(stream, "%d", 4), 1);
+  EXPECT_EQ(fclose(stream), 0);
+  EXPECT_EQ(board_.backlight().level(), 4);
 }
 
 TEST_F(BoardDescriptor, StandardOutputIsADeviceWhileItIsLedToOne) {

@@ -11,11 +11,9 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/utsname.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -24,8 +22,6 @@
 #include <vector>
 
 #include "simulator/board.h"
-#include "simulator/preloaded.h"
-#include "tests/support/text_node.h"
 
 namespace rolu_sim {
 namespace {
@@ -33,26 +29,18 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-constexpr uint8_t kEeprom = 0x50;
-
 class DeviceNodes : public testing::Test {
  protected:
-  DeviceNodes() {
-    board_.AttachThisProcess();
-    board_.i2c().Attach(kEeprom, eeprom_);
-    board_.devices().AddNode(kBacklightPath, std::make_shared<rolu_test::TextNode>("350\n"));
-    board_.devices().RemoveNode(kLuxPath);
-  }
+  DeviceNodes() { board_.AttachThisProcess(); }
 
   Board board_;
-  std::shared_ptr<I2cRegisterDevice> eeprom_ = std::make_shared<I2cRegisterDevice>();
 };
 
 TEST_F(DeviceNodes, I2cTransfersReachTheAddressedDevice) {
-  eeprom_->SetRegister(0x10, 0xAB);
+  board_.register_device().SetRegister(0x10, 0xAB);
   const int bus = open(kI2cBusPath, O_RDWR);
   ASSERT_GE(bus, 0);
-  ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, kEeprom), 0);
+  ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, Board::kRegisterDeviceAddress), 0);
   EXPECT_EQ(write(bus, "\x10", 1), 1);
   unsigned char bytes[2] = {};
   const volatile size_t wanted = sizeof bytes;  // makes a fortified read of it
@@ -71,7 +59,7 @@ TEST_F(DeviceNodes, I2cTransfersReachTheAddressedDevice) {
 
 TEST_F(DeviceNodes, I2cAddressesRefuseAsTold) {
   board_.i2c().RefuseSelection(0x21, EBUSY);
-  board_.i2c().RefuseTransfers(kEeprom, ETIMEDOUT);
+  board_.i2c().RefuseTransfers(Board::kRegisterDeviceAddress, ETIMEDOUT);
   const UniqueFd bus(open(kI2cBusPath, O_RDWR | O_CLOEXEC));
   const auto write_to = [&](unsigned address) {
     errno = 0;
@@ -80,50 +68,9 @@ TEST_F(DeviceNodes, I2cAddressesRefuseAsTold) {
     return errno;
   };
   EXPECT_EQ(write_to(0x21), EBUSY);
-  EXPECT_EQ(write_to(kEeprom), ETIMEDOUT);
+  EXPECT_EQ(write_to(Board::kRegisterDeviceAddress), ETIMEDOUT);
   EXPECT_EQ(write_to(0x33), EREMOTEIO);
   EXPECT_EQ(write_to(0x80), EINVAL);
-}
-
-TEST_F(DeviceNodes, FaultsOfAPathReachTheProgram) {
-  const auto open_errno = [](const char* path) { return UniqueFd(open(path, O_RDWR)) ? 0 : errno; };
-  EXPECT_EQ(open_errno("/sys/class/gpio/gpio45/value"), ENOENT);
-  DeviceFaults faults;
-  faults.open_errno = EACCES;
-  board_.devices().SetFaults(kI2cBusPath, faults);
-  EXPECT_EQ(open_errno(kI2cBusPath), EACCES);
-  faults.missing = true;
-  board_.devices().SetFaults(kI2cBusPath, faults);
-  EXPECT_EQ(open_errno(kI2cBusPath), ENOENT);
-
-  faults = {};
-  faults.write_errno = EIO;
-  faults.max_read_bytes = 2;
-  board_.devices().SetFaults(kBacklightPath, faults);
-  const UniqueFd node(open(kBacklightPath, O_RDWR));
-  char text[8] = {};
-  EXPECT_EQ(write(node.get(), "5", 1), -1);
-  EXPECT_EQ(errno, EIO);
-  EXPECT_EQ(read(node.get(), text, sizeof text), 2);
-  EXPECT_EQ(open_errno("/proc/vpm_serial"), 0);
-  board_.RemoveSerialDevice();
-  EXPECT_EQ(open_errno("/proc/vpm_serial"), ENOENT);
-}
-
-TEST_F(DeviceNodes, StreamsReadAndWriteAttributes) {
-  int level = 0;
-  FILE* stream = fopen(kBacklightPath, "r");
-  ASSERT_NE(stream, nullptr);
-  EXPECT_EQ(fscanf(stream, "%d", &level), 1);
-  EXPECT_EQ(level, 350);
-  EXPECT_EQ(fclose(stream), 0);
-  stream = fopen(kBacklightPath, "w");
-  ASSERT_NE(stream, nullptr);
-  EXPECT_EQ(fprintf(stream, "%d", 10), 2);
-  EXPECT_EQ(fclose(stream), 0);
-  EXPECT_THAT(board_.devices().Writes(kBacklightPath), ElementsAre("10"));
-  EXPECT_EQ(fopen(kLuxPath, "r"), nullptr);
-  EXPECT_EQ(errno, ENOENT);
 }
 
 TEST_F(DeviceNodes, StatAndAccessTellWhatIsThere) {
@@ -135,7 +82,7 @@ TEST_F(DeviceNodes, StatAndAccessTellWhatIsThere) {
   ASSERT_EQ(lstat("/proc/vpm_serial", &status), 0);
   EXPECT_TRUE(S_ISCHR(status.st_mode));
   EXPECT_EQ(access(kI2cBusPath, R_OK | W_OK), 0);
-  EXPECT_EQ(access(kLuxPath, F_OK), -1);
+  EXPECT_EQ(access("/sys/class/gpio/gpio45/value", F_OK), -1);
   EXPECT_EQ(errno, ENOENT);
 }
 
@@ -181,28 +128,8 @@ TEST_F(DeviceNodes, PathsAreTakenAsTheSystemTakesThem) {
   EXPECT_TRUE(UniqueFd(open("export", O_WRONLY | O_CLOEXEC)));
   struct stat status {};
   EXPECT_EQ(stat("../../class", &status), 0);
+  EXPECT_EQ(stat("/sys/..", &status), 0);
   EXPECT_EQ(fchdir(before.get()), 0);
-}
-
-TEST_F(DeviceNodes, AChildThatClosesAnInheritedNodeLeavesItOpen) {
-  const int bus = open(kI2cBusPath, O_RDWR);
-  const pid_t child = fork();
-  if (child == 0) _exit(close(bus));
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, kEeprom), 0);
-  close(bus);
-}
-
-TEST_F(DeviceNodes, ADescriptorThatWasReplacedIsNoNodeAnyMore) {
-  const int bus = open(kI2cBusPath, O_RDWR);
-  const UniqueFd zero(open("/dev/zero", O_RDONLY));
-  ASSERT_EQ(dup2(zero.get(), bus), bus);
-  char byte = 'x';
-  EXPECT_EQ(read(bus, &byte, 1), 1);
-  EXPECT_EQ(byte, '\0');
-  close(bus);
 }
 
 TEST_F(DeviceNodes, TheKernelsNamesAreTheBoardsWhileItIsAttached) {
@@ -240,15 +167,19 @@ std::ptrdiff_t OpenDescriptors() {
 
 TEST(Board, IsGoneWithoutATrace) {
   const std::ptrdiff_t descriptors_before = OpenDescriptors();
+  setenv("PATH", "/a::/b:", 1);
   std::string root;
   {
     Board board;
     board.AttachThisProcess();
+    board.AttachThisProcess();
     root = board.root().path();
+    EXPECT_EQ(getenv("PATH"), root + "/bin:/a::/b:");
     EXPECT_TRUE(std::filesystem::exists(root));
     EXPECT_TRUE(UniqueFd(open(kI2cBusPath, O_RDWR)));
   }
   EXPECT_FALSE(std::filesystem::exists(root));
+  EXPECT_STREQ(getenv("PATH"), "/a::/b:");
   EXPECT_EQ(OpenDescriptors(), descriptors_before);
   const int seen = access(kI2cBusPath, F_OK) == 0 ? 0 : errno;
   const int here = syscall(SYS_faccessat, AT_FDCWD, kI2cBusPath, F_OK) == 0 ? 0 : errno;
@@ -266,8 +197,6 @@ TEST(Board, HasRoomBesideTwoHundredOthers) {
     setenv("TMPDIR", "/dev/shm", 1);  // a disk would take a second and a half
   // Two threads each, in the address space of a 32-bit program.
   pthread_attr_t small_stacks;
-  pthread_attr_t usual_stacks;
-  pthread_getattr_default_np(&usual_stacks);
   pthread_attr_init(&small_stacks);
   pthread_attr_setstacksize(&small_stacks, 1 << 20);
   pthread_setattr_default_np(&small_stacks);
@@ -280,9 +209,6 @@ TEST(Board, HasRoomBesideTwoHundredOthers) {
     char answer[8] = {};
     EXPECT_GT(read(port.get(), answer, sizeof answer), 0);
   }
-  boards.clear();
-  pthread_setattr_default_np(&usual_stacks);
-  setrlimit(RLIMIT_NOFILE, &descriptors);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "simulator/mcu/mcu_serial.h"
+#include "simulator/line/mcu_serial.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <future>
 
 namespace rolu_sim {
 namespace {
@@ -66,7 +65,7 @@ TEST(McuSerial, LetsScriptedRepliesGoBeforeTheModel) {
   const Host host(serial);
   serial.Script(CommandMatch::Exactly("MCBG"), Reply::Lines({"one", "two"}), 2);
   serial.Script(CommandMatch::StartingWith("WDT"), Reply::Silence(), kEveryTime);
-  serial.Script(CommandMatch::Exactly("MCVG"), Reply::Trickle("02\r", 1ms).Then("\xff[", 1ms));
+  serial.Script(CommandMatch::Exactly("MCVG"), Reply::Bytes("02\r", 1ms).Then("\xff[", 1ms));
   host.Send("MCBG\rWDTG\rWDTS0001\rMCBG\rMCBG\r");
   EXPECT_EQ(host.Read(24), "one\r\ntwo\r\none\r\ntwo\r\n03\r\n");
   host.Send("MCVG\r");
@@ -90,14 +89,38 @@ TEST(McuSerial, SendsALateLineAfterTheAnswerToALaterCommand) {
 TEST(McuSerial, SendsUnaskedBytesAndStaysSilentWhenToldTo) {
   McuSerial serial;
   const Host host(serial);
-  serial.SendRaw("[0001]\r");
-  EXPECT_EQ(host.Read(7), "[0001]\r");
+  const auto warn = [&](PowerOffWarning warning) {
+    serial.WithModel([&](McuModel& mcu) { mcu.WarnOfPowerOff(warning); });
+  };
+  serial.SendRaw("[x]\r");
+  EXPECT_TRUE(serial.WithModel([](McuModel& mcu) {
+    mcu.gsensor = {.on = true, .alarm_on = true};
+    return mcu.ShakeTo({600, 0, 256});
+  }));
   serial.SetSilent(true);
+  warn(PowerOffWarning::kIgnition);
   host.Send("MCBG\r");
   ASSERT_TRUE(serial.WaitForCommand("MCBG", kPatience));
   serial.SetSilent(false);
+  warn(PowerOffWarning::kLowVoltage);
   host.Send("WDTG\r");
-  EXPECT_EQ(host.Read(6), "003C\r\n");
+  EXPECT_EQ(host.Read(37), "[x]\r[GI:025800000100]\r\n[0001]\r\n003C\r\n");
+}
+
+TEST(McuSerial, TellsTheOwnerOfEventsAndSendsWhatIsDue) {
+  std::vector<McuEventKind> heard;
+  McuSerialOptions options;
+  options.event_listener = [&](const McuEvent& event) { heard.push_back(event.kind); };
+  McuSerial serial(options);
+  const Host host(serial);
+  const auto start = std::chrono::steady_clock::now();
+  host.Send("WDTS0001\rWDTE\rMCUS30001\rATPO\r");
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerOff, kPatience));
+  serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kWatchdogBite, kPatience));
+  EXPECT_THAT(serial.Events().back().time - start, Ge(1s));
+  EXPECT_EQ(host.Read(24), "OK\r\nOK\r\nOK\r\nOK\r\n[0000]\r\n");
+  EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerOff, McuEventKind::kWatchdogBite));
 }
 
 TEST(McuSerial, TakesTheTimeOfTheLineWhenPaced) {

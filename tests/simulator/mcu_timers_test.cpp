@@ -1,19 +1,12 @@
 // What the MCU does by itself, by a clock that the test turns.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <unistd.h>
 
-#include <array>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "simulator/mcu/mcu_model.h"
-#include "simulator/mcu/mcu_serial.h"
-#include "simulator/unique_fd.h"
 
 namespace rolu_sim {
 namespace {
@@ -23,19 +16,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 using TimedLine = std::pair<std::chrono::milliseconds, std::string>;
-
-// Reads until `end` has arrived.
-std::string ReadUntil(int port, std::string_view end) {
-  std::string received;
-  pollfd source{port, POLLIN, 0};
-  while (received.find(end) == std::string::npos && poll(&source, 1, 10000) == 1) {
-    std::array<char, 256> bytes{};
-    const ssize_t length = read(port, bytes.data(), bytes.size());
-    if (length <= 0) break;
-    received.append(bytes.data(), static_cast<size_t>(length));
-  }
-  return received;
-}
 
 // Plays McuSerial: calls the model whenever it is due, until `until`.
 class McuTimers : public testing::Test {
@@ -125,6 +105,12 @@ TEST_F(McuTimers, LetTheWatchdogBiteOnceWhenItIsNotTriggered) {
   RunUntil(60s);
   EXPECT_THAT(TimesOf(McuEventKind::kWatchdogBite), ElementsAre(3500ms));
   EXPECT_FALSE(mcu_.watchdog.enabled);
+  EXPECT_EQ(mcu_.watchdog.trigger_count, 1U);
+
+  mcu_.Execute("WDTE", now_);
+  mcu_.Execute("WDTD", now_);
+  RunUntil(120s);
+  EXPECT_THAT(TimesOf(McuEventKind::kWatchdogBite), ElementsAre(3500ms));
 }
 
 struct AlarmRow {
@@ -175,51 +161,6 @@ TEST_F(McuTimers, ReportAShakeOnlyAboveTheThresholdWithSensorAndAlarmOn) {
   EXPECT_FALSE(mcu_.ShakeTo(shaken));
   EXPECT_THAT(RunUntil(1s), ElementsAre(TimedLine(0s, "[GI:FDFF00000100]")));
   EXPECT_THAT(mcu_.Execute("GSV", now_), ElementsAre("VFDFF00000100"));
-}
-
-// The same, driven by the thread and the clock of a port.
-TEST(McuSerialTimers, TellTheOwnerOfEventsAndDriveDueLines) {
-  std::mutex mutex;
-  std::vector<McuEventKind> heard;
-  McuSerialOptions options;
-  options.event_listener = [&](const McuEvent& event) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    heard.push_back(event.kind);
-  };
-  McuSerial serial(options);
-  const UniqueFd port(open(serial.DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-  ASSERT_TRUE(port);
-  const auto send = [&](std::string_view command) {
-    ASSERT_EQ(write(port.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
-  };
-  const auto start = std::chrono::steady_clock::now();
-  send("WDTS0001\rWDTE\rMCUS30001\rATPO\r");
-  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerOff, 10s));
-  serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
-  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kWatchdogBite, 10s));
-  EXPECT_GE(serial.Events().back().time - start, 1s);
-  EXPECT_EQ(ReadUntil(port.get(), "]\r\n"), "OK\r\nOK\r\nOK\r\nOK\r\n[0000]\r\n");
-  const std::lock_guard<std::mutex> lock(mutex);
-  EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerOff, McuEventKind::kWatchdogBite));
-}
-
-TEST(McuSerialTimers, SendWhatTheOwnerAsksForUnlessTheMcuIsSilent) {
-  McuSerial serial;
-  const UniqueFd port(open(serial.DevicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-  ASSERT_TRUE(port);
-  const auto warn = [&](PowerOffWarning warning) {
-    serial.WithModel([&](McuModel& mcu) { mcu.WarnOfPowerOff(warning); });
-  };
-  EXPECT_TRUE(serial.WithModel([](McuModel& mcu) {
-    mcu.gsensor.on = true;
-    mcu.gsensor.alarm_on = true;
-    return mcu.ShakeTo({600, 0, 256});
-  }));
-  serial.SetSilent(true);
-  warn(PowerOffWarning::kIgnition);
-  serial.SetSilent(false);
-  warn(PowerOffWarning::kLowVoltage);
-  EXPECT_EQ(ReadUntil(port.get(), "[0001]\r\n"), "[GI:025800000100]\r\n[0001]\r\n");
 }
 
 }  // namespace

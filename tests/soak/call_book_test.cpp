@@ -31,31 +31,33 @@ TEST(CallBook, CallThatOutlastsItsPromiseIsTold) {
   EXPECT_EQ(duration.fault.explained_by, duration.took - milliseconds(10) - kSlackAlone) << "and by no less";
 }
 
-TEST(CallBook, AloneACallHasItsPromiseAndTheSlackOnly) {
-  CallBook book;
-  const Operation other = Promising(5000, 1);
-  const Operation operation = Promising(0, 0);
-  book.Begin(1, other);
-  book.Begin(0, operation);
-  SleepFor(kOverAlone);
-  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, true).fault.text, "");
-}
-
 TEST(CallBook, CallsOfOthersAccountForWhatTheyPromiseOnly) {
-  CallBook book;
-  const Operation first = Promising(0, 0);
-  const Operation second = Promising(5000, 1);
-  const Operation third = Promising(0, 2);
-  book.Begin(0, first);
-  book.Begin(1, second);
-  SleepFor(kOver);
-  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "")
-      << "the second may hold the line that long";
-  book.End(1, ROLU_STATUS_SUCCESS, false);
-  book.Begin(0, first);
-  book.Begin(2, third);
-  SleepFor(kOver);
-  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "") << "the third may not";
+  const struct {
+    const char* what;
+    int promised_ms;
+    bool takes_turns;
+    int other_promised_ms;
+    bool alone;
+    bool is_fault;
+  } rows[] = {
+      {"the other may hold the line that long", 0, true, 5000, false, false},
+      {"the other may not", 0, true, 0, false, true},
+      {"alone it has its promise and the slack only", 0, true, 5000, true, true},
+      {"without turns it waits for nobody", 0, false, 5000, false, true},
+      {"there is no promise without a limit", kNoLimit, true, 0, false, false},
+  };
+  for (const auto& row : rows) {
+    CallBook book;
+    const Operation operation = Promising(row.promised_ms, 0, row.takes_turns);
+    const Operation other = Promising(row.other_promised_ms, 1);
+    book.Begin(0, operation);
+    EXPECT_EQ(book.Unfinished(), "X for 0 s");
+    book.Begin(1, other);
+    SleepFor(kOver);
+    EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, row.alone).fault.text.empty(), !row.is_fault) << row.what;
+    book.End(1, ROLU_STATUS_SUCCESS, false);
+    EXPECT_EQ(book.Unfinished(), "");
+  }
 }
 
 TEST(CallBook, OthersThatRunAtOnceHoldTheLineOnce) {
@@ -74,16 +76,6 @@ TEST(CallBook, OthersThatRunAtOnceHoldTheLineOnce) {
   EXPECT_GE(book.durations().at("a promise").longest_less_others, kOver);
 }
 
-TEST(CallBook, CallWithoutTurnsWaitsForNobody) {
-  CallBook book;
-  const Operation first = Promising(0, 0, false);
-  const Operation second = Promising(5000, 1);
-  book.Begin(0, first);
-  book.Begin(1, second);
-  SleepFor(kOver);
-  EXPECT_NE(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "");
-}
-
 TEST(CallBook, CallsAloneAreCountedApart) {
   CallBook book;
   const Operation operation = Promising(5000, 0);
@@ -98,16 +90,6 @@ TEST(CallBook, CallsAloneAreCountedApart) {
   EXPECT_EQ(figures.calls_alone, 1U);
   EXPECT_GE(figures.longest_less_others, kMore);
   EXPECT_EQ(figures.longest_beside, figures.longest_less_others);
-}
-
-TEST(CallBook, ThereIsNoPromiseWithoutALimit) {
-  CallBook book;
-  const Operation operation = Promising(kNoLimit, 0);
-  book.Begin(0, operation);
-  EXPECT_EQ(book.Unfinished(), "X for 0 s");
-  SleepFor(kOver);
-  EXPECT_EQ(book.End(0, ROLU_STATUS_SUCCESS, false).fault.text, "");
-  EXPECT_EQ(book.Unfinished(), "");
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "soak/drawn_answer.h"
+#include "soak/answering_mcu.h"
 #include "tests/oracle/operations.h"
 #include "tests/support/interface_header.h"
 
@@ -14,10 +14,6 @@ namespace {
 
 TEST(SoakOperations, AreAllExportsOfTheMcuFamiliesThatTheBoardProvides) {
   std::set<std::string> called;
-  for (const FamilyCalls& family : Families()) {
-    called.insert(family.initialize.name);
-    called.insert(family.deinitialize.name);
-  }
   for (const Operation& operation : Operations()) called.insert(operation.name);
   std::set<std::string> provided = rolu_test::DeclaredForMcuFamilies();
   for (const rolu_test::CallRow& row : rolu_test::SilentOperations()) {
@@ -30,7 +26,8 @@ TEST(SoakOperations, AreAllExportsOfTheMcuFamiliesThatTheBoardProvides) {
 TEST(SoakOperations, AreOfOneThreadEachAsTheirCommandsAre) {
   for (const Operation& operation : Operations()) {
     for (const std::string& command : rolu_test::CommandsOf(operation.row->wire)) {
-      EXPECT_EQ(LaneOf(command), operation.lane) << command;
+      const std::size_t lane = LaneOf(command);
+      EXPECT_TRUE(lane == operation.lane || lane == kAnyLane) << command;
     }
   }
   EXPECT_EQ(LaneOf("Hello"), kAnyLane);

@@ -9,8 +9,14 @@
 
 #include "simulator/board.h"
 #include "tests/oracle/made_call.h"
+#include "tests/oracle/operations.h"
 
 namespace rolu_test {
+
+struct NamedCall {
+  std::string name;
+  Call call;
+};
 
 // A board of its own, and one family, which is down at the start.
 class CallTable {
@@ -23,6 +29,8 @@ class CallTable {
 
   void BringUp();
   void Run(const std::vector<CallRow>& rows);
+  // Each call sends and writes nothing, and ends with `status`.
+  void Refuse(ROLU_STATUS status, const std::vector<NamedCall>& calls);
   // Makes a row's call, says what came of it, and undoes it where the row says how.
   Made Make(const CallRow& row);
 
@@ -32,8 +40,6 @@ class CallTable {
   virtual std::string Traffic();
 
  private:
-  void RunRow(const CallRow& row);
-
   Family family_;
   rolu_sim::Board board_;
 };
@@ -42,9 +48,21 @@ class CallTable {
 class CallTableTest : public testing::Test, protected CallTable {
  protected:
   using CallTable::CallTable;
+  using CallTable::Refuse;
   using CallTable::Run;
   void TearDown() override { family().deinitialize(); }
 };
+
+// The same for one of the families that talk to the MCU.
+template <size_t kIndex>
+class FamilyTest : public CallTableTest {
+ protected:
+  FamilyTest() : CallTableTest(McuFamilies().at(kIndex).switches) {}
+};
+using VpmTest = FamilyTest<0>;
+using WatchdogTest = FamilyTest<1>;
+using GSensorTest = FamilyTest<2>;
+using PeripheralTest = FamilyTest<3>;
 
 }  // namespace rolu_test
 

@@ -6,7 +6,6 @@
 #include <signal.h>
 #include <spawn.h>
 #include <stdlib.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <utility>
 
 namespace rolu_test {
 namespace {
@@ -72,7 +72,7 @@ void Process::Start(std::vector<std::string>& words, int input, std::vector<std:
 Process::~Process() {
   if (pid_ > 0) {
     kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    WaitStatusOf(pid_);
   }
   for (const int end : {out_pipe_, err_pipe_}) {
     if (end >= 0) close(end);
@@ -126,15 +126,11 @@ int Process::Wait() {
     ADD_FAILURE() << "the program did not end; it printed: " << out_ << err_;
     return -1;
   }
-  int status = 0;
-  EXPECT_EQ(waitpid(pid_, &status, 0), pid_);
-  pid_ = -1;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  return WaitStatusOf(std::exchange(pid_, -1));
 }
 
 Ended Process::WaitForAll() {
-  const int status = Wait();
-  return {status, out_, err_};
+  return {Wait(), out_, err_};
 }
 
 std::vector<std::string> Words(const std::string& command_line) {
@@ -158,10 +154,6 @@ TemporaryDirectory::~TemporaryDirectory() {
 std::string TemporaryDirectory::Write(const std::string& name, const std::string& text) const {
   WriteFile(File(name), text);
   return File(name);
-}
-
-std::string TemporaryDirectory::Read(const std::string& name) const {
-  return ReadFile(File(name));
 }
 
 std::vector<std::string> TemporaryDirectory::Names() const {

@@ -74,6 +74,9 @@ class Process {
 std::vector<std::string> Words(const std::string& command_line);
 std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
 
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, const std::string& text);
+
 // A directory that is gone after the test.
 class TemporaryDirectory {
  public:
@@ -86,16 +89,13 @@ class TemporaryDirectory {
   std::string File(const std::string& name) const { return path_ + "/" + name; }
   // Writes a file; its path.
   std::string Write(const std::string& name, const std::string& text) const;
-  std::string Read(const std::string& name) const;
+  std::string Read(const std::string& name) const { return ReadFile(File(name)); }
   // Everything in it, in alphabetical order.
   std::vector<std::string> Names() const;
 
  private:
   std::string path_ = "/tmp/rolu-test-XXXXXX";
 };
-
-std::string ReadFile(const std::string& path);
-void WriteFile(const std::string& path, const std::string& text);
 
 }  // namespace rolu_test
 

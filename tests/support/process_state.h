@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_PROCESS_STATE_H
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <chrono>
 #include <cstddef>
@@ -25,6 +26,13 @@ bool WaitUntil(Condition condition) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   return true;
+}
+
+// Waits for a child's end: its exit status, or 128 and the number of the signal that ended it.
+inline int WaitStatusOf(pid_t child) {
+  int status = 0;
+  if (waitpid(child, &status, 0) != child) return -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 // What is open and what runs in this process.

@@ -2,6 +2,7 @@
 #define TESTS_SUPPORT_TEXT_NODE_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,37 +13,45 @@
 namespace rolu_test {
 
 // A node that shows any text, and takes but forgets what is written to it. Reading on behind the text
-// gives the end of the file, or `end_errno`.
+// gives the end of the file, or `end_errno`. `on_use` is called at each read, write and ioctl.
 class TextNode : public rolu_sim::Device {
  public:
-  explicit TextNode(std::string text, int end_errno = 0) : text_(std::move(text)), end_errno_(end_errno) {}
-  rolu_sim::NodeStat Stat() const override { return {}; }
+  explicit TextNode(
+      std::string text, int end_errno = 0, std::function<void()> on_use = [] {})
+      : text_(std::move(text)), end_errno_(end_errno), on_use_(std::move(on_use)) {}
   rolu_sim::DeviceResult Open(const rolu_sim::OpenFlags&,
                               std::unique_ptr<rolu_sim::OpenDevice>& opened) override {
-    opened = std::make_unique<Descriptor>(text_, end_errno_);
+    opened = std::make_unique<Descriptor>(*this);
     return 0;
   }
 
  private:
   class Descriptor : public rolu_sim::OpenDevice {
    public:
-    Descriptor(std::string rest, int end_errno) : rest_(std::move(rest)), end_errno_(end_errno) {}
+    explicit Descriptor(const TextNode& node) : node_(node), rest_(node.text_) {}
     rolu_sim::DeviceResult Read(std::string& bytes, size_t capacity, uint64_t /*offset*/) override {
-      if (rest_.empty()) return -end_errno_;
+      node_.on_use_();
+      if (rest_.empty()) return -node_.end_errno_;
       bytes = rest_.substr(0, capacity);
       rest_.erase(0, bytes.size());
       return static_cast<rolu_sim::DeviceResult>(bytes.size());
     }
     rolu_sim::DeviceResult Write(std::string_view bytes) override {
+      node_.on_use_();
       return static_cast<rolu_sim::DeviceResult>(bytes.size());
+    }
+    rolu_sim::DeviceResult Ioctl(uint32_t, uint64_t) override {
+      node_.on_use_();
+      return 0;
     }
 
    private:
+    const TextNode& node_;
     std::string rest_;
-    const int end_errno_;
   };
   const std::string text_;
   const int end_errno_;
+  const std::function<void()> on_use_;
 };
 
 }  // namespace rolu_test

@@ -1,9 +1,5 @@
 // --help, the man page and the completion.
 
-#include <stdio.h>
-
-#include <fstream>
-
 #include "tests/tools/rolu_process.h"
 
 namespace rolu_test {
@@ -53,11 +49,10 @@ std::vector<std::string> Completions(const std::string& words) {
   WriteFile(directory.File("ask"), "cd " + directory.File("") + " && source ./rolu\nCOMP_WORDS=(" + words +
                                        ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_rolu\nprintf '%s\\n' "
                                        "\"${COMPREPLY[@]}\"\n");
-  FILE* const bash = popen(("env -u LD_PRELOAD bash --norc " + directory.File("ask") + " 2>&1").c_str(), "r");
-  std::string output;
-  for (int character = 0; (character = fgetc(bash)) != EOF;) output += static_cast<char>(character);
-  EXPECT_EQ(pclose(bash), 0) << output;
-  return Words(output);
+  const Ended bash =
+      Process({"bash", "--norc", directory.File("ask")}, "", {"PATH=/usr/bin:/bin"}).WaitForAll();
+  EXPECT_EQ(bash.status, 0) << bash.err;
+  return Words(bash.out);
 }
 
 TEST(RoluDocuments, BashCompletesCommandsSettingsValuesEventsAndFiles) {

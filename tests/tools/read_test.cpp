@@ -18,12 +18,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-rolu_sim::DeviceFaults Missing() {
-  rolu_sim::DeviceFaults faults;
-  faults.missing = true;
-  return faults;
-}
-
 TEST_F(RoluTest, StatusAsJsonHasEveryListedSettingWithItsUnit) {
   board.gpio().SetInput(36, true);
   EXPECT_EQ(Rolu("pins prepare").status, 0);
@@ -47,7 +41,7 @@ TEST_F(RoluTest, StatusAsJsonHasEveryListedSettingWithItsUnit) {
 
 TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
   board.mcu().Script(CommandMatch::Exactly("WKSG"), Reply::Line("22"), kEveryTime);
-  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   const Ended status = Rolu("status");
   EXPECT_EQ(status.status, 1);
   EXPECT_THAT(status.out,
@@ -58,9 +52,7 @@ TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
 }
 
 TEST_F(RoluTest, StandardOutputCarriesNothingButResults) {
-  const Ended get = Rolu("get -n battery.voltage board.machine");
-  EXPECT_EQ(get.out, "12.600\narmv7l\n");
-  EXPECT_EQ(get.status, 0);
+  EXPECT_EQ(Rolu("get -n battery.voltage board.machine").out, "12.600\narmv7l\n");
   EXPECT_EQ(Rolu("get battery.voltage").out, "battery.voltage  12.600 V\n");
 }
 
@@ -103,17 +95,10 @@ TEST_F(RoluTest, AMissingPortIsNoAnswer) {
   }
 }
 
-// The process that `text` names, "in use by process 1234 (...)".
-pid_t NamedProcess(const std::string& text) {
-  constexpr std::string_view kBefore = "in use by process ";
-  const size_t at = text.find(kBefore);
-  return at == std::string::npos ? -1 : std::stoi(text.substr(at + kBefore.size()));
-}
-
-pid_t ParentOf(pid_t process) {
-  const std::string status = ReadFile("/proc/" + std::to_string(process) + "/status");
-  const size_t at = status.find("PPid:");
-  return at == std::string::npos ? -1 : std::stoi(status.substr(at + 5));
+// The process whose number stands behind `words`; -1 if they are not there.
+pid_t ProcessBehind(std::string_view words, const std::string& text) {
+  const size_t at = text.find(words);
+  return at == std::string::npos ? -1 : std::stoi(text.substr(at + words.size()));
 }
 
 TEST_F(RoluTest, AnotherOwnerOfThePortIsNamedAndRespected) {
@@ -124,8 +109,9 @@ TEST_F(RoluTest, AnotherOwnerOfThePortIsNamedAndRespected) {
   for (const char* const command : {"get watchdog.time", "set watchdog.time=5", "doctor", "watchdog feed"}) {
     const Ended ended = Rolu(command);
     EXPECT_EQ(ended.status, 5) << command;
-    owner = NamedProcess(ended.out + ended.err);
-    ASSERT_EQ(ParentOf(owner), watch.pid()) << command;
+    owner = ProcessBehind("in use by process ", ended.out + ended.err);
+    const std::string status = ReadFile("/proc/" + std::to_string(owner) + "/status");
+    ASSERT_EQ(ProcessBehind("PPid:", status), watch.pid()) << command;
   }
   EXPECT_EQ(Received("WDT").size(), asked);
   EXPECT_EQ(Rolu("light").status, 0) << "the light sensor is not the MCU's";
@@ -143,39 +129,39 @@ TEST_F(RoluTest, WrongUseNamesTheNearestAndSendsNothing) {
     const char* message;
   } kCases[] = {
       {"", "a command is missing"},
-      {"stauts", "there is no command 'stauts'; did you mean status?"},
-      {"alarm dayly 07:30", "there is no command 'dayly'; did you mean daily?"},
+      {"stauts", R"(there is no command "stauts"; did you mean status?)"},
+      {"alarm dayly 07:30", R"(there is no command "dayly"; did you mean daily?)"},
       {"get battery.votlage",
-       "there is no setting or group 'battery.votlage'; did you mean battery.voltage?"},
+       R"(there is no setting or group "battery.votlage"; did you mean battery.voltage?)"},
       {"get", "NAME is required"},
-      {"status --jsn", "there is no option '--jsn'; did you mean --json?"},
-      {"light now", "'now' is one word too many"},
-      {"set battery.lbp", "'battery.lbp' is not NAME=VALUE"},
-      {"set battery.lpb=on", "there is no setting 'battery.lpb'; did you mean battery.lbp?"},
+      {"status --jsn", R"(there is no option "--jsn"; did you mean --json?)"},
+      {"light now", R"("now" is one word too many)"},
+      {"set battery.lbp", R"("battery.lbp" is not NAME=VALUE)"},
+      {"set battery.lpb=on", R"(there is no setting "battery.lpb"; did you mean battery.lbp?)"},
       {"set battery.voltage=12", "battery.voltage can only be read"},
       {"set watchdog.time=5 watchdog.time=6", "watchdog.time is given twice"},
-      {"set ignition.on-delay=0", "must be a whole number from 1 to 65535, not '0'"},
-      {"set ignition.on-delay=65536", "must be a whole number from 1 to 65535, not '65536'"},
-      {"set ignition.on-delay=5s", "must be a whole number from 1 to 65535, not '5s'"},
+      {"set ignition.on-delay=0", R"(must be a whole number from 1 to 65535, not "0")"},
+      {"set ignition.on-delay=65536", R"(must be a whole number from 1 to 65535, not "65536")"},
+      {"set ignition.on-delay=5s", R"(must be a whole number from 1 to 65535, not "5s")"},
       {"set ignition.on-delay=99999999999999999999", "must be a whole number from 1 to 65535"},
-      {"set watchdog.time=5 battery.lbp=yes", "battery.lbp must be on or off, not 'yes'"},
-      {"set battery.mode=12", "battery.mode must be 12V or 24V, not '12'"},
+      {"set watchdog.time=5 battery.lbp=yes", R"(battery.lbp must be on or off, not "yes")"},
+      {"set battery.mode=12", R"(battery.mode must be 12V or 24V, not "12")"},
       {"set battery.12v.lbp-threshold=1e1", "must be volts from 0 to 100"},
       {"set battery.12v.lbp-threshold=-11", "must be volts from 0 to 100"},
-      {"set alarm.time=7:30", "must be a time of day from 00:00 to 23:59, not '7:30'"},
-      {"set alarm.time=24:00", "must be a time of day from 00:00 to 23:59, not '24:00'"},
+      {"set alarm.time=7:30", R"(must be a time of day from 00:00 to 23:59, not "7:30")"},
+      {"set alarm.time=24:00", R"(must be a time of day from 00:00 to 23:59, not "24:00")"},
       {"set gsensor.alarm-threshold=1999", "must be a whole number from 2000 to 15000"},
-      {"watch --for 20", "must be a time from 1ms to 8784h, as 500ms, 2s, 1.5min or 2h, not '20'"},
+      {"watch --for 20", R"(must be a time from 1ms to 8784h, as 500ms, 2s, 1.5min or 2h, not "20")"},
       {"watch --for 0s", "must be a time from 1ms"},
-      {"watch --on ignition-of true", "there is no event 'ignition-of'; did you mean ignition-off?"},
+      {"watch --on ignition-of true", R"(there is no event "ignition-of"; did you mean ignition-off?)"},
       {"clock set 2026-02-30T10:00:00", "must be a time that exists"},
       {"clock set 1999-01-01T10:00:00", "from the years 2000 to 2099"},
-      {"alarm weekly mnday 07:30", "there is no day 'mnday'; did you mean monday?"},
-      {"alarm hourly 60", "must be a minute from 00 to 59, not '60'"},
+      {"alarm weekly mnday 07:30", R"(there is no day "mnday"; did you mean monday?)"},
+      {"alarm hourly 60", R"(must be a minute from 00 to 59, not "60")"},
       {"watchdog on --time 0", "0"},
       {"i2c read 0x80", "must be from 0x03 to 0x7f"},
       {"i2c write 0x50 256", "must be from 0x00 to 0xff"},
-      {"backlight 11", "must be a whole number from 0 to 10, not '11'"},
+      {"backlight 11", R"(must be a whole number from 0 to 10, not "11")"},
       {"pins drive high", "LEVEL"},
       {"load /nonexistent", "could not open /nonexistent: No such file or directory"},
   };
@@ -208,7 +194,7 @@ TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
   EXPECT_LE(found["latency"]["median_ms"], found["latency"]["p99_ms"]);
   EXPECT_EQ(found["firmware"], Rolu("get -n mcu.firmware --json").Json()["mcu.firmware"]["value"]);
 
-  board.devices().SetFaults(rolu_sim::kLuxPath, Missing());
+  board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   board.mcu().Script(CommandMatch::Exactly("ATF1"), Reply::Silence());
   doctor = Rolu("doctor");
   EXPECT_EQ(doctor.status, 1);

@@ -1,6 +1,6 @@
 #include "tests/tools/rolu_process.h"
 
-#include <sstream>
+#include <regex>
 
 namespace rolu_test {
 namespace {
@@ -9,12 +9,7 @@ namespace {
 // the board's object.
 std::string WithoutEmulationNoise(const std::string& text) {
   if (Words(ROLU_EMULATOR).empty()) return text;
-  std::istringstream lines(text);
-  std::string rest;
-  for (std::string line; std::getline(lines, line);) {
-    if (line.rfind("ERROR: ld.so: ", 0) != 0) rest += line + '\n';
-  }
-  return rest;
+  return std::regex_replace(text, std::regex("ERROR: ld\\.so: [^\n]*\n"), "");
 }
 
 }  // namespace
@@ -33,12 +28,19 @@ Ended Rolu(const std::vector<std::string>& arguments, const std::string& input) 
   return rolu;
 }
 
-std::vector<std::string> RoluTest::Received(const std::string& prefix) {
-  std::vector<std::string> found;
-  for (const std::string& command : board.mcu().CommandsReceived()) {
-    if (command.rfind(prefix, 0) == 0) found.push_back(command);
+void RunSteps(const std::vector<Step>& steps) {
+  for (const Step& step : steps) {
+    const Ended ended = Rolu(step.command_line, step.input);
+    EXPECT_EQ(ended.status, step.status) << step.command_line << ": " << ended.err;
+    EXPECT_THAT(ended.out, testing::HasSubstr(step.out)) << step.command_line;
+    EXPECT_THAT(ended.err, testing::HasSubstr(step.err)) << step.command_line;
   }
-  return found;
+}
+
+std::vector<std::string> RoluTest::Received(const std::string& prefix) {
+  std::vector<std::string> commands = board.mcu().CommandsReceived();
+  std::erase_if(commands, [&](const std::string& command) { return !command.starts_with(prefix); });
+  return commands;
 }
 
 }  // namespace rolu_test

@@ -18,15 +18,24 @@ std::vector<std::string> RoluCommand(const std::vector<std::string>& arguments);
 // The rolu command as a process of its own.
 class RoluProcess : public Process {
  public:
-  explicit RoluProcess(const std::vector<std::string>& arguments, const std::string& input = "")
-      : Process(RoluCommand(arguments), input) {}
-  RoluProcess(const std::vector<std::string>& arguments, int input)
+  template <typename Input = std::string>
+  explicit RoluProcess(const std::vector<std::string>& arguments, const Input& input = {})
       : Process(RoluCommand(arguments), input) {}
 };
 
 // Runs it from beginning to end.
 Ended Rolu(const std::vector<std::string>& arguments, const std::string& input = "");
 Ended Rolu(const std::string& command_line, const std::string& input = "");
+
+// One command line after another on the same board.
+struct Step {
+  std::string command_line;
+  int status;
+  const char* out = "";  // part of what is printed on standard output
+  const char* err = "";
+  const char* input = "";
+};
+void RunSteps(const std::vector<Step>& steps);
 
 // A board that rolu meets.
 class RoluTest : public testing::Test {

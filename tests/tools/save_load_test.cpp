@@ -31,24 +31,12 @@ class SaveLoadTest : public RoluTest {
 
   // Commands that set something: the setters end in S, of the switches those with a state.
   std::vector<std::string> Setters() {
-    std::vector<std::string> setters;
-    for (const std::string& command : board.mcu().CommandsReceived()) {
-      const std::string code = command.substr(0, 4);
-      const bool sets = code.back() == 'S' || code == "ARGI" || code == "EEDF";
-      if (sets && command != "ARGI00") setters.push_back(command);
-    }
+    std::vector<std::string> setters = Received("");
+    std::erase_if(setters, [](const std::string& command) {
+      const bool sets = command.substr(0, 4).back() == 'S' || command == "ARGI01" || command == "EEDF";
+      return !sets;
+    });
     return setters;
-  }
-
-  void SetUpUnit() {
-    ASSERT_EQ(
-        Rolu("set -y alarm.mode=weekly alarm.weekday=3 alarm.time=05:45 alarm.active=on ignition.mode=2 "
-             "ignition.on-delay=7 mcu.at-mode=4 mcu.keep-alive-mode=2 wakeup.source-10=on "
-             "shutdown.source-1=off "
-             "battery.12v.lbp-threshold=10.9 gsensor.alarm-threshold=3000 watchdog.time=99 "
-             "display.backlight=4")
-            .status,
-        0);
   }
 
   // A file with these settings.
@@ -63,17 +51,18 @@ class SaveLoadTest : public RoluTest {
 };
 
 TEST_F(SaveLoadTest, AUnitIsSavedAndMadeSoAgainAfterEverythingChanged) {
-  SetUpUnit();
   const std::string path = directory.File("unit.json");
-  const Ended save = Rolu("save " + path);
-  EXPECT_EQ(save.status, 0) << save.err;
+  RunSteps({{"set -y alarm.mode=weekly alarm.weekday=3 alarm.time=05:45 alarm.active=on ignition.mode=2 "
+             "ignition.on-delay=7 mcu.at-mode=4 mcu.keep-alive-mode=2 wakeup.source-10=on "
+             "shutdown.source-1=off battery.12v.lbp-threshold=10.9 gsensor.alarm-threshold=3000 "
+             "watchdog.time=99 display.backlight=4",
+             0},
+            {"save " + path, 0}});
   EXPECT_THAT(directory.Names(), ElementsAre("unit.json"));
   const nlohmann::json saved = nlohmann::json::parse(ReadFile(path));
   EXPECT_EQ(saved["settings"]["battery.12v.lbp-threshold"]["unit"], "V");
 
-  ASSERT_EQ(Rolu("defaults -y").status, 0);
-  ASSERT_EQ(Rolu("set -y battery.mode=24V").status, 0);
-  ASSERT_EQ(Rolu("backlight 9").status, 0);
+  RunSteps({{"defaults -y", 0}, {"set -y battery.mode=24V", 0}, {"backlight 9", 0}});
   ASSERT_NE(Settings(), saved["settings"]);
 
   const Ended load = Rolu("load -y " + path);
@@ -143,11 +132,10 @@ TEST_F(SaveLoadTest, ADryRunShowsTheDifferenceAndSetsNothing) {
 TEST_F(SaveLoadTest, WhatCouldNotBeSetIsNamedAndTheRestIsDone) {
   const std::string path = FileWith({{"ignition.mode", {{"value", 2}}}, {"watchdog.time", {{"value", 7}}}});
   board.mcu().Script(CommandMatch::StartingWith("IGMS"), Reply::Line("ERR-M08"), kEveryTime);
-  const Ended load = Rolu("load " + path);
-  EXPECT_EQ(load.status, 1);
-  EXPECT_THAT(load.err, HasSubstr("rolu: ignition.mode = 2 could not be set: the board refused the value"));
-  EXPECT_EQ(Rolu("get -n watchdog.time").out, "7\n");
-  EXPECT_EQ(Rolu("load " + path).status, 1) << "also when nothing else is left to be set";
+  const Step load = {"load " + path, 1, "",
+                     "rolu: ignition.mode = 2 could not be set: the board refused the value"};
+  // Also when nothing else is left to be set.
+  RunSteps({load, {"get -n watchdog.time", 0, "7\n"}, load});
 }
 
 TEST_F(SaveLoadTest, ASettingThatAnotherOneMovedIsFoundAtTheEnd) {
@@ -155,9 +143,7 @@ TEST_F(SaveLoadTest, ASettingThatAnotherOneMovedIsFoundAtTheEnd) {
   board.mcu().WithModel([](auto& mcu) { mcu.ignition.mode = 2; });
   board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("2"));
   board.mcu().Script(CommandMatch::Exactly("IGMG"), Reply::Line("1"));
-  const Ended load = Rolu("load " + path);
-  EXPECT_EQ(load.status, 1);
-  EXPECT_THAT(load.err, HasSubstr("ignition.mode = 2 is in the file, but the unit ends with 1"));
+  RunSteps({{"load " + path, 1, "", "ignition.mode = 2 is in the file, but the unit ends with 1"}});
 }
 
 TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
@@ -180,10 +166,10 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
       {"[1, 2]", "was not written by 'rolu save'"},
       {with("rolu-settings", "other"), "was not written by 'rolu save'"},
       {with("\"version\":1", "\"version\":2"), "has version 2; this program reads version 1"},
-      {with("\"version\":1", R"("version":1,"later":1)"), "has an unknown part 'later'"},
+      {with("\"version\":1", R"("version":1,"later":1)"), R"(has an unknown part "later")"},
       {with("\"settings\":", "\"settinks\":"), "has no settings"},
       {with("watchdog.time", "watchdog.tine"),
-       "there is no setting 'watchdog.tine'; did you mean watchdog.time?"},
+       R"(there is no setting "watchdog.tine"; did you mean watchdog.time?)"},
       {with("watchdog.time", "battery.voltage"), "battery.voltage cannot be loaded"},
       {with("\"value\":7", "\"value\":70000"),
        "watchdog.time must be a whole number from 1 to 65535, not 70000"},
@@ -191,12 +177,12 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
       {with("\"value\":7", R"("value":"7")"), "not \"7\""},
       {with("\"value\":7", "\"value\":null"), "not null"},
       {with("\"value\":7", "\"valeu\":7"), "watchdog.time has no value"},
-      {with("MCU units", "hours"), "watchdog.time is in \"hours\", not in 'MCU units'"},
+      {with("MCU units", "hours"), R"(watchdog.time is in "hours", not in "MCU units")"},
       {with("\"watchdog.time\":", R"("watchdog.time":{"value":6},"watchdog.time":)"),
-       "'watchdog.time' is there twice"},
+       R"("watchdog.time" is there twice)"},
       {with("\"watchdog.time\":",
             R"("ignition.on-delay":{"value":9},"no.such":{"value":1},"watchdog.time":)"),
-       "there is no setting 'no.such'"},
+       R"(there is no setting "no.such")"},
   };
   const std::string path = directory.File("wrong.json");
   for (const auto& wrong : kCases) {

@@ -47,12 +47,10 @@ TEST_F(RoluTest, TheOrderOnTheWireIsThatOfTheTable) {
 }
 
 TEST_F(RoluTest, AValueThatTheMcuRoundsIsToldAsItBecame) {
-  const Ended set = Rolu("set -y battery.12v.lbp-threshold=11 gsensor.alarm-threshold=2062");
-  EXPECT_EQ(set.status, 0);
-  EXPECT_THAT(set.out, HasSubstr("battery.12v.lbp-threshold = 11.000 V (was 11.493)\n"));
-  EXPECT_THAT(set.out,
-              HasSubstr("gsensor.alarm-threshold = 2000 sensor units, the nearest to 2062 that the MCU "
-                        "holds (was 2000)\n"));
+  RunSteps(
+      {{"set -y battery.12v.lbp-threshold=11", 0, "battery.12v.lbp-threshold = 11.000 V (was 11.493)\n"},
+       {"set -y gsensor.alarm-threshold=2062", 0,
+        "gsensor.alarm-threshold = 2000 sensor units, the nearest to 2062 that the MCU holds (was 2000)\n"}});
 }
 
 TEST_F(RoluTest, WhatWeakensAGuardAsksFirst) {
@@ -104,38 +102,30 @@ TEST_F(RoluTest, WhatIsHarmlessDoesNotAsk) {
 }
 
 TEST_F(RoluTest, ARefusedValueIsNamedWithTheMcusRangeAndTheRestIsDone) {
-  Ended set = Rolu("set -y battery.12v.lbp-threshold=50 watchdog.time=12");
-  EXPECT_EQ(set.status, 1);
-  EXPECT_EQ(set.out, "watchdog.time = 12 MCU units (was 60)\n");
-  EXPECT_THAT(set.err,
-              HasSubstr("rolu: battery.12v.lbp-threshold = 50.000 could not be set: the board refused the "
-                        "value (ROLU_STATUS_INVALID_PARAMETER, 0xC002)"));
-  EXPECT_THAT(set.err, HasSubstr("the MCU's range is 10.493 to 12.000 V"));
-
-  set = Rolu("set -y --json battery.12v.lbp-threshold=50");
-  EXPECT_EQ(set.status, 3);
-  EXPECT_EQ(set.Json()["battery.12v.lbp-threshold"]["before"], 11.493);
-  EXPECT_THAT(set.Json()["battery.12v.lbp-threshold"]["error"].get<std::string>(),
-              StartsWith("could not be set"));
+  RunSteps(
+      {{"set -y battery.12v.lbp-threshold=50 watchdog.time=12", 1, "watchdog.time = 12 MCU units (was 60)\n",
+        "rolu: battery.12v.lbp-threshold = 50.000 could not be set: the board refused the value "
+        "(ROLU_STATUS_INVALID_PARAMETER, 0xC002)"},
+       {"set -y battery.12v.lbp-threshold=50", 3, "", "the MCU's range is 10.493 to 12.000 V"}});
+  const nlohmann::json set = Rolu("set -y --json battery.12v.lbp-threshold=50").Json();
+  EXPECT_EQ(set["battery.12v.lbp-threshold"]["before"], 11.493);
+  EXPECT_THAT(set["battery.12v.lbp-threshold"]["error"].get<std::string>(), StartsWith("could not be set"));
 }
 
 TEST_F(RoluTest, ASettingThatReadsBackDifferentlyIsNoSuccess) {
   board.mcu().Script(CommandMatch::StartingWith("WDTS"), Reply::Line("OK"), kEveryTime);
-  const Ended set = Rolu("set watchdog.time=12");
-  EXPECT_EQ(set.status, 3);
-  EXPECT_THAT(set.err, HasSubstr("watchdog.time = 12 was set, but reads back as 60 MCU units"));
+  RunSteps({{"set watchdog.time=12", 3, "", "watchdog.time = 12 was set, but reads back as 60 MCU units"}});
 }
 
 TEST_F(RoluTest, AChangeOfTheBatteryModeRemindsOfTheProtectionsThatItLeavesOff) {
-  EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on").err,
-              HasSubstr("'rolu set battery.preboot=on' switches"));
+  RunSteps({{"set -y battery.mode=24V battery.lbp=on", 0, "", "'rolu set battery.preboot=on' switches"}});
   EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on battery.preboot=on").err, IsEmpty());
 }
 
 TEST_F(RoluTest, AnAlarmThatWasNeverSetTakesItsTimeOnceItHasAMode) {
-  EXPECT_EQ(Rolu("set alarm.time=07:30").status, 3);
-  EXPECT_EQ(Rolu("set alarm.time=07:30 alarm.mode=daily").status, 0);
-  EXPECT_EQ(Rolu("get -n alarm").out, "daily\n0\n07:30\noff\n");
+  RunSteps({{"set alarm.time=07:30", 3},
+            {"set alarm.time=07:30 alarm.mode=daily", 0},
+            {"get -n alarm", 0, "daily\n0\n07:30\noff\n"}});
 }
 
 }  // namespace

@@ -16,23 +16,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// One command line after another on the same board.
-struct Step {
-  const char* command_line;
-  int status;
-  const char* out;  // part of what is printed on standard output
-  const char* err = "";
-};
-
-void RunSteps(const std::vector<Step>& steps) {
-  for (const Step& step : steps) {
-    const Ended ended = Rolu(step.command_line);
-    EXPECT_EQ(ended.status, step.status) << step.command_line << ": " << ended.err;
-    EXPECT_THAT(ended.out, HasSubstr(step.out)) << step.command_line;
-    EXPECT_THAT(ended.err, HasSubstr(step.err)) << step.command_line;
-  }
-}
-
 TEST_F(RoluTest, TheAlarmIsSetShownAndSwitchedOff) {
   RunSteps({
       {"alarm show", 0, "alarm.mode     none\n"},
@@ -123,9 +106,9 @@ TEST_F(RoluTest, DevicesBesideTheMcuAreReadAndSet) {
 }
 
 TEST_F(RoluTest, AResetIsOrderedOnlyWhenItIsConfirmed) {
-  EXPECT_EQ(Rolu("reset", "no\n").status, 1);
+  RunSteps({{.command_line = "reset", .status = 1, .input = "no\n"}});
   EXPECT_EQ(board.reset_controller().ResetCount(), 0);
-  EXPECT_EQ(Rolu("reset", "yes\n").status, 0);
+  RunSteps({{.command_line = "reset", .status = 0, .input = "yes\n"}});
   EXPECT_EQ(board.reset_controller().ResetCount(), 1);
 }
 

@@ -19,13 +19,8 @@ using testing::Not;
 class WatchTest : public RoluTest {
  protected:
   // A watch that has told how things are.
-  void Start(const std::string& options) {
-    rolu.emplace(Words("watch --interval 10ms " + options));
-    ASSERT_TRUE(rolu->WaitForOutput("12.6"));
-  }
-  void Start(std::vector<std::string> options) {
-    options.insert(options.begin(), {"watch", "--interval", "10ms"});
-    rolu.emplace(options);
+  void Start(const std::vector<std::string>& options) {
+    rolu.emplace(Joined(Words("watch --interval 10ms"), options));
     ASSERT_TRUE(rolu->WaitForOutput("12.6"));
   }
 
@@ -39,7 +34,7 @@ class WatchTest : public RoluTest {
 };
 
 TEST_F(WatchTest, EachEventIsOneJsonLineWithItsValues) {
-  Start("--json");
+  Start({"--json"});
   const struct {
     const char* name;
     void (*happen)(rolu_sim::McuModel& mcu);
@@ -84,7 +79,7 @@ TEST_F(WatchTest, EachEventIsOneJsonLineWithItsValues) {
 }
 
 TEST_F(WatchTest, TextTellsTheSameInWords) {
-  Start("--count 2");
+  Start({"--count", "2"});
   board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
   ASSERT_TRUE(rolu->WaitForOutput("ignition off\n"));
   board.mcu().WithModel([](auto& mcu) { mcu.SetBatteryVolts(10.0); });
@@ -95,7 +90,7 @@ TEST_F(WatchTest, TextTellsTheSameInWords) {
 }
 
 TEST_F(WatchTest, ASilentMcuIsToldAndOutlived) {
-  Start("--json");
+  Start({"--json"});
   board.mcu().SetSilent(true);
   ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
   board.mcu().SetSilent(false);
@@ -108,7 +103,7 @@ TEST_F(WatchTest, ASilentMcuIsToldAndOutlived) {
 }
 
 TEST_F(WatchTest, AnEndWhileTheMcuIsSilentSaysWhatCouldNotBeTakenDown) {
-  Start("--json");
+  Start({"--json"});
   board.mcu().SetSilent(true);
   ASSERT_TRUE(rolu->WaitForOutput("mcu-silent"));
   rolu->Signal(SIGINT);
@@ -118,7 +113,7 @@ TEST_F(WatchTest, AnEndWhileTheMcuIsSilentSaysWhatCouldNotBeTakenDown) {
 }
 
 TEST_F(WatchTest, APortThatHangsUpAndComesBackIsOutlived) {
-  Start("--json");
+  Start({"--json"});
   for (const bool ignition : {false, true}) {
     const size_t told = rolu->out().size();
     const size_t said = rolu->err().size();
@@ -145,7 +140,7 @@ TEST_F(WatchTest, APortThatHangsUpAndComesBackIsOutlived) {
 }
 
 TEST_F(WatchTest, AnEndWhileThePortIsAwaySaysWhatCouldNotBeTakenDown) {
-  Start("--json");
+  Start({"--json"});
   board.RemoveSerialDevice();
   board.mcu().HangUp();
   ASSERT_TRUE(rolu->WaitForMessage("the MCU's port hung up"));
@@ -155,7 +150,7 @@ TEST_F(WatchTest, AnEndWhileThePortIsAwaySaysWhatCouldNotBeTakenDown) {
 }
 
 TEST_F(WatchTest, AKillLeavesTheBoardAsItWas) {
-  Start("--json");
+  Start({"--json"});
   rolu->Signal(SIGKILL);
   EXPECT_EQ(rolu->Wait(), 128 + SIGKILL);
   ExpectTakenDown();
@@ -179,12 +174,12 @@ TEST_F(WatchTest, CommandsRunAtTheirEventBesideTheWatching) {
   ASSERT_TRUE(rolu->WaitForOutput("ignition off"));
   board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
   ASSERT_TRUE(rolu->WaitForOutput("G-sensor alarm"));
-  ASSERT_TRUE(rolu->WaitForMessage("'echo noise; exit 3' ended with status 3"));
+  ASSERT_TRUE(rolu->WaitForMessage(R"("echo noise; exit 3" ended with status 3)"));
   rolu->Signal(SIGINT);
   EXPECT_EQ(rolu->Wait(), 0) << "a command that goes on is ended";
   EXPECT_EQ(ReadFile(marker), "ignition-off\n");
   EXPECT_THAT(rolu->out(), Not(HasSubstr("noise")));
-  EXPECT_THAT(rolu->err(), AllOf(HasSubstr("noise\n"), HasSubstr("'sleep 1000' was ended by signal 15")));
+  EXPECT_THAT(rolu->err(), AllOf(HasSubstr("noise\n"), HasSubstr(R"("sleep 1000" was ended by signal 15)")));
   ExpectTakenDown();
 }
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "simulator/json.h"
+#include "simulator/unique_fd.h"
+
+namespace rolu_sim {
+
+// There is no board, or it went away.
+class NoBoardError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A connection to a board's control socket, for a program that does one thing after another.
+class ControlClient {
+ public:
+  // Waits up to `patience` for the board to come up. Throws NoBoardError.
+  ControlClient(std::string board_directory, std::chrono::milliseconds patience);
+
+  // Throws NoBoardError when the board goes away before it answers.
+  Json Ask(const Json& request);
+
+  // The next line, without its end; nothing at the end of the connection, or when `deadline` passes
+  // (see TimedOut).
+  using TimePoint = std::chrono::steady_clock::time_point;
+  std::optional<std::string> ReadLine(std::optional<TimePoint> deadline = std::nullopt);
+  bool TimedOut() const { return timed_out_; }
+
+ private:
+  std::string directory_;
+  UniqueFd socket_;
+  std::string received_;
+  bool timed_out_ = false;
+};
+
+}  // namespace rolu_sim

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <optional>
+
+#include "simulator/desk/desk.h"
+#include "simulator/desk/scenario.h"
+#include "simulator/socket_server.h"
+
+namespace rolu_sim {
+
+// Lets other processes steer and watch a desk, through the socket of control_socket.h, and plays its
+// scenario. The desk must outlive it.
+class ControlServer {
+ public:
+  // `on_stop` is called, on the server's thread, when somebody asks the board to go down.
+  ControlServer(Desk& desk, std::function<void()> on_stop);
+
+  // From now on; a scenario that is played ends. Any thread may call it.
+  void Play(Scenario scenario);
+
+ private:
+  class Connection;
+
+  Desk& desk_;
+  const std::function<void()> on_stop_;
+  std::mutex player_mutex_;
+  std::optional<ScenarioPlayer> player_;
+  SocketServer sockets_;
+};
+
+}  // namespace rolu_sim

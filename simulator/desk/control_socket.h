@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "simulator/devices/board_paths.h"
+
+namespace rolu_sim {
+
+// The socket of a board through which it is steered, in the board's directory. Both sides send lines
+// of JSON. A request is an object with one of these members:
+//   "do"    a verb, its parameters beside it    answer: {"ok": true, "remark": "..."}
+//   "get"   a list of readings' names           answer: {"ok": true, "board": {...}}
+//   "trace" "past" or "follow"                  answer: {"ok": true}, then a line for each record
+//   "play"  {"name": ..., "text": ...}, a scenario    answer: {"ok": true}
+//   "stop"  true: the board goes down           answer: {"ok": true}
+// What cannot be done is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.
+inline std::string ControlSocketPath(const std::string& board_directory) {
+  return board_directory + kControlSocketName;
+}
+
+}  // namespace rolu_sim

@@ -1,0 +1,96 @@
+#include "simulator/desk/desk.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+namespace rolu_sim {
+
+Desk::Desk(DeskOptions options)
+    : start_(std::chrono::steady_clock::now()),
+      trace_(start_),
+      faults_(options.seed,
+              [this](const std::string& words) { trace_.RecordEvent(TraceDirection::kDesk, words); }),
+      replay_(std::move(options.replay)),
+      board_(MakeBoardOptions(options)),
+      board_faults_(board_),
+      register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}
+
+// Called before the board is there: its threads meet a desk that is whole but for it.
+BoardOptions Desk::MakeBoardOptions(const DeskOptions& options) {
+  if (options.listener) trace_.AddListener(options.listener);
+  BoardOptions board;
+  board.root_directory = options.root_directory;
+  board.serial.paced = options.paced;
+  board.serial.line_listener = [this](const WireEvent& line) { trace_.RecordLine(line); };
+  board.serial.event_listener = [this](const McuEvent& event) { Hear(event); };
+  board.serial.answer_route = [this](std::string_view command, const AskModel& ask_model) {
+    return Answer(command, ask_model);
+  };
+  return board;
+}
+
+std::string Desk::Apply(const Action& action) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  trace_.RecordEvent(TraceDirection::kDesk, Describe(action));
+  return action.verb->apply(*this, action.arguments);
+}
+
+int Desk::BiteCount() {
+  return static_cast<int>(
+      std::ranges::count(board_.mcu().Events(), McuEventKind::kWatchdogBite, &McuEvent::kind));
+}
+
+void Desk::AttachRegisterDevice(std::uint8_t address) {
+  const auto device = std::make_shared<I2cRegisterDevice>();
+  board_.i2c().Attach(address, device);
+  register_devices_[address] = device.get();
+}
+
+void Desk::DetachRegisterDevice(std::uint8_t address) {
+  register_devices_.erase(address);
+  board_.i2c().Detach(address);
+}
+
+void Desk::Say(const std::string& text) {
+  trace_.RecordEvent(TraceDirection::kBoard, text);
+  // One write for one line: the program under test writes there as well.
+  std::cerr << fmt::format("rolu-sim: {}\n", text);
+}
+
+std::string Desk::AnnounceSeed() {
+  std::string text = fmt::format("random faults use the seed {0}; --seed {0} repeats them", faults_.seed());
+  if (!std::exchange(seed_announced_, true)) Say(text);
+  return text;
+}
+
+// The model carries out what the recording answers as well, so that the board shows what the program
+// did to it.
+Reply Desk::Answer(std::string_view command, const AskModel& ask_model) {
+  return faults_.Answer(command, [&] {
+    Reply of_model = ask_model();
+    if (!replay_) return of_model;
+    std::optional<Reply> recorded = replay_->AnswerTo(command);
+    return recorded ? std::move(*recorded) : std::move(of_model);
+  });
+}
+
+void Desk::Hear(const McuEvent& event) {
+  const double seconds = std::chrono::duration<double>(event.time - start_).count();
+  switch (event.kind) {
+    case McuEventKind::kWatchdogBite:
+      Say(fmt::format(
+          "*** WATCHDOG BITE at {:.3f} s: it was not triggered in time, the computer is reset ***", seconds));
+      break;
+    case McuEventKind::kPowerOff:
+      Say(fmt::format("the power is cut at {:.3f} s, as a program ordered", seconds));
+      break;
+    case McuEventKind::kAlarmWakeup:
+      Say(fmt::format("the clock's alarm wakes the computer at {:.3f} s", seconds));
+      break;
+  }
+}
+
+}  // namespace rolu_sim

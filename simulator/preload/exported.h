@@ -1,4 +1,0 @@
-#pragma once
-
-// The object hides all but what it wraps.
-#define ROLU_SIM_EXPORTED [[gnu::visibility("default")]]

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/exit_status.h"
+#include "simulator/desk/verb.h"
+
+namespace rolu_sim {
+
+// What the command line asks for, once it is parsed.
+struct Invocation {
+  bool is_short_form = false;             // "run" was left out
+  std::vector<std::string> marked_words;  // from the "--" before a program on
+  std::function<int()> action;            // gives the exit status
+};
+
+// Ends the program with this exit status and a message.
+class CommandError : public std::runtime_error {
+ public:
+  CommandError(rolu::ExitStatus status, const std::string& text)
+      : std::runtime_error(text), status_(status) {}
+
+  rolu::ExitStatus status() const { return status_; }
+
+ private:
+  rolu::ExitStatus status_;
+};
+
+// The help of one subcommand, or of the whole program: with a usage line of its own and the exit statuses.
+class HelpText : public CLI::Formatter {
+ public:
+  explicit HelpText(std::string usage, std::string footer = {})
+      : usage_(std::move(usage)), footer_(std::move(footer)) {
+    column_width(26);
+  }
+
+  const std::string& usage() const { return usage_; }
+
+  std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
+    return "Usage: " + usage_ + "\n";
+  }
+  std::string make_footer(const CLI::App* /*app*/) const override {
+    return footer_ + rolu::ExitStatusHelp() + "run and join give the program's own status.\n";
+  }
+
+ private:
+  const std::string usage_;
+  const std::string footer_;
+};
+
+// A subcommand.
+inline CLI::App* NewCommand(CLI::App& app, const std::string& name, const std::string& description,
+                            const std::string& usage, const std::string& footer = {}) {
+  CLI::App* const command = app.add_subcommand(name, description);
+  command->formatter(std::make_shared<HelpText>(usage, footer));
+  return command;
+}
+
+// Lets `work` give the exit status when `command` is the one that was given.
+inline void OnRun(CLI::App* command, Invocation& invocation, const std::function<int()>& work) {
+  command->callback([&invocation, work] { invocation.action = work; });
+}
+
+// The words of a command that are not options. The parser takes an option that it does not know for one of
+// them.
+inline std::vector<std::string> WordsFor(const CLI::App& command, const Invocation& invocation,
+                                         const char* what) {
+  std::vector<std::string> words = command.remaining();
+  if (!words.empty() && words.front().starts_with('-')) throw CLI::ExtrasError({words.front()});
+  const std::vector<std::string>& marked = invocation.marked_words;
+  const bool begins_with_mark = words.empty() && !marked.empty();
+  words.insert(words.end(), marked.begin() + (begins_with_mark ? 1 : 0), marked.end());
+  if (words.empty()) throw CLI::RequiredError(what);
+  return words;
+}
+
+// Each adds its subcommand to `app`.
+void AddRunCommand(CLI::App& app, Invocation& invocation);
+void AddServeCommand(CLI::App& app, Invocation& invocation);
+void AddJoinCommand(CLI::App& app, Invocation& invocation);
+void AddCtlCommand(CLI::App& app, Invocation& invocation);
+void AddTraceCommand(CLI::App& app, Invocation& invocation);
+void AddScenariosCommand(CLI::App& app, Invocation& invocation);
+
+// The options of ctl may stand behind its words too, where the parser leaves what begins with a hyphen
+// alone: it may be a negative number.
+void BringCtlOptionsForward(std::vector<std::string>& words);
+
+// What ctl can do: the verbs, and the words that are its own.
+std::vector<Verb> CtlWords();
+
+// The man page, and the completion for bash: from the definitions of the command line and of the verbs.
+std::string SimulatorManPage(const CLI::App& app);
+std::string SimulatorCompletion(const CLI::App& app);
+
+}  // namespace rolu_sim

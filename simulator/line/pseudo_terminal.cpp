@@ -16,7 +16,7 @@
 namespace rolu_sim {
 namespace {
 
-UniqueFd OpenDevice(const char* path) {
+UniqueFd OpenTerminal(const char* path) {
   return UniqueFd(open(path, O_RDWR | O_NOCTTY | O_CLOEXEC));
 }
 
@@ -36,7 +36,7 @@ void PseudoTerminal::Reopen() {
     ThrowErrno("preparing a pseudo-terminal");
   }
   {
-    const UniqueFd device = OpenDevice(path.data());
+    const UniqueFd device = OpenTerminal(path.data());
     termios attributes{};
     if (tcgetattr(device.get(), &attributes) != 0) ThrowErrno(fmt::format("opening {}", path.data()));
     cfmakeraw(&attributes);
@@ -73,7 +73,7 @@ bool PseudoTerminal::IsOpenByHost() const {
 
 // A process that has no descriptor to spare keeps the bytes.
 void PseudoTerminal::DiscardUnreadBytes() {
-  tcflush(OpenDevice(device_path_.c_str()).get(), TCIFLUSH);
+  tcflush(OpenTerminal(device_path_.c_str()).get(), TCIFLUSH);
 }
 
 }  // namespace rolu_sim

@@ -35,7 +35,7 @@ void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<O
   });
 }
 
-// Each adds its subcommand, or a few of a kind, to `app`.
+// Each adds its subcommand to `app`.
 void AddStatusCommand(CLI::App& app, Invocation& invocation);
 void AddGetCommand(CLI::App& app, Invocation& invocation);
 void AddSetCommand(CLI::App& app, Invocation& invocation);
@@ -48,9 +48,12 @@ void AddAlarmCommand(CLI::App& app, Invocation& invocation);
 void AddWatchdogCommand(CLI::App& app, Invocation& invocation);
 void AddI2cCommand(CLI::App& app, Invocation& invocation);
 void AddPinsCommand(CLI::App& app, Invocation& invocation);
-void AddLightCommands(CLI::App& app, Invocation& invocation);
+void AddLightCommand(CLI::App& app, Invocation& invocation);
+void AddBacklightCommand(CLI::App& app, Invocation& invocation);
 void AddDoctorCommand(CLI::App& app, Invocation& invocation);
-void AddOrderCommands(CLI::App& app, Invocation& invocation);
+void AddDefaultsCommand(CLI::App& app, Invocation& invocation);
+void AddResetCommand(CLI::App& app, Invocation& invocation);
+void AddForceShutdownCommand(CLI::App& app, Invocation& invocation);
 
 // rolu(1) as roff, and the completion for bash: from the definitions of the commands and the table of
 // settings.

@@ -1,15 +1,8 @@
-// light and backlight: short forms of get and set.
-
 #include "tools/change.h"
 #include "tools/command.h"
 
 namespace rolu {
 namespace {
-
-ExitStatus RunLight(const CommonOptions& common) {
-  Session session(common);
-  return ReadAndPrint(session, "light.level", common);
-}
 
 ExitStatus RunBacklight(const std::string& level, const CommonOptions& common) {
   Session session(common);
@@ -20,13 +13,12 @@ ExitStatus RunBacklight(const std::string& level, const CommonOptions& common) {
 
 }  // namespace
 
-void AddLightCommands(CLI::App& app, Invocation& invocation) {
-  OnRun(NewCommand(app, "light", "Read the ambient light", "  rolu light --json"), invocation, RunLight);
+void AddBacklightCommand(CLI::App& app, Invocation& invocation) {
   auto level = std::make_shared<std::string>();
-  CLI::App* const backlight =
+  CLI::App* const command =
       NewCommand(app, "backlight", "Show or set the backlight", "  rolu backlight\n  rolu backlight 7");
-  backlight->add_option("LEVEL", *level, "0 to 10; without it the level is shown");
-  OnRun(backlight, invocation, RunBacklight, level);
+  command->add_option("LEVEL", *level, "0 to 10; without it the level is shown");
+  OnRun(command, invocation, RunBacklight, level);
 }
 
 }  // namespace rolu

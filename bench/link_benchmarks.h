@@ -3,7 +3,7 @@
 #include <chrono>
 
 #include "bench/measurements.h"
-#include "simulator/board_root.h"
+#include "simulator/devices/board_root.h"
 
 namespace rolu_bench {
 

@@ -11,8 +11,8 @@
 #include <string_view>
 
 #include "simulator/line/pseudo_terminal.h"
-#include "simulator/system_error.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/system_error.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_bench {
 namespace {

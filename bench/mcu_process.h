@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "simulator/board_root.h"
+#include "simulator/devices/board_root.h"
 
 namespace rolu_bench {
 

@@ -8,7 +8,7 @@
 #include <array>
 #include <cstring>
 
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_bench {
 

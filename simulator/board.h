@@ -3,14 +3,14 @@
 #include <memory>
 #include <string>
 
-#include "simulator/board_root.h"
 #include "simulator/devices/board_paths.h"
+#include "simulator/devices/board_root.h"
 #include "simulator/devices/device.h"
 #include "simulator/devices/device_server.h"
 #include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"
+#include "simulator/devices/wireless_interface.h"
 #include "simulator/line/mcu_serial.h"
-#include "simulator/wireless_interface.h"
 
 namespace rolu_sim {
 

@@ -7,7 +7,7 @@
 #include <array>
 #include <vector>
 
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <string>
 
-#include "simulator/background_thread.h"
+#include "simulator/system/background_thread.h"
 #include "soak/dice.h"
 #include "soak/operations.h"
 

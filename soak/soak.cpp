@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "simulator/devices/board_paths.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 #include "soak/judgement.h"
 #include "tests/support/process_state.h"
 

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "simulator/desk/control_socket.h"
-#include "simulator/socket_server.h"
+#include "simulator/system/socket_server.h"
 
 namespace rolu_sim {
 

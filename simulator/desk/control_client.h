@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/json.h"
-#include "simulator/unique_fd.h"
+#include "simulator/desk/json.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 

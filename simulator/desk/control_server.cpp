@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "simulator/desk/control_socket.h"
+#include "simulator/desk/json.h"
 #include "simulator/desk/readings.h"
-#include "simulator/json.h"
 
 namespace rolu_sim {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "simulator/desk/desk.h"
 #include "simulator/desk/scenario.h"
-#include "simulator/socket_server.h"
+#include "simulator/system/socket_server.h"
 
 namespace rolu_sim {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/json.h"
+#include "simulator/desk/json.h"
 #include "simulator/mcu/clock.h"
 
 namespace rolu_sim {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/json.h"
+#include "simulator/desk/json.h"
 
 namespace rolu_sim {
 

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "cli/nearest_name.h"
-#include "simulator/background_thread.h"
+#include "simulator/system/background_thread.h"
 
 namespace rolu_sim {
 namespace {

@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

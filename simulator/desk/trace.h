@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "protocol/words.h"
-#include "simulator/json.h"
+#include "simulator/desk/json.h"
 #include "simulator/line/wire_log.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "simulator/desk/json.h"
 #include "simulator/desk/parameter.h"
-#include "simulator/json.h"
 
 namespace rolu_sim {
 

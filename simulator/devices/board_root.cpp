@@ -1,4 +1,4 @@
-#include "simulator/board_root.h"
+#include "simulator/devices/board_root.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "simulator/devices/board_paths.h"
-#include "simulator/system_error.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/system_error.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 namespace {

@@ -13,10 +13,10 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/board_root.h"
+#include "simulator/devices/board_root.h"
 #include "simulator/devices/device.h"
 #include "simulator/devices/device_protocol.h"
-#include "simulator/socket_server.h"
+#include "simulator/system/socket_server.h"
 
 namespace rolu_sim {
 

@@ -1,10 +1,10 @@
-#include "simulator/wireless_interface.h"
+#include "simulator/devices/wireless_interface.h"
 
 #include <filesystem>
 #include <fstream>
 
 #include "simulator/devices/board_paths.h"
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

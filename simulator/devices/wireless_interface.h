@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "simulator/board_root.h"
+#include "simulator/devices/board_root.h"
 
 namespace rolu_sim {
 

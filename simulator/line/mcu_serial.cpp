@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-#include "simulator/background_thread.h"
+#include "simulator/system/background_thread.h"
 
 namespace rolu_sim {
 namespace {

@@ -15,11 +15,11 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/background_thread.h"
 #include "simulator/line/pseudo_terminal.h"
 #include "simulator/line/reply.h"
 #include "simulator/line/wire_log.h"
 #include "simulator/mcu/mcu_model.h"
+#include "simulator/system/background_thread.h"
 
 namespace rolu_sim {
 

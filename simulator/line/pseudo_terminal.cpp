@@ -11,7 +11,7 @@
 #include <array>
 #include <utility>
 
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

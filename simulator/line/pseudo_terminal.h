@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 

@@ -16,7 +16,7 @@
 #include "simulator/program/board_environment.h"
 #include "simulator/program/command.h"
 #include "simulator/program/installed_files.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 namespace {

@@ -7,13 +7,13 @@
 #include <cerrno>
 #include <iostream>
 
-#include "simulator/board_root.h"
 #include "simulator/desk/control_server.h"
+#include "simulator/devices/board_root.h"
 #include "simulator/program/board_environment.h"
 #include "simulator/program/board_settings.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
-#include "simulator/system_error.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

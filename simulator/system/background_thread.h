@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-#include "simulator/system_error.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/system_error.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 

@@ -1,4 +1,4 @@
-#include "simulator/socket_server.h"
+#include "simulator/system/socket_server.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <vector>
 
-#include "simulator/background_thread.h"
-#include "simulator/system_error.h"
+#include "simulator/system/background_thread.h"
+#include "simulator/system/system_error.h"
 
 namespace rolu_sim {
 namespace {

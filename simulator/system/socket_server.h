@@ -10,8 +10,8 @@
 #include <thread>
 #include <utility>
 
-#include "simulator/background_thread.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/background_thread.h"
+#include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
 

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "simulator/line/pseudo_terminal.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 
 namespace {
 

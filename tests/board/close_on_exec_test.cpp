@@ -17,7 +17,7 @@
 
 #include "kavo_rolu.h"
 #include "simulator/board.h"
-#include "simulator/unique_fd.h"
+#include "simulator/system/unique_fd.h"
 #include "tests/support/process_state.h"
 #include "tests/support/text_node.h"
 

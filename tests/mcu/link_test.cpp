@@ -230,6 +230,7 @@ TEST(LinkClose, EndsOnADeadPort) {
   const auto cpu_time = [] {
     clockid_t clock = 0;
     timespec time{};
+    const ScopedLock lock(*io_op_lock);
     EXPECT_EQ(pthread_getcpuclockid(vpm_io_thread_handle, &clock), 0);
     EXPECT_EQ(clock_gettime(clock, &time), 0);
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);

@@ -11,7 +11,7 @@
  * status the caller's variables keep what they held. State and arguments are tested before anything is
  * done, in the order in which a function lists its statuses.
  *
- * A `bool` argument is true when its byte is any but 0.
+ * A `bool` argument is true when its byte is not 0.
  *
  * @par Families and their states
  * Each family has its own state. CORE is switched by KAVO_ROLU_CORE_Init and KAVO_ROLU_CORE_DeInit;
@@ -22,12 +22,12 @@
  * into a family that is not initialised answers #ROLU_STATUS_NOT_INITIALIZED and has no other effect, unless
  * the function says otherwise.
  *
- * A Deinitialize whose turn at the link does not come within 2000 ms takes its family down all the same.
- * The thread that ends the command in hand then gives the link back in its place: the port closes a
- * little later. The family can be initialised again at once.
+ * A Deinitialize that does not get its turn at the link within 2000 ms takes its family down all the same.
+ * The thread that ends the current command then gives the link back instead: the port closes a little later.
+ * The family can be initialised again at once.
  *
- * Deinitialise every family that you initialised before the process ends or the library is unloaded;
- * unloading it while a family is up or a call is running is not allowed. Settings live in the MCU: they stay
+ * Before the process ends or the library is unloaded, deinitialise every family that you initialised. Do not
+ * unload the library while a family is up or a call is running. Settings live in the MCU: they stay
  * when the family is deinitialised and when the process ends.
  *
  * @par MCU statuses
@@ -42,65 +42,66 @@
  * @par Answers of the MCU
  * An answer is an error when it contains one of 23 codes: ERR-C01, ERR-R01, ERR-M01 to ERR-M04, ERR-M06,
  * ERR-M08, ERR-W01, ERR-W02, ERR-B01, ERR-B02, ERR-E01 to ERR-E04, ERR-L01, ERR-G01, ERR-G02, ERR-A01,
- * ERR-T01, ERR-Q01 and ERR-Q02. Any other text is an answer: an order has then succeeded, and a question
- * reads that text.
+ * ERR-T01, ERR-Q01 and ERR-Q02. With any other text an order has succeeded, and a question reads that text.
  *
- * Unless the function says otherwise, a number is read as strtol reads it at the answer's start, in base 16.
- * An answer without one reads as 0, with success; "ERR-M05", which is none of the 23, reads as 14. A number
- * that does not fit 32 bits becomes the nearest that does, and a smaller variable receives the low bits. A
- * flag is on when its character is '1', else off.
+ * Unless the function says otherwise, it reads a number at the answer's start, in base 16, as strtol does. An
+ * answer without a number reads as 0, with success; "ERR-M05", which is none of the 23 codes, reads as 14. A
+ * number that does not fit 32 bits becomes the nearest one that fits, and a smaller variable receives the low
+ * bits. A flag is on when its character is '1', else off.
  *
- * A line of more than 63 characters is thrown away whole. A line that does not end is forgotten, also when
- * it is too long, after half a second of silence at the latest.
+ * A line of more than 63 characters is thrown away whole. A line that does not end, whether too long or not,
+ * is forgotten after at most half a second of silence.
  *
  * @par Late answers
- * The wire does not say which command an answer is for. An answer that comes after its call gave up is
- * thrown away, unless the next command has already left: then it is taken for that one's answer, that
- * one's own answer for the next one's, and so on, until a pause between two calls is long enough for the
- * answer that is left over to come and be thrown away.
+ * The wire does not say which command an answer is for. An answer that comes after its call gave up is thrown
+ * away, unless the next command has already left. In that case the next call takes the late answer for its
+ * own, the call after it takes the next call's answer, and so on. This ends at a pause between two calls that
+ * is long enough for the answer left over to come and be thrown away.
  *
  * @par How long a call blocks
- * Each function says behind "Blocks:" how long it may take, in these terms; where it says "Does not
- * block" it takes no lock and waits for nothing.
- * - "1 command": a turn, then at most 3000 ms for the MCU's answer (for each line of it, where it has
- *   several). With a post-delay the call then sleeps, while it keeps the other threads' commands back.
- *   Of n commands each one has its own turn; those of other threads may run in between.
- * - A turn has no limit of its own: one command is pending at the MCU at a time, in the whole process, and a
- *   turn lasts as long as the commands of other threads that go first, with their post-delays, and their
- *   openings and closings of the link. Turns are not given in the order in which they were asked for.
- * - "the link": at most 2000 ms, turn included; then the port's driver opens it.
- * - "a closing": at most 2000 ms for a turn; the last family to go down then waits until the I/O thread has
- *   ended, which it does at once on a quiet line and after the line in hand otherwise, at most 1000 ms. A
- *   thread that gives the link back in another's place waits for that before or after its own command.
+ * Each function says after "Blocks:" how long it may take, in the terms below. A function that says "Does not
+ * block" takes no lock and waits for nothing.
+ * - "1 command": a turn, then at most 3000 ms for the MCU's answer (for each of its lines, if it has
+ *   several). With a post-delay the call then sleeps, and other threads' commands wait until it wakes up.
+ *   Each of n commands has its own turn; other threads' commands may run in between.
+ * - "a turn": a wait without a limit of its own. The whole process has one command pending at the MCU at a
+ *   time, so a call waits for other threads' commands that go first, with their post-delays, and for their
+ *   openings and closings of the link. Turns do not come in the order in which calls ask for them.
+ * - "the link": at most 2000 ms, turn included; then as long as the port's driver takes to open the port.
+ * - "a closing": at most 2000 ms for a turn. The last family to go down then waits until the I/O thread has
+ *   ended, at most 1000 ms: that thread ends at once on a quiet line, else after the line that it is
+ *   handling. A thread that gives the link back for another one has this wait before or after its own
+ *   command.
  * - "the inner lock": held by others for moments, never while they wait for the MCU.
  * - "device files" and "bus transfers": as long as the kernel's driver takes.
  * - "the shell command": until it has ended, without a limit.
  *
- * A signal ends none of the library's own waits early. What a thread waits for a processor comes on top.
+ * A signal ends none of the library's own waits early. The time for which a thread waits for a processor
+ * comes on top.
  *
  * The waits for an answer, for the link, for the turn of a closing and, where it has a limit, for the inner
- * lock end at a time of the system's wall clock (CLOCK_REALTIME). A clock that is set forward by more than
- * is left of such a wait ends it: the call answers #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED
- * or #ROLU_STATUS_TIMEOUT although the MCU may be about to answer, and a closing goes on as after 2000 ms.
- * A suspend counts as a clock that is set forward by the time it lasted. A clock that is set back lengthens
- * the wait by as much, unless what it waits for comes. Either concerns the wait in hand only; the next one
- * is whole again. Post-delays do not follow the wall clock, and a suspend does not shorten them.
+ * lock end at a time of the system's wall clock (CLOCK_REALTIME). Setting the clock forward by more than is
+ * left of such a wait ends the wait: the call returns #ROLU_STATUS_VPM_NO_REPLY, #ROLU_STATUS_VPM_OPEN_FAILED
+ * or #ROLU_STATUS_TIMEOUT although the MCU may be about to answer, and a closing goes on as after 2000 ms. A
+ * suspend counts as setting the clock forward by its length. Setting the clock back makes the wait longer by
+ * as much, unless what it waits for comes. Only the current wait is changed; the next one has its full length
+ * again. Post-delays do not follow the wall clock, and a suspend does not shorten them.
  *
  * @par Thread safety
  * Any function may run at the same time as any other on any thread, but Initialize or Deinitialize of a
  * family must not overlap another Initialize, Deinitialize or any other operation of the same family.
- * Different families may be brought up and down at once.
+ * Different families may come up and go down at the same time.
  *
- * A call of several steps is not atomic as a whole: other threads' calls may run between two of them. Keep
- * apart, if both are to have their whole effect:
+ * A call of several steps is not atomic as a whole: other threads' calls may run between two steps. Do not
+ * let these calls overlap if both are to have their full effect:
  * - KAVO_ROLU_VPM_SetLBPStatus, KAVO_ROLU_VPM_SetPrebootLBPStatus and
  *   KAVO_ROLU_VPM_SetCurrentCarBatteryMode: each writes the flags of both protections, and so can undo
  *   what another has just written;
  * - KAVO_ROLU_VPM_SetATMode and KAVO_ROLU_VPM_SetKeepAliveMode: each writes both modes;
- * - KAVO_ROLU_VPM_GetCarBatteryVoltage and KAVO_ROLU_VPM_SetCurrentCarBatteryMode: a voltage that is
- *   measured across the change has the scale of the old mode;
- * - two calls of KAVO_ROLU_GSENSOR_AlarmEnabled: after one on and one off the library may remember the
- *   contrary of what the MCU has;
+ * - KAVO_ROLU_VPM_GetCarBatteryVoltage and KAVO_ROLU_VPM_SetCurrentCarBatteryMode: a voltage measured while
+ *   the mode changes has the scale of the old mode;
+ * - two calls of KAVO_ROLU_GSENSOR_AlarmEnabled: after one call with on and one with off the library may
+ *   remember the opposite of what the MCU has;
  * - two calls of KAVO_ROLU_DIO_WriteDOPin: each output is set by itself.
  *
  * No function may be called from a signal handler. The library's thread blocks all signals, so the
@@ -108,8 +109,8 @@
  * MCU families.
  *
  * A thread may be cancelled (pthread_cancel) inside a call: a command, an opening and a closing of the link
- * run to their end first, the cancellation takes effect after them. In the middle of device files, a bus
- * transfer or the shell command it may take effect at once and leave a descriptor open.
+ * run to their end first, then the cancellation takes effect. During device files, a bus transfer or the
+ * shell command it may take effect at once and leave a descriptor open.
  *
  * @par The port of the MCU
  * The link does not stop a second process from opening the same serial port. Neither can block the other's
@@ -206,7 +207,7 @@ typedef struct VPM_FIRMWARE_INFO {
 KAVO_ROLU_ENUM(CAR_BATTERY_MODE){CAR_BATTERY_MODE_24V = 2, /**< A battery of 24 V. */
                                  CAR_BATTERY_MODE_12V = 3 /**< A battery of 12 V. */};
 
-/** The MCU's battery range of one battery system, in volts; what the limits mean is the MCU's definition. */
+/** The MCU's battery range of one battery system, in volts; the MCU defines what the limits mean. */
 typedef struct BATTERY_INFO {
   float range_end;      /**< The range's end. */
   float range_start;    /**< The range's start. */
@@ -214,7 +215,7 @@ typedef struct BATTERY_INFO {
   float range_mid_copy; /**< The same value as range_mid. */
 } BATTERY_INFO;
 
-/** Ignition mode; what the two modes do is the MCU's definition. */
+/** Ignition mode; the MCU defines what the two modes do. */
 KAVO_ROLU_ENUM(IGNITION_MODE){IGNITION_MODE_1 = 1, /**< Mode 1. */
                               IGNITION_MODE_2 = 2 /**< Mode 2. */};
 
@@ -238,7 +239,7 @@ typedef struct VPM_RTC_TIME {
   uint8_t year;    /**< 0 to 99: 2000 to 2099. */
   uint8_t month;   /**< 1 to 12. */
   uint8_t day;     /**< 1 to the month's length. */
-  uint8_t weekday; /**< 0 to 6; which day is 0 is the MCU's definition. */
+  uint8_t weekday; /**< 0 to 6; the MCU defines which day is 0. */
   uint8_t hour;    /**< 0 to 23. */
   uint8_t minute;  /**< 0 to 59. */
   uint8_t second;  /**< 0 to 59. */
@@ -280,13 +281,13 @@ typedef struct ROLU_GSENSOR_DATA {
   int32_t z; /**< Along the z axis. */
 } ROLU_GSENSOR_DATA;
 
-/** The G-sensor's resolution code, 0 to 3; what the codes mean is the MCU's definition. */
+/** The G-sensor's resolution code, 0 to 3; the MCU defines what the codes mean. */
 KAVO_ROLU_ENUM(ROLU_GSENSOR_RES){ROLU_GSENSOR_RES_0 = 0, /**< Code 0. */
                                  ROLU_GSENSOR_RES_1 = 1, /**< Code 1. */
                                  ROLU_GSENSOR_RES_2 = 2, /**< Code 2. */
                                  ROLU_GSENSOR_RES_3 = 3 /**< Code 3. */};
 
-/** A switched peripheral. The values 3 to 9 are valid, but nothing answers to them. */
+/** A switched peripheral. The values 3 to 9 are valid, but the board has no peripheral for them. */
 KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch that the MCU holds. */
                                 PERIPHERAL_TYPE_WLAN = 1,       /**< The wireless network interface. */
                                 PERIPHERAL_TYPE_GPS = 2 /**< The power of the GPS receiver. */};
@@ -295,7 +296,7 @@ KAVO_ROLU_ENUM(PERIPHERAL_TYPE){PERIPHERAL_TYPE_MCU_SWITCH = 0, /**< A switch th
 typedef struct ROLU_BRIGHT_RANGE {
   unsigned char* min;  /**< Receives the lowest level. */
   unsigned char* max;  /**< Receives the highest level. */
-  unsigned char* step; /**< Receives the distance of two levels. */
+  unsigned char* step; /**< Receives the distance between two levels. */
 } ROLU_BRIGHT_RANGE;
 
 /** One transfer on the I2C bus. */
@@ -382,10 +383,11 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetPlatformName(ROLU_PLATFORM_NAME* pla
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_GetImageinfo(ROLU_IMAGE_INFO* info);
 
 /**
- * Orders the board's reset controller, on the I2C bus, to reset the board. Whether the order got there is
- * not known: a board that goes on running after a success was not reset.
+ * Orders the board's reset controller, on the I2C bus, to reset the board. The library does not learn whether
+ * the order arrived: a board that goes on running after a success was not reset.
  *
- * @retval ROLU_STATUS_SUCCESS The controller was addressed; whether it took the order is not looked at.
+ * @retval ROLU_STATUS_SUCCESS The controller was addressed; the library does not check whether it took the
+ *        order.
  * @retval ROLU_STATUS_NOT_INITIALIZED The core is off.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED The I2C bus could not be opened.
  * @retval ROLU_STATUS_DEVICE_IO_FAILED The controller could not be addressed; nothing was written.
@@ -425,19 +427,19 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_CORE_RegistryClean(void);
  * not matter, and reads its firmware identification, the voltage scales and the battery ranges. Prints one
  * line with the firmware version on standard output.
  *
- * A voltage scale (volts per unit of the MCU) never stops the start-up. Where the MCU answers with an error
- * or not at all, 0.01582 (24 V system) or 0.015385 (12 V system) is used. An answer without a decimal number
- * keeps the scale of the last start-up, at the first one 0: all voltages of that system then read 0 V, and
- * thresholds above 0 V go out as FFFF.
+ * A missing voltage scale (volts per unit of the MCU) never stops the start-up. If the MCU answers with an
+ * error or not at all, the library uses 0.01582 (24 V system) or 0.015385 (12 V system). After an answer
+ * without a decimal number it keeps the scale of the last start-up, or 0 at the first one: with 0 all
+ * voltages of that system read 0 V, and thresholds above 0 V are sent as FFFF.
  *
- * On any failure the family stays off and gives back what it opened. What was read before stays; a range
- * shows in KAVO_ROLU_VPM_GetLBPThresholdInfo.
+ * On any failure the family stays off and gives back what it opened. The library keeps what it has read by
+ * then: KAVO_ROLU_VPM_GetLBPThresholdInfo hands out a range that was read.
  *
  * @param unused Has no effect.
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was sent.
- * @retval ROLU_STATUS_VPM_OPEN_FAILED The port cannot be opened, is no terminal, refuses its set-up, or its
- *         descriptor would be 1024 or above; memory or the I/O thread could not be had; or the commands of
+ * @retval ROLU_STATUS_VPM_OPEN_FAILED The port cannot be opened, is not a terminal, refuses its set-up, or
+ *         its descriptor would be 1024 or above; there was no memory or no I/O thread; or the commands of
  *         other threads kept the link busy for 2000 ms: repeat the call then.
  * @return or one of the MCU statuses, of the firmware query or of a range query.
  *
@@ -477,8 +479,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLibVersion(unsigned char* version);
 /**
  * Asks the MCU for the platform's name.
  *
- * @param[out] name At least 13 bytes; receives at most 12 characters, those after the first five of the
- *        answer, and NUL up to the 13th byte.
+ * @param[out] name At least 13 bytes; receives at most 12 characters, those after the answer's first five,
+ *        then NUL up to the 13th byte.
  * @retval ROLU_STATUS_SUCCESS `name` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `name` is null.
@@ -497,8 +499,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPlatformName(char* name);
 
 /**
  * Hands out the battery range that Initialize read for one battery system. Sends nothing, and works
- * in every state: all zeros before the first Initialize; the values survive Deinitialize. A limit that
- * the MCU's answer lacked is 0.
+ * in every state: all zeros before the first Initialize; the values survive Deinitialize. A limit that was
+ * missing in the MCU's answer is 0.
  *
  * The library does not compare thresholds with this range; the MCU judges them.
  *
@@ -529,7 +531,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCarBatteryVoltage(float* volts);
 /**
  * Tells the MCU which battery system the vehicle has.
  *
- * The change first switches the pre-boot and the low-battery protection off, and they stay off until
+ * The call first switches the pre-boot and the low-battery protection off. They stay off until
  * KAVO_ROLU_VPM_SetPrebootLBPStatus and KAVO_ROLU_VPM_SetLBPStatus switch them on again. If that
  * first step fails, the mode is not sent, and the protections may or may not be off. If only the second
  * fails, they are off.
@@ -563,8 +565,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetCurrentCarBatteryMode(CAR_BATTERY_MOD
  * system.
  *
  * @param volts In volts, rounded to the nearest of the MCU's units; a negative voltage and NaN are sent as 0.
- *        The library checks no range, the MCU does (KAVO_ROLU_VPM_GetLBPThresholdInfo tells it). Only the low
- *        16 bits of the number of units are sent: it wraps at 65536 units.
+ *        The MCU checks the range (KAVO_ROLU_VPM_GetLBPThresholdInfo hands it out), the library does not.
+ *        Only the low 16 bits of the number of units are sent: it wraps at 65536 units.
  * @retval ROLU_STATUS_SUCCESS The threshold is set.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
@@ -693,7 +695,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrebootLBPStatus(char* enabled);
  */
 
 /**
- * Sets the delay of the ignition-off event; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the delay of the ignition-off event; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -719,7 +721,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOffEventDelay(unsigned short delay
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOffEventDelay(unsigned short* delay);
 
 /**
- * Sets the hard-off delay of the ignition; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the hard-off delay of the ignition; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -745,7 +747,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnHardOffDelay(unsigned short delay)
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnHardOffDelay(unsigned short* delay);
 
 /**
- * Sets the suspend hard-off delay of the ignition; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the suspend hard-off delay of the ignition; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -771,7 +773,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay(unsigned short
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay(unsigned short* delay);
 
 /**
- * Sets the ignition-on delay; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the ignition-on delay; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -797,7 +799,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnOnDelay(unsigned short delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnOnDelay(unsigned short* delay);
 
 /**
- * Sets the low-battery delay; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the low-battery delay; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -823,7 +825,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowDelay(unsigned short delay);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowDelay(unsigned short* delay);
 
 /**
- * Sets the hard low-battery delay; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the hard low-battery delay; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -849,7 +851,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetLBPLowHardDelay(unsigned short delay)
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLBPLowHardDelay(unsigned short* delay);
 
 /**
- * Sets the delay of the warning before a power-off; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the delay of the warning before a power-off; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -875,7 +877,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay(unsigned short 
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay(unsigned short* delay);
 
 /**
- * Sets the delay of the forced shutdown; what it spans is the MCU's definition. The MCU stores it.
+ * Sets the delay of the forced shutdown; the MCU defines what it spans and stores it.
  *
  * @param delay 1 to 65535, in the MCU's own unit.
  * @retval ROLU_STATUS_SUCCESS The delay is set.
@@ -958,7 +960,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_ForceShutdown(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetIgnitionStatus(char* on);
 
 /**
- * Chooses how the MCU handles the ignition; what the modes do is its definition.
+ * Chooses how the MCU handles the ignition; the MCU defines what the modes do.
  *
  * @param mode #IGNITION_MODE_1 or #IGNITION_MODE_2.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -1010,11 +1012,11 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetPrePowerOffAlarm(char enable);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
 
 /**
- * Sets the AT mode; what its values do is the MCU's definition.
+ * Sets the AT mode; the MCU defines what its values do.
  *
  * The MCU stores it together with the keep-alive mode: the call reads both, then writes both; a keep-alive
- * digit that the answer lacks is written as 0. Calls that change the two at once can undo each other's
- * change.
+ * digit that is missing in the answer is written as 0. Calls that change the two at once can undo each
+ * other's change.
  *
  * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -1028,7 +1030,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetPrePowerOffAlarm(char* enabled);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 
 /**
- * Reads the AT mode, the answer's second decimal digit; one that is not there reads as 0.
+ * Reads the AT mode, the answer's second decimal digit; a missing digit reads as 0.
  *
  * @param[out] mode Receives 0 to 9.
  * @retval ROLU_STATUS_SUCCESS `mode` was written.
@@ -1041,10 +1043,10 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetATMode(char mode);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
 
 /**
- * Sets the keep-alive mode; what its values do is the MCU's definition.
+ * Sets the keep-alive mode; the MCU defines what its values do.
  *
- * The MCU stores it together with the AT mode: the call reads both, then writes both; an AT digit that the
- * answer lacks is written as 0. Calls that change the two at once can undo each other's change.
+ * The MCU stores it together with the AT mode: the call reads both, then writes both; an AT digit that is
+ * missing in the answer is written as 0. Calls that change the two at once can undo each other's change.
  *
  * @param mode 0 to 255, taken as unsigned whatever the sign of `char`. The MCU expects one digit.
  * @retval ROLU_STATUS_SUCCESS The mode is set.
@@ -1058,7 +1060,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetATMode(char* mode);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 
 /**
- * Reads the keep-alive mode, the answer's first decimal digit; one that is not there reads as 0.
+ * Reads the keep-alive mode, the answer's first decimal digit; a missing digit reads as 0.
  *
  * @param[out] mode Receives 0 to 9.
  * @retval ROLU_STATUS_SUCCESS `mode` was written.
@@ -1071,10 +1073,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetKeepAliveMode(char mode);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetKeepAliveMode(char* mode);
 
 /**
- * Orders the MCU to restore its default settings, all of them. The library holds no defaults of its
- * own.
+ * Orders the MCU to restore all its default settings. The library holds no defaults of its own.
  *
- * @retval ROLU_STATUS_SUCCESS The MCU took the order and had its time for it.
+ * @retval ROLU_STATUS_SUCCESS The MCU took the order and had the time to carry it out.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @return or one of the MCU statuses.
  *
@@ -1087,9 +1088,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_LoadDefaultValue(void);
  * power because the ignition went off.
  *
  * The condition variable is the application's: a pthread_cond_t that stays alive until another one is
- * registered in its place or the link is closed, which it is when the last MCU family is down and no call is
- * running. A registration cannot be cancelled, only replaced; it is forgotten when the link is opened from
- * closed, so register after Initialize. Each warning signals once, for one waiting thread; the library does
+ * registered in its place or the link is closed. The link is closed when the last MCU family is down and no
+ * call is running. A registration cannot be cancelled, only replaced. Opening the closed link forgets it, so
+ * register after Initialize. Each warning signals once, for one waiting thread; the library does
  * not take the application's mutex, so a thread that is not waiting at that moment misses the signal: wait
  * with a time-out.
  *
@@ -1107,9 +1108,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetIgnPowerOffEvent(void* event);
  * power because the car battery is low.
  *
  * The condition variable is the application's: a pthread_cond_t that stays alive until another one is
- * registered in its place or the link is closed, which it is when the last MCU family is down and no call is
- * running. A registration cannot be cancelled, only replaced; it is forgotten when the link is opened from
- * closed, so register after Initialize. Each warning signals once, for one waiting thread; the library does
+ * registered in its place or the link is closed. The link is closed when the last MCU family is down and no
+ * call is running. A registration cannot be cancelled, only replaced. Opening the closed link forgets it, so
+ * register after Initialize. Each warning signals once, for one waiting thread; the library does
  * not take the application's mutex, so a thread that is not waiting at that moment misses the signal: wait
  * with a time-out.
  *
@@ -1151,7 +1152,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetShutdownSourceControlStatus(SHUTDOWN_
  * @retval ROLU_STATUS_SUCCESS `enabled` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null, or another source; nothing was sent.
- * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell this source.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not include this source.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1181,7 +1182,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetWakeupSourceControlStatus(WAKEUP_SOUR
  * @retval ROLU_STATUS_SUCCESS `enabled` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null, or #WAKEUP_SOURCE_NONE; nothing was sent.
- * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell this source.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not include this source.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1191,7 +1192,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetWakeupSourceControlStatus(WAKEUP_SOUR
 /**
  * Tells what woke the computer last.
  *
- * @param[out] source Receives the source, #WAKEUP_SOURCE_NONE if none is recorded or the answer is no number.
+ * @param[out] source Receives the source, #WAKEUP_SOURCE_NONE if none is recorded or the answer is not a
+ *        number.
  * @retval ROLU_STATUS_SUCCESS `source` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `source` is null.
@@ -1212,8 +1214,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
 /**
  * Sets the MCU's clock.
  *
- * The MCU answers with two lines, and the second alone decides: an error in the first is not seen. Where one
- * of them does not come, the status is #ROLU_STATUS_VPM_NO_REPLY, also when the other one is an error.
+ * The MCU answers with two lines, and the second alone decides: the library does not see an error in the
+ * first. If one of them does not come, the status is #ROLU_STATUS_VPM_NO_REPLY, even when the other one is an
+ * error.
  *
  * @param time A time between 2000 and 2099; the weekday is not compared with the date.
  * @retval ROLU_STATUS_SUCCESS The clock is set.
@@ -1226,7 +1229,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetLastWakeupSource(WAKEUP_SOURCE* sourc
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetRTCTime(VPM_RTC_TIME time);
 
 /**
- * Reads the MCU's clock. The fields are as the MCU tells them; those that a short answer lacks are 0.
+ * Reads the MCU's clock. The fields are as the MCU reports them; those missing in a short answer are 0.
  *
  * @param[out] time Receives the time.
  * @retval ROLU_STATUS_SUCCESS `time` was written.
@@ -1257,7 +1260,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmActive(char enable);
  * @retval ROLU_STATUS_SUCCESS `enabled` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER `enabled` is null.
- * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not tell it.
+ * @retval ROLU_STATUS_VPM_INVALID_REPLY The answer does not include the alarm.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1269,7 +1272,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled);
  * KAVO_ROLU_VPM_SetAlarmActive does.
  *
  * @param mode #ALARM_MODE_HOURLY, #ALARM_MODE_DAILY or #ALARM_MODE_WEEKLY.
- * @param time All three fields in range, also those that the mode does not use.
+ * @param time All three fields must be in range, even those that the mode does not use.
  * @retval ROLU_STATUS_SUCCESS The alarm time is set.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_INVALID_PARAMETER A field is out of range, or another mode; nothing was sent.
@@ -1280,8 +1283,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetAlarmActive(char* enabled);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE mode, VPM_ALARM_TIME time);
 
 /**
- * Reads the wake-up alarm's time and how often it comes, as the MCU tells them; what a short answer lacks is
- * 0, and does not have to match.
+ * Reads the wake-up alarm's time and how often it comes, as the MCU reports them. A field missing in a short
+ * answer is 0 and does not have to match.
  *
  * @param[out] mode Receives the mode, #ALARM_MODE_NONE if no field has to match.
  * @param[out] time Receives the time.
@@ -1341,7 +1344,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity(int* c
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge(int* percent);
 
 /**
- * Measures the backup battery's temperature (the name of the function is spelled as it is). An answer
+ * Measures the backup battery's temperature (the function's name is spelled like this). An answer
  * without a number reads as -273.15.
  *
  * @param[out] celsius Receives degrees Celsius.
@@ -1383,8 +1386,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_VPM_GetBackupBatteryTimeToFull(int* time);
 /**
  * Reads the backup battery's information number and its status flags.
  *
- * The flags are read from a number of base 2. Only those that are set are written, with 1: clear the record
- * before the call. If the second of the two questions fails, `info_value` is written already and no flag is.
+ * The flags are read from a number in base 2. A set flag is written as 1, a clear one is not written: clear
+ * the record before the call. If the second of the two questions fails, `info_value` has been written and no
+ * flag has.
  *
  * @param[in,out] info Receives the number and the flags.
  * @retval ROLU_STATUS_SUCCESS The number and the set flags were written.
@@ -1435,7 +1439,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_Deinitialize(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_WD_GetLibVersion(unsigned char* version);
 
 /**
- * Triggers the watchdog: starts its time anew.
+ * Triggers the watchdog: its time starts again.
  *
  * @retval ROLU_STATUS_SUCCESS The MCU took it.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
@@ -1518,8 +1522,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_Initialize(uint8_t unused);
 /**
  * Switches the alarm off (the answer does not matter), then the sensor, and takes the family down.
  *
- * If the MCU does not take the switching off of the sensor, the family stays up and the call can be
- * repeated. Its alarm may be off by then.
+ * If the MCU does not confirm that the sensor is off, the family stays up and the call can be repeated. The
+ * alarm may be off by then.
  *
  * @retval ROLU_STATUS_SUCCESS The family is down.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
@@ -1541,14 +1545,14 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetLibVersion(unsigned char* version
 
 /**
  * Measures the acceleration now. A raw unit of the sensor is 3.90625 (1000/256) of the units handed
- * out; a half is added and the rest cut towards zero, so 1 gives 4 and -1 gives -3.
+ * out; a half is added and the fraction cut off towards zero, so 1 gives 4 and -1 gives -3.
  *
  * @param[out] sample Receives the sample.
  * @retval ROLU_STATUS_SUCCESS `sample` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_NULL_POINTER `sample` is null.
  * @retval ROLU_STATUS_GSENSOR_DATA_UNAVAILABLE The sensor has no sample.
- * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no sample.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is not a sample.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1562,7 +1566,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetData(ROLU_GSENSOR_DATA* sample);
  * @retval ROLU_STATUS_SUCCESS `resolution` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_NULL_POINTER `resolution` is null.
- * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is not a number.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1570,8 +1574,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetData(ROLU_GSENSOR_DATA* sample);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetResolution(ROLU_GSENSOR_RES* resolution);
 
 /**
- * Sets the sensor's resolution code; what the codes mean is the MCU's definition. The scale of the
- * samples stays the same.
+ * Sets the sensor's resolution code; the MCU defines what the codes mean. The scale of the samples stays the
+ * same.
  *
  * @param resolution 0 to 3.
  * @retval ROLU_STATUS_SUCCESS It is set.
@@ -1587,9 +1591,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetResolution(ROLU_GSENSOR_RES resol
  * Switches the alarm on or off. While it is on, the MCU reports alarm samples on its own, and the library
  * queues them.
  *
- * The library remembers that it switched the alarm on, also across a Deinitialize whose switching off
- * the MCU did not take; switching off is always sent. It does not ask the MCU: an alarm that the MCU has
- * lost is switched off first, then on.
+ * The library remembers that it switched the alarm on, even across a Deinitialize in which the MCU did not
+ * confirm that it is off. Switching off is always sent. The library does not ask the MCU: if the MCU has lost
+ * the alarm, switch it off first, then on.
  *
  * @param on true switches it on.
  * @retval ROLU_STATUS_SUCCESS It is switched.
@@ -1604,9 +1608,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_AlarmEnabled(bool on);
 /**
  * Registers the condition variable that the library signals for each alarm sample it queues.
  *
- * It is the application's pthread_cond_t, as for KAVO_ROLU_VPM_SetIgnPowerOffEvent: alive until it is
- * replaced or the link is closed, never cancelled, forgotten when the link is opened from closed,
- * signalled without the application's mutex. Wait with a time-out and drain the queue with
+ * The rules of KAVO_ROLU_VPM_SetIgnPowerOffEvent hold: the application's pthread_cond_t stays alive until it
+ * is replaced or the link is closed, its registration cannot be cancelled, opening the closed link forgets
+ * it, and the library signals without the application's mutex. Wait with a time-out and drain the queue with
  * KAVO_ROLU_GSENSOR_GetAlarmData after each wake-up.
  *
  * @param event Pointer to a pthread_cond_t.
@@ -1620,8 +1624,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmEvent(void* event);
 
 /**
  * Takes the oldest queued alarm sample, scaled as by KAVO_ROLU_GSENSOR_GetData. Sends nothing. The
- * queue holds 31 samples; one more drops the oldest. It is emptied when the link is opened from
- * closed.
+ * queue holds 31 samples; one more sample drops the oldest. Opening the closed link empties the queue.
  *
  * @param[out] sample Receives the sample.
  * @retval ROLU_STATUS_SUCCESS `sample` was written.
@@ -1641,7 +1644,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_GetAlarmData(ROLU_GSENSOR_DATA* samp
  * @retval ROLU_STATUS_SUCCESS `threshold` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_NULL_POINTER `threshold` is null.
- * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is not a number.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1668,7 +1671,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetAlarmThreshold(int threshold);
  * @retval ROLU_STATUS_SUCCESS `threshold` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The family is down.
  * @retval ROLU_STATUS_NULL_POINTER `threshold` is null.
- * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is no number.
+ * @retval ROLU_STATUS_GSENSOR_INVALID_REPLY The answer is not a number.
  * @return or one of the MCU statuses.
  *
  * Blocks: 1 command.
@@ -1699,7 +1702,7 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_GSENSOR_SetWakeupThreshold(int threshold);
  * Brings the family up: makes the GPIO line of the GPS power an output (failures show when it is used),
  * opens the link to the MCU (if it is not open yet) and greets the MCU, whose answer does not matter.
  *
- * Making it an output drives the line low, also when it is one already: this cuts the GPS power.
+ * Making the line an output drives it low, even if it is one already: this cuts the GPS power.
  *
  * @retval ROLU_STATUS_SUCCESS The family is up.
  * @retval ROLU_STATUS_ALREADY_INITIALIZED It was up before; nothing was done.
@@ -1732,8 +1735,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
 /**
  * Switches a peripheral.
  *
- * Whether the network configuration command did its work, or is there at all, is not known, nor whether the
- * GPIO line took its level: both count as success.
+ * The library does not know whether the network configuration command did its work or exists at all, nor
+ * whether the GPIO line took its level: both count as success.
  *
  * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
  * @param state 1 is on, anything else off; for the MCU's switch the number, 0 to 255, is sent as it
@@ -1753,9 +1756,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_GetLibVersion(unsigned char* 
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(PERIPHERAL_TYPE type, char state);
 
 /**
- * Tells whether a peripheral is on. The wireless interface counts as on when the first line with "wlan0" that
- * the network configuration command prints begins with it; a command that fails counts as off. So does a
- * GPIO line that cannot be read.
+ * Tells whether a peripheral is on. The wireless interface counts as on when the network configuration
+ * command prints "wlan0" and the first line that contains it begins with it. A command that fails and a GPIO
+ * line that cannot be read count as off.
  *
  * @param type #PERIPHERAL_TYPE_MCU_SWITCH, #PERIPHERAL_TYPE_WLAN or #PERIPHERAL_TYPE_GPS.
  * @param[out] state Receives 1 or 0.
@@ -1871,7 +1874,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBrightRange(ROLU_BRIGHT_RANGE* ra
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_GetBright(unsigned char* level);
 
 /**
- * Sets the backlight level; it stays after the process ends. Whether the driver took it is not known.
+ * Sets the backlight level, which stays after the process ends. The library does not know whether the driver
+ * took it.
  *
  * @param level 0 to 10.
  * @retval ROLU_STATUS_SUCCESS The level was written.
@@ -1919,9 +1923,9 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DISPLAY_ScreenOff(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_GetLibVersion(unsigned char* version);
 
 /**
- * Makes the four GPIO lines available and gives them their directions. Making a line an output drives it
- * low, also when it is one already: each call drops both digital outputs. Needs no core, keeps no state, and
- * may be repeated. If a line fails, those before it stay prepared.
+ * Makes the four GPIO lines available and gives them their directions. Making a line an output drives it low,
+ * even if it is one already: each call drops both digital outputs. Works with the core off, keeps no state,
+ * and may be repeated. If a line fails, those before it stay prepared.
  *
  * @retval ROLU_STATUS_SUCCESS All four lines are prepared.
  * @retval ROLU_STATUS_DEVICE_OPEN_FAILED A GPIO file could not be opened.
@@ -1940,8 +1944,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Initialize(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
 
 /**
- * Reads the two digital inputs. Works once the lines were made available, by this process or an
- * earlier one. An input that cannot be read counts as low.
+ * Reads the two digital inputs. Works once this process or an earlier one has made the lines available. An
+ * input that cannot be read counts as low.
  *
  * @param[out] pins 2 bytes: input 1 and input 2, each 1 (high) or 0 (low).
  * @retval ROLU_STATUS_SUCCESS Both bytes were written.
@@ -1955,8 +1959,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_Deinitialize(void);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_DIO_ReadDIPin(unsigned char* pins);
 
 /**
- * Drives the two digital outputs, one after the other; they keep their levels after the process ends. Whether
- * a line took its level is not known.
+ * Drives the two digital outputs, one after the other; they keep their levels after the process ends. The
+ * library does not know whether a line took its level.
  *
  * @param pins 2 bytes: output 1 and output 2; 1 is high, anything else low.
  * @retval ROLU_STATUS_SUCCESS Both were written.
@@ -2104,8 +2108,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_LIGHTSENSOR_GetLibVersion(unsigned char* ver
 /**
  * Reads the ambient light. A sensor that gives no number reads as 0.
  *
- * @param[out] reading Receives the sensor's reading (lux), the low 16 bits of its first five
- *        characters' number.
+ * @param[out] reading Receives the sensor's reading (lux), the low 16 bits of the number in its first five
+ *        characters.
  * @retval ROLU_STATUS_SUCCESS `reading` was written.
  * @retval ROLU_STATUS_NOT_INITIALIZED The core is off (KAVO_ROLU_CORE_Init).
  * @retval ROLU_STATUS_NULL_POINTER `reading` is null.
@@ -2142,8 +2146,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_GetLibVersion(unsigned char* version);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Available(void);
 
 /**
- * Reads from a slave in one transfer. The slave is taken even if a kernel driver uses it. Needs no
- * core.
+ * Reads from a slave in one transfer. The slave is addressed even if a kernel driver uses it. Works with the
+ * core off.
  *
  * @param[in,out] transfer `slave_address`, `data` and `data_length` are used.
  * @retval ROLU_STATUS_SUCCESS The transfer was done, also when it was shorter than asked for.
@@ -2169,8 +2173,8 @@ KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Read(ROLU_IIC_TRANSFER* transfer);
 KAVO_ROLU_API ROLU_STATUS KAVO_ROLU_IIC_Write(ROLU_IIC_TRANSFER* transfer);
 
 /**
- * Writes `data_length` bytes to a slave, waits 100 ms, and reads `read_length` bytes: two transfers,
- * between which another thread's may run.
+ * Writes `data_length` bytes to a slave, waits 100 ms, and reads `read_length` bytes: two transfers; another
+ * thread's transfer may run between them.
  *
  * @param[in,out] transfer All fields but the first are used.
  * @retval ROLU_STATUS_SUCCESS Both transfers were done, also when shorter than asked for.

@@ -20,7 +20,7 @@
 #define REQUIRES(...) ROLU_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define NO_THREAD_SAFETY_ANALYSIS ROLU_THREAD_ANNOTATION(no_thread_safety_analysis)
 
-// The library's only lock: a recursive mutex whose Lock can also give up after a time.
+// The library's only kind of lock: a recursive mutex. TimeLock gives up after a time.
 class CAPABILITY("mutex") CCriticalSection {
  public:
   CCriticalSection();
@@ -31,11 +31,11 @@ class CAPABILITY("mutex") CCriticalSection {
   void Lock() ACQUIRE();
   void Unlock() RELEASE();
 
-  // Waits at most `ms` milliseconds, until a time of the wall clock. 0: now held; -1: the wait ran
-  // out; -2: any other failure. Only after 0 is there something to unlock.
+  // Waits at most `ms` milliseconds, until a time of the wall clock. 0: now held; -1: the wait ran out; -2:
+  // any other failure. Unlock only after 0.
   int TimeLock(unsigned long ms) TRY_ACQUIRE(false);
 
-  // For condition variables that wait with this lock held exactly once.
+  // For waits on a condition variable, with this lock held exactly once.
   pthread_mutex_t* mutex() const { return mutex_; }
 
  private:

@@ -8,7 +8,7 @@
 timespec WallClockDeadline(unsigned long ms);
 bool HasPassed(const timespec& deadline);
 
-// The same on the clock that nobody sets.
+// The same on the monotonic clock.
 timespec MonotonicDeadline(unsigned long ms);
 bool HasPassedMonotonic(const timespec& deadline);
 
@@ -16,7 +16,7 @@ bool HasPassedMonotonic(const timespec& deadline);
 // not sleep.
 void SleepForMs(int ms);
 
-// Microseconds of a clock that nobody sets; only differences mean something.
+// Microseconds of the monotonic clock; only differences have a meaning.
 long long MonotonicUs();
 
 #endif  // CORE_DEADLINE_H

@@ -8,16 +8,16 @@
 // run at the same time does not hold the device. -1 with the cause in errno.
 int OpenDeviceFile(const char* path, int flags);
 
-// For a descriptor that another call opened.
+// For a descriptor that was not opened with OpenDeviceFile.
 void SetCloseOnExec(int descriptor);
 
-// Moves a descriptor that stays open to a number that is no standard stream's: in a process that has
-// closed those, what is printed would go to the device. -1 stays -1, and is the answer if it cannot be
-// moved; it is closed then.
+// Moves a descriptor that stays open to a number above the standard streams': in a process that has closed
+// these streams, printed text would go to the device. Returns -1 for -1. If the descriptor cannot be moved,
+// closes it and returns -1.
 int AboveStandardStreams(int descriptor);
 
-// Opens an attribute, writes the text without a newline in one write, whose result does not matter,
-// and closes it. False if it could not be opened.
+// Opens an attribute, writes the text in one write, without a newline, and closes it. The result of the write
+// does not matter. False if it could not be opened.
 bool WriteAttribute(const char* path, int flags, const char* text);
 
 // Opens an attribute, reads up to `capacity` - 1 characters into the cleared buffer and closes it.

@@ -1,6 +1,6 @@
 // The process-wide objects. They are built at load in the order below, whatever the order of linking, and
 // destroyed at unload in the reverse order: the transaction lock is there before the first manager and
-// outlives the last one. The managers stand with their classes.
+// outlives the last one. Each manager is declared with its class.
 #ifndef CORE_PROCESS_OBJECTS_H
 #define CORE_PROCESS_OBJECTS_H
 
@@ -21,9 +21,9 @@ enum ConstructionOrder {
   kConstructEepromLock
 };
 
-// One MCU command at a time in the whole process: held from queuing a command until after its
-// post-delay, and for the whole of an open or a close of the link. Always taken before io_op_lock,
-// never after it.
+// The transaction lock: one MCU command at a time in the whole process. It is held from queuing a command
+// until after its post-delay, and during an open or a close of the link. It is always taken before
+// io_op_lock, never after it.
 extern CCriticalSection CriSectCtx;
 
 // The EEPROM family's lock. The board provides no EEPROM, so nothing takes it.

@@ -10,11 +10,11 @@ struct ErrorReplyEntry {
   int32_t number;
 };
 
-// A copy of the error reply table for one manager, to be given back with free; null without memory.
+// A copy of the error reply table for one manager; give it back with free. Null when there is no memory.
 ErrorReplyEntry* NewErrorTable();
 
-// The number of the first entry whose text occurs anywhere in the reply; 0 for none, for a null
-// reply and without a table.
+// The number of the first entry whose text occurs anywhere in the reply; 0 for none, for a null reply and for
+// a null table.
 int32_t FindErrorReply(const ErrorReplyEntry* table, const char* reply);
 
 // What a transaction returns for an error number.

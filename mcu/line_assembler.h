@@ -6,9 +6,9 @@
 // A line of the MCU's output holds at most 63 characters; every buffer for one is this long.
 inline constexpr size_t kLineCapacity = 64;
 
-// Cuts the MCU's byte stream into lines. A carriage return or a line feed ends a line, whichever
-// comes, and is not part of it; empty lines are skipped. A line longer than 63 characters is
-// discarded whole, up to its end: a number cut short would read as a wrong number.
+// Cuts the MCU's byte stream into lines. A carriage return or a line feed ends a line and is not part of it;
+// empty lines are skipped. A line longer than 63 characters is discarded whole, up to its end: a number cut
+// short would read as a wrong number.
 class LineAssembler {
  public:
   // True when `byte` ended a line; text() and length() then hold until the next Take.
@@ -26,7 +26,7 @@ class LineAssembler {
   // Forgets what it holds of a line that has not ended.
   void Reset() { Clear(); }
 
-  // Part of a line has come and not its end; of one that is too long, all that has come is discarded.
+  // True when a line has begun and not ended, even when it is too long and its characters are discarded.
   bool HoldsPart() const { return too_long_ || (length_ > 0 && !complete_); }
 
   // The line as a C string; a NUL byte received within it ends the string early.

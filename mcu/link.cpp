@@ -46,7 +46,7 @@ void CreateTakenEvent() {
   pthread_condattr_destroy(&attributes);
 }
 
-// Only in a turn, so that there is one who creates it.
+// Called only in a turn, so that only one thread creates the lock.
 bool CreateIoLock() {
   if (IoOpLockExists()) return true;
   void* const memory = Allocate<CCriticalSection>();
@@ -66,8 +66,8 @@ bool OpenPort(const char* path, int flags) {
   if (vpm_port == -1) return false;
   // A shell that the application or this library runs must not hold the MCU's port.
   SetCloseOnExec(vpm_port);
-  // The I/O thread must not be held up by a read, if another process takes the bytes first, nor by a write
-  // that the line does not take.
+  // The I/O thread must never block: not in a read, when another process has taken the bytes first, and not
+  // in a write that the line does not accept.
   fcntl(vpm_port, F_SETFL, flags | O_NONBLOCK);
   // select() writes beyond its set for a larger descriptor.
   if (vpm_port < FD_SETSIZE && Tovi_SetCommState(vpm_port, kPortSpeed) == 1) return true;
@@ -114,7 +114,7 @@ bool StartIoThread() REQUIRES(io_op_lock) {
   return started;
 }
 
-// Undoes an opening, whole or half done.
+// Undoes an opening, complete or not.
 void ReleaseLink() REQUIRES(io_op_lock) {
   if (vpm_resp_event != nullptr) {
     pthread_cond_destroy(vpm_resp_event);
@@ -196,8 +196,8 @@ int send_vpm_command(const char* bytes, int length, int awaited_lines) {
   tx_index += length;
   last_command_valid = false;
   vpm_awaited_lines = awaited_lines;
-  // A thread that waits without a time-out has to hear of the command, or it would sleep beside a full
-  // queue. Who awaits an answer wakes it anyway.
+  // Wakes an I/O thread that waits without a time-out: it would sleep on while a command is queued. A caller
+  // that awaits an answer wakes it anyway.
   if (first && awaited_lines == 0) WakeIoThread();
   return 0;
 }
@@ -214,8 +214,7 @@ int read_vpm_response(char* buffer, unsigned long wait_ms) {
   if (!IoOpLockExists()) return -1;
   const ScopedLock lock(*io_op_lock);
   if (!LinkIsOpen()) return -1;
-  // Queuing alone hurries nothing, so that commands queued together leave together; the wait for
-  // the answer does.
+  // Commands become urgent here, not when they are queued: so commands queued together leave together.
   if (tx_index > 0) {
     tx_urgent = true;
     WakeIoThread();

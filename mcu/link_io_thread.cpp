@@ -12,17 +12,17 @@
 
 namespace {
 
-// The poll of the port. A queued command leaves only when the line has been quiet for one poll,
-// which keeps it from overtaking the rest of what the MCU is still sending.
+// The poll of the port. A queued command leaves only when the line has been quiet for one poll, so that it
+// does not meet what the MCU is still sending.
 constexpr unsigned int kPollMs = 5;
 
-// Empty polls after which a line that has not ended is forgotten.
+// After so many empty polls a line that has not ended is forgotten.
 constexpr int kIdleLimit = 100;
 
 constexpr unsigned long kLineLockMs = 1000;
 
-// How long a reply line waits for the one before it to be taken by the caller that was signalled
-// for it. A caller that runs at all needs far less.
+// How long a reply line waits until the signalled caller has taken the line before it. A caller that runs at
+// all needs far less.
 constexpr unsigned long kReplyTakenMs = 1000;
 
 constexpr size_t kReadAhead = 36;
@@ -32,7 +32,7 @@ unsigned int recv_size_vpm = 0;
 
 LineAssembler line_assembler;
 
-// When the last bytes were read: the quiet time counts from there, not from the end of their handling.
+// When the last bytes were read: the quiet time counts from then, not from the end of their handling.
 long long last_bytes_us = 0;
 
 void ClearWakeEvent() {
@@ -43,8 +43,8 @@ void ClearWakeEvent() {
 
 enum class PollResult { kReadable, kWoken, kTimedOut, kFailed };
 
-// Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1; without a
-// time-out if that is null.
+// Waits for the wake-up event if it may end a poll, and for the port unless `port` is -1. Without a limit if
+// `time_out` is null.
 PollResult Poll(int port, timeval* time_out) {
   fd_set readable;
   FD_ZERO(&readable);
@@ -68,8 +68,8 @@ timeval TimeLeft(long long end_us, long long now_us) {
   return left;
 }
 
-// A port that fails or has hung up is always ready; without its 5 ms each such poll would follow
-// the last at once and keep a processor busy.
+// A port that fails or has hung up is always ready. The poll waits for the rest of its 5 ms all the same:
+// polls without a pause would keep a processor busy.
 int FinishFailedPoll(int result, long long poll_end_us) {
   timeval left = TimeLeft(poll_end_us, MonotonicUs());
   const bool woken = Poll(-1, &left) == PollResult::kWoken;
@@ -79,7 +79,7 @@ int FinishFailedPoll(int result, long long poll_end_us) {
   return kWoken;
 }
 
-// Nothing is left to wait for but bytes and a wake-up.
+// True when only bytes and a wake-up are left to wait for.
 bool MaySleep() {
   return line_is_quiet && vpm_wake_event != -1 && !line_assembler.HoldsPart() && tx_index == 0;
 }
@@ -98,11 +98,11 @@ void AwaitReplyTaken() REQUIRES(io_op_lock) {
   }
 }
 
-// The event to signal, null if the line was not stored.
+// Returns the event to signal, null if the line was not stored.
 pthread_cond_t* StoreReply(const char* line, size_t length) REQUIRES(io_op_lock) {
   AwaitReplyTaken();
-  // The MCU has not seen a command that is still queued: this line answers an earlier one. The caller
-  // that took the reply before may have queued it just now.
+  // The MCU has not seen a command that is still queued, so this line answers an earlier one. The caller that
+  // took the previous reply may have queued that command just now.
   if (tx_index > 0) return nullptr;
   memcpy(last_command_result, line, length + 1);
   last_command_valid = true;
@@ -118,7 +118,8 @@ void HandleLine(const char* line, size_t length) {
     stored = StoreReply(line, length);
   }
   io_op_lock->Unlock();
-  // With the lock held the caller would wake up only to wait for it. The event outlives this thread.
+  // If this thread still held the lock, the caller would wake up only to wait for it. The event outlives this
+  // thread.
   if (stored != nullptr) pthread_cond_signal(stored);
 }
 
@@ -126,7 +127,8 @@ void HandleLine(const char* line, size_t length) {
 
 std::atomic<bool> line_is_quiet{false};
 
-// On a line that is not quiet the thread does not watch the event; it looks for itself once the line is.
+// While the line is not quiet, the thread does not watch the event. Once the line is quiet, the thread checks
+// for itself.
 void WakeIoThread() {
   const uint64_t one = 1;
   if (vpm_wake_event == -1 || !line_is_quiet) return;
@@ -182,7 +184,7 @@ bool VPMRead(char* line, unsigned long* length, int idle_limit) {
       *length = line_assembler.length();
       return true;
     }
-    // A command that nobody waits for ends a wait without a time-out, and leaves after one poll.
+    // A command whose answer nobody awaits ends a wait without a time-out, but leaves only after one poll.
     const bool poll_ended = result != kWoken;
     if (tx_index > 0 && (poll_ended || tx_urgent)) WriteQueue();
     if (poll_ended) ++idle_count;
@@ -202,7 +204,7 @@ bool VPMWrite(const char* bytes, int length) {
 }
 
 void* VPMHandleThread(void*) {
-  // A thread's timers may end 50 us late by default, which each command on a busy line would pay.
+  // By default a thread's timers may end 50 us late. Each command on a busy line would lose that time.
   prctl(PR_SET_TIMERSLACK, 1UL);
   char line[kLineCapacity];
   unsigned long length = 0;

@@ -14,24 +14,25 @@
 // Size of the transmit queue; one byte of it stays free.
 inline constexpr int kTxCapacity = 512;
 
-// Guards all of the link's shared state; its mutex is that of the reply wait. Created by the first
+// Guards all of the link's shared state; the wait for a reply uses its mutex. Created by the first
 // open and never destroyed, so that a late caller finds a lock and a closed link, not freed memory.
 extern CCriticalSection* io_op_lock;
 
-// False until the first open. Who does not know that there has been one asks before io_op_lock is used.
+// False until the first open. Code that may run before the first open must check this before it uses
+// io_op_lock.
 inline bool IoOpLockExists() {
   return __atomic_load_n(&io_op_lock, __ATOMIC_ACQUIRE) != nullptr;
 }
 
-// The port and the eventfd that ends a wait on a quiet line; -1 while the link is closed, the second also
-// when it could not be had. Both are set before the I/O thread starts and outlive it.
+// The port, and the eventfd that ends a wait on a quiet line. Both are -1 while the link is closed; the
+// eventfd is also -1 when it could not be created. Both are set before the I/O thread starts and outlive it.
 extern int vpm_port;
 extern int vpm_wake_event;
 
 extern int vpm_ref_count GUARDED_BY(io_op_lock);
 extern pthread_t vpm_io_thread_handle GUARDED_BY(io_op_lock);
 
-// The I/O thread runs while it is set. Written under io_op_lock, read by the thread without it.
+// The I/O thread runs while this is set. Written under io_op_lock, read by the thread without it.
 extern std::atomic<bool> io_thread_active;
 
 // Commands waiting to be written, back to back. Null while the link is closed. tx_index is written
@@ -39,8 +40,8 @@ extern std::atomic<bool> io_thread_active;
 extern char* vpm_tx_buffer PT_GUARDED_BY(io_op_lock);
 extern std::atomic<int> tx_index;
 
-// The caller of a queued command waits for its reply: it leaves at once if the line is quiet. Written under
-// io_op_lock, read by the I/O thread without it.
+// Set when the caller of a queued command waits for its reply: the command leaves at once if the line is
+// quiet. Written under io_op_lock, read by the I/O thread without it.
 extern std::atomic<bool> tx_urgent;
 
 // The latest reply line, and whether nobody has taken it yet.
@@ -50,17 +51,18 @@ extern bool last_command_valid GUARDED_BY(io_op_lock);
 // Signalled when a reply line was stored; null while the link is closed.
 extern pthread_cond_t* vpm_resp_event GUARDED_BY(io_op_lock);
 
-// How many reply lines a caller still waits for, none of which is overwritten, and the signal that one was
-// taken (its waits are on the monotonic clock).
+// How many reply lines a caller still waits for; none of these is overwritten. The condition variable signals
+// that one was taken; waits on it use the monotonic clock.
 extern int vpm_awaited_lines GUARDED_BY(io_op_lock);
 extern pthread_cond_t vpm_resp_taken;
 
-// Takes one user of the link away, the last one with the port and the I/O thread. Call it in a turn.
+// Takes one user of the link away; with the last one it ends the I/O thread and closes the port. Call it in a
+// turn.
 void RemoveLinkUser();
 
-// The last poll ended empty and nothing has arrived since: there is nothing left to wait for, so the
-// wake-up event may end a wait, and a wait needs no time-out. Written by the I/O thread, which looks at
-// tx_index and io_thread_active each time after it was set; whoever changes those looks at it afterwards.
+// True when the last poll ended empty and nothing has arrived since. Then the wake-up event may end a wait,
+// and a wait needs no time-out. The I/O thread writes it; after setting it, that thread looks at tx_index and
+// io_thread_active. A thread that changes one of those two looks at line_is_quiet afterwards.
 extern std::atomic<bool> line_is_quiet;
 
 // Ends the I/O thread's current wait if the line is quiet.
@@ -82,7 +84,7 @@ bool VPMWrite(const char* bytes, int length);
 // One byte from the port. 0: delivered; -1: error; -2: nothing within `wait_ms`; kWoken.
 int recvbyte_vpm(unsigned char* byte, unsigned int wait_ms);
 inline constexpr int kWoken = 1;
-// As `wait_ms`: until something happens. Only with a wake-up event, and on a line that is quiet.
+// As `wait_ms`: waits until something happens. Use it only with a wake-up event and on a quiet line.
 inline constexpr unsigned int kNoTimeOut = UINT_MAX;
 
 #endif  // MCU_LINK_STATE_H

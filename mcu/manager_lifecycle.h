@@ -8,9 +8,9 @@
 #include "mcu/error_reply.h"
 
 // Builds the error reply table, opens the link and greets the MCU, whose answer does not matter.
-// `before_open` runs between the first two, if given. On success the manager holds a reference of
-// the link and a table, and sets `initialized` itself once its own steps are done; on any other
-// status it holds neither.
+// `before_open` runs between the first two, if given. On success the manager holds a reference to the link
+// and a table, and sets `initialized` itself once its own steps are done; on any other status it holds
+// neither.
 uint32_t StartUpManager(const std::atomic<uint8_t>& initialized, ErrorReplyEntry*& table,
                         void (*before_open)() = nullptr);
 

@@ -1,4 +1,4 @@
-// The two kinds of answer that most questions have.
+// The kinds of answer that most questions have.
 #ifndef MCU_QUERIES_H
 #define MCU_QUERIES_H
 

@@ -22,7 +22,7 @@ int32_t ReadHexadecimal(const char* text) {
   return Saturated(strtoll(text, nullptr, 16));
 }
 
-// Not by strtoll, which takes a "0b" before the digits in newer C libraries.
+// Does not use strtoll, which accepts a "0b" before the digits in newer C libraries.
 int32_t ReadBinary(const char* text) {
   text += strspn(text, " \t\n\v\f\r");
   const bool negative = *text == '-';
@@ -48,7 +48,7 @@ int32_t ReadHexadecimalField(const char* reply, size_t position, size_t width) {
 }
 
 bool ReadFloat(const char* text, float* value) {
-  // The application may run in a locale whose decimal point is a comma; the MCU does not.
+  // The MCU sends a decimal point; the application may run in a locale that has a comma there.
   const locale_t c_locale = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
   if (c_locale == static_cast<locale_t>(nullptr)) return false;
   const locale_t before = uselocale(c_locale);

@@ -13,9 +13,10 @@ void SettleOwedCloses() {
   for (int owed = owed_closes.exchange(0); owed > 0; --owed) RemoveLinkUser();
 }
 
-// Who finds the lock taken relies on who holds it: that one comes here when it has let go, and the next one
-// settles at once what it finds. So the letting go must be seen before the look at what is owed, as the owing
-// is before the look at the lock; the fence holds the first order, which a mutex alone does not.
+// A thread that owes a close and finds the lock taken leaves the close to the holder of the lock. The holder
+// comes here after it has released the lock, and the next holder first settles what is owed. So a holder's
+// release of the lock must be visible before it reads owed_closes, just as an owing thread counts up
+// owed_closes before it tries the lock. A mutex alone does not keep the holder's order; the fence does.
 void SettleIfFree() NO_THREAD_SAFETY_ANALYSIS {
   const CancellationOff until_it_is_settled;
   std::atomic_thread_fence(std::memory_order_seq_cst);

@@ -3,9 +3,9 @@
 
 #include <pthread.h>
 
-// Keeps pthread_cancel from ending the calling thread for a scope: one that ended there would take the
-// locks it holds with it, and every later call would wait for them for good. The request is honoured at the
-// thread's next cancellation point behind the scope.
+// Keeps pthread_cancel from ending the calling thread for a scope: a thread that ended there would never
+// release its locks, and every later call would wait for them for good. The cancellation takes effect at the
+// thread's next cancellation point after the scope.
 class CancellationOff {
  public:
   CancellationOff() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
@@ -17,8 +17,8 @@ class CancellationOff {
   int before_ = PTHREAD_CANCEL_ENABLE;
 };
 
-// A turn at the MCU: the transaction lock for a scope. Turns are the only way to that lock, so that what
-// is owed to the link is settled in one place: before anything else in a turn, and when one has ended.
+// A turn at the MCU: the transaction lock for a scope. Only turns take that lock, so owed closes of the link
+// are settled in one place: first thing in a turn, and after its end.
 class Turn {
  public:
   // Waits for its turn as long as it takes.
@@ -37,8 +37,8 @@ class Turn {
   bool held_;
 };
 
-// For a family that went down and got no turn to close the link in time: whoever ends or begins a turn next
-// closes it in its stead.
+// A family that went down but got no turn in time to close the link calls this: the thread that ends or
+// begins a turn next closes the link instead.
 void OweClose();
 
 #endif  // MCU_TURN_H

@@ -32,7 +32,7 @@ void Signal(pthread_cond_t* event) {
   if (event != nullptr) pthread_cond_signal(event);
 }
 
-// Three fields of exactly four digits: a message that lost some would give a wrong sample.
+// Three fields of exactly four digits: a message that lost digits would give a wrong sample.
 bool ReadSample(const char* line, ROLU_GSENSOR_DATA& sample) {
   constexpr size_t kPrefixLength = sizeof kSamplePrefix - 1;
   if (strncmp(line, kSamplePrefix, kPrefixLength) != 0) return false;

@@ -1,6 +1,6 @@
 // What the MCU reports on its own, in bracketed messages: G-sensor alarm samples, which wait in a
-// ring, and warnings of a coming power-off. Each can wake an application thread through a condition
-// variable that the application registered and owns; null is no registration.
+// ring, and warnings of a coming power-off. Each can wake an application thread through a condition variable
+// that the application registered and owns; null means no registration.
 #ifndef MCU_UNSOLICITED_H
 #define MCU_UNSOLICITED_H
 
@@ -22,7 +22,7 @@ void set_gsensor_alarm_event(void* event);
 void set_ignition_poweroff_alarm_event(void* event);
 void set_lvp_poweroff_alarm_event(void* event);
 
-// Empties the ring and forgets the registrations, when the link is opened from closed.
+// Empties the ring and forgets the registrations. Called when the closed link is opened.
 void ResetUnsolicited() REQUIRES(io_op_lock);
 
 #endif  // MCU_UNSOLICITED_H

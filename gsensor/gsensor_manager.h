@@ -7,8 +7,8 @@
 #include "kavo_rolu.h"
 #include "mcu/transaction.h"
 
-// The G-sensor manager. Samples come from the MCU, asked for or as alarms of its own; all are scaled
-// by one factor, whatever the resolution.
+// The G-sensor manager. Samples come from the MCU, as answers or as alarms; all are scaled by one factor,
+// whatever the resolution.
 class CGSensorMgr {
  public:
   CGSensorMgr();
@@ -46,7 +46,7 @@ class CGSensorMgr {
   void Scale(ROLU_GSENSOR_DATA& sample) const;
 
   std::atomic<uint8_t> initialized;
-  std::atomic<uint8_t> alarm_enabled;  // survives Deinitialize when the MCU did not take the switching off
+  std::atomic<uint8_t> alarm_enabled;  // survives Deinitialize unless the MCU confirmed that it is off
   float data_scale;
   ErrorReplyEntry* error_table;
 };

@@ -14,8 +14,8 @@ FILE* StartCommand(const char* line) {
   return command;
 }
 
-// Reads on after a signal: its handler interrupts the wait for the command, and an interface that is up
-// would count as down.
+// Reads on after a signal. Its handler interrupts the wait for the command's output, and without that output
+// an interface that is up would count as down.
 void ReadOutput(FILE* command, char* output, size_t size) {
   size_t count = 0;
   while (count < size) {

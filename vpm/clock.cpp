@@ -11,11 +11,11 @@ namespace {
 constexpr int kClockSetMs = 50;
 constexpr int kAlarmSetMs = 150;
 
-// An alarm field travels as its BCD byte with the order of the bits reversed: the weight of each bit.
-// Bit 0 carries the match flag.
+// The weight of each bit in an alarm field, which is sent as a BCD byte with its bits in reverse order. Bit 0
+// is the match flag.
 constexpr int32_t kAlarmBitWeights[8] = {0, 40, 20, 10, 8, 4, 2, 1};
 constexpr unsigned int kMatchFlag = 0x01;
-// In the hour's byte only, in the place of the weight 40 that no hour needs.
+// In the hour's byte only: it uses the bit of weight 40, which no hour needs.
 constexpr unsigned int kAfternoonFlag = 0x02;
 
 unsigned int AlarmByte(const char* reply, size_t position) {

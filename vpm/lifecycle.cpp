@@ -13,7 +13,7 @@ namespace {
 constexpr float kDefaultScale24V = 0.01582f;
 constexpr float kDefaultScale12V = 0.015385f;
 
-// Nothing depends on the version; the line names this one for whoever reads it.
+// The printed line names this version for its reader. The library does not compare versions.
 constexpr int kNamedMinorVersion = 10;
 
 void PrintFirmwareVersion(const char* identification) {
@@ -48,7 +48,7 @@ CVPMMgr::CVPMMgr()
 CVPMMgr::~CVPMMgr() = default;
 
 uint32_t CVPMMgr::Initialize(int) {
-  // A thread that ended while it prints would leave the link open.
+  // A thread that is cancelled while it prints would leave the link open.
   const CancellationOff until_it_is_up;
   uint32_t status = StartUpManager(initialized, error_table);
   if (status != ROLU_STATUS_SUCCESS) return status;

@@ -4,8 +4,7 @@
 
 namespace {
 
-// The board's conversion saturates; in the language, and on the desk, a value out of range is
-// undefined.
+// The board's processor saturates a value out of range; in C++, and on the desk, its conversion is undefined.
 uint32_t SaturatingTruncate(double value) {
   if (!(value > 0.0)) return 0;
   constexpr uint32_t kLargest = std::numeric_limits<uint32_t>::max();

@@ -26,7 +26,8 @@ class CVPMMgr {
   CVPMMgr();
   CVPMMgr(const CVPMMgr&) = delete;
   CVPMMgr& operator=(const CVPMMgr&) = delete;
-  // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
+  // Never called, since the one instance is not on the heap. The virtual destructor refers to it, and the
+  // default operator delete would need the C++ runtime.
   // NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): so nothing is allocated, either.
   static void operator delete(void*) {}
 
@@ -114,8 +115,8 @@ class CVPMMgr {
   uint32_t SetDelay(DELAY_TYPE type, unsigned short delay);
   uint32_t GetDelay(DELAY_TYPE type, unsigned short* delay);
 
-  // The byte that carries a field of the alarm's time, without its flags, and back. Exact for values
-  // of two decimal digits below 80.
+  // Converts a field of the alarm's time to the byte that carries it, without its flags, and back. Exact for
+  // values of two decimal digits below 80.
   static unsigned char TimeToRAW(unsigned char value);
   static unsigned char RAWToTime(unsigned char raw);
 

@@ -14,7 +14,8 @@ class CWDMgr {
   CWDMgr();
   CWDMgr(const CWDMgr&) = delete;
   CWDMgr& operator=(const CWDMgr&) = delete;
-  // The one instance is not from the heap; the destructor's table entry shall not need the C++ runtime.
+  // Never called, since the one instance is not on the heap. The virtual destructor refers to it, and the
+  // default operator delete would need the C++ runtime.
   // NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): so nothing is allocated, either.
   static void operator delete(void*) {}
 

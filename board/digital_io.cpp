@@ -34,8 +34,8 @@ ROLU_STATUS PinNotProvided() {
   return is_DIO_init != 0 ? ROLU_STATUS_NOT_SUPPORTED : ROLU_STATUS_NOT_INITIALIZED;
 }
 
-// 1: the lines are exported and have their directions; 0: a file could not be opened, and the lines
-// before it stay as they were made.
+// 1: the lines are exported and have their directions; 0: a file could not be opened, and the lines before it
+// stay prepared.
 int OpenDioDrv() {
   const int export_file = OpenDeviceFile("/sys/class/gpio/export", O_WRONLY);
   if (export_file == -1) return 0;

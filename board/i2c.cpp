@@ -10,7 +10,7 @@ namespace {
 // A slave prepares its answer between the two phases of a combined transfer.
 constexpr int kPhasePauseMs = 100;
 
-// Runs a transfer on the bus with the slave selected; `transfer` answers false when it failed.
+// Runs a transfer on the bus with the slave selected; `transfer` returns false when it failed.
 template <typename Transfer>
 ROLU_STATUS OnBus(const ROLU_IIC_TRANSFER& record, Transfer transfer) {
   const int bus = OpenDeviceFile(kI2cBusPath, O_RDWR);

@@ -11,7 +11,7 @@ namespace {
 constexpr char kLuxFile[] =
     "/sys/devices/platform/ehci-omap.0/usb1/1-2/1-2.4/1-2.4:1.3/ttyUSB3/tty/ttyUSB3/serio1/lux";
 
-// The driver's widest number.
+// The driver's longest number has so many characters.
 constexpr size_t kLuxCharacters = 5;
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 namespace {
 
-// Nothing opens a device into them: the board has no temperature sensor to ask.
+// Always -1: the board has no temperature sensor, so no device is opened.
 constexpr int msr_fd0 = -1;
 [[maybe_unused]] constexpr int msr_fd1 = -1;
 

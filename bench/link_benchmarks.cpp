@@ -72,7 +72,7 @@ void Sample(Samples& samples, int count, Pause pause, Work work) {
   }
 }
 
-// As the library's thread makes it, whose timers do not end late on purpose.
+// With the timer slack set as in the library's thread, see SampleEmptyPolls.
 void SelectFor5Ms() {
   timeval timeout{0, 5000};
   select(0, nullptr, nullptr, nullptr, &timeout);
@@ -122,7 +122,8 @@ class LinkBenchmarks {
     found_.allocations_per_query = CountAllocations(state, QueryLibrary);
   }
 
-  // Received lines other than answers: each trigger brings that many before its answer.
+  // Received lines other than answers: each trigger brings kMessagesBeforeTriggerAnswer of them before its
+  // answer.
   void AllocationsPerLine(benchmark::State& state) {
     const auto trigger = [] { Require(KAVO_ROLU_WD_Trigger() == ROLU_STATUS_SUCCESS, "a trigger failed"); };
     found_.allocations_per_line = CountAllocations(state, trigger) / (kMessagesBeforeTriggerAnswer + 1);

@@ -17,8 +17,8 @@ struct Effort {
 inline constexpr Effort kFullEffort{40, 200, 50, std::chrono::milliseconds(2000)};
 inline constexpr Effort kQuickEffort{8, 50, 20, std::chrono::milliseconds(500)};
 
-// Registers the benchmarks. When they run they meet the board whose root the environment names,
-// `root`, and add what they find to `found`; both outlive the run.
+// Registers the benchmarks. They run against the board at `root`, which the environment names too, and add
+// their figures to `found`. Both must outlive the run.
 void RegisterLinkBenchmarks(const Effort& effort, const rolu_sim::BoardRoot& root, Measurements& found);
 
 }  // namespace rolu_bench

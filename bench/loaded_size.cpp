@@ -49,7 +49,7 @@ std::vector<const link_map*> NeededBy(const link_map* object) {
   const char* names = nullptr;
   for (const ElfW(Dyn)* entry = object->l_ld; entry->d_tag != DT_NULL; ++entry) {
     if (entry->d_tag != DT_STRTAB) continue;
-    // The dynamic linker has made an address of the offset in the file.
+    // The dynamic linker has replaced the file offset by an address.
     names = reinterpret_cast<const char*>(entry->d_un.d_ptr);  // NOLINT(performance-no-int-to-ptr)
   }
   Require(names != nullptr, "a shared object without names");

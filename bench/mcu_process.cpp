@@ -17,7 +17,8 @@
 namespace rolu_bench {
 namespace {
 
-// Of each kind that the library tells apart: samples, warnings, ones it ignores, a line too long.
+// Messages of each kind that the library tells apart: samples, warnings, ignored ones, a line that is too
+// long.
 constexpr std::array<std::string_view, 5> kMessages = {
     "[GI:00010002FFFF]",
     "[0000 ignition]",
@@ -103,7 +104,7 @@ std::string ModbusAnswer() {
 
 McuProcess::McuProcess() {
   const rolu_sim::PseudoTerminal terminal;
-  // Without an open device between two programs the MCU would read errors.
+  // While no program has the device open, the MCU would read errors: this descriptor keeps it open.
   const rolu_sim::UniqueFd device(open(terminal.device_path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (!device) rolu_sim::ThrowErrno("opening " + terminal.device_path());
   if (fcntl(terminal.master(), F_SETFL, 0) != 0) rolu_sim::ThrowErrno("preparing a pseudo-terminal");

@@ -18,10 +18,9 @@ inline constexpr unsigned short kWatchdogTime = 0x003C;
 inline constexpr int kModbusUnit = 1;
 
 // The MCU at the far end of a pseudo-terminal, in a process of its own that is pinned to no
-// processor. It knows three commands, and the reading of one Modbus register, answers each at once
-// and does nothing else: whatever it did besides (the simulated board's MCU keeps a log and follows
-// who opens the port) would count as the wire's time in each figure. Construct it while no other
-// thread runs.
+// processor. It knows three commands and the Modbus request for one register, answers each at once and does
+// nothing else. Any other work would count as time of the wire in each figure: the simulated board's MCU
+// keeps a log and follows who opens the port. Construct it while no other thread runs.
 class McuProcess {
  public:
   // Throws std::system_error.

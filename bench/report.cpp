@@ -12,17 +12,17 @@ namespace {
 
 using Figure = std::optional<double>;
 
-// A query on a quiet line, in bare round trips.
+// The limit of a query on a quiet line, in bare round trips.
 constexpr double kQuietQueryFactor = 2.0;
 
-// A query right after another one: the line must have been quiet for one poll, which lasts as long as this
-// machine's own select of 5 ms.
+// The limit of a query right after another one, in bare round trips after a poll: the line must have been
+// quiet for one poll, which lasts as long as a select of 5 ms on this machine.
 constexpr double kBusyQueryFactor = 1.5;
 
-// A line that is quiet wakes nobody up.
+// A quiet line wakes no thread up.
 constexpr double kIdleWakeupsPerSecond = 1.0;
 
-// One wake-up for each 5 ms poll; two in a hundred more for the edges of the measured time.
+// One wake-up for each 5 ms poll, and 2 % more for the edges of the measured time.
 constexpr double kPollsPerSecond = 200.0 * 1.02;
 
 constexpr double kHungUpProcessorPercent = 5.0;
@@ -58,7 +58,7 @@ std::string Count(const Samples& samples) {
   return std::to_string(samples.count()) + " samples";
 }
 
-// A query costs `offset_us` and so many bare round trips.
+// The limit of a query is `offset_us` and `factor` bare round trips.
 Row LimitedQuery(std::string what, const Samples& query, Figure bare, Figure offset_us, double factor) {
   const Figure measured = query.Percentile(50);
   std::string note = Count(query);
@@ -102,7 +102,7 @@ void AddLoads(const Measurements& found, std::vector<Row>& rows) {
                          kHungUpProcessorPercent, "of one processor"));
 }
 
-// Nothing but itself and the C library, which every program has loaded.
+// The limit is the library's own size: it may need only the C library, which every program has loaded.
 Row LoadedRow(const Measurements& found) {
   constexpr double kKiB = 1024.0;
   Row row = Limited("loaded with the library, in all", "KiB", std::nullopt, std::nullopt, "its own pages");
@@ -150,7 +150,7 @@ Verdict PrintReport(const Measurements& found) {
   const std::vector<Row> rows = RowsOf(found);
   std::printf(
       "\nThe MCU is a process of its own, pinned to no processor, that answers at once. A quiet line was\n"
-      "left alone for more than 10 ms, which is not counted. The ratio is that of measured to limit.\n\n");
+      "left alone for more than 10 ms first; that time is not counted. The ratio is measured to limit.\n\n");
   std::printf("%-42s %13s %13s %7s  %-10s  %s\n", "", "measured", "limit", "ratio", "verdict", "");
   for (const Row& row : rows) PrintRow(row);
   std::printf("\n");

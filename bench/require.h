@@ -4,7 +4,7 @@
 
 namespace rolu_bench {
 
-// A figure of something that went wrong is none.
+// Throws when something went wrong, since no figure can be taken then.
 inline void Require(bool condition, const char* what) {
   if (!condition) throw std::runtime_error(what);
 }

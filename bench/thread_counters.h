@@ -8,7 +8,7 @@
 
 namespace rolu_bench {
 
-// The directories in /proc of this process's threads but the main one.
+// The directories in /proc of this process's threads except the main one.
 std::vector<std::filesystem::path> OtherThreads();
 
 // How often the thread of this directory went to sleep so far. Throws std::runtime_error when the

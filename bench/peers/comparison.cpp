@@ -15,7 +15,7 @@ double Microseconds(clockid_t clock) {
   return 1e6 * Seconds(clock);
 }
 
-// Of the threads that a peer runs besides the one that asks.
+// The wake-ups of the threads that a peer runs besides the asking one.
 std::uint64_t WakeupsOfOtherThreads() {
   std::uint64_t sum = 0;
   for (const std::filesystem::path& thread : OtherThreads()) sum += VoluntarySwitches(thread);

@@ -28,14 +28,14 @@ const char* NameAsListedPort(const std::string& device_path) {
 
 }  // namespace rolu_bench
 
-// What libserialport, a fortified build, opens its port with. A program's own functions come before
-// those of every library.
+// libserialport is a fortified build and opens its port with this function. A program's own functions come
+// before those of every library.
 extern "C" int __open_2(const char* path, int flags) {  // NOLINT(bugprone-reserved-identifier)
   const bool is_listed = std::strcmp(path, kListed) == 0 && !Target().empty();
   return open(is_listed ? Target().c_str() : path, flags);
 }
 
-// It asks for the modem lines too, which a pseudo-terminal has not.
+// libserialport also asks for the modem lines, which a pseudo-terminal does not have.
 extern "C" int ioctl(int fd, unsigned long request, ...) {
   using Ioctl = int (*)(int, unsigned long, ...);
   static const Ioctl next = reinterpret_cast<Ioctl>(dlsym(RTLD_NEXT, "ioctl"));

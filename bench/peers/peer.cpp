@@ -88,7 +88,7 @@ class Modbus : public Peer {
   const std::unique_ptr<modbus_t, void (*)(modbus_t*)> context_;
 };
 
-// The board's own port leads to the same device.
+// The library opens the board's port, which leads to the same device.
 class KavoRolu : public Peer {
  public:
   KavoRolu() { Require(KAVO_ROLU_WD_Initialize(0) == ROLU_STATUS_SUCCESS, "kavo_rolu: it does not open"); }

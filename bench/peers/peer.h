@@ -18,9 +18,9 @@ class Peer {
 // A way that an application developer could take.
 struct PeerKind {
   std::string name;
-  // Opens the port: the device itself, or for this library the one that the board shows. Throws.
+  // Opens the port: the device itself, or for this library the board's port. Throws.
   std::function<std::unique_ptr<Peer>(const std::string& device_path)> open;
-  // A function of the shared object that is linked for it; null when that is only the C library.
+  // A function of the shared object that the peer uses; null when it uses only the C library.
   const void* function_inside;
 };
 

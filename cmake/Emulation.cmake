@@ -5,10 +5,10 @@ if(CMAKE_CROSSCOMPILING)
   set(rolu_emulator ${CMAKE_CROSSCOMPILING_EMULATOR} -E LD_PRELOAD=$<TARGET_FILE:rolu_sim_preload>)
 endif()
 
-# What a test program, which is emulated itself, starts another one with; empty where nothing is emulated.
+# The words with which an emulated test program starts another program; empty where nothing is emulated.
 string(JOIN " " rolu_emulator_words ${rolu_emulator})
 
-# CMake runs the target, and what CTest finds in it, like this.
+# Makes CMake run the target, and the tests that CTest finds in it, under the emulator.
 function(rolu_run_on_board target)
   if(CMAKE_CROSSCOMPILING)
     set_property(TARGET ${target} PROPERTY CROSSCOMPILING_EMULATOR ${rolu_emulator})

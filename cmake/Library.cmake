@@ -43,9 +43,9 @@ set_target_properties(kavo_rolu_objects PROPERTIES
 # A serial line is slow and the board is small: -Os makes the board's library a tenth smaller than -O2.
 target_compile_options(kavo_rolu_objects PRIVATE -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-Os>)
 
-# The library needs the C library alone: an application in C shall not carry the C++ runtime. On ARM that has
-# the registration of a process-wide object's destructor, so the objects are destroyed by the object file's own
-# list; the divisions that the processor lacks come from the compiler's static library.
+# The library needs only the C library: an application in C must not load the C++ runtime. On ARM the function
+# that registers the destructor of a process-wide object is in that runtime, so the object file's own list of
+# destructors is used instead. The divisions that the processor lacks come from the compiler's static library.
 target_compile_options(kavo_rolu_objects PRIVATE -fno-use-cxa-atexit)
 target_include_directories(kavo_rolu_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(kavo_rolu_objects PRIVATE rolu_flags Threads::Threads)

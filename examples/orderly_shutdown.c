@@ -31,9 +31,9 @@ static void WaitForSignal(long milliseconds) {
   pthread_mutex_unlock(&lock);
 }
 
-/* 1: the ignition is off; 0: it stayed on for all the time; -1: failure. The signal only shortens the
- * wait: a waiting thread can wake up without one, and one that is not waiting misses it, so what counts
- * is the ignition itself. */
+/* 1: the ignition is off; 0: it stayed on all the time; -1: failure. The signal only shortens the
+ * wait: a waiting thread can wake up without one, and one that is not waiting misses it, so the function
+ * reads the ignition itself. */
 static int WaitForIgnitionOff(long seconds) {
   long rounds = seconds * 2;
   char on = 1;

@@ -18,8 +18,8 @@ from pathlib import Path
 
 
 def keep_first_commands(database):
-    """The sources of the tree that have a command. Of several commands for one only the first stays, that of the
-    target which ships: version 14 sees a va_list that is not started when it analyses a source twice."""
+    """The sources of the tree that have a command. If a source has several, only the first stays, that of the
+    target which ships: clang-tidy 14 reports a va_list that is not started when it analyses a source twice."""
     first = {}
     for command in json.loads(database.read_text()):
         first.setdefault(command["file"], command)
@@ -29,7 +29,7 @@ def keep_first_commands(database):
 
 
 def analyse(build, addition, source):
-    """What clang-tidy says about a source that it does not find clean, finding by finding."""
+    """The findings of clang-tidy about a source, one by one; none when the source is clean."""
     command = ["clang-tidy", "-quiet", f"--load={addition}", "-p", build, source]
     tidy = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     if tidy.returncode == 0:
@@ -68,6 +68,6 @@ if __name__ == "__main__":
     try:
         sys.exit(main(*sys.argv[1:]))
     except re.error as problem:
-        sys.exit(f"{problem.pattern!r} is no regular expression: {problem}")
+        sys.exit(f"{problem.pattern!r} is not a regular expression: {problem}")
     except KeyboardInterrupt:
         sys.exit(130)

@@ -1,5 +1,5 @@
-// A check for clang-tidy that finds nothing: it keeps the others out of what system headers declare. Nothing
-// found there is ever shown, and looking there takes most of the time.
+// A clang-tidy check that reports nothing: it keeps the other checks out of what system headers declare.
+// Findings there are never shown, and looking for them takes most of the time.
 #include <clang-tidy/ClangTidyCheck.h>
 #include <clang-tidy/ClangTidyModule.h>
 #include <clang-tidy/ClangTidyModuleRegistry.h>
@@ -17,7 +17,7 @@ class OwnCode : public tidy::ClangTidyCheck {
  public:
   using ClangTidyCheck::ClangTidyCheck;
 
-  // The source as a whole is met first, before anything in it.
+  // clang-tidy visits the source as a whole before anything in it.
   void registerMatchers(MatchFinder* finder) override {
     finder->addMatcher(clang::ast_matchers::translationUnitDecl(), this);
   }

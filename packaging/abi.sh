@@ -5,8 +5,8 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 records=packaging/abi
-# Without -fno-ipa-icf functions of the same code are one, and the others have no types to compare. A record
-# names no place of the tree.
+# Without -fno-ipa-icf the compiler merges functions of the same code, and all but one of them lose the types
+# to compare. The prefix map keeps the path of the tree out of a record.
 build_options=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_CXX_FLAGS=-g -fno-ipa-icf -ffile-prefix-map=$PWD/="
   -DROLU_BUILD_TESTS=OFF -DROLU_BUILD_TOOLS=OFF -DROLU_BUILD_SIMULATOR=OFF --log-level=WARNING --no-warn-unused-cli)
 
@@ -28,10 +28,11 @@ interface_of() {
     "$build/libkavo_rolu.so"
 }
 
-# The functions take a status as a plain number, so that its values are in no debug information.
+# The functions return a status as a plain number, so the debug information does not have the values of the
+# statuses.
 statuses() { sed -n 's/^ *\(ROLU_STATUS_[A-Z0-9_]* = 0x[0-9A-F]*\).*/\1/p' include/kavo_rolu.h; }
 
-# What a package must depend on to use a function: the version that brought it.
+# A package that uses a function must depend on the version that brought the function.
 add_new_symbols() {
   local file=packaging/debian/libkavo-rolu3.symbols version symbol
   version=$(sed -n 's/^project(.* VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)

@@ -10,7 +10,7 @@ mkdir -p "$directory"
 directory=$(cd "$directory" && pwd)
 [[ -z $(ls -A "$directory") ]] || die "$directory is not empty"
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-git rev-parse --is-inside-work-tree >/dev/null || die "packages are made from the files that git tracks; this is no clone"
+git rev-parse --is-inside-work-tree >/dev/null || die "packages are made from the files that git tracks; this is not a clone"
 
 changelog=packaging/debian/changelog
 version=$(dpkg-parsechangelog -l "$changelog" -S Version)
@@ -25,7 +25,8 @@ git ls-files -z | tar -c --null -T - --mode=u=rwX,go=rX \
   --mtime="@$(dpkg-parsechangelog -l "$changelog" -S Timestamp)" | tar -x -C "$tree"
 mv "$tree/packaging/debian" "$tree/debian"
 
-# A compiler cache gives objects other names of their sources, and one build's objects to the next.
+# With a compiler cache, objects would name other places of their sources, and one build would get the objects
+# of another.
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 
 cd "$tree"

@@ -32,8 +32,8 @@ void cancel_queued_commands() {}
 int read_vpm_response(char* buffer, unsigned long) {
   std::deque<std::string>& replies = rolu_fuzz::replies_to_come;
   if (replies.empty()) return -1;
-  // Behind the line there is what an earlier, longer one left: digits, which would be read if the line's
-  // end were not seen.
+  // Fills the buffer with digits, as an earlier, longer line would: a reader that misses the line's end would
+  // read them.
   memset(buffer, '1', kLineCapacity);
   memcpy(buffer, replies.front().c_str(), replies.front().size() + 1);
   replies.pop_front();

@@ -1,6 +1,6 @@
-// Any calls of the families that talk to the MCU, one after another, while the MCU answers mostly as
-// it should, and now and then with anything: each status, the callers' memory, what the MCU is sent,
-// the post-delays, that nothing hangs, and that nothing is left open at the end.
+// Makes any calls of the families that talk to the MCU, one after another. The MCU answers mostly as it
+// should, and now and then with anything. Checks each status, the callers' memory, what the MCU receives, the
+// post-delays, that nothing hangs, and that nothing is left open at the end.
 #include <pthread.h>
 
 #include <atomic>
@@ -103,13 +103,13 @@ class Session {
     rolu_test::ScriptAnswers(board_.mcu(), row);
     rolu_fuzz::slept_ms = 0;
     Made made = rolu_test::MakeCall(row.call);
-    // A call that hangs, on however busy a machine.
+    // A longer call hangs, however busy the machine is.
     if (made.duration > kGenerous) FailIf(row.name, "took too long");
     made.traffic = rolu_test::TrafficTo(board_.mcu());
     return made;
   }
 
-  // The voltages of the rows are those of the scales that the power manager is told there.
+  // The rows' voltages are computed with the scales that the power manager reads in this start-up.
   void RestoreScales(const CallRow& start_up) {
     Require(KAVO_ROLU_VPM_Deinitialize() == ROLU_STATUS_SUCCESS, "the power manager does not go down");
     FailIf(start_up.name, FaultOf(Make(start_up), start_up.status, start_up.output, start_up.wire));
@@ -138,7 +138,7 @@ class Session {
     return made.status;
   }
 
-  // All whole lines; what did not end would be the beginning of the next answer.
+  // Whole lines only: an unfinished line would become the beginning of the next answer.
   static std::string AnswerOf(size_t kind, const std::string& healthy, Input& input) {
     switch (kind) {
       case 8:
@@ -182,8 +182,8 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // Of this input: libFuzzer starts threads of its own after the first one. The earlier one ended with
-  // the board at rest, see Session::End.
+  // Measured for each input, since libFuzzer starts threads of its own after the first one. The previous
+  // input ended with the board at rest, see Session::End.
   const ProcessState at_rest;
   Input input(data, size);
   Session session(TheBoard());

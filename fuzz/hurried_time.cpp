@@ -14,7 +14,7 @@ timespec Now(clockid_t clock) {
   return time;
 }
 
-// Whole seconds do, rounded up.
+// Rounds up to whole seconds, which is exact enough.
 timespec TimeAfter(clockid_t clock, unsigned long ms) {
   timespec time = Now(clock);
   time.tv_sec += static_cast<time_t>(ms / 1000 + 1);

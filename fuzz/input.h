@@ -1,4 +1,4 @@
-// What a fuzzer's bytes mean: numbers and texts, taken from the front; behind the end all is zero.
+// Reads a fuzzer's bytes as numbers and texts, from the front; behind their end everything is zero.
 #ifndef FUZZ_INPUT_H
 #define FUZZ_INPUT_H
 
@@ -42,13 +42,13 @@ class Input {
   size_t left_;
 };
 
-// Ends the process with what is wrong, as fuzzers find it.
+// Prints what is wrong and aborts the process, so that the fuzzer notices it.
 [[noreturn]] inline void Fail(const std::string& wrong) {
   fprintf(stderr, "WRONG: %s\n", wrong.c_str());
   abort();
 }
 
-// The same, with where it is wrong; nothing for an empty text.
+// The same with the place; does nothing if `wrong` is empty.
 inline void FailIf(const std::string& where, const std::string& wrong) {
   if (!wrong.empty()) Fail(where + ": " + wrong);
 }

@@ -1,9 +1,10 @@
-// Any bytes in any pieces, with the line left idle now and then, commands queued and callers waiting:
-// what the link's I/O thread makes of them. Which lines are kept as replies, which are the MCU's own
-// messages and what these do, and which are discarded.
+// Sends the link's I/O thread any bytes in any pieces, leaves the line idle now and then, queues commands and
+// lets callers wait. Checks which lines are kept as replies, which are the MCU's own messages and what these
+// do, and which are discarded.
 //
 // The thread's body runs on the fuzzer's thread. It stops whenever it polls its port, and once where it
-// lets a caller take a reply: there these stand in for the C library's functions.
+// lets a caller take a reply: there the functions at the end of this file stand in for those of the C
+// library.
 #include <pthread.h>
 #include <sys/ioctl.h>
 #include <sys/select.h>
@@ -28,7 +29,8 @@ pthread_cond_t reply_event = PTHREAD_COND_INITIALIZER;
 // A signal and, if it tells of a reply, the line that the link stored, with its NUL.
 using Effect = std::pair<pthread_cond_t*, std::string>;
 
-// As it was when the signal came. What an earlier, longer line left behind the NUL does not matter.
+// `found` is the line at the time of the signal. What an earlier, longer line left behind its NUL does not
+// matter.
 bool IsEffect(const Effect& found, const Effect& due) {
   return found.first == due.first && found.second.starts_with(due.second);
 }
@@ -37,7 +39,7 @@ std::string StoredReply() REQUIRES(io_op_lock) {
   return {last_command_result, sizeof last_command_result};
 }
 
-// The thread in plain words.
+// A plain model of the thread.
 struct Model {
   void Receive(const std::string& bytes) {
     for (const char byte : bytes) Take(byte);
@@ -59,7 +61,7 @@ struct Model {
     return true;
   }
 
-  // The caller that waits takes a reply that is there.
+  // A waiting caller takes the reply if there is one.
   bool TakeReply() {
     if (has_reply) waits = false;
     return std::exchange(has_reply, false);
@@ -80,7 +82,7 @@ struct Model {
   }
 
   void Store(const std::string& answer) {
-    // Nobody who waits for a reply misses it because the next one came.
+    // A waiting caller takes its reply before the next one replaces it.
     if (waits && TakeReply() && !next_command.empty()) Queue(next_command);
     // The MCU cannot have answered a command that it has not seen.
     if (!queue.empty()) return;
@@ -201,7 +203,7 @@ class Session {
     return true;
   }
 
-  // Only one caller has a command under way: the one before has its reply by now, or gave up.
+  // Only one caller has a command under way: the previous one has its reply by now, or gave up.
   void Queue(const std::string& command) {
     SetWaiting(false);
     const bool queued = model_.Queue(command);

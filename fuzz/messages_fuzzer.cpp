@@ -1,5 +1,5 @@
-// Any bracketed messages, many at a time, and the samples taken from the ring at any time: the samples
-// that are handed out, and which registrations are signalled.
+// Sends any bracketed messages, many at a time, and takes samples from the ring at any time. Checks the
+// samples that are handed out, and which registrations are signalled.
 #include <pthread.h>
 
 #include <map>
@@ -25,7 +25,7 @@ void CompareSignals(pthread_cond_t* expected) {
 
 }  // namespace
 
-// Stands in for the C library's, which nobody could count.
+// Stands in for the C library's function, to count the signals.
 extern "C" int pthread_cond_signal(pthread_cond_t* event) noexcept {
   ++signals[event];
   return 0;

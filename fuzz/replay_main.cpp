@@ -1,5 +1,5 @@
-// Runs a fuzz target once for each file that is named, or that is in a folder that is named: the kept
-// corpus as a test, with any compiler.
+// Runs a fuzz target once for each file on the command line and in each folder on it. With any compiler this
+// makes the kept corpus a test.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

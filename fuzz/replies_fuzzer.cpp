@@ -1,6 +1,6 @@
-// Any reply line: what the functions make of it that read its fields, and what each operation makes of it
-// (the status, every byte of the caller's memory, what the MCU is sent, and what the power manager has
-// learned when it came up), compared with what the interface promises, told in the plainest way.
+// Gives any reply line to the functions that read its fields and to each operation. Compares what they make
+// of it (the status, every byte of the caller's memory, what the MCU receives, and what the power manager
+// learns when it comes up) with a plain model of what the interface promises.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -44,8 +44,8 @@ std::string TakePrinted() {
   return printed;
 }
 
-// The lines that answer the command, whose last one is `reply`. The clock's setting is answered with two,
-// and the first does not matter.
+// Queues the lines that answer the command; the last one is `reply`. The MCU answers the setting of the clock
+// with two lines, and the first does not matter.
 void Answer(const rolu_test::Answer& healthy, const std::string& reply) {
   const size_t lines = rolu_test::ReplyLines(BytesOf(healthy)).size();
   for (size_t i = 1; i < lines; ++i) rolu_fuzz::replies_to_come.emplace_back("ERR-M08");
@@ -62,7 +62,7 @@ Made Make(const CallRow& row, const Replies& replies) {
   return made;
 }
 
-// Switches a family while the MCU answers as it should.
+// Brings a family up or down while the MCU answers as it should.
 void Switch(const std::function<ROLU_STATUS()>& way, const CallRow* start_up) {
   rolu_fuzz::replies_to_come.assign(2, "OK");
   if (start_up != nullptr) {
@@ -83,7 +83,7 @@ void BringDown(const McuFamily& family) {
   Switch(family.switches.deinitialize, nullptr);
 }
 
-// The readings make of the healthy MCU's replies what the table says.
+// Checks that the readings give for the healthy MCU's replies what the table says.
 void CompareWithTable(const CallRow& row) {
   const Ending healthy = MeaningOf(row, HealthyReplies(row));
   Require(healthy.status == row.status && healthy.output == rolu_test::MemoryWith(row.output) &&
@@ -114,8 +114,8 @@ std::string Likely(size_t length, Input& input) {
   return text;
 }
 
-// The beginning of the healthy reply and anything behind it, more than it, less than it, the like of it,
-// or one character changed.
+// The beginning of the healthy reply and anything behind it, a longer reply, a shorter one, hexadecimal
+// digits of its length, likely characters, or the reply with one character changed.
 std::string AnyLine(const std::string& healthy, Input& input) {
   std::string line = healthy;
   switch (input.Below(6)) {
@@ -157,12 +157,12 @@ std::vector<std::string> OddLines() {
     lines.emplace_back(16, '0');
     lines.back()[flag] = '1';
   }
-  // The codes, registers and flags are numbers of two digits: of these none is left to chance.
+  // The codes, registers and flags are numbers of two digits: all of these are tried.
   for (int code = 0; code <= UINT8_MAX; ++code) lines.push_back(Hexadecimal({static_cast<char>(code)}));
   return lines;
 }
 
-// Each of them as the answer to each command of a call that reads one.
+// Gives each odd line as the answer to each command of a call that reads one.
 void TryOddLines(const CallRow& row) {
   if (row.readings.empty()) return;
   static const std::vector<std::string> lines = OddLines();
@@ -183,7 +183,7 @@ Replies AnyReplies(const CallRow& row, Input& input) {
   return replies;
 }
 
-// The power manager comes up with any answers; afterwards it is up as in the table.
+// Brings the power manager up with any answers; afterwards it is up as in the table.
 void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& replies) {
   rolu_test::StartUp learned;
   learned.Learn(HealthyReplies(row));
@@ -198,7 +198,7 @@ void CheckStartUp(const McuFamily& family, const CallRow& row, const Replies& re
   BringUp(family);
 }
 
-// With any line and any numbers.
+// Calls the functions that read fields, with any line and any numbers.
 void CheckFields(Input& input) {
   const auto volts = input.Raw<float>();
   Require(rolu_test::RawVoltsAgree(volts, input.Raw<float>()), "another raw voltage");
@@ -243,7 +243,7 @@ rolu_sim::Board& TheBoard() {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  // The families' start-up also uses device files, and those of this machine are not meant.
+  // The families' start-up also uses device files; these must be the board's, not this machine's.
   rolu_sim::EnsurePreloaded(*argc, *argv);
   TheBoard().AttachThisProcess();
   int ends[2];

@@ -1,6 +1,6 @@
 // Stand-ins for parts of the library: for the link to the MCU (mcu/link.h), with the answers there already,
-// and for its clock work (core/deadline.h), as a fuzzer has no time to wait. Nothing is slept, and the wait
-// for a reply that will not come ends when its command has been received.
+// and for its deadlines (core/deadline.h), as a fuzzer has no time to wait. No call sleeps, and the wait for
+// a reply that will not come ends when the MCU has received the command.
 #ifndef FUZZ_STAND_INS_H
 #define FUZZ_STAND_INS_H
 
@@ -18,7 +18,7 @@ extern std::string commands_sent;
 // is.
 extern std::atomic<bool> time_is_up;
 
-// What the library wanted to sleep since this was last set to 0.
+// The time that the library asked to sleep since this was last set to 0.
 extern std::atomic<int> slept_ms;
 
 }  // namespace rolu_fuzz

@@ -1,5 +1,4 @@
-// What bracketed messages have to do: the samples that are handed out, and which registration is
-// signalled.
+// A model of bracketed messages: the samples that are handed out, and which registration is signalled.
 #ifndef FUZZ_UNSOLICITED_MODEL_H
 #define FUZZ_UNSOLICITED_MODEL_H
 

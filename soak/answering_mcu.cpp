@@ -20,8 +20,8 @@ using std::chrono::milliseconds;
 
 constexpr char kLineEnd[] = "\r\n";
 
-// How often a strike comes, of a million commands, and what it is to the desk: by `least` or some more, up to
-// `kinds` different numbers. What costs the line 3 s is rare.
+// How often a strike comes in a million commands, and which fault of the desk it is. The fault's number is
+// `least` or more, one of `kinds`. Strikes that cost the line 3 s are rare.
 struct Chance {
   Strike strike;
   std::uint32_t of_a_million;
@@ -40,7 +40,7 @@ constexpr Chance kChances[] = {
     {Strike::kDrop, 2000, AnswerFaultKind::kDropBytes, 1, 3},
 };
 
-// What a start-up keeps for later calls stays as the tests' tables have it.
+// Answers that a start-up keeps for later calls stay as the tests' tables have them.
 bool MayBeDistorted(std::string_view command) {
   return !command.starts_with("ATF0") && !command.starts_with("MCVU");
 }
@@ -116,8 +116,8 @@ std::string DrawnAnswer(const rolu_protocol::Command& command, std::uint64_t run
 
 AnsweringMcu::AnsweringMcu(std::uint32_t seed, Findings& violations)
     : violations_(violations), dice_(seed), desk_faults_(seed, [](const std::string&) {}) {
-  // More than any call has. What the process holds is compared, so the lists have their whole size from the
-  // start.
+  // More than any call needs. The soak compares the process's memory, so the lists have their full size from
+  // the start.
   plans_.reserve(8);
   for (Lane& lane : lanes_) lane.exchanges.reserve(16);
 }
@@ -209,7 +209,7 @@ AnsweringMcu::Struck AnsweringMcu::DrawStrike(std::string_view command) {
 
 Reply AnsweringMcu::Send(std::string_view command, const std::string& bytes, Struck struck) {
   if (struck.strike == Strike::kNone) {
-    // In one piece: the line that is late must not be overtaken by a next command.
+    // In one piece: the next command must not overtake the late line.
     if (!late_.empty()) ++late_answers_sent_;
     return Reply::Bytes(bytes + std::exchange(late_, {}));
   }

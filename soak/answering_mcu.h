@@ -27,24 +27,25 @@ struct PlannedAnswer {
   std::chrono::milliseconds delay;  // kNever: silence
 };
 
-// An answer line to the command, which is the `running`th of all. A word in it is not mistaken for another
-// command's, nor for the same one's a while ago. Empty for a text: the simulated MCU has that.
+// An answer line to the command, which is the `running`th of all. A word in it cannot be mistaken for that of
+// another command, nor for an earlier one of the same command. Empty if the answer is a text, which the
+// simulated MCU gives.
 std::string DrawnAnswer(const rolu_protocol::Command& command, std::uint64_t running);
 
 // Answers in place of the MCU's model: with numbers of its own, and with the desk's faults at random from
 // the seed. Any thread may call any member.
 //
 // The wire does not say which command a line answers. A line that comes while another command is
-// pending is taken for that one's answer, by any reader; so a late answer comes here right behind the
-// next command's, when nothing is pending: there it must be recognised and thrown away.
+// pending is taken for that command's answer, by any reader. So this MCU sends a late answer right after the
+// next command's answer, when nothing is pending: there the library must recognise it and throw it away.
 class AnsweringMcu {
  public:
   AnsweringMcu(std::uint32_t seed, Findings& violations);
 
   rolu_sim::Reply Answer(std::string_view command, const rolu_sim::AskModel& ask_model);
 
-  // Commands of a lane that come between the two are those of its call. BeginCall gives the last one that
-  // came before, by itself or too late; an empty text if there was none.
+  // The commands of a lane that come between BeginCall and EndCall are those of its call. BeginCall returns
+  // the last command that came before it, unasked or too late; an empty text if there was none.
   std::string BeginCall(std::size_t lane);
   std::vector<Exchange> EndCall(std::size_t lane);
 
@@ -54,7 +55,7 @@ class AnsweringMcu {
   static constexpr std::chrono::milliseconds kNever{-1};
   void Plan(const std::vector<PlannedAnswer>& answers);
 
-  // For a new port, on which a late answer does not come any more.
+  // For a new port, on which a late answer does not arrive any more.
   void ForgetLateAnswer();
 
   std::uint64_t commands() const { return commands_; }

@@ -72,7 +72,7 @@ microseconds CallBook::TimeOfOthers(std::size_t lane, SteadyTime start, SteadyTi
     const Running& call = running_.at(other);
     if (other != lane && call.operation != nullptr) add({call.start, end, MayHoldLine(*call.operation)});
   }
-  // How much of the time is in at least one of them.
+  // The time that at least one of the spans covers.
   std::ranges::sort(spans, {}, &Span::start);
   steady_clock::duration covered{0};
   SteadyTime until = SteadyTime::min();

@@ -22,9 +22,9 @@ using SteadyTime = std::chrono::steady_clock::time_point;
 // What a call may take beyond its promise without a reason: alone a wait of 3000 ms was seen to end after
 // 3000.2 ms. A longer wait for a processor is a reason, which is counted.
 inline constexpr std::chrono::milliseconds kSlackAlone{100};
-// Beside others it shares the processors with them. With compilers beside on two processors five of 11000
-// calls took more than 100 ms too long, each while a thread waited for a processor (device files 393 ms, a
-// command 724 ms more than it promises): too many to tell one that matters.
+// A call beside others shares the processors with them. With compilers running beside on two processors, five
+// of 11000 calls took more than 100 ms too long, each while a thread waited for a processor (device files 393
+// ms, a command 724 ms more than it promises): too many to find one that matters.
 inline constexpr std::chrono::milliseconds kSlackBeside{500};
 
 struct DurationFigures {
@@ -32,13 +32,13 @@ struct DurationFigures {
   std::uint64_t calls = 0;
   std::uint64_t calls_alone = 0;  // while no other ran
   std::chrono::microseconds longest_alone{0};
-  std::chrono::microseconds longest_less_others{0};  // of those beside others, without what these took of it
-  std::chrono::microseconds longest_beside{0};       // of the same, with it
+  std::chrono::microseconds longest_less_others{0};  // of calls beside others, without the others' time
+  std::chrono::microseconds longest_beside{0};       // of the same calls, with that time
 };
 
-// How long each call took and how it ended. A call may take as long as it promises; one that takes turns
-// may take besides as long as the commands of others held the line. That is no more than the time during
-// which others ran, and no more than these promise. Any thread may call any member.
+// How long each call took and how it ended. A call may take as long as it promises. A call that takes turns
+// may also take as long as the commands of others held the line: at most the time during which others ran,
+// and at most what these promise. Any thread may call any member.
 class CallBook {
  public:
   // `lane` is the thread's own place. The operation outlives the book.
@@ -84,7 +84,7 @@ class CallBook {
   std::array<Span, kRemembered> ended_{};
   std::size_t next_ended_ = 0;
   std::uint64_t calls_ = 0;
-  // What the process holds is compared, so the tables have their room from the start.
+  // The soak compares the process's memory, so the tables have their full size from the start.
   std::array<std::byte, 65536> room_{};
   std::pmr::monotonic_buffer_resource memory_{room_.data(), room_.size(), std::pmr::null_memory_resource()};
   Endings endings_{&memory_};

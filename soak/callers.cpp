@@ -12,10 +12,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Eight calls, each of which finds its port dead, and a start-up among them, take less.
+// Eight calls on a dead port, with a start-up among them, take less.
 constexpr std::chrono::seconds kPatience{120};
 
-// Of so many draws one is taken: what makes the others wait long, seldom.
+// One draw in so many is taken: calls that make the others wait long are rare.
 std::uint32_t OneIn(const Promise& promise) {
   return promise.own_ms == kNoLimit ? 20 : 1 + static_cast<std::uint32_t>(promise.own_ms % 1000) / 10;
 }
@@ -86,11 +86,11 @@ void Callers::CallAny(Dice& dice, const std::vector<const Operation*>& operation
     const std::lock_guard<Gate> inside(families_.at(operation.family).gate);
     Call(operation, false);
   }
-  // A line that is always busy is only one of the cases.
+  // The line must also be quiet now and then.
   if (dice.Below(4) == 0) std::this_thread::sleep_for(std::chrono::microseconds(dice.Below(20000)));
 }
 
-// In between the others find the family down.
+// In between, the other threads find the family down.
 void Callers::TurnOffAndOn(Dice& dice, std::size_t number) {
   Gate& gate = families_.at(number).gate;
   if (!Empty(gate)) return;
@@ -136,12 +136,12 @@ void Callers::Report(const Operation& operation, const std::vector<Fault>& fault
   std::string excused;
   for (const Fault& fault : faults) {
     bool is_explained = waited >= fault.explained_by;
-    // The kernel counts a wait when it is over, and whoever did not answer may be waiting still.
+    // The kernel counts a wait when it is over, and the thread that did not answer may still be waiting.
     if (!is_explained && fault.explained_by == kStarved) {
       std::this_thread::sleep_for(kStarved);
       is_explained = waited_since() >= kStarved;
     }
-    // It may hold any bytes of the wire.
+    // The text may hold any bytes of the wire.
     const std::string text = rolu_sim::Printable(
         fmt::format("{}: {}; the longest wait of a thread for a processor: {} ms", operation.name, fault.text,
                     std::chrono::duration_cast<milliseconds>(waited).count()));

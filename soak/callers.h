@@ -19,8 +19,8 @@
 
 namespace rolu_soak {
 
-// Lets at most so many threads through at once. Whoever closes it keeps the others out in their turn,
-// however many come. Who is inside has it locked.
+// Lets at most `limit` threads in at the same time; a thread that is inside has locked it. Closing it keeps
+// new threads out, however many come, and waits for those inside.
 class Gate {
  public:
   static constexpr int kAll = 1000;
@@ -58,18 +58,18 @@ class Gate {
 // that it leads off and on. Each call is judged by what became of its commands at the MCU.
 class Callers {
  public:
-  // `excuses` gets the calls whose faults are explained by what threads waited for a processor.
+  // `excuses` gets the calls whose faults are explained by a thread's wait for a processor.
   Callers(std::uint32_t seed, AnsweringMcu& mcu, CallBook& book, Findings& violations, Findings& excuses);
   ~Callers();
   Callers(const Callers&) = delete;
   Callers& operator=(const Callers&) = delete;
 
-  // Rests at the start. `at_once` calls at most.
+  // Lets the callers work, which rest at the start. At most `at_once` calls run at the same time.
   void Work(int at_once = Gate::kAll) { gate_.Open(at_once); }
-  // False when a call does not return, which is told.
+  // False when a call does not return; that is reported as a violation.
   bool Rest();
 
-  // The rest of the members are for the one who let the callers rest, or told families to stay.
+  // Only the thread that let the callers rest, or told families to stay, may call the public members below.
   void FamiliesStay(bool stay) { families_stay_ = stay; }
   void PortIsDead(bool dead);
   void Call(const Operation& operation, bool alone = true);

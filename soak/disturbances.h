@@ -13,12 +13,12 @@
 namespace rolu_soak {
 
 // What goes on around the calls, at random: the MCU's own messages, and signals to the process and its
-// threads, whose handler interrupts what a thread waits in.
+// threads, whose handler interrupts the system call in which a thread waits.
 class Disturbances {
  public:
   Disturbances(rolu_sim::McuSerial& serial, std::vector<pthread_t> victims, std::uint32_t seed);
 
-  // As long as it is held no message is sent, and none is on its way.
+  // While the returned lock is held, no message is sent, and none is on its way.
   std::unique_lock<std::mutex> Pause() { return std::unique_lock<std::mutex>(sending_); }
 
   std::uint64_t messages() const { return messages_; }
@@ -35,7 +35,7 @@ class Disturbances {
   std::mutex sending_;
   std::atomic<std::uint64_t> messages_{0};
   std::atomic<std::uint64_t> signals_{0};
-  // They end with this object.
+  // The threads end with this object.
   std::jthread message_thread_;
   std::jthread signal_thread_;
 };

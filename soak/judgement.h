@@ -18,15 +18,15 @@ namespace rolu_soak {
 
 // What is wrong with a call.
 struct Fault {
-  // However long threads waited for a processor.
+  // No wait for a processor explains the fault.
   static constexpr std::chrono::nanoseconds kUnexplained = std::chrono::nanoseconds::max();
 
   std::string text;  // empty: nothing is wrong
-  // A thread that was ready to run, and waited so long for a processor meanwhile, explains it.
+  // A thread that was ready to run, and waited this long for a processor meanwhile, explains the fault.
   std::chrono::nanoseconds explained_by = kUnexplained;
 };
 
-// Findings of one kind: counts all of them and keeps the first ones in words. It has its whole size from the
+// Findings of one kind: counts all of them and keeps the first ones in words. It has its full size from the
 // start, so that a finding does not look like lost memory. Any thread may call any member.
 class Findings {
  public:
@@ -74,12 +74,12 @@ struct CallFacts {
   bool link_was_busy = false;  // an Initialize waited for the link as long as it promises
 };
 
-// Why the call must not have ended like this, by the tests' own reading of what the MCU answered. Threads
-// that waited for a processor explain an answer, or a link, that was missed without a cause; they never
-// explain a wrong one.
+// Why the call must not have ended like this, by the tests' own reading of the MCU's answers. A thread's wait
+// for a processor can explain that an answer or a link was missed without a cause; it never explains a wrong
+// answer.
 Fault FaultIn(const CallFacts& facts);
 
-// The tables behind it have their whole size from then on: what the process holds is compared.
+// Gives the tables behind FaultIn their full size, since the soak compares the process's memory.
 void PrepareJudgement();
 
 // "VPM_NO_REPLY".

@@ -102,7 +102,7 @@ Operation OperationFor(const CallRow& row, Promise promise) {
           name.ends_with("_Initialize") || IsDeinitialize(row)};
 }
 
-// What switches a peripheral and asks for what has become of it: nobody else switches it.
+// Switches a peripheral and reads its state back. No other call switches it.
 rolu_test::Call SwitchesAndReads(PERIPHERAL_TYPE type, char state) {
   return [type, state](void* output) {
     const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_SetPeripheralControl(type, state);
@@ -119,9 +119,9 @@ std::uint32_t RawAxis(std::int32_t scaled) {
   return static_cast<std::uint32_t>(std::llround(scaled / kGravityUnit)) & 0xFFFFU;
 }
 
-// Writes 1 when there is no sample, or the sample is of one message that came after those before.
+// Writes 1 when there is no sample, or when the sample's message is newer than all before it.
 ROLU_STATUS TakeAlarmSample(void* output) {
-  static std::uint32_t newest = 0;  // of one thread only
+  static std::uint32_t newest = 0;  // used by one thread only
   ROLU_GSENSOR_DATA sample{};
   const ROLU_STATUS status = KAVO_ROLU_GSENSOR_GetAlarmData(&sample);
   bool right = status == ROLU_STATUS_GSENSOR_NO_ALARM_DATA;
@@ -137,7 +137,7 @@ ROLU_STATUS TakeAlarmSample(void* output) {
   return ROLU_STATUS_SUCCESS;
 }
 
-// The calls whose course no row of the tests has.
+// The calls that no row of the tests describes.
 std::vector<Operation> OwnOperations() {
   using rolu_test::Gives;
   using rolu_test::Written;
@@ -184,7 +184,7 @@ const std::vector<Operation>& Operations() {
     for (const rolu_test::Operation& operation : rolu_test::AllOperations()) {
       all.push_back(OperationFor(*operation.row, PromiseOf(*operation.row)));
     }
-    // But for what the board does not provide: that is refused at once, from memory.
+    // Leaves out what the board does not provide: the library refuses it at once, without the MCU.
     for (const CallRow& row : rolu_test::SilentOperations()) {
       if (row.status == ROLU_STATUS_SUCCESS) all.push_back(OperationFor(row, PromiseOf(row)));
     }

@@ -52,14 +52,14 @@ struct Operation {
   bool switches_family = false;  // it is one of FamilyCalls
 };
 
-// What brings a family up and down, both by one thread.
+// The calls that bring a family up and down; one thread makes both.
 struct FamilyCalls {
   const Operation& initialize;
   const Operation& deinitialize;
 };
 
-// The number of the last G-sensor message that was sent; the samples that come out have to be of such
-// messages, in their order.
+// The number of the last G-sensor message that was sent. The samples that come out must be those of sent
+// messages, in the same order.
 extern std::atomic<std::uint32_t> last_alarm_sent;
 std::string AlarmMessage(std::uint32_t number);
 
@@ -69,7 +69,7 @@ const std::vector<FamilyCalls>& Families();
 // Each operation with the statement that the header makes of how long it blocks.
 std::string ListOfPromises();
 
-// The one whose row has this name.
+// The operation whose row has this name.
 const Operation& OperationOf(std::string_view row_name);
 
 }  // namespace rolu_soak

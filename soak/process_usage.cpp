@@ -36,7 +36,8 @@ struct CloseDirectory {
   void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// Opened by a call that the thread sanitizer follows: it would take the descriptor for its last owner's.
+// Opened with open(), which the thread sanitizer follows: else it would take the descriptor for its last
+// owner's.
 std::unique_ptr<DIR, CloseDirectory> OpenTasks() {
   const int descriptor = open("/proc/self/task", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   return std::unique_ptr<DIR, CloseDirectory>(descriptor < 0 ? nullptr : fdopendir(descriptor));
@@ -54,13 +55,13 @@ void CountHeapExactly() {
   setenv(kTunablesVariable, kOneArenaWithoutCaches, 0);
 }
 
-// While all families are down the library holds nothing, and what the soak and the board hold has its whole
-// size from the start: at each rest of runs of minutes the heap was the same to the byte. A leak of 64 bytes
-// for each opening of a family is over this after seven of them. Of the resident memory pages, most of them
-// of stacks, come into use as threads meet.
+// While all families are down, the library holds nothing, and what the soak and the board hold has its full
+// size from the start: in runs of minutes the heap was the same to the byte at each rest. A leak of 64 bytes
+// at each opening of a family exceeds this after seven openings. The resident memory grows as pages, most of
+// them of stacks, come into use when threads meet.
 //
-// Where the allocator keeps freed pieces for each thread, these count as held, and so does what an emulator
-// has translated of the program and the library: that grew by 0.7 MiB in ten seconds.
+// If the allocator keeps freed pieces for each thread, these count as held. So does the code that an emulator
+// has translated: it grew by 0.7 MiB in ten seconds.
 ProcessUsage TolerableGrowth() {
   const char* const tunables = getenv(kTunablesVariable);
   const bool is_exact = tunables != nullptr && std::string_view(tunables) == kOneArenaWithoutCaches;
@@ -73,7 +74,7 @@ ProcessorWaits MeasureProcessorWaits() {
   const auto tasks = OpenTasks();
   while (const dirent* entry = tasks ? readdir(tasks.get()) : nullptr) {
     if (entry->d_name[0] == '.') continue;
-    // Without numbers when the thread has ended meanwhile.
+    // The file has no numbers when the thread has ended meanwhile.
     std::ifstream statistics("/proc/self/task/" + std::string(entry->d_name) + "/schedstat");
     std::int64_t ran_ns = 0;
     std::int64_t waited_ns = 0;

@@ -25,8 +25,9 @@ ProcessUsage MeasureProcess();
 // How much more the process may hold at the end than at the start.
 ProcessUsage TolerableGrowth();
 
-// For the program that this one runs next: what the allocator's thread caches hold would count as allocated,
-// and so would the head of each further arena, which threads that meet at the allocator get.
+// Sets the allocator of the program that this one runs next. Without it, the pieces in the allocator's thread
+// caches would count as allocated, and so would the head of each arena that threads get when they meet at the
+// allocator.
 void CountHeapExactly();
 
 // How long each thread of this process has been ready to run and waited for a processor so far, as the
@@ -38,10 +39,10 @@ ProcessorWaits MeasureProcessorWaits();
 // The longest that one thread has waited between the two measurements.
 std::chrono::nanoseconds LongestWait(const ProcessorWaits& before, const ProcessorWaits& after);
 
-// Three threads bring an answer: the caller's, the library's and the simulated MCU's. An answer misses
-// its 3000 ms only when they waited for a processor for 1500 ms together, since no answer that is meant to
-// arrive is delayed by more than the other 1500: one of them for this long at least. On a machine that
-// is busy with other work that is no fault of the library's.
+// Three threads bring an answer: the caller's, the library's and the simulated MCU's. No answer that is meant
+// to arrive is delayed by more than 1500 ms. So it misses its 3000 ms only when these threads waited for a
+// processor for 1500 ms together, one of them for this long at least. On a machine that is busy with other
+// work that is not the library's fault.
 inline constexpr std::chrono::milliseconds kStarved{500};
 
 }  // namespace rolu_soak

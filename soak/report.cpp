@@ -8,7 +8,7 @@ namespace {
 
 using std::chrono::duration_cast;
 
-// The longest of some calls, which may be none, in milliseconds.
+// The longest of `of_calls` calls in milliseconds; "-" if there are none.
 std::string Longest(std::chrono::duration<double, std::milli> longest, std::uint64_t of_calls) {
   return of_calls == 0 ? "-" : fmt::format("{:.1f}", longest.count());
 }
@@ -47,8 +47,8 @@ std::string Soak::Durations() const {
   }
   return text +
          fmt::format(
-             "Calls that ran alone and calls beside others, the longest of each; of the latter without "
-             "the time that others\nhad the line, if they take turns, and with it. A call may take {} ms "
+             "The longest calls that ran alone, and the longest beside others: without the time that others "
+             "had the\nline, if they take turns, and with it. A call may take {} ms "
              "more than it promises alone, and {} ms beside\nothers.\n",
              kSlackAlone.count(), kSlackBeside.count());
 }
@@ -79,9 +79,8 @@ std::string Soak::Held() const {
 
 std::string Soak::Verdict() const {
   const std::string excuses = fmt::format(
-      "{} calls excused, since a thread waited for a processor meanwhile: {} ms for an answer that was "
-      "missed, "
-      "as long as\nthe excess for a time that was; at most {} may be\n{}",
+      "{} calls excused, since a thread waited for a processor meanwhile: {} ms for a missed answer, as "
+      "long\nas the excess for an exceeded time; at most {} calls may be excused\n{}",
       excuses_.count(), kStarved.count(), ExcusableCalls(book_.calls()), Listed(excuses_));
   if (violations_.count() == 0) return excuses + "no violation\n";
   return fmt::format("{}{} violations, the first of them:\n{}", excuses, violations_.count(),

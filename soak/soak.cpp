@@ -24,7 +24,7 @@ using std::chrono::steady_clock;
 constexpr std::size_t kLinkDescriptors = 2;
 constexpr std::size_t kLinkThreads = 1;
 
-// A dead port holds each call for 3 s, one after another: a short run affords one.
+// A dead port holds each call for 3 s, one after another: a short run has time for one hang-up.
 constexpr milliseconds kShortRun{30000};
 
 rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
@@ -35,15 +35,15 @@ rolu_sim::BoardOptions AnsweredBy(AnsweringMcu& mcu) {
   return options;
 }
 
-// The board logs what passed the wire and what was done with device files. A log keeps the memory that its
-// fullest time needed, also when it is empty again.
+// The board logs what passed the wire and what was done with device files. A log that is emptied keeps the
+// memory of its greatest length.
 void FillLogs(rolu_sim::Board& board) {
   rolu_sim::WireLog& wire = board.mcu().Log();
   for (std::size_t i = 0; i < rolu_sim::WireLog::kCapacity; ++i) {
     wire.RecordChunk(rolu_sim::Direction::kToMcu, {}, {});
     wire.RecordLine(rolu_sim::Direction::kToMcu, {}, {});
   }
-  // More than all threads do between two times of clearing it.
+  // More than all threads do between two clearings of the log.
   constexpr int kOpenings = 2000;
   for (int i = 0; i < kOpenings; ++i) {
     const rolu_sim::UniqueFd file(open(rolu_sim::kLuxPath, O_RDONLY | O_CLOEXEC));
@@ -101,7 +101,7 @@ milliseconds Soak::elapsed() const {
 }
 
 bool Soak::Run() {
-  // Before any device file is opened: the board's end of it closes a moment later.
+  // Measured before any device file is opened, since the board's end of it closes a moment later.
   before_ = MeasureProcess();
   PrepareJudgement();
   FillLogs(board_);
@@ -192,7 +192,7 @@ void Soak::CompareMemory() {
   compare("the resident memory", &ProcessUsage::resident_bytes);
 }
 
-// The next one of the list, unless it would outlast the run.
+// Makes the next call of the list, unless it would outlast the run.
 void Soak::DriveNextToTheLimit() {
   const LongestCall& call = LongestCalls().at(driven_ % LongestCalls().size());
   ++driven_;
@@ -212,8 +212,8 @@ void Soak::DriveNextToTheLimit() {
   SwitchAll(true);
 }
 
-// The G-sensor's family is down meanwhile: it goes down only with the MCU's consent, and a port that is
-// dead never brings it.
+// The G-sensor's family is down meanwhile: it goes down only when the MCU agrees, and a dead port brings no
+// answer.
 bool Soak::HangUpAndReplug() {
   if (!callers_.Rest()) return false;
   mcu_.SetFaults(false);

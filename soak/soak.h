@@ -27,7 +27,7 @@ class Soak {
  public:
   explicit Soak(const SoakOptions& options);
 
-  // False when a call does not return: the process can only end then.
+  // False when a call does not return: then the process can only end.
   bool Run();
 
   bool found_nothing() const { return violations_.count() == 0; }

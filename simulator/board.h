@@ -17,7 +17,7 @@ namespace rolu_sim {
 struct BoardOptions {
   McuSerialOptions serial;
   KernelIdentity kernel;
-  std::string root_directory{};  // one that is there; empty: a private one
+  std::string root_directory{};  // an existing directory; empty: a private one
 };
 
 // A whole simulated board. A test program holds one in its own process:
@@ -34,11 +34,11 @@ struct BoardOptions {
 //   ... call the library: it opens its usual paths and meets this board ...
 //   board.mcu().WaitForCommand("MCVG", 2s);
 //
-// Boards of different processes, and boards of one process one after another, do not know of each
-// other. The constructor throws std::system_error when the system refuses what it needs.
+// Boards are independent: those of different processes, and those that one process makes one after another.
+// The constructor throws std::system_error when a system call fails.
 class Board {
  public:
-  // Where a device with 256 registers sits on the I2C bus.
+  // The address of a device with 256 registers on the I2C bus.
   static constexpr std::uint8_t kRegisterDeviceAddress = 0x50;
 
   explicit Board(BoardOptions options = {});
@@ -57,16 +57,16 @@ class Board {
   WirelessInterface& wireless() { return wireless_; }
   const BoardRoot& root() const { return root_; }
 
-  // The preloaded object of this process (and of its children) meets this board from now on, until
-  // the board is destroyed, and the board's commands come first. Sets environment variables: call it
-  // while no other thread runs that reads the environment or opens the board's paths.
+  // From now until the board is destroyed, the preloaded object of this process and of its children uses this
+  // board, and the board's commands come first in PATH. This sets environment variables: call it while no
+  // other thread reads the environment or opens the board's paths.
   void AttachThisProcess();
 
-  // The serial device is gone (a new open fails with ENOENT; open descriptors live on) or back.
+  // Removes the serial device (a new open fails with ENOENT; open descriptors keep working) or restores it.
   void RemoveSerialDevice();
   void RestoreSerialDevice();
 
-  // A new port after mcu().HangUp().
+  // Creates a new port after mcu().HangUp().
   void ReplugSerialPort();
 
  private:

@@ -29,8 +29,7 @@ bool IsSanitizerRuntime(std::string_view object) {
   return std::any_of(kNames.begin(), kNames.end(), [&](auto runtime) { return name.starts_with(runtime); });
 }
 
-// The directories that are searched for commands, without one; what the C library searches when the
-// variable is not set.
+// The directories of PATH without `directory`. If PATH is not set, the C library's own list stands in for it.
 std::string CommandDirectoriesWithout(const std::string& directory) {
   const char* const list = getenv("PATH");
   std::vector<std::string_view> entries = Split(list == nullptr ? "/bin:/usr/bin" : list, ":");

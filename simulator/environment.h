@@ -5,17 +5,16 @@
 
 namespace rolu_sim {
 
-// The environment of a process that meets a board. All but the first of these set variables: call them while
-// no other thread reads any. They throw std::system_error.
+// The environment of a process that uses a board. All functions but the first set variables: call them while
+// no other thread reads the environment. They throw std::system_error.
 
-// The value of LD_PRELOAD that loads `object` besides what `present` (the value so far, may be
-// empty) names: runtimes of sanitizers first, which insist on it, then `object`, then the rest.
+// The value of LD_PRELOAD that loads `object` as well as the objects in `present`, which is the value so far
+// and may be empty. A sanitizer's runtime must come first; then comes `object`, then the rest.
 std::string PreloadListWith(std::string_view present, std::string_view object);
 
 void SetEnvironment(const char* variable, const std::string& value);
 
-// Puts `directory` first among those that this process (and what it starts) searches for commands,
-// or takes it out again.
+// Adds `directory` at the front of PATH for this process and its children, or removes it again.
 void AddCommandDirectory(const std::string& directory);
 void RemoveCommandDirectory(const std::string& directory);
 

@@ -1,4 +1,4 @@
-// Names a directory of the build. rolu-sim, which is installed, links nothing of this file.
+// Holds a path of the build directory. The installed rolu-sim links nothing of this file.
 
 #include "simulator/preloaded.h"
 
@@ -16,8 +16,7 @@
 namespace rolu_sim {
 namespace {
 
-// Set for the second start, so that an object that cannot be loaded does not make a program start
-// itself for ever.
+// Set for the second start, so that a program whose object cannot be loaded does not restart itself for ever.
 constexpr char kSecondStartVariable[] = "ROLU_SIM_SECOND_START";
 
 [[noreturn]] void GiveUp(const char* program, const std::string& why) {

@@ -59,7 +59,7 @@ Choices DeviceErrors() {
   return errors;
 }
 
-// The device's name may soon be another pseudo-terminal's: nothing leads there any more.
+// The name of the hung-up device may soon belong to another pseudo-terminal, so the link to it is removed.
 void BoardFaults::HangUp() {
   board_.RemoveSerialDevice();
   board_.mcu().HangUp();

@@ -18,11 +18,11 @@ std::vector<std::string> BoardFileNames();
 using FileOperation = int DeviceFaults::*;
 Choices FileOperations();
 
-// The errors that a device can be made to answer, an int each.
+// The errors that a device can be made to return. Each value is an int.
 Choices DeviceErrors();
 
-// The faults of a board's serial port and devices: makes and ends them, and knows those there are. Files
-// have their short names. For verbs and readings, which hold the desk locked.
+// The faults of a board's serial port and devices: sets them, ends them and lists them. Files go by their
+// short names. Verbs and readings use it while they hold the desk's lock.
 class BoardFaults {
  public:
   explicit BoardFaults(Board& board) : board_(board) {}
@@ -36,18 +36,19 @@ class BoardFaults {
   // `stage` is select or transfer.
   void RefuseAddress(std::uint8_t address, const std::string& stage, int error);
 
-  // Brings the serial port back. One that is there stays untouched: a program may be about to open it.
+  // Brings the serial port back. A port that is present stays untouched, because a program may be about to
+  // open it.
   void Replug();
   void EndAll();
 
-  // An object for each: its verb without "fault-", and the values of that verb's parameters.
+  // One object for each fault: the fault's verb without "fault-", and the values of that verb's parameters.
   std::vector<Json> Present() const;
 
  private:
   void Refuse(std::uint8_t address, const std::string& stage, int error);
 
   Board& board_;
-  std::string port_;  // hang-up, missing, or nothing
+  std::string port_;  // kHangUp or kMissing; empty: no fault
   std::map<std::string, DeviceFaults> files_;
   std::map<std::pair<std::uint8_t, std::string>, int> addresses_;  // errors by address and stage
 };

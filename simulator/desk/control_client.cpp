@@ -18,7 +18,7 @@ namespace rolu_sim {
 
 ControlClient::ControlClient(std::string board_directory, std::chrono::milliseconds patience)
     : directory_(std::move(board_directory)) {
-  // A board that comes up makes its socket last.
+  // The socket is the last thing that a starting board makes.
   constexpr std::chrono::milliseconds kBetweenTries(20);
   const TimePoint deadline = std::chrono::steady_clock::now() + patience;
   while (!(socket_ = ConnectTo(ControlSocketPath(directory_)))) {

@@ -10,13 +10,13 @@
 
 namespace rolu_sim {
 
-// There is no board, or it went away.
+// No board answers, or the board went away.
 class NoBoardError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// A connection to a board's control socket, for a program that does one thing after another.
+// A connection to a board's control socket. It sends one request at a time.
 class ControlClient {
  public:
   // Waits up to `patience` for the board to come up. Throws NoBoardError.
@@ -25,8 +25,8 @@ class ControlClient {
   // Throws NoBoardError when the board goes away before it answers.
   Json Ask(const Json& request);
 
-  // The next line, without its end; nothing at the end of the connection, or when `deadline` passes
-  // (see TimedOut).
+  // The next line, without its line end. Nothing at the end of the connection, or when `deadline` passes (see
+  // TimedOut).
   using TimePoint = std::chrono::steady_clock::time_point;
   std::optional<std::string> ReadLine(std::optional<TimePoint> deadline = std::nullopt);
   bool TimedOut() const { return timed_out_; }

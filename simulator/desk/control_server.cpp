@@ -16,10 +16,11 @@
 namespace rolu_sim {
 namespace {
 
-// No request comes near but a scenario.
+// Only a scenario comes near this length.
 constexpr std::size_t kLongestRequest = 4U << 20U;
 
-// A follower that does not read gets its records later, or misses those that are no longer kept.
+// When this much is unsent, a follower gets no more records until it reads. It misses the records that the
+// trace drops meanwhile.
 constexpr std::size_t kEnoughUnsent = 1U << 16U;
 constexpr std::size_t kRecordsAtOnce = 256;
 
@@ -31,7 +32,7 @@ Json RefuseRequest(const std::string& error, const char* kind) {
   return {{"ok", false}, {"error", error}, {"kind", kind}};
 }
 
-// Gives the answer to "do"; throws what the verb throws.
+// Runs the verb of "do" and gives the answer. Throws what the verb throws.
 Json AnswerDo(Desk& desk, const Json& request) {
   Action action;
   try {
@@ -70,7 +71,7 @@ class ControlServer::Connection : public SocketServer::Connection {
  public:
   Connection(ControlServer& server, UniqueFd socket)
       : SocketServer::Connection(std::move(socket)), server_(server) {}
-  // Those who wait for an answer have it before the board is gone.
+  // A client that waits for an answer gets it before the board is gone.
   ~Connection() override { Send(); }
 
   short Events() override {
@@ -84,7 +85,7 @@ class ControlServer::Connection : public SocketServer::Connection {
   }
 
  private:
-  // False when the connection is at its end.
+  // False at the end of the connection.
   bool Receive();
   bool Send();
   void Answer(const std::string& line);
@@ -97,8 +98,8 @@ class ControlServer::Connection : public SocketServer::Connection {
   std::string received_;
   std::string unsent_;
   bool ends_when_sent_ = false;
-  std::optional<std::uint64_t> next_record_;   // of the trace, for one that follows it
-  std::optional<std::uint64_t> end_of_trace_;  // and where it stops
+  std::optional<std::uint64_t> next_record_;   // the next record to send to a follower of the trace
+  std::optional<std::uint64_t> end_of_trace_;  // the record at which sending stops
 };
 
 ControlServer::ControlServer(Desk& desk, std::function<void()> on_stop)
@@ -106,7 +107,7 @@ ControlServer::ControlServer(Desk& desk, std::function<void()> on_stop)
       on_stop_(std::move(on_stop)),
       sockets_(ControlSocketPath(desk.board().root().path()), SOCK_STREAM,
                [this](UniqueFd socket) { return std::make_unique<Connection>(*this, std::move(socket)); }) {
-  // The desk's trace signals it as long as there is a desk.
+  // The trace may call this listener for as long as the desk lives, so the listener keeps the wake-up alive.
   desk_.trace().AddListener(
       [wakeup = sockets_.wakeup()](const TraceRecord& /*record*/) { wakeup->Signal(); });
   sockets_.wakeup()->Signal();
@@ -141,7 +142,7 @@ bool ControlServer::Connection::Send() {
   return !ends_when_sent_;
 }
 
-// What the system refuses to one who asks is no reason for the others to lose their board.
+// When the system refuses a request, only this request fails: the board stays up for the other clients.
 void ControlServer::Connection::Answer(const std::string& line) {
   Json answer;
   try {
@@ -149,7 +150,7 @@ void ControlServer::Connection::Answer(const std::string& line) {
   } catch (const std::exception& problem) {
     answer = RefuseRequest(problem.what(), "refused");
   }
-  // Nobody but a client that writes no UTF-8 sees a replacement.
+  // A client whose text is not UTF-8 gets replacement characters; no other client sees them.
   unsent_ += answer.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 

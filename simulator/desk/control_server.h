@@ -10,14 +10,14 @@
 
 namespace rolu_sim {
 
-// Lets other processes steer and watch a desk, through the socket of control_socket.h, and plays its
-// scenario. The desk must outlive it.
+// Lets other processes steer and watch a desk through the socket of control_socket.h, and plays the desk's
+// scenario. The desk must outlive this object.
 class ControlServer {
  public:
-  // `on_stop` is called, on the server's thread, when somebody asks the board to go down.
+  // The server calls `on_stop` on its thread when a client asks the board to go down.
   ControlServer(Desk& desk, std::function<void()> on_stop);
 
-  // From now on; a scenario that is played ends. Any thread may call it.
+  // Plays a scenario from now on and ends the one that is playing. Any thread may call it.
   void Play(Scenario scenario);
 
  private:

@@ -6,14 +6,14 @@
 
 namespace rolu_sim {
 
-// The socket of a board through which it is steered, in the board's directory. Both sides send lines
-// of JSON. A request is an object with one of these members:
+// The socket in a board's directory through which clients steer the board. Both sides send lines of JSON. A
+// request is an object with one of these members:
 //   "do"    a verb, its parameters beside it    answer: {"ok": true, "remark": "..."}
 //   "get"   a list of readings' names           answer: {"ok": true, "board": {...}}
 //   "trace" "past" or "follow"                  answer: {"ok": true}, then a line for each record
 //   "play"  {"name": ..., "text": ...}, a scenario    answer: {"ok": true}
 //   "stop"  true: the board goes down           answer: {"ok": true}
-// What cannot be done is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.
+// A request that fails is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.
 inline std::string ControlSocketPath(const std::string& board_directory) {
   return board_directory + kControlSocketName;
 }

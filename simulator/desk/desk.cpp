@@ -18,7 +18,8 @@ Desk::Desk(DeskOptions options)
       board_faults_(board_),
       register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}
 
-// Called before the board is there: its threads meet a desk that is whole but for it.
+// Called before the board exists. The board's threads may call back at once: all that they use of the desk
+// exists by then.
 BoardOptions Desk::MakeBoardOptions(const DeskOptions& options) {
   if (options.listener) trace_.AddListener(options.listener);
   BoardOptions board;
@@ -56,7 +57,7 @@ void Desk::DetachRegisterDevice(std::uint8_t address) {
 
 void Desk::Say(const std::string& text) {
   trace_.RecordEvent(TraceDirection::kBoard, text);
-  // One write for one line: the program under test writes there as well.
+  // Each line is one write, because the program under test writes to standard error as well.
   std::cerr << fmt::format("rolu-sim: {}\n", text);
 }
 
@@ -66,8 +67,8 @@ std::string Desk::AnnounceSeed() {
   return text;
 }
 
-// The model carries out what the recording answers as well, so that the board shows what the program
-// did to it.
+// The model carries out a command even when the recording answers it, so that the board shows what the
+// program did.
 Reply Desk::Answer(std::string_view command, const AskModel& ask_model) {
   return faults_.Answer(command, [&] {
     Reply of_model = ask_model();

@@ -18,20 +18,20 @@
 namespace rolu_sim {
 
 struct DeskOptions {
-  std::string root_directory;  // one that is there; empty: a private one
+  std::string root_directory;  // an existing directory; empty: a private one
   bool paced = false;
   std::uint32_t seed = 0;          // of random faults
   std::unique_ptr<Replay> replay;  // answers in place of the model where it can; may be null
   Trace::Listener listener;        // hears the trace from its first record; may be empty
 };
 
-// A board with all that steers and watches it: the trace, the faults, the verbs. What the board has
-// to tell people it says on standard error. Any thread may call any member.
+// A board with everything that steers and watches it: the trace, the faults, the verbs. It writes its
+// messages for people to standard error. Any thread may call any member.
 class Desk {
  public:
   explicit Desk(DeskOptions options);
 
-  // Does what a verb says and gives its remark. Throws UsageError.
+  // Does what a verb says and returns its remark. Throws UsageError.
   std::string Apply(const Action& action);
 
   // Runs `use()` while no verb runs.
@@ -51,17 +51,17 @@ class Desk {
   // How often the watchdog has bitten.
   int BiteCount();
 
-  // The register devices on the I2C bus, by their 7-bit addresses. For verbs and readings, which hold
-  // the desk locked.
+  // The register devices on the I2C bus, by their 7-bit addresses. Verbs and readings use this while they
+  // hold the desk's lock.
   using RegisterDevices = std::map<std::uint8_t, I2cRegisterDevice*>;
   const RegisterDevices& register_devices() const { return register_devices_; }
   void AttachRegisterDevice(std::uint8_t address);
   void DetachRegisterDevice(std::uint8_t address);
 
-  // Tells the user, and notes in the trace.
+  // Writes a message for the user and records it in the trace.
   void Say(const std::string& text);
 
-  // Says how random faults can be had again: once on standard error, and always as the remark.
+  // Says how to repeat the random faults: on standard error the first time, and as the remark each time.
   std::string AnnounceSeed();
 
  private:
@@ -80,8 +80,8 @@ class Desk {
   RegisterDevices register_devices_;
 };
 
-// What a verb does, by a handler that takes what it uses: the MCU's model and the values, the desk and the
-// values, or the desk alone. A handler that gives nothing has no remark.
+// What a verb does. The handler takes what it uses: the MCU's model and the values, the desk and the values,
+// or the desk alone. A handler that returns nothing has no remark.
 template <typename Handler>
 std::function<std::string(Desk&, const Arguments&)> Doing(Handler handler) {
   return [handler](Desk& desk, const Arguments& given) {

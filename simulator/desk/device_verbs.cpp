@@ -1,4 +1,4 @@
-// What the board's devices show to programs.
+// Verbs that set what the board's devices show to programs.
 
 #include <fmt/format.h>
 
@@ -18,7 +18,7 @@ std::string DriveLine(Desk& desk, const Arguments& given) {
   const int line = given.Get<int>("line");
   Gpio& gpio = desk.board().gpio();
   gpio.SetInput(line, given.Get<bool>("level"));
-  return gpio.IsOutput(line) ? "a program drives this line, it does not see what is outside" : "";
+  return gpio.IsOutput(line) ? "a program drives this line, so the level outside does not show" : "";
 }
 
 void AttachDevice(Desk& desk, const Arguments& given) {

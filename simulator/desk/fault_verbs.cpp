@@ -1,4 +1,4 @@
-// What goes wrong, on the wire and with the devices.
+// Verbs that make faults on the wire and of the devices.
 
 #include <algorithm>
 #include <optional>
@@ -11,7 +11,8 @@ namespace {
 
 constexpr char kAnyCommand[] = "any";
 
-// A verb that makes a fault of answers. The parameter of its own stands between the command and the rest.
+// A verb that makes a fault of answers. A parameter of its own stands between the command and the optional
+// ones.
 struct AnswerFaultVerb {
   std::string name;
   AnswerFaultKind kind;
@@ -19,7 +20,7 @@ struct AnswerFaultVerb {
   std::optional<Parameter> own;
 };
 
-// The first of a kind gives it its name.
+// Where several verbs make faults of one kind, the first verb names the kind.
 std::vector<AnswerFaultVerb> AnswerFaultVerbs() {
   const auto characters = [](long fallback, long most, const char* help) {
     return Optional(Integer("characters", 1, most, help), fallback);
@@ -29,7 +30,7 @@ std::vector<AnswerFaultVerb> AnswerFaultVerbs() {
        "Loses commands: the MCU neither carries them out nor answers", std::nullopt},
       {"fault-delay", AnswerFaultKind::kDelay, "Delays answers", Duration("time", "by how much")},
       {"fault-late", AnswerFaultKind::kDelay,
-       "Delays answers until nobody waits for them any more (3 s is how long the library does)",
+       "Delays answers until the library no longer waits for them (it waits 3 s)",
        Optional(Duration("time", "by how much"), "3200ms")},
       {"fault-error", AnswerFaultKind::kErrorReply,
        "Refuses commands with an error reply; the MCU does not carry them out",
@@ -63,7 +64,7 @@ std::string AddFault(Desk& desk, AnswerFaultKind kind, const Arguments& given) {
 Verb VerbOf(const AnswerFaultVerb& row) {
   Parameter command = Text("command", "which commands: those that begin like this, or any");
   command.takes_rest = false;
-  // What may be left out does not stand before what may not.
+  // A required parameter does not stand behind an optional one.
   const bool is_needed = row.own && row.own->required;
   std::vector<Parameter> parameters = {is_needed ? command : Optional(command, kAnyCommand)};
   if (row.own) parameters.push_back(*row.own);

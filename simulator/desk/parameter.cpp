@@ -16,12 +16,12 @@
 namespace rolu_sim {
 namespace {
 
-// As the user wrote it.
+// The value as the user wrote it.
 std::string AsText(const Json& given) {
   return given.is_string() ? given.get<std::string>() : given.dump();
 }
 
-// The whole of `text` as a number.
+// Reads the whole of `text` as a number.
 template <typename Value, typename... Form>
 std::optional<Value> FromText(std::string_view text, Form... form) {
   Value number{};
@@ -114,7 +114,7 @@ Parameter Choice(std::string name, Choices choices, std::string help) {
       .range = fmt::format("{}{}{}", fmt::join(but_last, ", "), but_last.empty() ? "" : " or ", texts.back()),
       .help = std::move(help),
       .parse = [choices = std::move(choices)](const Json& given) -> std::optional<Argument> {
-        // JSON has names of its own for the two positions of a switch.
+        // JSON writes the two positions of a switch as true and false.
         const std::string text = given.is_boolean() ? (given.get<bool>() ? "on" : "off") : AsText(given);
         const auto found = std::ranges::find(choices, text, &Choices::value_type::first);
         if (found == choices.end()) return std::nullopt;
@@ -146,7 +146,7 @@ Parameter Text(std::string name, std::string help) {
 
 Parameter Duration(std::string name, std::string help) {
   return {.name = std::move(name),
-          .range = fmt::format("a time of at most a week, as {}", rolu::kDurationExamples),
+          .range = fmt::format("a time of at most a week, such as {}", rolu::kDurationExamples),
           .help = std::move(help),
           .parse = [](const Json& given) -> std::optional<Argument> {
             const auto duration = given.is_number()
@@ -159,7 +159,7 @@ Parameter Duration(std::string name, std::string help) {
 
 Parameter HexBytes(std::string name, std::string help) {
   return {.name = std::move(name),
-          .range = "bytes as pairs of hexadecimal digits, as 01FF",
+          .range = "bytes as pairs of hexadecimal digits, such as 01FF",
           .help = std::move(help),
           .parse = [](const Json& given) -> std::optional<Argument> {
             if (!given.is_string()) return std::nullopt;
@@ -174,7 +174,7 @@ Parameter HexBytes(std::string name, std::string help) {
 
 Parameter Curve(std::string name, std::string help) {
   return {.name = std::move(name),
-          .range = "times and volts, as \"0s=12.6 2s=11.0\"",
+          .range = "times and volts, such as \"0s=12.6 2s=11.0\"",
           .help = std::move(help),
           .parse = [](const Json& given) -> std::optional<Argument> {
             return Argument{VoltageCurve::Parse(AsText(given)), AsText(given)};
@@ -184,7 +184,7 @@ Parameter Curve(std::string name, std::string help) {
 
 Parameter TimeOfClock(std::string name, std::string help) {
   return {.name = std::move(name),
-          .range = R"(a time as "2024-05-31 22:00:00", "07:30" or "07:30:15", from 2000 to 2099)",
+          .range = R"(a time such as "2024-05-31 22:00:00", "07:30" or "07:30:15", from 2000 to 2099)",
           .help = std::move(help),
           .parse = [](const Json& given) -> std::optional<Argument> {
             const std::optional<ClockText> time = ParseClockText(AsText(given));

@@ -15,14 +15,13 @@
 
 namespace rolu_sim {
 
-// What a user asked for cannot be; the text says why and what could be.
+// The user asked for something impossible. The text says why, and what is possible.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// What a user gave for a parameter: its value, of the type that the parameter has, and the text that
-// shows it.
+// The user's value for a parameter: the value in the parameter's type, and the text that shows it.
 struct Argument {
   std::any value;
   std::string text;
@@ -33,13 +32,13 @@ struct Parameter {
   std::string name;
   std::string range;  // in words: "0 to 100 V", "on or off"
   std::string help;
-  // Reads a member of a JSON object, or a word of a command line as a JSON string. Gives nothing when the
-  // value is out of range; throws std::invalid_argument when more is to be said.
+  // Reads a member of a JSON object; a word of a command line comes as a JSON string. Returns nothing when
+  // the value is out of range; throws std::invalid_argument when there is more to say.
   std::function<std::optional<Argument>(const Json& given)> parse{};
-  std::vector<std::string> choices{};  // where there are only these
-  bool takes_rest = false;             // may hold blanks: takes the words left on a command line
+  std::vector<std::string> choices{};  // the allowed texts, if the parameter has a fixed list of them
+  bool takes_rest = false;             // may hold blanks: takes the remaining words of a command line
   bool required = true;
-  Json fallback{};  // of one that is not required; null is none
+  Json fallback{};  // the default of an optional parameter; null: none
 
   // Throws UsageError.
   Argument Check(const Json& given) const;
@@ -51,7 +50,7 @@ Parameter Integer(std::string name, long least, long most, std::string help);
 // A double.
 Parameter Number(std::string name, double least, double most, std::string_view unit, std::string help);
 
-// The value that stands beside the chosen text.
+// The texts to choose from, each with the value that it stands for.
 using Choices = std::vector<std::pair<std::string, std::any>>;
 Parameter Choice(std::string name, Choices choices, std::string help);
 
@@ -64,7 +63,7 @@ Parameter Switch(std::string name, std::string help);
 // A std::string.
 Parameter Text(std::string name, std::string help);
 
-// The longest time that a board waits for anything.
+// The longest time that a user may give.
 inline constexpr std::chrono::milliseconds kLongestTime = std::chrono::hours(7 * 24);
 
 // A std::chrono::milliseconds; a plain number is in seconds.
@@ -76,8 +75,8 @@ Parameter HexBytes(std::string name, std::string help);
 // A VoltageCurve, "0s=12.6 2s=11.0".
 Parameter Curve(std::string name, std::string help);
 
-// A time that a user wrote for the MCU's clock. Without a date, its time of the day counts; with one, the
-// weekday is the date's, 0 is Sunday.
+// A time that a user wrote for the MCU's clock. Without a date only the time of day counts; with a date, the
+// weekday is that of the date (0 is Sunday).
 struct ClockText {
   bool has_date = false;
   ClockTime time;
@@ -88,7 +87,7 @@ Parameter TimeOfClock(std::string name, std::string help);
 
 std::string FormatClockTime(const ClockTime& time);
 
-// The same parameter, which may be left out.
+// The same parameter as an optional one.
 Parameter Optional(Parameter parameter, Json fallback = nullptr);
 
 // The names of parameters, verbs or readings.

@@ -161,7 +161,7 @@ Json DescribeCommands(Desk& desk) {
   return commands;
 }
 
-// A reading of what the MCU knows.
+// Makes a reading from the MCU's model.
 std::function<Json(Desk&)> OfMcu(Json (*describe)(const McuModel&)) {
   return [describe](Desk& desk) { return desk.board().mcu().WithModel(describe); };
 }
@@ -178,7 +178,7 @@ constexpr std::array<ReadingUnit, 7> kReadingUnits = {{{"_v", " V"},
                                                        {"_units", " units"},
                                                        {"_steps", " steps of 62.5"}}};
 
-// "voltage_v" says "voltage" in V.
+// Splits a name into label and unit: "voltage_v" is "voltage" in V.
 std::pair<std::string, std::string_view> LabelAndUnit(std::string_view name) {
   const auto* const unit = std::ranges::find_if(
       kReadingUnits, [&](const ReadingUnit& entry) { return name.ends_with(entry.suffix); });
@@ -195,7 +195,7 @@ std::string ValueAsText(const Json& value) {
   return value.is_string() ? value.get<std::string>() : value.dump();
 }
 
-// A list of values, and an element of a list of objects, take one line.
+// Writes a list of values, or one object of a list, in one line.
 std::string InOneLine(const Json& value) {
   std::vector<std::string> parts;
   for (const auto& [name, part] : value.items()) {
@@ -206,7 +206,7 @@ std::string InOneLine(const Json& value) {
   return parts.empty() ? "none" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
-// A reading may consist of readings, and those of others.
+// A reading may hold readings, which may hold readings themselves.
 // NOLINTNEXTLINE(misc-no-recursion): our own readings are nested a few deep, not without end
 void Append(std::string& text, const Json& members, std::size_t depth) {
   const std::string indent(depth * 2, ' ');

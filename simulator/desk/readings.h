@@ -10,8 +10,8 @@ namespace rolu_sim {
 
 class Desk;
 
-// One subject of what can be read of a board: what programs did to it, and what they see of it. The
-// members' names end in their units. `read` runs with the desk locked.
+// One subject that can be read of a board: what programs did to it, and what they see of it. Each member's
+// name ends in its unit. `read` runs with the desk locked.
 struct Reading {
   std::string name;
   std::string help;
@@ -20,10 +20,10 @@ struct Reading {
 
 const std::vector<Reading>& Readings();
 
-// Throws UsageError when there is none of this name.
+// Throws UsageError when there is no reading of this name.
 void CheckReading(const std::string& name);
 
-// All readings of these names, or all there are but the long lists, by name.
+// The named readings, by name. Without names: all readings except the long lists.
 Json ReadBoard(Desk& desk, const std::vector<std::string>& names);
 
 // Readings as a text of indented lines, with units: "voltage: 12.6 V".

@@ -15,9 +15,10 @@
 
 namespace rolu_sim {
 
-// A recorded trace as the MCU's script. Each command gets the answer that it got in the recording,
-// after the same time; one that was sent several times gets its answers in their order. Lines that no
-// command asked for follow the command that they followed. Any thread may call any member of one.
+// A recorded trace that answers in place of the MCU. Each command gets the answer from the recording, after
+// the recorded delay. A command that was recorded several times gets its answers in their order. A line that
+// no command asked for follows the command after which it was recorded. Any thread may call any member of one
+// Replay.
 class Replay {
  public:
   // A line that came before the first command.

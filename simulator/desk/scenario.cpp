@@ -42,17 +42,17 @@ class ScenarioReader {
                        what);
   }
 
-  // Reads the text as JSON, and where each value begins. Throws ScenarioError for a text that is no JSON, or
-  // that gives a member twice.
+  // Reads the text as JSON, and notes where each value begins. Throws ScenarioError when the text is not
+  // JSON, or when an object has a member twice.
   void Parse() {
     std::istringstream stream{std::string(text_)};
     std::size_t end_of_last = 0;
-    std::vector<std::size_t> starts;          // of the values, in their order
-    std::vector<std::set<std::string>> keys;  // by level, of the objects around the place that is read
+    std::vector<std::size_t> starts;          // where each value begins, in their order
+    std::vector<std::set<std::string>> keys;  // the members so far of the open objects, by level
     const auto note = [&](int depth, Json::parse_event_t event, const Json& parsed) {
       using Event = Json::parse_event_t;
-      // What the parser tells of begins behind the last that it told of. Behind a number it has read one
-      // character more, which may be the end of the list or the object.
+      // Each item that the parser reports begins behind the previous one. To find the end of a number, the
+      // parser has read one character more, which may close the list or the object.
       const std::size_t start = text_.find_first_not_of(" \t\r\n,:]}", end_of_last);
       end_of_last = static_cast<std::size_t>(stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
       const auto level = static_cast<std::size_t>(depth);
@@ -71,12 +71,12 @@ class ScenarioReader {
     try {
       root_ = Json::parse(stream, note);
     } catch (const Json::parse_error& problem) {
-      // The parser's message without its code and its own count of lines.
+      // The parser's message without its error code and line count.
       const std::string message = problem.what();
       const std::size_t offset = std::min(problem.byte == 0 ? 0 : problem.byte - 1, text_.size());
-      throw ScenarioError(At(offset, "no JSON: " + message.substr(message.find(": ") + 2)));
+      throw ScenarioError(At(offset, "not JSON: " + message.substr(message.find(": ") + 2)));
     }
-    // The values stand in the text in this order: each before those in it.
+    // The text holds the values in this order: each value before the values in it.
     std::vector<const Json*> rest = {&root_};
     for (const std::size_t start : starts) {
       const Json& value = *rest.back();
@@ -87,7 +87,7 @@ class ScenarioReader {
     }
   }
 
-  // `value` is the one that is wrong.
+  // `value` is the wrong value.
   void Complain(const Json& value, const std::string& what) {
     if (!complaints_.empty()) complaints_ += '\n';
     complaints_ += At(starts_.at(&value), what);
@@ -155,7 +155,7 @@ class ScenarioReader {
     }
   }
 
-  // Null when there is none.
+  // Null when the event has no known verb.
   const Verb* ReadVerb(const Json& event) {
     if (!event.contains("do") || !event["do"].is_string()) {
       Complain(event, "\"do\" is missing: the verb, as rolu-sim ctl has it");

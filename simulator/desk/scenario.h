@@ -30,14 +30,14 @@ struct Scenario {
     Action action;
   };
 
-  // Brings the events into the order of their times; those of the same time stay as they are.
+  // Sorts the events by time; events of the same time keep their order.
   void Sort();
 
   std::string description;
   std::vector<Event> events;
 };
 
-// All that is wrong with a scenario, one line for each: "FILE:LINE:COLUMN: what".
+// Everything that is wrong with a scenario, one line for each problem: "FILE:LINE:COLUMN: what".
 class ScenarioError : public UsageError {
  public:
   using UsageError::UsageError;
@@ -46,8 +46,8 @@ class ScenarioError : public UsageError {
 // Reads and checks a whole scenario. `name` stands for the file in messages. Throws ScenarioError.
 Scenario ParseScenario(std::string_view text, const std::string& name);
 
-// Plays a scenario on a desk, from now on, on a thread of its own; destroyed, it stops. An event that
-// the board refuses is told on standard error, and the scenario goes on.
+// Plays a scenario on a desk from now on, on its own thread; the destructor stops it. When the board refuses
+// an event, the player says so on standard error and goes on.
 class ScenarioPlayer {
  public:
   ScenarioPlayer(Desk& desk, Scenario scenario);

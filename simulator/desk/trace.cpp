@@ -192,7 +192,7 @@ std::uint64_t Trace::Count() const {
   return first_ + records_.size();
 }
 
-// What a program or a fault put on the wire may hold any bytes, also in the words for it.
+// Programs and faults may put any bytes on the wire, so the words for a line may hold them too.
 void Trace::Add(TraceRecord record) {
   record.words = Printable(record.words);
   for (const Listener& listener : listeners_) listener(record);

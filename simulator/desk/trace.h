@@ -18,18 +18,18 @@
 
 namespace rolu_sim {
 
-// The bytes of a line as a text: those that are not printable as \xNN.
+// The bytes of a line as text; bytes that are not printable become \xNN.
 std::string Printable(std::string_view bytes);
 
 std::string ToHex(std::string_view bytes);
 
-// Nothing when the digits are no pairs of hexadecimal ones.
+// Nothing when the text is not pairs of hexadecimal digits.
 std::optional<std::string> BytesFromHex(std::string_view digits);
 
 enum class TraceDirection {
   kToMcu,
   kFromMcu,
-  kBoard,  // nothing on the wire: what the board did by itself
+  kBoard,  // nothing on the wire: what the board did on its own
   kDesk,   // nothing on the wire: what was done to the board
 };
 
@@ -37,7 +37,7 @@ enum class TraceDirection {
 struct TraceRecord {
   std::chrono::nanoseconds time{0};  // since the board came up
   TraceDirection direction = TraceDirection::kBoard;
-  std::string line;   // without its line end; empty for the other two
+  std::string line;   // without its line end; empty for kBoard and kDesk
   std::string words;  // what it means
 };
 
@@ -47,7 +47,7 @@ std::string ToText(const TraceRecord& record);
 // An object with the members t_s, direction, line, words, and hex for a line that is not printable.
 Json ToJson(const TraceRecord& record);
 
-// Throws std::invalid_argument with what is wrong. Words need not be there.
+// Throws std::invalid_argument with the problem. The words may be missing.
 TraceRecord TraceRecordFromJson(const Json& object);
 
 enum class TraceFormat { kText, kJson };
@@ -55,14 +55,14 @@ enum class TraceFormat { kText, kJson };
 // One record as a line, with its line end.
 std::string FormatLine(const TraceRecord& record, TraceFormat format);
 
-// Writes records to a file or to standard error, each at once and as one write: the program under
-// test may write there as well.
+// Writes each record at once, with one write, to a file or to standard error: the program under test may
+// write to the same place.
 class TraceWriter {
  public:
   // "-" is standard error. Throws std::system_error when the file cannot be written.
   TraceWriter(const std::string& path, TraceFormat format);
 
-  // After a write that fails, says so once on standard error and writes no more.
+  // When a write fails, says so once on standard error and writes no more.
   void Write(const TraceRecord& record);
 
  private:
@@ -72,8 +72,8 @@ class TraceWriter {
   bool failed_ = false;
 };
 
-// What happened on a board, in plain words, from its start; the newest kCapacity records are kept.
-// Any thread may call any member.
+// What happened on a board since its start, in plain words. Keeps the newest kCapacity records. Any thread
+// may call any member.
 class Trace {
  public:
   static constexpr std::size_t kCapacity = 65536;
@@ -85,19 +85,20 @@ class Trace {
   void RecordLine(const WireEvent& line);
   void RecordEvent(TraceDirection direction, std::string words);
 
-  // `listener` hears each record from now on, in their order, on the thread that recorded it. It
-  // must not call this object.
+  // `listener` gets each record from now on, in order, on the thread that recorded it. It must not call this
+  // object.
   void AddListener(Listener listener);
 
-  // At most `limit` records from number `from` on; number 0 is the first since the start. Where they
-  // are no longer kept, `first` says which number the oldest has.
+  // At most `limit` records, beginning with number `from`; number 0 is the first since the start. If the
+  // trace no longer keeps that record, the records begin with the oldest one. `first` is the number of the
+  // first record given.
   struct Excerpt {
     std::uint64_t first = 0;
     std::vector<TraceRecord> records;
   };
   Excerpt From(std::uint64_t from, std::size_t limit = kCapacity) const;
 
-  // How many there were since the start.
+  // How many records there were since the start.
   std::uint64_t Count() const;
 
  private:

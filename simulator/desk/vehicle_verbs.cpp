@@ -1,4 +1,4 @@
-// What happens to the vehicle and to the MCU's measurements.
+// Verbs that change the vehicle and what the MCU measures.
 
 #include <fmt/format.h>
 
@@ -21,7 +21,7 @@ std::string NameOfSource(int source) {
   return source == rolu_protocol::kAlarmSource ? "alarm" : std::to_string(source);
 }
 
-// The first code of each source: some have several, which stand next to each other.
+// The first code of each source: some sources have several codes, which stand next to each other.
 Choices WakeupCodes() {
   Choices codes;
   for (const rolu_protocol::WakeupCode& known : rolu_protocol::kWakeupCodes) {
@@ -48,7 +48,7 @@ int SecondOfDay(const ClockTime& time) {
   return (time.hour * 60 + time.minute) * 60 + time.second;
 }
 
-// A time of the day is the next one.
+// A time of day without a date means its next occurrence.
 std::string SetClock(McuModel& mcu, const Arguments& given) {
   constexpr int kSecondsOfDay = 24 * 60 * 60;
   const auto& text = given.Get<ClockText>("time");
@@ -80,7 +80,7 @@ std::uint16_t Rounded(double value) {
 }
 
 void SetBackupBattery(McuModel& mcu, const Arguments& given) {
-  if (given.all().empty()) throw UsageError("backup-battery needs a value, as volts=3.7");
+  if (given.all().empty()) throw UsageError("backup-battery needs a value, such as volts=3.7");
   BackupBatteryState& battery = mcu.backup_battery;
   if (given.Has("volts")) battery.millivolts = Rounded(given.Get<double>("volts") * 1000);
   if (given.Has("celsius")) {
@@ -123,13 +123,13 @@ std::vector<Verb> VehicleVerbs() {
          mcu.SetBatteryCurve(given.Get<VoltageCurve>("curve"), Now());
        })},
       {"battery-mode",
-       "Sets which electrical system the MCU takes the vehicle for; the voltage stays as it is",
+       "Sets the electrical system that the MCU assumes; the voltage stays as it is",
        {Choice("system", {{"12", BatteryMode::k12V}, {"24", BatteryMode::k24V}}, "the system, in volts")},
        Doing([](McuModel& mcu, const Arguments& given) {
          mcu.battery.mode = given.Get<BatteryMode>("system");
        })},
       {"power-off-warning",
-       "Sends a power-off warning, whatever ignition and battery are",
+       "Sends a power-off warning, whatever the ignition and the battery do",
        {Choice("cause",
                {{"ignition", PowerOffWarning::kIgnition}, {"low-battery", PowerOffWarning::kLowVoltage}},
                "why the power goes")},

@@ -23,12 +23,12 @@ class Arguments {
 
   bool Has(std::string_view name) const { return Find(name) != nullptr; }
 
-  // The value of a parameter, which must be there; its type is the one that parameter.h says.
+  // The value of a parameter that was given. `Value` is the type that parameter.h names for it.
   template <typename Value>
   const Value& Get(std::string_view name) const {
     return std::any_cast<const Value&>(Find(name)->value);
   }
-  // The same of one that is an Integer, whose range fits the type.
+  // The same for an Integer, converted to `Value`, which must hold the parameter's range.
   template <typename Value>
   Value Integer(std::string_view name) const {
     return static_cast<Value>(Get<std::int64_t>(name));
@@ -42,24 +42,24 @@ class Arguments {
   std::vector<std::pair<std::string, Argument>> all_;
 };
 
-// One thing that can be done to a board, by hand, by a scenario or as a fault. `apply` runs with the
-// desk locked and gives a remark for the user, mostly none; it throws UsageError when the board is
-// not in a state for it.
+// One thing that can be done to a board: by hand, by a scenario or as a fault. `apply` runs with the desk
+// locked and returns a remark for the user, usually empty. It throws UsageError when the board's state does
+// not allow it.
 struct Verb {
   std::string name;
   std::string help;
   std::vector<Parameter> parameters{};
   std::function<std::string(Desk& desk, const Arguments& given)> apply{};
-  std::string subject{};  // the heading that it is listed under
+  std::string subject{};  // the heading in the list of verbs
 };
 
-// All verbs, in the order in which they are listed.
+// All verbs, in the order of the list.
 const std::vector<Verb>& Verbs();
 std::vector<Verb> VehicleVerbs();
 std::vector<Verb> DeviceVerbs();
 std::vector<Verb> FaultVerbs();
 
-// Null when there is none of this name.
+// Null when there is no verb of this name.
 const Verb* FindVerb(std::string_view name, const std::vector<Verb>& verbs = Verbs());
 
 // The kinds of faults are the names of these verbs without the prefix: "silence" for fault-silence.
@@ -67,15 +67,15 @@ inline constexpr std::string_view kFaultPrefix = "fault-";
 std::vector<std::string> FaultKinds();
 std::string NameOf(AnswerFaultKind kind);
 
-// " (else 30s)" for a parameter that may be left out, or nothing.
+// " (else 30s)" for an optional parameter with a default, otherwise nothing.
 std::string FallbackText(const Parameter& parameter);
 
-// A sentence about a verb that is not there.
+// A sentence about an unknown verb.
 std::string UnknownVerb(std::string_view name, const std::vector<Verb>& verbs = Verbs());
 
-// The values for `verb` in `members`, whose other members (those in `ignored`) are not looked at. Tells
-// `complain` of all that is wrong, with the member, or null when one is missing; throws UsageError when there
-// is none to tell.
+// Reads the values for `verb` from `members`. The members named in `ignored` are skipped. Reports each
+// problem to `complain`: with the wrong member, or with null when a member is missing. Without `complain` it
+// throws UsageError.
 using Complain = std::function<void(const Json* member, const std::string& problem)>;
 Arguments CheckArguments(const Verb& verb, const Json& members, const std::vector<std::string>& ignored = {},
                          const Complain& complain = nullptr);
@@ -85,18 +85,18 @@ struct Action {
   Arguments arguments;
 };
 
-// An action as words of a command line: values in the order of the parameters, or as name=value. The
-// last of the parameters takes all words that are left if it may hold blanks. Both throw UsageError.
+// Reads an action from the words of a command line: values in the order of the parameters, or as name=value.
+// If the last parameter may hold blanks, it takes all remaining words. Both functions throw UsageError.
 Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words);
 Action ParseAction(const std::vector<std::string>& words);
 
-// A fault as the command line has it: "silence:MCVG:times=2" is the verb fault-silence.
+// Reads a fault in the form of the command line: "silence:MCVG:times=2" is the verb fault-silence.
 Action ParseFault(const std::string& text);
 
-// As words again: "battery-voltage volts=11.2".
+// The action as words again: "battery-voltage volts=11.2".
 std::string Describe(const Action& action);
 
-// "VOLTS [TIME]", and several lines that say all of a verb.
+// The usage, as "VOLTS [TIME]", and the full help in several lines.
 std::string Synopsis(const Verb& verb);
 std::string FullHelp(const Verb& verb);
 

@@ -5,8 +5,8 @@
 namespace rolu_sim {
 
 // The paths of the board's hardware, all that the preloaded object redirects. The serial port is a path
-// inside the board root; the others are nodes that the board's device server answers for, as are the
-// attributes of the GPIO lines: /sys/class/gpio/gpio37/value and so on.
+// inside the board root. The board's device server answers for all other nodes, and for the attributes of the
+// GPIO lines: /sys/class/gpio/gpio37/value and so on.
 inline constexpr char kSerialPath[] = "/proc/vpm_serial";
 inline constexpr char kI2cBusPath[] = "/dev/i2c-3";
 inline constexpr char kGpioDirectory[] = "/sys/class/gpio";
@@ -16,17 +16,17 @@ inline constexpr char kBacklightPath[] = "/sys/devices/omapdss/display0/backligh
 inline constexpr char kLuxPath[] =
     "/sys/devices/platform/ehci-omap.0/usb1/1-2/1-2.4/1-2.4:1.3/ttyUSB3/tty/ttyUSB3/serio1/lux";
 
-// The directories that hold nothing but such nodes. /dev, /proc and the upper directories of /sys are the
-// system's, and do not list what is the board's.
+// The directories that hold only nodes of the board. /dev, /proc and the upper directories of /sys stay the
+// system's and do not list the board's nodes.
 inline constexpr std::array<const char*, 3> kBoardDirectories = {
     kGpioDirectory,
     "/sys/devices/omapdss",
     "/sys/devices/platform/ehci-omap.0",
 };
 
-// The environment variable that tells the preloaded object where the board root is, and the names in it.
-// The last is where the board's directories are shown, with an empty file for each node: what a program
-// sees that lists one.
+// The environment variable that tells the preloaded object where the board root is, and the names of the
+// parts in the board root. The last one is a copy of the board's directories with an empty file for each
+// node: a program that lists a directory sees this copy.
 inline constexpr char kRootVariable[] = "ROLU_SIM_ROOT";
 inline constexpr char kSerialLinkName[] = "/proc/vpm_serial";
 inline constexpr char kCommandDirectoryName[] = "/bin";

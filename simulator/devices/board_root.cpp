@@ -29,7 +29,7 @@ struct Part {
   std::filesystem::file_type type;
 };
 
-// What a board has in its directory, whoever makes it; what is in a directory stands before it.
+// The parts that any board makes in its directory. The content of a directory stands before the directory.
 using std::filesystem::file_type;
 constexpr Part kParts[] = {
     {kSerialLinkName, file_type::symlink},   {"/proc", file_type::directory},
@@ -37,7 +37,7 @@ constexpr Part kParts[] = {
     {kDeviceSocketName, file_type::socket},  {kControlSocketName, file_type::socket},
     {kWirelessStateName, file_type::regular}};
 
-// Without symbolic links: a program's working directory may be in it, and is compared with it.
+// Without symbolic links: the preloaded object compares this path with a program's working directory.
 std::string ParentDirectory() {
   const char* const configured = getenv("TMPDIR");
   if (configured == nullptr || *configured != '/') return "/tmp";
@@ -45,15 +45,15 @@ std::string ParentDirectory() {
   return directory.size() > kMaxParentLength ? "/tmp" : directory;
 }
 
-// Of the directories that are shown.
+// Whether the entry belongs to the directories that are shown.
 bool IsShown(const std::string& name, const std::filesystem::directory_entry& entry) {
   const bool is_within = name == kShownDirectory || name.starts_with(kShownDirectory + std::string("/"));
   const std::filesystem::file_status status = entry.symlink_status();
   return is_within && (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
 }
 
-// By whole paths, the deepest first: in a board's own process a removal from within a directory would ask
-// that board.
+// Removes by whole paths, the deepest first. A removal relative to a directory would go to the board when
+// this runs in the board's own process.
 void RemoveShown(const std::filesystem::path& path) {
   std::error_code ignored;
   std::vector<std::filesystem::path> paths = {path};

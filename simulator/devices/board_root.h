@@ -8,17 +8,17 @@
 
 namespace rolu_sim {
 
-// The directory that holds what the board shows: proc/vpm_serial (a link to the MCU's port), bin/
-// (commands that stand in for the system's), shown/ (the board's directories) and sockets. A private one is
-// removed with everything in it on destruction, by the process that made it and no other; in a named one only
-// the board's parts are.
+// The directory that holds what the board shows: proc/vpm_serial (a link to the MCU's port), bin/ (commands
+// that replace those of the system), shown/ (the board's directories) and sockets. The destructor removes a
+// private directory with everything in it, but only in the process that made it. From a named directory it
+// removes the board's parts only.
 class BoardRoot {
  public:
-  // The longest path of a directory in which the sockets' paths fit the system's limit.
+  // The longest directory path for which the sockets' paths stay within the system's limit.
   static constexpr std::size_t kMaxPathLength = 90;
 
-  // Private when `directory` is empty, else one that is there. Throws std::system_error when it cannot
-  // be made, or when another board's parts are in it.
+  // Makes a private directory when `directory` is empty, else uses that existing one. Throws
+  // std::system_error when it cannot make the directory, or when the directory holds another board's parts.
   explicit BoardRoot(const std::string& directory = {});
   ~BoardRoot();
   BoardRoot(const BoardRoot&) = delete;
@@ -33,12 +33,12 @@ class BoardRoot {
   void LinkSerialPort(const std::string& device_path) const;
   void UnlinkSerialPort() const;
 
-  // Shows a directory with these entries and no others. False when the system refuses it.
-  using Entries = std::map<std::string, bool>;  // by name: whether it is a directory
+  // Makes a shown directory hold exactly these entries. False when the system refuses it.
+  using Entries = std::map<std::string, bool>;  // by name: whether the entry is a directory
   bool ShowDirectory(const std::string& path, const Entries& entries) const;
 
-  // What a board has put into a directory: whether nothing else is there, and its removal, which leaves
-  // all else as it is.
+  // Whether a directory holds nothing but a board's parts, and the removal of these parts, which leaves
+  // everything else alone.
   static bool HoldsOnlyParts(const std::string& directory);
   static void RemoveParts(const std::string& directory);
 

@@ -11,8 +11,8 @@
 
 namespace rolu_sim {
 
-// The text is made when it is read from its beginning, and after a write; a read further on takes the
-// rest of what was made then.
+// A read from the beginning makes the text, and so does the first read after a write. Later reads continue in
+// that text.
 class Attribute::Descriptor : public OpenDevice {
  public:
   explicit Descriptor(Attribute& attribute) : attribute_(attribute) {}
@@ -31,7 +31,7 @@ class Attribute::Descriptor : public OpenDevice {
     return result < 0 ? result : static_cast<DeviceResult>(bytes.size());
   }
 
-  // As in a file of an attribute's size that is all data.
+  // Seeks as in a file of an attribute's size that has no holes.
   DeviceResult Seek(std::uint32_t whence, std::int64_t offset, std::uint64_t& position) override {
     switch (whence) {
       case SEEK_SET:

@@ -27,39 +27,39 @@ struct OpenFlags {
 class OpenDevice {
  public:
   virtual ~OpenDevice() = default;
-  // Puts at most `capacity` bytes into `bytes` (empty at the call) and gives their count. `offset` is
-  // where in its text an attribute is read.
+  // Puts at most `capacity` bytes into `bytes`, which is empty at the call, and returns their count.
+  // `offset` is the position in the text of an attribute.
   virtual DeviceResult Read(std::string& /*bytes*/, std::size_t /*capacity*/, std::uint64_t /*offset*/) {
     return -EINVAL;
   }
   virtual DeviceResult Write(std::string_view /*bytes*/) { return -EINVAL; }
-  // `whence` and `offset` are those of lseek; moves the position unless it fails.
+  // `whence` and `offset` are those of lseek. Sets the position if it succeeds.
   virtual DeviceResult Seek(std::uint32_t /*whence*/, std::int64_t /*offset*/, std::uint64_t& /*position*/) {
     return -ESPIPE;
   }
-  // Requests take a number as their argument; none of the board's take a pointer.
+  // The argument of a request is a number: none of the board's requests takes a pointer.
   virtual DeviceResult Ioctl(std::uint32_t /*request*/, std::uint64_t /*argument*/) { return -ENOTTY; }
 };
 
-// A device node. The server calls devices from its thread only, one call at a time; what a device
-// shows to its owner it guards itself.
+// A device node. The server calls a device only on the server's thread, one call at a time. A device must
+// itself guard what it shows to its owner.
 class Device {
  public:
   virtual ~Device() = default;
-  // What stat tells: kind and permissions.
+  // What stat reports: kind and permissions.
   virtual std::uint32_t Mode() const { return S_IFREG | 0644; }
   virtual DeviceResult Open(const OpenFlags& flags, std::unique_ptr<OpenDevice>& opened) = 0;
 };
 
-// A sysfs attribute: a read gives its present text, a write stores a new one as a whole. Opened for
-// what its permissions do not have it answers EACCES.
+// A sysfs attribute: a read gives its present text, a write stores a new text as a whole. An open that asks
+// for more than the permissions allow fails with EACCES.
 class Attribute : public Device {
  public:
   using Show = std::function<std::string()>;
-  // 0 or a negative errno. `text` comes without the line end that it may have been written with.
+  // Returns 0 or a negative errno. `text` comes without a line end, even if it was written with one.
   using Store = std::function<DeviceResult(std::string_view text)>;
 
-  // May be read or written if there is a function for it.
+  // The attribute may be read if there is a `show`, and written if there is a `store`.
   Attribute(Show show, Store store) : show_(std::move(show)), store_(std::move(store)) {}
 
   std::uint32_t Mode() const final { return S_IFREG | (show_ ? 0444U : 0) | (store_ ? 0200U : 0); }
@@ -86,11 +86,11 @@ class TextAttribute : public Attribute {
   std::string text_;
 };
 
-// The whole of `text` as the kernel reads a number, from 0 to `highest`: decimal, octal after 0,
-// hexadecimal after 0x; -EINVAL when it is none.
+// Reads the whole of `text` as the kernel reads a number from 0 to `highest`: decimal, octal after 0,
+// hexadecimal after 0x. Returns -EINVAL for any other text.
 int ParseKernelNumber(std::string_view text, int highest);
 
-// The brightness of the display's backlight; any other text than a level is refused with EINVAL.
+// The brightness of the display's backlight. It refuses any text that is not a level with EINVAL.
 class Backlight : public Attribute {
  public:
   static constexpr int kHighestLevel = 10;

@@ -5,14 +5,14 @@
 
 namespace rolu_sim {
 
-// What the preloaded object and the board say to each other over SOCK_SEQPACKET sockets, one message
-// per datagram: a DeviceMessage, then its payload. Each request has a connection of its own and gets
-// one answer.
+// The messages between the preloaded object and the board. They go over SOCK_SEQPACKET sockets, one message
+// per datagram: a DeviceMessage, then its payload. Each request has its own connection and gets one answer.
 //
-// The connection of an open that went well stays: its program's end is the descriptor that the program
-// gets. Whatever dup, fork and exec make of it is the same device, and where a read goes on is kept by
-// the board; the descriptor is closed when its last copy is. Nothing is ever sent to the program on it:
-// a read past the preloaded object is at its end at once, and bytes written past it are a write.
+// After a successful open the connection stays: the program's end of it is the program's descriptor. All
+// copies that dup, fork and exec make of it are the same device, and the board keeps the read position. The
+// descriptor is closed when its last copy is closed. The board never sends anything to the program on this
+// connection. So a read that bypasses the preloaded object finds the end of the file at once, and bytes that
+// are written that way count as a write.
 //
 // All widths are fixed: a 32-bit program talks to a 64-bit board.
 enum class DeviceRequest : std::uint32_t {
@@ -21,15 +21,15 @@ enum class DeviceRequest : std::uint32_t {
   kWrite,   // descriptor; payload: bytes; argument: offset
   kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
   kIoctl,   // descriptor; request and argument
-  kSettle,  // the answer comes when the board knows of all closes so far
+  kSettle,  // answered once the board has handled all closes so far
   kStat,    // payload: path. Answer: request is the mode, descriptor the inode
-  kStatDescriptor,  // descriptor. Answer as that of kStat
-  kShow,            // payload: path of a directory or node. It is there below the board root when answered
+  kStatDescriptor,  // descriptor. Answer as for kStat
+  kShow,            // payload: path of a directory or node. When answered, it exists in the shown directories
   kSerialOpens,     // a program is about to open the serial port
-  kUname,           // answer: payload is a utsname, which is the same to every program
+  kUname,           // answer: payload is a utsname, the same for every program
 };
 
-// The offset of reads and writes that go on where the last one ended.
+// The offset of a read or write that continues at the position.
 inline constexpr std::uint64_t kAtPosition = UINT64_MAX;
 
 struct DeviceMessage {
@@ -42,10 +42,10 @@ struct DeviceMessage {
 };
 static_assert(sizeof(DeviceMessage) == 32 && alignof(DeviceMessage) <= 8);
 
-// What sysfs shows as the size of any attribute.
+// The size that sysfs shows for every attribute.
 inline constexpr std::int64_t kAttributeSize = 4096;
 
-// Longer reads and writes are cut to this, as the kernel's own device files do.
+// Longer reads and writes are cut to this length, as the kernel's device files do.
 inline constexpr std::size_t kMaxPayload = 8192;
 
 }  // namespace rolu_sim

@@ -14,7 +14,7 @@
 namespace rolu_sim {
 namespace {
 
-// A utsname as bytes.
+// The bytes of a utsname.
 std::string NamesOf(const KernelIdentity& kernel) {
   utsname names{};
   kernel.machine.copy(names.machine, sizeof names.machine - 1);
@@ -25,8 +25,8 @@ std::string NamesOf(const KernelIdentity& kernel) {
 
 }  // namespace
 
-// One request; after an open that went well, what that gave a program, and all copies of it. The socket is
-// hung up once the last copy is closed.
+// The connection of one request. After a successful open it stands for the program's descriptor and all
+// copies of it. The socket hangs up when the last copy is closed.
 class DeviceServer::Connection : public SocketServer::Connection {
  public:
   Connection(DeviceServer& server, UniqueFd socket)
@@ -112,7 +112,7 @@ void DeviceServer::ServeDescriptors() {
       bytes.resize(static_cast<std::size_t>(received));
       Write(descriptor, bytes, kAtPosition);
     } while (true);
-    // A write of no bytes looks like the end.
+    // A write of no bytes reads like the end of the connection: only a hang-up tells that it is the end.
     pollfd hang_up{descriptor.socket(), 0, 0};
     if (received == 0 && poll(&hang_up, 1, 0) == 1) {
       descriptor.device.reset();
@@ -149,7 +149,7 @@ bool DeviceServer::Serve(Connection& caller) {
   message = {};
   message.msg_iov = parts.data();
   message.msg_iovlen = parts.size();
-  // The program waits for this answer and has nothing else in its buffer: it cannot block.
+  // The program waits for this answer and has nothing else in its buffer, so this call does not block.
   sendmsg(caller.socket(), &message, MSG_NOSIGNAL);
   if (caller.device == nullptr) return false;
   shutdown(caller.socket(), SHUT_WR);
@@ -185,7 +185,7 @@ DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& requ
       if (const auto found = descriptors_.find(request.descriptor); found != descriptors_.end()) {
         answer = AnswerFor(*found->second, request, payload, answer_payload);
       } else {
-        answer.result = -EIO;  // of a board that is gone
+        answer.result = -EIO;  // the descriptor comes from a board that is gone
       }
   }
   answer.operation = request.operation;

@@ -27,7 +27,7 @@ struct KernelIdentity {
   std::string version = "#1 SMP PREEMPT Mon Jul 14 10:00:00 UTC 2014";
 };
 
-// Faults of one node; a zero is no fault. Each errno is answered in place of the device's work.
+// Faults of one node; zero means no fault. The node answers each errno instead of doing the device's work.
 struct DeviceFaults {
   bool missing = false;  // the node does not exist: ENOENT
   int open_errno = 0;
@@ -39,8 +39,8 @@ struct DeviceFaults {
 
 enum class DeviceOperation { kOpen, kRead, kWrite, kIoctl, kClose };
 
-// One call of a program: what it asked of which node and what it got. `bytes` are those written or
-// read; `request` and `argument` those of an ioctl.
+// One call of a program: the operation, the node and the result. `bytes` are the bytes written or read;
+// `request` and `argument` belong to an ioctl.
 struct DeviceAccess {
   std::chrono::steady_clock::time_point time;
   std::string path;
@@ -51,37 +51,37 @@ struct DeviceAccess {
   DeviceResult result = 0;
 };
 
-// Answers the preloaded object's calls on the board's device nodes, each one as a synchronous
-// message over a unix socket (device_protocol.h). A node that is not there answers ENOENT. Any thread may
-// call any member.
+// Answers the preloaded object's calls on the board's device nodes. Each call is a synchronous message over a
+// unix socket (device_protocol.h). An open of a missing node fails with ENOENT. Any thread may call any
+// member.
 class DeviceServer {
  public:
   static constexpr std::size_t kLogCapacity = 65536;
 
-  // Listens in the board root from the start, and shows its directories there. Calls `on_serial_open` from
-  // its thread each time before a program opens the serial port, which it does not serve itself.
+  // Listens in the board root from the start, and shows the board's directories there. It does not serve the
+  // serial port, but calls `on_serial_open` on its thread each time before a program opens that port.
   DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
 
-  // Adds or replaces the node at `path`, one of board_paths.h. Descriptors that are open on a
-  // removed node keep working, as they do on Linux.
+  // Adds or replaces the node at `path`, which is a path of board_paths.h. Descriptors that are open on a
+  // removed node keep working, as on Linux.
   void AddNode(const std::string& path, std::shared_ptr<Device> device);
   void RemoveNode(const std::string& path);
 
   // The faults of a path from now on; a default DeviceFaults ends them.
   void SetFaults(const std::string& path, const DeviceFaults& faults);
 
-  // What programs did with a node (with any, for an empty path), oldest first; the newest
-  // kLogCapacity are kept. A call is in the log before it returns to the program.
+  // The calls of programs on a node (on all nodes, for an empty path), oldest first; the newest kLogCapacity
+  // are kept. A call is in the log before it returns to the program.
   std::vector<DeviceAccess> Accesses(std::string_view path = {}) const;
-  // Bytes of each write to `path`, refused ones left out.
+  // The bytes of each write to `path` that was not refused.
   std::vector<std::string> Writes(std::string_view path) const;
   void ClearAccesses();
 
-  // Descriptors that are open on `path` now.
+  // How many descriptors are open on `path` now.
   std::size_t OpenCount(const std::string& path) const;
 
  private:
-  // What is known of a path. A node that is not there has no device.
+  // What the server knows of a path. A missing node has no device.
   struct Node {
     std::shared_ptr<Device> device;
     std::uint64_t inode = 0;
@@ -94,7 +94,8 @@ class DeviceServer {
   class Connection;
 
   bool Serve(Connection& caller);
-  // Takes what came past the preloaded object: bytes, which are a write, and closes.
+  // Handles what programs did to their descriptors without the preloaded object: bytes that they wrote, and
+  // closes.
   void ServeDescriptors();
   DeviceMessage Answer(Connection& caller, const DeviceMessage& request, const std::string& payload,
                        std::string& answer_payload);
@@ -120,7 +121,7 @@ class DeviceServer {
   std::uint64_t last_inode_ = 0;
   std::deque<DeviceAccess> accesses_;
 
-  std::map<std::uint64_t, Connection*> descriptors_;  // of the server's thread, by their id
+  std::map<std::uint64_t, Connection*> descriptors_;  // by id; only the server's thread uses it
   SocketServer sockets_;
 };
 

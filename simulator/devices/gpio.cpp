@@ -24,8 +24,8 @@ namespace {
 
 constexpr int kHighestLine = 1023;
 
-// An output of any of the three names begins at the level that goes with it, also one that was an
-// output before.
+// Each of the names for an output ("out", "low", "high") sets the level anew, even if the line was an output
+// before.
 DeviceResult StoreDirection(Gpio::Line& line, std::string_view text) {
   const bool to_output = text == "out" || text == "low" || text == "high";
   if (!to_output && text != "in") return -EINVAL;

@@ -12,20 +12,20 @@ namespace rolu_sim {
 // The path of an attribute of a line, one of kGpioAttributes.
 std::string GpioPath(int line, std::string_view attribute);
 
-// The board's GPIO lines as sysfs shows them. A line's direction and value are there
-// once a program has exported it: a second export answers EBUSY, that of any other line EINVAL. A
-// line starts as an input; the direction "out" or "low" drives it low, "high" high.
+// The board's GPIO lines as sysfs shows them. The direction and value files of a line appear when a program
+// exports the line. A second export fails with EBUSY; an export of any other number fails with EINVAL. A line
+// starts as an input; the direction "out" or "low" drives it low, "high" drives it high.
 class Gpio {
  public:
-  // Adds the export attribute to `server`, which must outlive all programs' calls.
+  // Adds the export attribute to `server`. `server` must outlive all calls of programs.
   explicit Gpio(DeviceServer& server);
 
-  // Any thread may call these; `line` is one of the board's, else std::out_of_range is thrown.
+  // Any thread may call these. They throw std::out_of_range if `line` is not a line of the board.
   bool IsExported(int line) const;
   bool IsOutput(int line) const;
-  // The level that the line has: what a program drives, or what the world outside does.
+  // The level of the line: a program drives an output, the world outside drives an input.
   bool Level(int line) const;
-  // What the world outside drives; an output does not see it.
+  // Sets the level that the world outside drives. It does not change the level of an output.
   void SetInput(int line, bool high);
 
   struct Line;

@@ -15,7 +15,7 @@
 
 namespace rolu_sim {
 
-// A device on the I2C bus. The bus calls it under its own lock, one call at a time.
+// A device on the I2C bus. The bus calls it under the bus's lock, one call at a time.
 class I2cDevice {
  public:
   virtual ~I2cDevice() = default;
@@ -23,14 +23,15 @@ class I2cDevice {
   virtual DeviceResult Read(std::string& bytes, std::size_t count) = 0;
 };
 
-// 256 byte registers. The first byte of a write names a register, further bytes go into it and the
-// following ones; a read takes from the named register onwards. Registers wrap after 255.
+// A device with 256 registers of one byte. The first byte of a write selects a register; each further byte
+// goes into the selected register and moves on to the next one. A read begins at the selected register.
+// Register 0 follows register 255.
 class I2cRegisterDevice : public I2cDevice {
  public:
   DeviceResult Write(std::string_view bytes) override;
   DeviceResult Read(std::string& bytes, std::size_t count) override;
 
-  // Safe beside the bus; these do not move the named register.
+  // Safe while programs use the bus. These calls do not move the selected register.
   std::uint8_t Register(std::uint8_t index) const { return registers_[index]; }
   void SetRegister(std::uint8_t index, std::uint8_t value) { registers_[index] = value; }
 
@@ -39,7 +40,7 @@ class I2cRegisterDevice : public I2cDevice {
   std::uint8_t selected_ = 0;
 };
 
-// The board's reset controller: the bytes 0x0B 0x01 in one write ask for a reset, which is counted.
+// The board's reset controller. It counts a reset for each write that is exactly the bytes 0x0B 0x01.
 class ResetController : public I2cDevice {
  public:
   static constexpr std::uint8_t kAddress = 0x78;
@@ -61,9 +62,9 @@ struct I2cTransfer {
   DeviceResult result = 0;
 };
 
-// An I2C bus behind an i2c-dev node. Addresses are the 7-bit ones. Selecting an address always
-// succeeds unless it is set to refuse; a transfer with an address where nothing sits is not
-// acknowledged (EREMOTEIO). Any thread may call any member.
+// An I2C bus behind an i2c-dev node. All addresses are 7-bit addresses. Selecting an address succeeds unless
+// RefuseSelection refuses it. A transfer to an address without a device fails with EREMOTEIO. Any thread may
+// call any member.
 class I2cBus : public Device {
  public:
   static constexpr std::uint32_t kSelectRequest = 0x0703;       // I2C_SLAVE
@@ -74,7 +75,7 @@ class I2cBus : public Device {
   void Attach(std::uint8_t address, std::shared_ptr<I2cDevice> device);
   void Detach(std::uint8_t address) { Attach(address, nullptr); }
 
-  // Make an address answer an errno to its selection, or to each transfer; 0 ends it.
+  // Make the selection of an address, or each transfer to it, fail with an errno; 0 ends the fault.
   void RefuseSelection(std::uint8_t address, int error);
   void RefuseTransfers(std::uint8_t address, int error);
 
@@ -88,7 +89,7 @@ class I2cBus : public Device {
  private:
   class Descriptor;
 
-  // What is at an address: a device that sits there, and the errnos with which it refuses.
+  // The device at an address, and the errnos with which the address refuses.
   struct Slot {
     std::shared_ptr<I2cDevice> device;
     int selection_errno = 0;

@@ -9,8 +9,8 @@
 namespace rolu_sim {
 namespace {
 
-// Finds the state beside its own directory. Without arguments the command shows what is up, as the
-// system's does.
+// The script finds the state file from its own directory. Without arguments it shows the interfaces that are
+// up, like the system's command.
 constexpr char kIfconfig[] = R"(#!/bin/sh
 state="${0%/*}/../wlan0-up"
 

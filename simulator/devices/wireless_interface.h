@@ -6,8 +6,8 @@
 
 namespace rolu_sim {
 
-// The board's wireless interface wlan0, and the `ifconfig` in the board's command directory that
-// shows it and brings it up and down. A file of the board root is there while it is up.
+// The board's wireless interface wlan0, and the `ifconfig` in the board's command directory that shows it and
+// switches it on and off. While the interface is up, a file in the board root says so.
 class WirelessInterface {
  public:
   // Throws std::system_error when the command cannot be made.

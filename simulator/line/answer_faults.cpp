@@ -13,7 +13,7 @@ bool IsLineEnd(char byte) {
   return kLineEnd.find(byte) != std::string_view::npos;
 }
 
-// By kind, with the command {0} and the fault's count {1}, delay {2} and error {3}.
+// The words of each kind, with the command {0} and the fault's count {1}, delay {2} and error {3}.
 constexpr std::array<std::string_view, 6> kWords = {
     "fault: {0} is lost",
     "fault: the answer to {0} comes {2} ms later",
@@ -79,7 +79,7 @@ bool AnswerFaults::Strikes(AnswerFault& fault, std::string_view command) {
   return true;
 }
 
-// The standard library's distributions may differ between its versions; this does not.
+// The distributions of the standard library may change from version to version; this function does not.
 std::size_t AnswerFaults::Draw(std::size_t below) {
   return static_cast<std::size_t>(random_()) % below;
 }

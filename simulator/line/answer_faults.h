@@ -18,32 +18,32 @@ enum class AnswerFaultKind {
   kSilence,     // the command is lost: not carried out, not answered
   kDelay,       // carried out, answered later
   kErrorReply,  // refused, not carried out
-  kGarble,      // some characters of the answer are others
+  kGarble,      // some characters of the answer are replaced
   kDropBytes,   // some characters of the answer are missing
   kLongLine,    // the answer's lines are filled up to a length
 };
 
 inline constexpr int kEveryCommand = -1;
 
-// A fault of the answers to some commands. What a kind does not use is not looked at.
+// A fault of the answers to some commands. Each kind uses only some members.
 struct AnswerFault {
   AnswerFaultKind kind = AnswerFaultKind::kSilence;
-  std::string command;                 // which commands: those that begin like this
-  int times = kEveryCommand;           // how many of them
-  double chance = 1.0;                 // how probable it is for each of those
+  std::string command;                 // which commands: those that begin with this text
+  int times = kEveryCommand;           // for how many commands
+  double chance = 1.0;                 // how probable the fault is for each command
   std::chrono::milliseconds delay{0};  // kDelay
   std::string error;                   // kErrorReply
   std::size_t count = 0;               // kGarble, kDropBytes: characters; kLongLine: the length
 };
 
-// Whether chance decides what the fault does.
+// Whether the fault depends on chance.
 bool IsRandom(const AnswerFault& fault);
 
 // The answer faults of one board. The same seed gives the same faults for the same commands.
 // Any thread may call any member.
 class AnswerFaults {
  public:
-  // `report` hears in words what each fault did.
+  // `report` gets a sentence for each fault that acts.
   AnswerFaults(std::uint32_t seed, std::function<void(const std::string&)> report);
 
   std::uint32_t seed() const { return seed_; }
@@ -52,7 +52,7 @@ class AnswerFaults {
   void Clear();
   std::vector<AnswerFault> Present() const;
 
-  // What is sent for `command`. Faults that match act one after another, in the order they were added.
+  // The reply to `command`. All matching faults act, in the order in which they were added.
   Reply Answer(std::string_view command, const AskModel& ask_model);
 
  private:

@@ -12,11 +12,11 @@
 namespace rolu_sim {
 namespace {
 
-// A byte of 8N1 is ten bits.
+// A byte is ten bits on the line (8N1).
 constexpr std::chrono::nanoseconds kByteTime115200{10 * 1'000'000'000LL / 115200};
 
-// No command of the protocol comes near; a longer one is cut, so that a program that never sends a
-// CR does not fill the memory.
+// Every command of the protocol is far shorter. A longer command is cut, so that a program that never sends a
+// CR cannot fill the memory.
 constexpr std::size_t kMaxCommandCharacters = 1024;
 
 timespec ToTimespec(std::chrono::nanoseconds duration) {
@@ -150,8 +150,9 @@ void McuSerial::Run(const std::stop_token& stop) {
     lock.lock();
     terminal_.TakeChanges();
 
-    // A new program's command can only be among the bytes that are read here if the close of its
-    // predecessor is known after it: nothing is answered between the two.
+    // The order matters: the MCU answers a command only after it has noticed that the previous program closed
+    // the port. A new program's command can be among these bytes, so the close is looked for after the read,
+    // and nothing is answered in between.
     ReceiveBytes();
     FollowHost();
     HandleArrivedBytes();
@@ -221,7 +222,7 @@ void McuSerial::AnswerCommand(std::string_view command) {
   }
 }
 
-// Takes what the MCU has done by itself. Lines for a port that has hung up are lost.
+// Handles what the MCU has done on its own. Lines for a hung-up port are lost.
 void McuSerial::FollowModel() {
   const TimePoint now = std::chrono::steady_clock::now();
   for (const std::string& line : model_.TakeDueLines(now)) {
@@ -241,7 +242,7 @@ void McuSerial::SendFromOtherThread() {
   wakeup_.Signal();
 }
 
-// What a program does not read in time waits; what is sent to a port that nobody has open is gone.
+// Bytes wait while a program does not read them. Bytes are lost when no program has the port open.
 void McuSerial::SendDueBytes() {
   sent_until_ = std::chrono::steady_clock::now();
   port_full_ = false;

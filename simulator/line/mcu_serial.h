@@ -24,35 +24,35 @@
 namespace rolu_sim {
 
 struct McuSerialOptions {
-  // Bytes take the time of a 115200 bit/s line, 8N1 (86.8 us each), in both directions. Without
-  // it they pass at once.
+  // Whether bytes take the time of a 115200 bit/s line, 8N1 (86.8 us each), in both directions. Otherwise
+  // they take no time.
   bool paced = false;
   WireLog::LineListener line_listener;
   AnswerRoute answer_route{};  // empty: the model answers
-  // Hears each event on the thread that brought it about; must not call the McuSerial.
+  // Gets each event on the thread that caused it. It must not call the McuSerial.
   std::function<void(const McuEvent&)> event_listener;
-  // What the MCU's clock shows when it starts to run.
+  // What the MCU's clock shows at the start.
   ClockTime clock_start = ClockState::kFactoryTime;
 };
 
-// The MCU at the far end of a serial line: a pseudo-terminal, and a thread that reads commands up
-// to their CR, lets the script or else the model answer, and writes the answer at once.
+// The MCU at the far end of a serial line: a pseudo-terminal and a thread. The thread reads commands up to
+// their CR, gets the reply from the script or else from the model, and writes the reply at once.
 //
-// As on a real port, what the MCU sends while no program has the port open is lost, and a program
-// that opens the port does not find bytes meant for its predecessor: they go when that one's close is
-// noticed, which takes some ten microseconds unless FollowPrograms is called.
+// As on a real port, what the MCU sends while no program has the port open is lost. A program that opens the
+// port does not find the bytes for the previous program: they are dropped when the MCU notices that program's
+// close. That takes some ten microseconds unless FollowPrograms is called.
 //
 // Any thread may call any member at any time, except the destructor, which belongs to the owner.
 class McuSerial {
  public:
   explicit McuSerial(McuSerialOptions options = {});
 
-  // The device that a program opens, "/dev/pts/7". Changes with Reopen.
+  // The path of the device that a program opens, for example "/dev/pts/7". Reopen changes it.
   std::string DevicePath() const;
 
-  // Runs `use(model)` under the lock that the MCU's thread holds for each command, and gives its
-  // result. `use` calls nothing of this object. The model has done all that was due by then; lines
-  // that `use` makes it send leave before WithModel returns (when paced: begin to).
+  // Runs `use(model)` under the lock that the MCU's thread holds for each command, and returns its result.
+  // `use` must not call this object. The model has done everything that was due before `use` runs. Lines that
+  // the model sends because of `use` leave before WithModel returns (on a paced line: begin to leave).
   //   serial.WithModel([](McuModel& mcu) { mcu.SetBatteryVolts(11.2); });
   //   serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
   //   serial.WithModel([](McuModel& mcu) { return mcu.ShakeTo({600, 0, 256}); });
@@ -62,50 +62,49 @@ class McuSerial {
     return std::forward<Use>(use)(model_);
   }
 
-  // What the MCU did to the computer so far, and a wait until it has done `kind` `count` times since
-  // the start (false after `timeout`).
+  // What the MCU has done to the computer so far. The second call waits until the MCU has done `kind` `count`
+  // times since the start; it returns false after `timeout`.
   std::vector<McuEvent> Events() const;
   bool WaitForEvent(McuEventKind kind, std::chrono::milliseconds timeout, std::size_t count = 1) const;
 
-  // The next `times` commands that match (kEveryTime: all) get `reply` in place of the model's
-  // answer; the model does not see them. Earlier entries go first.
+  // The next `times` commands that match (kEveryTime: all) get `reply` instead of the model's answer; the
+  // model does not see these commands. If several entries match, the oldest one applies.
   //   serial.Script(CommandMatch::Exactly("MCVG"), Reply::Line("ERR-M08"));
   //   serial.Script(CommandMatch::StartingWith("WDT"), Reply::Silence(), kEveryTime);
   void Script(CommandMatch match, Reply reply, int times = 1);
 
-  // Forgets all scripted replies; chunks of replies that were begun still leave.
+  // Forgets all scripted replies. Chunks of a reply that has begun are still sent.
   void ClearScript();
 
-  // Sends bytes that no command asked for, as they are, before it returns (when paced: begins to).
-  // Lost when the port has hung up.
+  // Sends bytes that no command asked for, unchanged, before it returns (on a paced line: begins to send
+  // them). The bytes are lost when the port has hung up.
   void SendRaw(std::string bytes);
 
-  // A silent MCU still receives commands (they are logged) but answers none, and sends nothing by
-  // itself; a command that came while it was silent stays unanswered. Scripted replies of that time
-  // are not used up.
+  // A silent MCU still receives and logs commands, but answers none of them and sends nothing on its own. A
+  // command that came during the silence stays unanswered. The silence does not use up scripted replies.
   void SetSilent(bool silent);
 
-  // While reading is stopped the port accepts bytes until its buffers are full; then writes block.
-  // Bytes that piled up are read once reading goes on.
+  // While reading is stopped, the port accepts bytes until its buffers are full; then writes block. The MCU
+  // reads the waiting bytes when reading starts again.
   void StopReading(bool stopped);
 
-  // The port dies: open descriptors read end of file and fail to write, the device path is gone. The
-  // MCU lives on: its watchdog bites, its alarm comes.
+  // The port dies: reads on open descriptors find the end of the file, writes fail, and the device path is
+  // gone. The MCU goes on: its watchdog bites, its alarm comes.
   void HangUp();
 
-  // After HangUp: a new port, with the model, the script and the log as they were.
+  // Makes a new port after HangUp. The model, the script and the log stay.
   void Reopen();
 
-  // Notices at once whether a program has closed the port.
+  // Checks at once whether a program has closed the port.
   void FollowPrograms();
 
-  // Whether a program has the port open, and a wait until none has (false after `timeout`). After the
-  // wait, unread bytes are gone as well.
+  // Whether a program has the port open. The second call waits until no program has it open; it returns false
+  // after `timeout`. After the wait, unread bytes are gone too.
   bool IsOpenByHost() const;
   bool WaitForHostClosed(std::chrono::milliseconds timeout);
 
-  // What passed the wire; the commands of it, and a wait until `command` has come `count` times since
-  // the log was last cleared (false after `timeout`).
+  // The log of the wire and the commands in it. The wait ends when `command` has come `count` times since the
+  // log was last cleared; it returns false after `timeout`.
   WireLog& Log() { return log_; }
   std::vector<std::string> CommandsReceived() const;
   bool WaitForCommand(std::string_view command, std::chrono::milliseconds timeout,
@@ -123,7 +122,7 @@ class McuSerial {
     char byte;
   };
 
-  // Holds the lock, with a model that is up to date before and after.
+  // Holds the lock and brings the model up to date, before and after the use.
   class ModelAccess {
    public:
     explicit ModelAccess(McuSerial& serial) : serial_(serial), lock_(serial.mutex_) { serial_.FollowModel(); }
@@ -145,7 +144,7 @@ class McuSerial {
     return changed_.wait_for(lock, timeout, holds);
   }
 
-  // With mutex_ held.
+  // These need mutex_ to be held.
   void ReceiveBytes();
   void FollowHost();
   void HandleArrivedBytes();
@@ -163,7 +162,7 @@ class McuSerial {
   WakeupEvent wakeup_;
 
   mutable std::mutex mutex_;
-  mutable std::condition_variable changed_;  // a command or an event has come, or no program is there
+  mutable std::condition_variable changed_;  // a command or an event has come, or the last program is gone
   PseudoTerminal terminal_;
   McuModel model_;
   std::size_t events_told_ = 0;
@@ -176,13 +175,13 @@ class McuSerial {
   TimePoint receive_line_free_{};
   std::string command_;
 
-  std::multimap<TimePoint, std::string> unsent_;  // chunks by the time at which they leave
-  TimePoint sent_until_{};                        // those that were due then are leaving
+  std::multimap<TimePoint, std::string> unsent_;  // chunks by the time at which they are due
+  TimePoint sent_until_{};                        // chunks that were due at this time are being sent
   bool port_full_ = false;
   TimePoint send_line_free_{};
   std::string sent_line_;
 
-  std::jthread thread_;  // ends first
+  std::jthread thread_;  // last member, so the thread ends before the others are destroyed
 };
 
 }  // namespace rolu_sim

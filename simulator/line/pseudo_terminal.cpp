@@ -71,7 +71,7 @@ bool PseudoTerminal::IsOpenByHost() const {
   return master_ && poll(&hang_up, 1, 0) == 0;
 }
 
-// A process that has no descriptor to spare keeps the bytes.
+// If the process has no free descriptor, the bytes stay.
 void PseudoTerminal::DiscardUnreadBytes() {
   tcflush(OpenTerminal(device_path_.c_str()).get(), TCIFLUSH);
 }

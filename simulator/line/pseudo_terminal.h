@@ -6,8 +6,8 @@
 
 namespace rolu_sim {
 
-// A pseudo-terminal whose device is in raw mode. No descriptor of the device is held here, so a master
-// that is hung up says that no program has the device open; programs may open it again.
+// A pseudo-terminal whose device is in raw mode. This object holds no descriptor of the device, so a hang-up
+// of the master means that no program has the device open. Programs may open the device again.
 class PseudoTerminal {
  public:
   // Throws std::system_error.
@@ -16,9 +16,9 @@ class PseudoTerminal {
   int master() const { return master_.get(); }  // -1 when it is closed
   const std::string& device_path() const { return device_path_; }
 
-  // Readable when bytes have come, when the last program has closed the device, and, where room is
-  // wanted, when there is some. TakeChanges first, then look: a change is told once. A hung-up master
-  // polled by itself would tell so all the time.
+  // A descriptor to poll. It becomes readable when bytes have come, when the last program has closed the
+  // device, and, after WantRoom(true), when there is room to write. It reports each change once: call
+  // TakeChanges first, then look at the port. The master itself would report a hang-up without end.
   int changes() const { return changes_.get(); }
   void TakeChanges() const;
   void WantRoom(bool wanted);
@@ -28,10 +28,10 @@ class PseudoTerminal {
   // Drops the bytes that no program has read.
   void DiscardUnreadBytes();
 
-  // Nothing is received or sent any more, and no program has it open.
+  // Afterwards nothing is received or sent, and no program has the device open.
   void Close() { master_.Reset(); }
 
-  // A closed one becomes a new pseudo-terminal, which may have another path. Throws std::system_error.
+  // Makes a new pseudo-terminal after Close; its path may differ. Throws std::system_error.
   void Reopen();
 
  private:

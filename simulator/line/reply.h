@@ -10,7 +10,7 @@
 
 namespace rolu_sim {
 
-// Ends each line that the MCU sends.
+// The end of each line that the MCU sends.
 inline constexpr std::string_view kLineEnd = "\r\n";
 
 // Bytes that leave `delay` after the previous chunk of the same reply, or after the command.
@@ -19,7 +19,7 @@ struct ReplyChunk {
   std::chrono::microseconds delay{0};
 };
 
-// What the MCU sends for one command: no chunk is silence.
+// What the MCU sends for one command. A reply without chunks is silence.
 //
 //   Reply::Line("02EB")                       one line at once
 //   Reply::Line("02EB", 3200ms)               a late line
@@ -54,14 +54,14 @@ class Reply {
   std::vector<ReplyChunk> chunks_;
 };
 
-// Lets the model carry out the command in hand, once at most, and gives its answer.
+// Lets the model carry out the present command, at most once, and returns its answer.
 using AskModel = std::function<Reply()>;
 
-// Decides what is sent for a command that no scripted reply answers. Called on the MCU's thread; it
-// must not call the McuSerial that calls it.
+// Decides the reply to a command that has no scripted reply. The MCU's thread calls it. It must not call that
+// McuSerial.
 using AnswerRoute = std::function<Reply(std::string_view command, const AskModel& ask_model)>;
 
-// Which commands a scripted reply is for.
+// Which commands a scripted reply answers.
 class CommandMatch {
  public:
   static CommandMatch Exactly(std::string command) { return {std::move(command), false}; }

@@ -15,24 +15,23 @@ namespace rolu_sim {
 
 enum class Direction { kToMcu, kFromMcu };
 
-// Bytes that passed the wire. To the MCU, the time is when they had arrived; from the MCU, when
-// they were about to leave (so a latency measured against it is never too short).
+// Bytes that passed the wire. The time of bytes to the MCU is when they had arrived. The time of bytes from
+// the MCU is when they were about to leave, so a latency measured from it is never too short.
 struct WireEvent {
   TimePoint time;
   Direction direction;
   std::string bytes;
 };
 
-// What passed the wire: raw chunks as they were read and written, and the lines in them without
-// their line ends. Keeps the newest kCapacity of each. Every member may be called by any thread.
+// What passed the wire: the chunks as they were read and written, and the lines in them without their line
+// ends. Keeps the newest kCapacity of each. Any thread may call any member.
 class WireLog {
  public:
   static constexpr std::size_t kCapacity = 65536;
 
   using LineListener = std::function<void(const WireEvent&)>;
 
-  // `listener` (may be empty) hears each line on the thread that recorded it; it must not call the
-  // McuSerial whose line it hears.
+  // `listener` (may be empty) gets each line on the thread that recorded it. It must not call that McuSerial.
   explicit WireLog(LineListener listener) : listener_(std::move(listener)) {}
 
   void RecordChunk(Direction direction, TimePoint time, std::string_view bytes) {

@@ -31,7 +31,7 @@ VoltageCurve::Point ParsePoint(const std::string& word) {
   if (equals == std::string::npos) Refuse(word, "a point is a time and a voltage, as in 2s=12.6");
   const std::string_view text = word;
   const auto time = rolu::ParseDuration(text.substr(0, equals));
-  if (!time) Refuse(word, std::string("a time has a unit, as ") + rolu::kDurationExamples);
+  if (!time) Refuse(word, std::string("a time needs a unit, such as ") + rolu::kDurationExamples);
   const double volts = ParseNumber(word, text.substr(equals + 1));
   if (volts < 0 || volts > VoltageCurve::kMaxVolts) Refuse(word, "a voltage is from 0 to 100");
   return {*time, volts};
@@ -39,7 +39,7 @@ VoltageCurve::Point ParsePoint(const std::string& word) {
 
 constexpr auto kLowBattery = static_cast<std::size_t>(Protection::kLowBattery);
 
-// The place of a system in tables.
+// The index of an electrical system in tables.
 std::size_t IndexOf(BatteryMode mode) {
   return mode == BatteryMode::k24V ? 0 : 1;
 }
@@ -111,8 +111,8 @@ bool BatteryState::IsProtectedAndLow(TimePoint now) const {
 }
 
 std::optional<TimePoint> BatteryState::NextLowBatteryChange(TimePoint now) const {
-  // A curve that is all but level may still be on the same side at the computed time: whoever waits
-  // for it then waits a little longer, and does not spin.
+  // On an almost level curve the voltage at the computed time may still be on the same side. The caller then
+  // waits this much longer, so that it does not spin.
   constexpr std::chrono::milliseconds kLeast(1);
   const std::optional<std::chrono::nanoseconds> crossing = curve.NextCrossing(LowVolts(), now - curve_start);
   if (!crossing) return std::nullopt;

@@ -24,17 +24,17 @@ class VoltageCurve {
 
   static constexpr double kMaxVolts = 100.0;
 
-  // A battery that stays at `volts`.
+  // A battery that stays at `volts` for all time.
   explicit VoltageCurve(double volts) : points_{Point{{}, volts}} {}
 
-  // Reads points as "0s=12.6 2500ms=11.0 5s=12.8": times with their units that grow from point to point,
-  // volts from 0 to kMaxVolts. Throws std::invalid_argument with a sentence for the user.
+  // Reads points from a text like "0s=12.6 2500ms=11.0 5s=12.8". The times have units and must increase; the
+  // volts are from 0 to kMaxVolts. Throws std::invalid_argument with a sentence for the user.
   static VoltageCurve Parse(std::string_view text);
 
-  // `elapsed` may be negative: the first point's voltage then.
+  // A negative `elapsed` gives the first point's voltage.
   double VoltsAt(std::chrono::nanoseconds elapsed) const;
 
-  // When, later than `elapsed`, the voltage first changes from below `volts` to not below, or back.
+  // The first time after `elapsed` when the voltage falls below `volts` or stops being below it.
   std::optional<std::chrono::nanoseconds> NextCrossing(double volts, std::chrono::nanoseconds elapsed) const;
 
  private:
@@ -43,10 +43,10 @@ class VoltageCurve {
   std::vector<Point> points_;
 };
 
-// The vehicle's electrical system, with the numbers that the wire uses.
+// The vehicle's electrical systems, with their numbers on the wire.
 enum class BatteryMode : std::uint8_t { k24V = 2, k12V = 3 };
 
-// The two low-battery protections, with the numbers that the wire uses.
+// The two low-battery protections, with their numbers on the wire.
 enum class Protection : std::uint8_t { kPreboot = 0, kLowBattery = 1 };
 
 const rolu_protocol::BatterySystem& SystemOf(BatteryMode mode);
@@ -55,24 +55,25 @@ struct BatteryState {
   BatteryMode mode = BatteryMode::k12V;
   VoltageCurve curve{12.6};
   TimePoint curve_start{};
-  std::array<bool, 2> protection_enabled{true, true};  // by Protection
+  std::array<bool, 2> protection_enabled{true, true};  // indexed by Protection
 
-  // Threshold of a protection in raw units, kept apart for each electrical system.
+  // The threshold of a protection in raw units. Each electrical system has its own.
   std::uint16_t& Threshold(BatteryMode of, Protection protection);
   std::uint16_t Threshold(BatteryMode of, Protection protection) const;
 
   double VoltsAt(TimePoint now) const { return curve.VoltsAt(now - curve_start); }
 
-  // The reading that the MCU reports: volts in units of the present mode, nearest, within 16 bits.
+  // The reading that the MCU reports: the voltage in units of the present mode, rounded to the nearest,
+  // limited to 16 bits.
   std::uint16_t RawAt(TimePoint now) const;
 
-  // Whether the reading is below the low-battery threshold of the present mode and that protection
-  // is on; and when, as things are, the battery next passes that threshold, up or down.
+  // Whether the low-battery protection is on and the reading is below its threshold for the present mode. The
+  // second call says when the battery next crosses that threshold, up or down, if nothing is set meanwhile.
   bool IsProtectedAndLow(TimePoint now) const;
   std::optional<TimePoint> NextLowBatteryChange(TimePoint now) const;
 
  private:
-  // Below it a reading is nearer to a number below the low-battery threshold.
+  // The voltage below which the reading rounds to less than the low-battery threshold.
   double LowVolts() const;
 
   std::array<std::array<std::uint16_t, 2>, 2> thresholds_{{{1454, 1454}, {747, 747}}};

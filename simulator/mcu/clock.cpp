@@ -5,7 +5,7 @@
 namespace rolu_sim {
 namespace {
 
-// The order of the fields on the wire.
+// The fields in their order on the wire.
 constexpr std::array<std::uint8_t ClockTime::*, 7> kFields = {
     &ClockTime::year, &ClockTime::month,  &ClockTime::day,   &ClockTime::weekday,
     &ClockTime::hour, &ClockTime::minute, &ClockTime::second};
@@ -64,7 +64,8 @@ std::optional<ClockTime> ClockTimeOf(std::uint64_t number) {
 
 std::optional<rolu_protocol::AlarmTime> ValidAlarmTimeOf(std::uint64_t number) {
   const rolu_protocol::AlarmTime time = rolu_protocol::AlarmTimeOf(number);
-  // Digits above 9 do not come back as they were. Whether it is the afternoon the hour tells.
+  // A byte with a digit above 9 does not convert back to itself. The afternoon bit is left out: the hour
+  // already tells it.
   constexpr std::uint64_t kAfternoon = rolu_protocol::alarm::kAfternoon << 8U;
   const bool is_decimal = (rolu_protocol::NumberOf(time) | kAfternoon) == (number | kAfternoon);
   if (!is_decimal || time.weekday > 6 || time.hour > 23 || time.minute > 59) return std::nullopt;
@@ -86,7 +87,7 @@ std::optional<TimePoint> ClockState::NextAlarm(TimePoint after) const {
   const int start_minute = start.weekday * kMinutesPerDay + start.hour * kMinutesPerHour + start.minute;
   int minute = start_minute + 1;
   while (minute <= start_minute + kMinutesPerWeek) {
-    // What does not match cannot match before its unit has passed.
+    // If a unit does not match, the next possible match is in the next such unit.
     if (alarm.match_weekday && minute / kMinutesPerDay % 7 != alarm.weekday) {
       minute += kMinutesPerDay - minute % kMinutesPerDay;
     } else if (alarm.match_hour && minute / kMinutesPerHour % 24 != alarm.hour) {

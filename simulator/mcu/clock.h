@@ -9,7 +9,7 @@
 
 namespace rolu_sim {
 
-// The time that goes on by itself, whatever the MCU's clock shows.
+// The simulator's own time, which does not depend on what the MCU's clock shows.
 using TimePoint = std::chrono::steady_clock::time_point;
 
 inline std::optional<TimePoint> Sooner(std::optional<TimePoint> one, std::optional<TimePoint> other) {
@@ -17,8 +17,8 @@ inline std::optional<TimePoint> Sooner(std::optional<TimePoint> one, std::option
   return std::min(*one, *other);
 }
 
-// A time of the MCU's clock, as it goes over the wire: years since 2000, and a weekday that counts
-// on its own and need not belong to the date.
+// A time of the MCU's clock as it goes over the wire: years since 2000, and a weekday. The MCU counts the
+// weekday by itself, so it need not fit the date.
 struct ClockTime {
   std::uint8_t year = 0;
   std::uint8_t month = 1;
@@ -29,22 +29,22 @@ struct ClockTime {
   std::uint8_t second = 0;
 };
 
-// Whether the fields are a time from 2000 to 2099.
+// Whether the fields are a valid time from 2000 to 2099.
 bool IsValid(const ClockTime& time);
 
-// The valid `time`, `seconds` later; 2099 ends in 2000.
+// The time `seconds` after the valid `time`; after 2099 comes 2000.
 ClockTime AddSeconds(const ClockTime& time, std::int64_t seconds);
 
-// The seven bytes of the wire as a number. Nothing when they are no valid time.
+// The seven bytes on the wire as one number. The reverse gives nothing when they are not a valid time.
 std::uint64_t NumberOf(const ClockTime& time);
 std::optional<ClockTime> ClockTimeOf(std::uint64_t number);
 
-// Nothing when the bytes of the wire are no decimals, or beyond their units.
+// Nothing when the bytes on the wire are not decimal digits, or exceed their units.
 std::optional<rolu_protocol::AlarmTime> ValidAlarmTimeOf(std::uint64_t number);
 
-// The clock runs on from the time that it was last set to. Its alarm comes at second 0 of each minute at
-// which the fields that are to match do; without any it never comes. The alarm's switch is one of the
-// wake-up sources.
+// The clock runs on from the time that was last set. The alarm comes at second 0 of each minute in which all
+// fields that must match do match. An alarm without such a field never comes. One of the wake-up sources is
+// the alarm's switch.
 struct ClockState {
   static constexpr ClockTime kFactoryTime = {14, 7, 25, 5, 12, 0, 0};
 
@@ -53,7 +53,7 @@ struct ClockState {
   void Set(const ClockTime& time, TimePoint now);
   ClockTime TimeAt(TimePoint now) const;
 
-  // When the alarm's fields next match, later than `after`.
+  // The next time after `after` when the alarm's fields match.
   std::optional<TimePoint> NextAlarm(TimePoint after) const;
 
  private:

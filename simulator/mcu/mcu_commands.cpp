@@ -63,7 +63,7 @@ std::string SetOneOf(std::array<bool, kCount>& switches, std::uint64_t number, b
 AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
   const rolu_protocol::Command* const known = rolu_protocol::FindCommand(command);
   if (known == nullptr) return {std::string(rolu_protocol::kUnknownCommandReply)};
-  // The first of two lines says that the command has arrived, the last what became of it.
+  // An answer of two lines first says that the command has arrived, then what became of it.
   AnswerLines lines(static_cast<std::size_t>(known->answer_lines) - 1, Done());
   const std::optional<Values> fields = rolu_protocol::ParseCommandFields(command, *known);
   lines.push_back(fields ? CarryOut(*known, *fields, now) : Refused());
@@ -223,7 +223,7 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
     case IndexOf("MCS"):
       return SetWithin(peripheral_switch.on, number(1), 0, 1);
   }
-  // A test asks for each command of the table, so that none is forgotten here.
+  // Commands without a case: a test sends each command of the table, so that none is forgotten here.
   return std::string(command.factory_answer.empty() ? rolu_protocol::kUnknownCommandReply
                                                     : command.factory_answer);
 }

@@ -8,7 +8,7 @@
 namespace rolu_sim {
 namespace {
 
-// The state as it left the factory, but for these members.
+// Resets a state to its factory values, except for these members.
 template <typename State, typename... Member>
 void RestoreAllBut(State& state, Member State::*... members) {
   State factory;
@@ -80,7 +80,7 @@ AnswerLines McuModel::TakeDueLines(TimePoint now) {
 
   const std::optional<TimePoint> bite = watchdog.BiteDue();
   if (bite && *bite <= now) {
-    watchdog.enabled = false;  // a reset computer starts without it
+    watchdog.enabled = false;  // after the reset the computer starts without the watchdog
     events_.push_back({McuEventKind::kWatchdogBite, *bite});
   }
 

@@ -12,13 +12,14 @@
 
 namespace rolu_sim {
 
-// The lines that the MCU answers to one command, without their line ends. Most commands have one.
+// The lines of the MCU's answer to one command, without their line ends. Most answers have one line.
 using AnswerLines = std::vector<std::string>;
 
 // Why the MCU is about to cut the power.
 enum class PowerOffWarning { kIgnition, kLowVoltage };
 
-// What the MCU does to the computer; nothing of it shows on the wire. A simulated computer runs on.
+// What the MCU does to the computer. The wire shows none of these, and the simulated computer goes on
+// running.
 enum class McuEventKind {
   kPowerOff,      // the power is cut, as ATPO ordered
   kAlarmWakeup,   // the clock's alarm woke the computer
@@ -30,16 +31,16 @@ struct McuEvent {
   TimePoint time;
 };
 
-// The three axes as the wire has them.
+// The three axes in the format of the wire.
 std::string FormatSample(const GSensorSample& sample);
 
-// The microcontroller as a state machine: a command and the time go in, answer lines come out. It
-// has no thread, no clock and no lock; McuSerial guards the one behind a port (see its WithModel).
+// The microcontroller as a state machine: commands and the time go in, answer lines come out. It has no
+// thread, no clock and no lock: McuSerial guards the model behind a port (see McuSerial::WithModel).
 //
-// A setting answers "OK" (the clock's with two lines). An unknown command answers "ERR-C01". A field
-// that is malformed or that the MCU refuses (a battery mode other than 2 and 3, a threshold outside
-// its range, a delay of 0, a date that does not exist, a source that stands for nothing) answers
-// "ERR-M08" and changes nothing. An alarm of a G-sensor that is off answers "ERR-G01".
+// A command that sets something answers "OK" (the clock's with two lines). An unknown command answers
+// "ERR-C01". A malformed field, or one that the MCU refuses (a battery mode other than 2 and 3, a threshold
+// outside its range, a delay of 0, a date that does not exist, a source number without a source), answers
+// "ERR-M08" and changes nothing. Switching on the alarm of a G-sensor that is off answers "ERR-G01".
 //
 // By itself the MCU
 // - warns of the ignition's power-off once the ignition has been off for that delay, if the
@@ -50,10 +51,10 @@ std::string FormatSample(const GSensorSample& sample);
 // - resets the computer when the watchdog is on and was not triggered in time.
 class McuModel {
  public:
-  // `command` comes without its carriage return.
+  // `command` has no carriage return.
   AnswerLines Execute(std::string_view command, TimePoint now);
 
-  // The state of each subject, to be read and set at will.
+  // The state of each subject. Callers may read and set it freely.
   BackupBatteryState backup_battery;
   BatteryState battery;
   ClockState clock;
@@ -64,7 +65,7 @@ class McuModel {
   PowerSourcesState power_sources;
   WatchdogState watchdog;
 
-  // A vehicle of this electrical system, with a good battery.
+  // Makes the vehicle one of this electrical system, with a good battery.
   void SetVehicle(BatteryMode mode);
 
   // From now on the battery is at `volts`.
@@ -73,15 +74,16 @@ class McuModel {
   // The battery follows `curve`, whose time 0 is `start`.
   void SetBatteryCurve(VoltageCurve curve, TimePoint start);
 
-  // From now on the G-sensor measures `sample`. True when that raises the alarm: its line is sent.
+  // From now on the G-sensor measures `sample`. Returns true when this raises the alarm; the model then sends
+  // the alarm's line.
   bool ShakeTo(const GSensorSample& sample);
 
-  // Sends a warning, whatever the ignition and the battery are.
+  // Sends a warning, whatever the state of the ignition and the battery.
   void WarnOfPowerOff(PowerOffWarning warning);
 
-  // What the MCU does by itself: when TakeDueLines has something to do next, as things are, and the
-  // lines that have become due. Call it at that time, and before and after each change: a condition
-  // holds from the call that first sees it.
+  // What the MCU does on its own. NextDue says when TakeDueLines next has something to do, if nothing changes
+  // meanwhile. TakeDueLines gives the lines that have become due. Call TakeDueLines at that time, and before
+  // and after each change: a condition counts from the first call that sees it.
   std::optional<TimePoint> NextDue(TimePoint now) const;
   AnswerLines TakeDueLines(TimePoint now);
 
@@ -89,12 +91,11 @@ class McuModel {
   const std::vector<McuEvent>& Events() const { return events_; }
 
  private:
-  // The last line of the answer.
+  // Carries out a command and gives the last line of its answer.
   std::string CarryOut(const rolu_protocol::Command& command, const rolu_protocol::Values& fields,
                        TimePoint now);
 
-  // All settings are as the MCU left the factory. What it measures and has recorded stays, and so
-  // does the time of the clock.
+  // Sets all settings to the factory values. Measurements, records and the time of the clock stay.
   void RestoreDefaults();
 
   std::optional<TimePoint> NextAlarm() const;

@@ -1,5 +1,5 @@
-// What the MCU knows, by subject; the car battery and the clock have files of their own. The values here
-// are those of a board from the factory; what never changes is in the table of commands.
+// What the MCU knows, by subject. The car battery and the clock have their own files. The values here are the
+// factory values; the table of commands holds the answers that never change.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace rolu_sim {
 
-// A full and idle battery; the owner sets what else it is to be.
+// A full and idle backup battery; the owner sets anything else.
 struct BackupBatteryState {
   std::uint16_t millivolts = 4200;
   std::uint16_t temperature_tenths_kelvin = 2982;  // 25.05 degrees Celsius
@@ -26,7 +26,7 @@ struct BackupBatteryState {
   std::uint16_t status_bits = 0;
 };
 
-// In the sensor's own units, of which 256 are the acceleration of gravity.
+// In the sensor's own units; 256 units are the acceleration of gravity.
 struct GSensorSample {
   std::int16_t x = 0;
   std::int16_t y = 0;
@@ -42,7 +42,8 @@ struct GSensorState {
   std::uint8_t alarm_threshold = 0x20;  // thresholds are in steps of 16 units of a sample
   std::uint8_t wakeup_threshold = 0x10;
 
-  // Whether sensor and alarm are on and an axis of the sample, whatever its sign, is above the threshold.
+  // Whether the sensor and its alarm are on, and an axis of the sample, without its sign, is above the
+  // threshold.
   bool RaisesAlarm() const {
     const int limit = alarm_threshold * 16;
     const auto is_above = [limit](int axis) { return std::abs(axis) > limit; };
@@ -51,20 +52,20 @@ struct GSensorState {
 };
 
 struct IgnitionState {
-  bool on = true;  // the key, which no command turns
+  bool on = true;  // the ignition key; no command turns it
 
   std::uint8_t mode = 1;            // 1 or 2
-  bool pre_power_off_alarm = true;  // warn before the power goes because the ignition is off
+  bool pre_power_off_alarm = true;  // warn before the power goes off because of the ignition
   std::uint8_t keep_alive_mode = 0;
   std::uint8_t at_mode = 0;
 };
 
-// The switch of a peripheral that the MCU holds.
+// The peripheral switch that the MCU controls.
 struct PeripheralSwitchState {
   bool on = false;
 };
 
-// The delays, with the numbers that the wire uses; there is no number 5.
+// The delays, with their numbers on the wire. The number 5 is not used.
 enum class DelayType : std::uint8_t {
   kLowBattery = 0,
   kLowBatteryHard = 1,
@@ -79,12 +80,12 @@ struct PowerOffState {
   bool forced_shutdown = false;
   std::uint16_t forced_shutdown_delay = 120;
 
-  // In seconds. Two of them act in the model: kIgnitionOffEvent and kLowBattery run before a warning.
+  // In seconds. The model uses two of the delays: kIgnitionOffEvent and kLowBattery run before a warning.
   std::uint16_t& Delay(DelayType type) { return delays_[static_cast<std::size_t>(type)]; }
   std::uint16_t Delay(DelayType type) const { return delays_[static_cast<std::size_t>(type)]; }
 
  private:
-  std::array<std::uint16_t, 8> delays_{30, 60, 5, 30, 180, 0, 180, 60};  // by DelayType
+  std::array<std::uint16_t, 8> delays_{30, 60, 5, 30, 180, 0, 180, 60};  // indexed by DelayType
 };
 
 struct PowerSourcesState {
@@ -97,17 +98,17 @@ struct WatchdogState {
   bool enabled = false;
   std::uint16_t time = 60;  // in seconds
   std::uint32_t trigger_count = 0;
-  TimePoint last_trigger{};  // or when it was switched on
+  TimePoint last_trigger{};  // the last trigger, or the time when it was switched on
 
-  // When it bites unless it is triggered before.
+  // When the watchdog bites if nothing triggers it before.
   std::optional<TimePoint> BiteDue() const {
     if (!enabled) return std::nullopt;
     return last_trigger + std::chrono::seconds(time);
   }
 };
 
-// A condition that counts once it has held, without a break, for a delay; then once until it has
-// ended and begun again.
+// A condition that becomes due once it has held for a delay without a break. It becomes due only once, until
+// it has ended and begun again.
 class HeldCondition {
  public:
   // Call it whenever the condition may have changed.
@@ -125,7 +126,7 @@ class HeldCondition {
     return *since_ + std::chrono::seconds(delay_s);
   }
 
-  // Whether the delay has passed; true only once.
+  // Whether the condition has become due. Returns true once only.
   bool TakeDue(std::uint16_t delay_s, TimePoint now) {
     const std::optional<TimePoint> due = Due(delay_s);
     if (!due || *due > now) return false;

@@ -16,7 +16,7 @@
 namespace rolu_sim {
 namespace {
 
-// `call` again while a signal interrupts it.
+// Repeats `call` while a signal interrupts it.
 template <typename Call>
 ssize_t Uninterrupted(Call call) {
   ssize_t result = 0;
@@ -32,7 +32,7 @@ void CloseKeepingErrno(int fd) {
   errno = error;
 }
 
-// ENODEV when no board answers there.
+// Fails with ENODEV when no board answers.
 int ConnectToBoard() {
   const PathInRoot path(kDeviceSocketName);
   sockaddr_un address{};
@@ -53,12 +53,13 @@ int ConnectToBoard() {
 
 constexpr iovec kNothing = {nullptr, 0};
 
-// What is sent is not written to; the type of an iovec cannot say so.
+// The kernel does not write to a payload that is sent, but the type of an iovec cannot say so.
 iovec Payload(const void* bytes, size_t size) {
   return {const_cast<void*>(bytes), size};
 }
 
-// `message` is the request and becomes the answer. Its result, or -1 and the errno of it.
+// `message` is the request and becomes the answer. Returns the answer's result; when that is an error, -1
+// with errno.
 int Converse(int fd, DeviceMessage& message, iovec sent, iovec received) {
   message.length = static_cast<uint32_t>(sent.iov_len > 0 ? sent.iov_len : received.iov_len);
   iovec parts[2] = {{&message, sizeof message}, sent};
@@ -77,7 +78,7 @@ int Converse(int fd, DeviceMessage& message, iovec sent, iovec received) {
   return -1;
 }
 
-// A conversation on a connection of its own.
+// Converses on a new connection.
 int Call(DeviceMessage& message, iovec sent, iovec received) {
   const int fd = ConnectToBoard();
   if (fd < 0) return -1;

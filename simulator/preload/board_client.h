@@ -8,36 +8,36 @@
 
 namespace rolu_sim {
 
-// Calls to the board. Failures are -1 with an errno, as the kernel would give them: what the board
-// answers, ENODEV when no board answers at a path, EIO when it went away under an open descriptor.
-// Each call has a connection of its own, so that threads, signal handlers and processes which share a
-// descriptor do not wait for each other here, and nothing is held over a fork. It takes a descriptor
-// for that time: EMFILE when there is none.
+// Calls to the board. A failure is -1 with an errno, as from the kernel: the errno that the board answers,
+// ENODEV when no board answers at a path, EIO when the board went away under an open descriptor. Each call
+// has its own connection, so that threads, signal handlers and processes that share a descriptor do not wait
+// for each other, and nothing is held over a fork. The connection takes a descriptor for that time: the call
+// fails with EMFILE when none is free.
 
 // Opens a device node.
 int OpenDeviceNode(const char* path, int flags);
 
-// What is asked of a device goes by its id, which descriptor_table.h tells.
+// The id that names an open device to the board. descriptor_table.h finds it.
 using DeviceId = uint64_t;
 
-// From `offset`, or kAtPosition.
+// Reads from `offset`, or from the position if `offset` is kAtPosition.
 ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset);
 ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset);
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
 int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
 
-// These keep errno.
+// The next two calls keep errno.
 
-// Returns once the board knows of all closes so far.
+// Returns once the board has handled all closes so far.
 void SettleDevices();
 
-// What the MCU sent to the last program that had the serial port open is gone when this returns.
+// When this returns, the MCU's bytes for the last program that had the serial port open are dropped.
 void AnnounceSerialOpen();
 
-// Asks the board a question about a path or about itself. The answer's payload is cut to `size`.
+// Asks the board about a path or about the board itself. The answer's payload is cut to `size`.
 int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size);
 
-// What stat tells of a device, or of the node at `path` when `device` is 0.
+// What stat reports for a device, or for the node at `path` when `device` is 0.
 int AskNode(DeviceId device, const char* path, DeviceMessage& answer);
 
 }  // namespace rolu_sim

@@ -16,14 +16,14 @@
 namespace rolu_sim {
 namespace {
 
-// What is known of a descriptor: one of these, or the inode of a device (sockets have 32-bit ones).
+// An entry of the table: one of these two values, or the inode of a device (sockets have 32-bit inodes).
 constexpr uint32_t kUnknown = 0;
 constexpr uint32_t kOrdinary = UINT32_MAX;
 
 constexpr int kEntries = 65536;
 std::atomic<uint32_t> table[kEntries];
 
-// A descriptor beyond the table stays unknown.
+// A descriptor outside the table stays unknown.
 bool IsInTable(int fd) {
   return fd >= 0 && fd < kEntries;
 }
@@ -55,7 +55,7 @@ uint64_t LookAt(int fd) {
   return device;
 }
 
-// Programs may have been started with a device as a standard stream.
+// A program may start with a device as a standard stream.
 [[gnu::constructor]] void LookAtStandardStreams() {
   for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) DeviceOf(fd);
 }

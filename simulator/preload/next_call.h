@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-// Ends a fortified program whose buffer would overflow, as the C library does.
+// The C library's function that ends a fortified program whose buffer would overflow.
 extern "C" [[noreturn]] void __chk_fail();
 
 namespace rolu_sim {
@@ -15,8 +15,8 @@ inline size_t Checked(size_t size, size_t buffer_size) {
   return size;
 }
 
-// The function that the program would have called in place of `kWrapper`, a wrapped one of this name.
-// Looked up at its first use: programs open files before any constructor of ours has run.
+// The function of this name that the program would have called without `kWrapper`. It is looked up at its
+// first use, because programs open files before any of our constructors has run.
 template <auto kWrapper>
 static auto Next(const char* name) {
   static std::atomic<void*> next{nullptr};

@@ -13,7 +13,7 @@
 
 namespace rolu_sim {
 
-// The major number of the kernel's i2c-dev, and the bus.
+// The major number of the kernel's i2c-dev, and the minor number: the bus.
 inline constexpr unsigned kI2cMajor = 89;
 inline constexpr unsigned kI2cMinor = 3;
 
@@ -23,15 +23,15 @@ struct NodeStat {
 
   mode_t mode;
   uint64_t inode;
-  bool is_device;  // else an attribute
+  bool is_device;  // otherwise an attribute
   unsigned major = is_device ? kI2cMajor : 0;
   unsigned minor = is_device ? kI2cMinor : 0;
   int64_t size = is_device ? 0 : kAttributeSize;
 };
 
-// A question about a path, or about a descriptor if `flags` say so: `of_node` answers it for a node of the
-// board, `of_system` for what the system finds at a path. The serial device answers as what its link in the
-// board root leads to.
+// Answers a question about a path, or about a descriptor if `flags` say so. For a node of the board `of_node`
+// answers; for anything else `of_system` answers, with the system's path. For the serial device the answer is
+// about the target of its link in the board root.
 template <typename OfNode, typename OfSystem>
 int AskAt(int directory, const char* path, int flags, OfNode of_node, OfSystem of_system) {
   const bool is_descriptor = (flags & AT_EMPTY_PATH) != 0 && path != nullptr && *path == '\0';
@@ -46,7 +46,7 @@ int AskAt(int directory, const char* path, int flags, OfNode of_node, OfSystem o
   return of_system(system_path, place.target() == Target::kSerialPort ? flags & ~AT_SYMLINK_NOFOLLOW : flags);
 }
 
-// For any of the C library's stat records.
+// Works for each of the C library's stat records.
 template <typename Record>
 int FillRecord(const NodeStat& node, Record* record) {
   memset(record, 0, sizeof *record);

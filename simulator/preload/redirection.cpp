@@ -23,7 +23,8 @@ bool IsWithin(const char* path, const char* directory) {
   return StartsWith(path, directory) && (path[length] == '/' || path[length] == '\0');
 }
 
-// An attribute of a GPIO line that is not there is a node that the board does not find.
+// Every attribute path of a GPIO line counts as a node. If the line is not exported, the board answers that
+// the node does not exist.
 bool IsGpioAttribute(const char* path) {
   if (!IsWithin(path, kGpioDirectory)) return false;
   const char* const name = strrchr(path, '/') + 1;
@@ -45,8 +46,8 @@ Target TargetOf(const char* path) {
   return Target::kUntouched;
 }
 
-// Where a directory of the board is among the system's, as a path of the board; null for any other. Keeps
-// errno.
+// The board's path of an open directory or the working directory. Null when it is not a directory of the
+// board. Keeps errno.
 const char* BoardDirectoryAt(int directory, char (&link)[PATH_MAX]) {
   char name[32] = "/proc/self/cwd";
   if (directory != AT_FDCWD) snprintf(name, sizeof name, "/proc/self/fd/%d", directory);
@@ -81,12 +82,12 @@ Place::Place(const char* path, int directory) : path_(path) {
     char link[PATH_MAX];
     const char* const start = BoardDirectoryAt(directory, link);
     if (start == nullptr || !Append(start)) return;
-    path_ = board_path_;  // also where it leads out of the board's directories
+    path_ = board_path_;  // even if the path leads out of the board's directories
   }
   if (Append(path)) target_ = TargetOf(board_path_);
 }
 
-// Appends the parts of a path without the dots and slashes that mean nothing. False when there is no room.
+// Appends a path and resolves its "." and ".." parts and its repeated slashes. False when there is no room.
 bool Place::Append(const char* path) {
   size_t length = strlen(board_path_);
   for (const char* part = path + strspn(path, "/"); *part != '\0'; part += strspn(part, "/")) {

@@ -9,13 +9,13 @@ enum class Target {
   kUntouched,   // not a path of the board, or no board is attached
   kSerialPort,  // a file in the board root
   kDevice,      // a node that the board answers for
-  kDirectory,   // inside a directory that is the board's as a whole, and no node
+  kDirectory,   // inside a directory that belongs to the board as a whole, and not a node
 };
 
-// The board root that the environment names; null when there is none.
+// The board root that the environment names; null when it names none.
 const char* BoardRootPath();
 
-// A path below the board root, `name` and then `rest`. Empty when it would be too long.
+// The path of `name` and then `rest` below the board root. Empty when it is too long.
 class PathInRoot {
  public:
   PathInRoot() { path_[0] = '\0'; }
@@ -26,18 +26,18 @@ class PathInRoot {
   char path_[PATH_MAX];
 };
 
-// What a path leads to. Both may be as in openat: a path from a directory that is the board's is one of
-// the board's. `path` may be null.
+// What a path leads to. `path` and `directory` are those of openat: a path from a directory of the board is a
+// path of the board. `path` may be null.
 class Place {
  public:
   explicit Place(const char* path, int directory = AT_FDCWD);
 
   Target target() const { return target_; }
-  // The path as the board knows it, for a target that is the board's.
+  // The path on the board, if the target belongs to the board.
   const char* board_path() const { return board_path_; }
 
-  // The path at which the system's own calls find it; of a node, a file that stands for it. Null with
-  // an errno when there is none.
+  // The path for the system's own calls; for a node, a file that stands for it. Null with an errno when there
+  // is no such path.
   const char* SystemPath();
 
  private:

@@ -1,4 +1,4 @@
-// Looking around: directories, what a path is made of, and the kernel's names.
+// Calls that look around: directories, real paths and links, and the names of the kernel.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -18,7 +18,7 @@
 namespace rolu_sim {
 namespace {
 
-// `next`, called with the path at which the system finds `path`; `failure` when it does not.
+// Calls `next` with the system's path for `path`. Returns `failure` when there is none.
 template <typename Call, typename Result, typename... Rest>
 Result CallAt(Call next, Result failure, const char* path, Rest... rest) {
   Place place(path);
@@ -26,7 +26,7 @@ Result CallAt(Call next, Result failure, const char* path, Rest... rest) {
   return system_path == nullptr ? failure : next(system_path, rest...);
 }
 
-// A directory that is shown goes by its name on the board.
+// Gives a shown directory its name on the board.
 char* AsOnBoard(char* path) {
   const PathInRoot shown(kShownDirectory);
   const size_t length = strlen(shown.get());
@@ -35,7 +35,7 @@ char* AsOnBoard(char* path) {
   return static_cast<char*>(memmove(path, path + length, strlen(path + length) + 1));
 }
 
-// The real path of what is the board's: it has no links. `resolved` may be null.
+// The real path of a directory or node of the board, which has no links. `resolved` may be null.
 char* RealPathOnBoard(Place& place, char* resolved) {
   const char* const system_path = place.SystemPath();
   if (system_path == nullptr || access(system_path, F_OK) != 0) return nullptr;
@@ -93,7 +93,7 @@ ssize_t readlink(const char* path, char* buffer, size_t size) noexcept {
   return readlinkat(AT_FDCWD, path, buffer, size);
 }
 
-// What the calls become in a fortified program.
+// The calls of a fortified program.
 
 char* __getcwd_chk(char* buffer, size_t size, size_t buffer_size) noexcept {
   return getcwd(buffer, Checked(size, buffer_size));
@@ -113,7 +113,7 @@ ssize_t __readlinkat_chk(int directory, const char* path, char* buffer, size_t s
   return readlinkat(directory, path, buffer, Checked(size, buffer_size));
 }
 
-// ls -l asks for access lists.
+// ls -l asks for access control lists.
 
 ssize_t getxattr(const char* path, const char* name, void* value, size_t size) noexcept {
   return CallAt(Next<getxattr>("getxattr"), ssize_t{-1}, path, name, value, size);
@@ -123,7 +123,7 @@ ssize_t lgetxattr(const char* path, const char* name, void* value, size_t size) 
   return CallAt(Next<lgetxattr>("lgetxattr"), ssize_t{-1}, path, name, value, size);
 }
 
-// The board's while a board is attached.
+// Gives the board's names while a board is attached.
 int uname(utsname* names) noexcept {
   const int result = Next<uname>("uname")(names);
   utsname board{};
@@ -135,7 +135,7 @@ int uname(utsname* names) noexcept {
   return result;
 }
 
-// Tells that the object is loaded.
+// preloaded.cpp looks for this function to find out whether the object is loaded.
 int rolu_sim_preload_version() {
   return 1;
 }

@@ -1,4 +1,4 @@
-// Copies of a descriptor and their end.
+// Calls that copy or close a descriptor.
 
 #include <fcntl.h>
 #include <stdarg.h>
@@ -11,7 +11,7 @@
 namespace rolu_sim {
 namespace {
 
-// Does `copy`, which gives a copy of `fd` or a failure, and notes what the copy is.
+// Runs `copy`, which returns a copy of `fd` or fails, and notes what the copy is.
 template <typename Copy>
 int NoteCopy(int fd, Copy copy) {
   const DeviceId device = DeviceOf(fd);
@@ -20,7 +20,7 @@ int NoteCopy(int fd, Copy copy) {
   return copied;
 }
 
-// The same, where the copy takes the place of a descriptor, which may be the last one of its device.
+// The same for a copy that replaces a descriptor, which may be the last one of its device.
 template <typename Copy>
 int NoteReplacement(int fd, int replaced, Copy copy) {
   const bool was_device = fd != replaced && KnownDeviceOf(replaced) != 0;
@@ -29,7 +29,7 @@ int NoteReplacement(int fd, int replaced, Copy copy) {
   return copied;
 }
 
-// A command takes an int, a pointer or nothing.
+// The argument of a command is an int, a pointer or nothing.
 template <typename Call>
 int Fcntl(Call next, int fd, int command, void* argument) {
   const auto call = [=] { return next(fd, command, argument); };
@@ -44,7 +44,7 @@ using namespace rolu_sim;
 #pragma GCC visibility push(default)
 extern "C" {
 
-// The board has seen the close when this returns.
+// When this returns, the board has handled the close.
 int close(int fd) {
   const bool is_device = KnownDeviceOf(fd) != 0;
   if (is_device) NoteDevice(fd, 0);

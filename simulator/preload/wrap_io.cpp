@@ -1,4 +1,4 @@
-// What programs read from, write to and ask of an open descriptor.
+// Calls that read, write or control an open descriptor.
 
 #include <errno.h>
 #include <limits.h>
@@ -16,7 +16,7 @@
 namespace rolu_sim {
 namespace {
 
-// ReadDevice or WriteDevice for one part after another; a short one is the last.
+// Runs ReadDevice or WriteDevice for one part after another, and stops after a short one.
 template <auto kTransfer>
 ssize_t EachPart(DeviceId device, const iovec* parts, int count, uint64_t offset) {
   if (count < 0 || count > IOV_MAX) {
@@ -34,7 +34,7 @@ ssize_t EachPart(DeviceId device, const iovec* parts, int count, uint64_t offset
   return total;
 }
 
-// Any of these at an offset. EINVAL for one that no file has.
+// Runs one of these at an offset. Fails with EINVAL for a negative offset.
 template <auto kTransfer, typename Bytes, typename Size>
 ssize_t TransferAt(DeviceId device, Bytes* bytes, Size size, int64_t offset) {
   if (offset >= 0) return kTransfer(device, bytes, size, static_cast<uint64_t>(offset));
@@ -42,7 +42,7 @@ ssize_t TransferAt(DeviceId device, Bytes* bytes, Size size, int64_t offset) {
   return -1;
 }
 
-// One attribute's text at most: a caller that wants more calls again.
+// Copies the text of one attribute at most; a caller that wants more calls again.
 template <typename Call, typename Offset>
 ssize_t Copy(Call next, int target, int source, Offset* offset, size_t count) {
   if (DeviceOf(target) == 0 && DeviceOf(source) == 0) return next(target, source, offset, count);
@@ -100,7 +100,7 @@ ssize_t preadv(int fd, const iovec* parts, int count, off_t offset) {
   return preadv64(fd, parts, count, offset);
 }
 
-// What the reads become in a fortified program.
+// The read calls of a fortified program.
 
 ssize_t __read_chk(int fd, void* buffer, size_t size, size_t buffer_size) {
   return read(fd, buffer, Checked(size, buffer_size));
@@ -161,7 +161,7 @@ ssize_t sendfile64(int target, int source, off64_t* offset, size_t count) noexce
   return Copy(Next<sendfile64>("sendfile64"), target, source, offset, count);
 }
 
-// The board's kernel does not have this call; programs copy by other means then.
+// The board's kernel does not have this call, so programs copy by other means.
 ssize_t copy_file_range(int source, off64_t* source_offset, int target, off64_t* target_offset, size_t count,
                         unsigned flags) {
   if (DeviceOf(source) == 0 && DeviceOf(target) == 0) {

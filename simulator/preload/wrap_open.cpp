@@ -11,14 +11,14 @@
 namespace rolu_sim {
 namespace {
 
-// What the board has is there or not: no flag makes a file of it.
+// The board's nodes exist or not: no flag creates one.
 constexpr int kMaking = O_CREAT | O_EXCL;
 
 bool TakesMode(int flags) {
   return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
 }
 
-// `mode` is that of a call that takes one. A callee that does not look at it takes any.
+// `mode` is present for calls that take one. A callee that does not use the mode accepts any.
 template <typename Call, typename... Mode>
 int Open(Call next, int directory, const char* path, int flags, Mode... mode) {
   Place place(path, directory);
@@ -73,7 +73,7 @@ int openat64(int directory, const char* path, int flags, ...) {
   return Open(Next<openat64>("openat64"), directory, path, flags, mode);
 }
 
-// What the open calls without a mode become in a fortified program.
+// The open calls of a fortified program that take no mode.
 
 int __openat_2(int directory, const char* path, int flags) {
   return Open(Next<__openat_2>("__openat_2"), directory, path, flags);

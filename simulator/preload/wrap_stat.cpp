@@ -1,4 +1,4 @@
-// Questions about paths.
+// Calls that ask about paths.
 
 #include <errno.h>
 #include <fcntl.h>
@@ -23,7 +23,7 @@ int FillExtendedRecord(const NodeStat& node, struct statx* record) {
   return 0;
 }
 
-// The board's programs run as root: every node that is there may be read and written.
+// The board's programs run as root: they may read and write every existing node.
 int AccessNode(int mode) {
   if ((mode & X_OK) == 0) return 0;
   errno = EACCES;
@@ -98,9 +98,9 @@ int faccessat(int directory, const char* path, int mode, int flags) noexcept {
   return AccessAt(directory, path, mode, flags);
 }
 
-// What the calls were in programs that were linked before glibc 2.33. The version names the layout of
-// the record; there is one. They do not call the new ones by name: those may be a sanitizer's, which call
-// these.
+// The stat calls of programs that were linked before glibc 2.33. The version names the layout of the record;
+// only one layout is in use. These functions do not call the new ones by name: a sanitizer may have replaced
+// the new ones, and its versions call these.
 
 int __xstat(int /*version*/, const char* path, struct stat* record) noexcept {
   return StatAt(Next<fstatat>("fstatat"), AT_FDCWD, path, record, 0);

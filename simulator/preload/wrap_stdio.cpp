@@ -18,7 +18,8 @@ namespace {
 
 constexpr int kStandardStreams = 3;
 
-// What was and what is in place of each; a stream that is in place of nothing waits for its next use.
+// The ordinary and the device stream of each standard descriptor. A device stream that is not in use is kept
+// for the next time.
 FILE* ordinary_streams[kStandardStreams];
 FILE* device_streams[kStandardStreams];
 
@@ -35,7 +36,7 @@ ssize_t ReadCookie(void* cookie, char* buffer, size_t size) {
   return read(DescriptorIn(cookie), buffer, size);
 }
 
-// A stream's write function reports failure by 0.
+// The write function of a stream returns 0 on failure.
 ssize_t WriteCookie(void* cookie, const char* bytes, size_t size) {
   const ssize_t written = write(DescriptorIn(cookie), bytes, size);
   return written < 0 ? 0 : written;
@@ -66,7 +67,7 @@ FILE* OpenCookie(int fd, const char* mode, cookie_close_function_t* close_cookie
   return stream;
 }
 
-// The open flags of a stream's mode; -1 with EINVAL when it is none.
+// The open flags for a stream's mode; -1 with EINVAL when the mode is not valid.
 int FlagsOfMode(const char* mode) {
   const bool update = strchr(mode, '+') != nullptr;
   const int close_on_exec = strchr(mode, 'e') != nullptr ? O_CLOEXEC : 0;
@@ -145,7 +146,7 @@ FILE* fdopen(int fd, const char* mode) noexcept {
   return FlagsOfMode(mode) < 0 ? nullptr : OpenCookie(fd, mode, CloseCookie);
 }
 
-// The C library gives none for a stream with functions of its own.
+// The C library gives no descriptor for a stream with functions of its own.
 int fileno(FILE* stream) noexcept {
   return stream->_fileno >= 0 ? stream->_fileno : Next<fileno>("fileno")(stream);
 }

@@ -64,7 +64,7 @@ std::string BoardDirectory(const std::string& named) {
   const char* const met = getenv(kRootVariable);
   if (named.empty() && met != nullptr && *met != '\0') return met;
   if (named.empty()) throw UsageError("which board? Name its directory with --board DIR");
-  // Without symbolic links: programs on the board compare it with their working directory.
+  // Without symbolic links: the preloaded object compares this path with a program's working directory.
   std::string directory = std::filesystem::weakly_canonical(std::filesystem::absolute(named)).string();
   while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
   return directory;

@@ -15,7 +15,7 @@
 namespace rolu_sim {
 namespace {
 
-// What `read` throws is wrong with the value of the option.
+// Turns what `read` throws into an error of the option's value.
 template <typename Read>
 void ReadValueOf(const std::string& option, Read read) {
   try {
@@ -25,7 +25,7 @@ void ReadValueOf(const std::string& option, Read read) {
   }
 }
 
-// A file is for programs to read, the terminal for people.
+// Programs read a file, people read the terminal.
 TraceFormat FormatOf(const BoardSettings& settings) {
   if (settings.trace_format.empty()) return settings.trace == "-" ? TraceFormat::kText : TraceFormat::kJson;
   return settings.trace_format == "json" ? TraceFormat::kJson : TraceFormat::kText;

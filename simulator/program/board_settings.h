@@ -11,7 +11,7 @@
 
 namespace rolu_sim {
 
-// What a command line says about a board that it brings up.
+// The options of a command that brings up a board.
 struct BoardSettings {
   std::string scenario;  // a file or a name; empty: none
   std::string replay;    // a file; empty: none
@@ -19,26 +19,27 @@ struct BoardSettings {
   std::optional<std::uint32_t> seed;
   bool paced = false;
   int system_volts = 12;
-  std::optional<VoltageCurve> battery;  // nothing: a good battery
+  std::optional<VoltageCurve> battery;  // nothing: a good battery of the chosen system
   std::string trace;                    // a file, or -; empty: none
   std::string trace_format;
   bool fail_on_bite = false;
 };
 void AddBoardSettings(CLI::App& command, BoardSettings& settings);
 
-// A board's settings, read and checked before it comes up. Throws UsageError, or std::system_error when the
-// trace cannot be written.
+// A board's settings, which are read and checked before the board comes up. Throws UsageError; throws
+// std::system_error when the trace cannot be written.
 class PreparedBoard {
  public:
   explicit PreparedBoard(const BoardSettings& settings);
 
-  // `root_directory` may be empty. Once.
+  // The options for the desk. Call it once. `root_directory` may be empty.
   DeskOptions TakeDeskOptions(const std::string& root_directory);
 
-  // Brings a board that has just come up into its first state, and gives what is to happen to it.
+  // Brings a board that has just come up into its first state, and gives the scenario to play.
   Scenario Start(Desk& desk);
 
-  // Says what is to be said of a board at its end, and gives the exit status that it makes of the program's.
+  // Writes the messages for the end of a board. Gives the exit status, which may differ from the program's
+  // `status`.
   int Conclude(Desk& desk, int status) const;
 
  private:

@@ -20,7 +20,7 @@ int ReportFailedStart(const std::string& program, int error) {
   return error == ENOENT ? rolu::kNotFound : rolu::kNotExecutable;
 }
 
-// The exec functions get copies; the type is what C had before const.
+// The exec functions copy their arguments; their parameter type is from before C had const.
 std::vector<char*> AsArguments(const std::vector<std::string>& command) {
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
@@ -29,7 +29,8 @@ std::vector<char*> AsArguments(const std::vector<std::string>& command) {
   return arguments;
 }
 
-// What the terminal sent before the program was there has not reached it.
+// Passes on the signals that came before the program started: the program has missed them, even those from
+// the terminal.
 void PassOnEarlierSignals(pid_t child) {
   sigset_t held{};
   sigemptyset(&held);
@@ -44,8 +45,8 @@ int WaitForEnd(pid_t child, const HeldSignals& signals) {
   while (true) {
     const siginfo_t signal = signals.Wait();
     if (signal.si_signo != SIGCHLD) {
-      // The terminal sends its signals to the program as well; only those that another process sent to this
-      // one are passed on.
+      // The terminal sends its signals to the program as well. So only signals that another process sent to
+      // this process are passed on.
       if (signal.si_code <= 0) kill(child, signal.si_signo);
       continue;
     }
@@ -63,7 +64,7 @@ HeldSignals::HeldSignals() {
   sigemptyset(&watched_);
   sigaddset(&watched_, SIGCHLD);
   for (const int number : kHeld) sigaddset(&watched_, number);
-  // Under nohup the end of the terminal ends neither the board nor its program.
+  // Under nohup the closing terminal ends neither the board nor its program.
   struct sigaction hang_up {};
   sigaction(SIGHUP, nullptr, &hang_up);
   if (hang_up.sa_handler == SIG_IGN) sigdelset(&watched_, SIGHUP);

@@ -7,16 +7,16 @@
 
 namespace rolu_sim {
 
-// Keeps the signals that end a process away from this one, for as long as it has a board to take down.
-// Make it before any thread starts. A pipe that nobody reads ends nothing either.
+// Holds back the signals that end a process, so that this process can take its board down first. Make it
+// before any thread starts. SIGPIPE does not end the process either.
 class HeldSignals {
  public:
   HeldSignals();
 
-  // Waits for one of them, or for the end of a child (SIGCHLD).
+  // Waits for one of these signals, or for the end of a child (SIGCHLD).
   siginfo_t Wait() const;
 
-  // What a program that is started gets.
+  // The signal mask for a program that this process starts.
   const sigset_t& mask_before() const { return mask_before_; }
   bool pipe_was_default() const { return pipe_was_default_; }
 
@@ -26,14 +26,15 @@ class HeldSignals {
   bool pipe_was_default_ = false;
 };
 
-// A board ends as if somebody had ended this process.
+// Ends the board as if somebody had sent SIGTERM to this process.
 void EndThisProcess();
 
-// Runs one program in place of this process: signals that are sent to this process go on to the
-// program. Gives the program's exit status, or one of cli/exit_status.h after a message.
+// Runs one program as a child, and passes on to it the signals that are sent to this process. Gives the
+// program's exit status. If the program cannot start, writes a message and gives a status of
+// cli/exit_status.h.
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals);
 
-// Becomes the program; comes back only when it cannot be started, as RunChild does then.
+// Replaces this process by the program. Returns only when the program cannot start, then like RunChild.
 int BecomeProgram(const std::vector<std::string>& command);
 
 }  // namespace rolu_sim

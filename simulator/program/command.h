@@ -13,14 +13,14 @@
 
 namespace rolu_sim {
 
-// What the command line asks for, once it is parsed.
+// What the command line asks for.
 struct Invocation {
   bool is_short_form = false;             // "run" was left out
-  std::vector<std::string> marked_words;  // from the "--" before a program on
-  std::function<int()> action;            // gives the exit status
+  std::vector<std::string> marked_words;  // from the "--" that stands before a program
+  std::function<int()> action;            // returns the exit status
 };
 
-// Ends the program with this exit status and a message.
+// Ends rolu-sim with a message and this exit status.
 class CommandError : public std::runtime_error {
  public:
   CommandError(rolu::ExitStatus status, const std::string& text)
@@ -32,7 +32,7 @@ class CommandError : public std::runtime_error {
   rolu::ExitStatus status_;
 };
 
-// The help of one subcommand, or of the whole program: with a usage line of its own and the exit statuses.
+// The help of a subcommand or of the whole program, with its own usage line and with the exit statuses.
 class HelpText : public CLI::Formatter {
  public:
   explicit HelpText(std::string usage, std::string footer = {})
@@ -80,7 +80,7 @@ inline std::vector<std::string> WordsFor(const CLI::App& command, const Invocati
   return words;
 }
 
-// Each adds its subcommand to `app`.
+// Each function adds its subcommand to `app`.
 void AddRunCommand(CLI::App& app, Invocation& invocation);
 void AddServeCommand(CLI::App& app, Invocation& invocation);
 void AddJoinCommand(CLI::App& app, Invocation& invocation);
@@ -88,14 +88,14 @@ void AddCtlCommand(CLI::App& app, Invocation& invocation);
 void AddTraceCommand(CLI::App& app, Invocation& invocation);
 void AddScenariosCommand(CLI::App& app, Invocation& invocation);
 
-// The options of ctl may stand behind its words too, where the parser leaves what begins with a hyphen
-// alone: it may be a negative number.
+// Moves the options of ctl before its words. The parser leaves an option that stands behind the words alone,
+// because a word with a hyphen may be a negative number.
 void BringCtlOptionsForward(std::vector<std::string>& words);
 
-// What ctl can do: the verbs, and the words that are its own.
+// The words of ctl: the verbs, and the words that only ctl has.
 std::vector<Verb> CtlWords();
 
-// The man page, and the completion for bash: from the definitions of the command line and of the verbs.
+// The man page and the completion for bash, made from the definitions of the command line and of the verbs.
 std::string SimulatorManPage(const CLI::App& app);
 std::string SimulatorCompletion(const CLI::App& app);
 

@@ -21,7 +21,7 @@
 namespace rolu_sim {
 namespace {
 
-// What ctl does beside the verbs; these have no `apply`.
+// The words of ctl that are not verbs. They have no `apply`.
 const std::vector<Verb>& OwnWords() {
   constexpr char kReading[] = "Reading";
   constexpr char kBoard[] = "Board";
@@ -35,11 +35,10 @@ const std::vector<Verb>& OwnWords() {
        .subject = kReading},
       {.name = "wait",
        .help =
-           "Waits until the trace has a line that begins with a text, or an event or words with the text in "
-           "them",
+           "Waits until the trace has a line that begins with a text, or an event or words that contain the "
+           "text",
        .parameters = {Text("text", "the text"), Optional(Duration("timeout", "for how long"), "30s"),
-                      Optional(Integer("times", 1, 1000000, "for how many of them, from the board's start"),
-                               1)},
+                      Optional(Integer("times", 1, 1000000, "how many matches, from the board's start"), 1)},
        .subject = kReading},
       {.name = "play",
        .help = "Plays a scenario from now on, in place of the one that is being played",
@@ -59,7 +58,7 @@ void AppendLine(std::string& text, const std::string& left, const std::string& r
   }
 }
 
-// All words, one a line, by subject.
+// All words by subject, one per line.
 std::string ListOfWords() {
   std::string text;
   std::string subject;
@@ -80,7 +79,7 @@ struct CtlOptions {
   bool json = false;
 };
 
-// The value of a word that may be "name=value" as well as the value alone.
+// The value of a word that is "name=value" or only the value.
 std::string ValueOf(const std::string& word, const std::string& name) {
   return word.starts_with(name + '=') ? word.substr(name.size() + 1) : word;
 }
@@ -97,7 +96,7 @@ Json Ask(const CtlOptions& options, const Json& request) {
   }
 }
 
-// Answers are said as they are with --json, else in words.
+// Prints an answer: unchanged with --json, else in words.
 int Report(const CtlOptions& options, const Json& answer) {
   if (!answer["ok"].get<bool>()) {
     rolu::SayProblem(answer["error"].get<std::string>());
@@ -129,8 +128,8 @@ int Get(const CtlOptions& options, std::vector<std::string> names) {
   return 0;
 }
 
-// A served board has left its directory when this comes back. The directory may be gone soon after the board
-// was asked: it is opened before.
+// When this returns, the served board has left its directory. The directory may be gone soon after the
+// request, so it is opened before.
 int Stop(const CtlOptions& options) {
   const UniqueFd directory(
       open(BoardDirectory(options.board.directory).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -145,7 +144,7 @@ int Play(const CtlOptions& options, const std::vector<std::string>& rest) {
   return Report(options, Ask(options, {{"play", {{"name", file.name}, {"text", file.text}}}}));
 }
 
-// What was done to the board by hand is known to who did it.
+// Actions from the desk do not count: whoever took an action knows of it.
 bool Matches(const TraceRecord& record, const std::string& text) {
   if (record.direction == TraceDirection::kDesk) return false;
   return record.line.starts_with(text) || record.words.find(text) != std::string::npos;

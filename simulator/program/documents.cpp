@@ -98,7 +98,7 @@ do not open a device once more (ENXIO);
 an I2C bus takes an address, reads and writes; combined and SMBus transfers are refused (ENOTTY).
 )";
 
-// What can follow a verb: the choices of its first value, and the names of all.
+// The words that can follow a verb: the choices of its first value, and the names of all values.
 void AddVerb(const Verb& verb, rolu::CompletionTable& table) {
   const std::string command = "rolu-sim ctl " + verb.name;
   std::string& words = table.arguments[command].words;
@@ -129,7 +129,7 @@ std::string SimulatorCompletion(const CLI::App& app) {
   for (const Verb& verb : CtlWords()) AddVerb(verb, table);
   const std::string scenarios = fmt::format("{}", fmt::join(ReadyScenarioNames(), " "));
   table.arguments["rolu-sim ctl play"] = {"scenario= " + scenarios, Paths::kFiles};
-  // The short form: the options of run, and a program.
+  // The short form has the options of run, then a program.
   const std::string run = fmt::format("{}", fmt::join(rolu::LongOptions(*app.get_subcommand("run")), " "));
   table.arguments["rolu-sim"] = {run, Paths::kProgram};
   table.arguments["rolu-sim run"].paths = Paths::kProgram;

@@ -24,7 +24,7 @@ constexpr char kExamples[] =
     "Programs that are statically linked or set-user-ID, and raw system calls, do not see the board.\n"
     "\n";
 
-// For the build, which installs what they print.
+// Hidden commands whose output the build installs.
 void AddGenerator(CLI::App& app, Invocation& invocation, const char* name, const char* description,
                   std::string (*generate)(const CLI::App&)) {
   CLI::App* const command = NewCommand(app, name, description, std::string("rolu-sim ") + name);
@@ -50,15 +50,15 @@ void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   AddGenerator(app, invocation, "completion", "Prints the completion for bash", SimulatorCompletion);
 }
 
-// Null when there is none of this name.
+// Null when there is no subcommand of this name.
 const CLI::App* FindSubcommand(const CLI::App& app, const std::string& name) {
   const auto found =
       app.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
   return found.empty() ? nullptr : found.front();
 }
 
-// Prepares the words for the parser: those behind the first "--" of a subcommand that runs a program are not
-// for it.
+// Prepares the words for the parser. When a subcommand runs a program, the words behind the first "--" belong
+// to that program.
 void Prepare(std::vector<std::string>& words, const CLI::App& app, Invocation& invocation) {
   const bool is_about_all =
       !words.empty() && (words[0] == "--help" || words[0] == "-h" || words[0] == "--version");

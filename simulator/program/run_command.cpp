@@ -20,7 +20,7 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   return prepared.Conclude(desk, RunChild(command, signals));
 }
 
-// A program that is not there may have been meant as a subcommand.
+// The user may have meant a missing program as a subcommand.
 void SuggestSubcommand(const std::string& word, const CLI::App& app) {
   std::vector<std::string> names;
   for (const CLI::App* const command : app.get_subcommands({})) names.push_back(command->get_name());

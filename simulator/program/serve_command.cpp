@@ -18,9 +18,9 @@
 namespace rolu_sim {
 namespace {
 
-// The directory of a served board, which this process alone holds until this is destroyed. It removes
-// what a killed board left there and refuses a directory that holds anything else. At the end it removes the
-// directory if it made it and it is empty.
+// The directory of a served board. This object locks it against other processes. It removes what a killed
+// board left there, and refuses a directory that holds anything else. The destructor removes the directory if
+// this object made it and it is empty.
 class ServedDirectory {
  public:
   // Throws UsageError, CommandError or std::system_error.
@@ -53,7 +53,7 @@ class ServedDirectory {
 
   const std::string path_;
   bool is_made_here_ = false;
-  UniqueFd held_;  // with a lock, which ends with the process that has it, however that ends
+  UniqueFd held_;  // has a lock, which ends with this process, however the process ends
 };
 
 int Serve(const BoardSettings& settings, const std::string& named) {

@@ -16,7 +16,7 @@ struct TraceOptions {
   BoardChoice board;
   bool json = false;
   bool follow = false;
-  std::chrono::milliseconds length{0};  // of the following; 0 is without end
+  std::chrono::milliseconds length{0};  // for how long to follow the trace; 0: without end
 };
 
 int ShowTrace(const TraceOptions& options) {

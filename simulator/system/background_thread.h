@@ -12,8 +12,8 @@
 
 namespace rolu_sim {
 
-// Blocks all signals of this thread while it lives. A thread that is started meanwhile keeps them
-// blocked: a program's signal handlers run on the program's own threads.
+// Blocks all signals of this thread while the object lives. A thread that starts meanwhile keeps them
+// blocked, so a program's signal handlers run only on the program's own threads.
 class BlockedSignals {
  public:
   BlockedSignals() {
@@ -29,7 +29,7 @@ class BlockedSignals {
   sigset_t before_{};
 };
 
-// Wakes a thread that polls its descriptor. Signals add up until they are taken.
+// Wakes a thread that polls its descriptor. Several signals count as one until Take.
 class WakeupEvent {
  public:
   WakeupEvent() {
@@ -38,7 +38,7 @@ class WakeupEvent {
 
   int fd() const { return event_.get(); }
 
-  // A full counter and an empty one both mean that the wake-up is on its way already.
+  // A write fails only when the counter is full: then a wake-up is already pending.
   void Signal() const {
     const std::uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = write(event_.get(), &one, sizeof one);

@@ -12,10 +12,11 @@
 namespace rolu_sim {
 namespace {
 
-// While this process has no descriptor to spare, the listener stays readable and must rest.
+// While this process has no free descriptor, the listener stays readable, so the server must not poll it for
+// a while.
 constexpr int kRetryAcceptMs = 10;
 
-// Calls bind or connect. False with errno when it fails.
+// Calls bind or connect. Returns false with errno on failure.
 bool CallWithAddress(int (*call)(int, const sockaddr*, socklen_t), const UniqueFd& socket,
                      const std::string& path) {
   sockaddr_un address{};
@@ -25,7 +26,7 @@ bool CallWithAddress(int (*call)(int, const sockaddr*, socklen_t), const UniqueF
     return false;
   }
   path.copy(address.sun_path, path.size());
-  // The generic socket address is what POSIX has in place of a base class.
+  // POSIX uses the generic socket address as a base class.
   return socket && call(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
@@ -80,7 +81,7 @@ bool SocketServer::Accept() {
     UniqueFd socket(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
     if (!socket) return errno == EAGAIN || errno == EINTR || errno == ECONNABORTED;
     std::unique_ptr<Connection> connection = connect_(std::move(socket));
-    // Most have a request already.
+    // Most new connections already hold a request.
     if (connection->Serve(POLLIN)) connections_.push_back(std::move(connection));
   }
 }

@@ -15,13 +15,14 @@
 
 namespace rolu_sim {
 
-// No descriptor when nobody listens at the path of a stream socket.
+// Connects to a stream socket. Gives no descriptor when nobody listens at the path.
 UniqueFd ConnectTo(const std::string& path);
 
-// Listens at a path and serves who connects, all on one thread. What the connections need must outlive it.
+// Listens at a path and serves all its connections on one thread. What the connections use must outlive the
+// server.
 class SocketServer {
  public:
-  // One that connected. Its socket does not block.
+  // One client's connection. Its socket does not block.
   class Connection {
    public:
     explicit Connection(UniqueFd socket) : socket_(std::move(socket)) {}
@@ -30,9 +31,10 @@ class SocketServer {
     Connection& operator=(const Connection&) = delete;
 
     int socket() const { return socket_.get(); }
-    // What the server is to wait for. Called again after each event, also one that is not of this connection.
+    // The events that the server waits for. The server asks again after each event, even an event of another
+    // connection.
     virtual short Events() { return POLLIN; }
-    // False when the connection is at its end.
+    // Returns false at the end of the connection.
     virtual bool Serve(short events) = 0;
 
    private:
@@ -46,19 +48,19 @@ class SocketServer {
   SocketServer(const SocketServer&) = delete;
   SocketServer& operator=(const SocketServer&) = delete;
 
-  // Makes the server ask its connections for their events. May live longer than the server.
+  // Signal this to make the server ask its connections for their events again. It may outlive the server.
   const std::shared_ptr<WakeupEvent>& wakeup() const { return wakeup_; }
 
  private:
   void Run();
-  // False when the system refuses another descriptor.
+  // Returns false when the system has no descriptor left.
   bool Accept();
 
   const Connect connect_;
   const UniqueFd listener_;
   const std::shared_ptr<WakeupEvent> wakeup_ = std::make_shared<WakeupEvent>();
   std::atomic<bool> stopping_{false};
-  std::list<std::unique_ptr<Connection>> connections_;  // of the server's thread
+  std::list<std::unique_ptr<Connection>> connections_;  // only the server's thread uses it
   std::thread thread_;
 };
 

@@ -6,7 +6,7 @@
 
 namespace rolu_sim {
 
-// Throws std::system_error with errno and what was being done.
+// Throws std::system_error with errno; `doing` says what failed.
 [[noreturn]] inline void ThrowErrno(const std::string& doing) {
   throw std::system_error(errno, std::generic_category(), doing);
 }

@@ -6,7 +6,7 @@
 
 namespace rolu_sim {
 
-// Owns one descriptor; -1 is none.
+// Owns one descriptor; -1 means none.
 class UniqueFd {
  public:
   UniqueFd() = default;

@@ -29,8 +29,8 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
     const char* place;
     const char* says;
   } kRows[] = {
-      {"", "f:1:1: ", "no JSON"},
-      {"{\n  \"events\": [\n  ]", "f:3:4: ", "no JSON: syntax error"},
+      {"", "f:1:1: ", "not JSON"},
+      {"{\n  \"events\": [\n  ]", "f:3:4: ", "not JSON: syntax error"},
       {"[]", "f:1:1: ", "a scenario is an object"},
       {"{}", "f:1:1: ", "\"events\" is missing"},
       {"{\"description\": 1,\n \"events\": 2}",
@@ -42,7 +42,7 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
       {R"({"events": [{"at": 1}]})", "f:1:13: ", "\"do\" is missing"},
       {R"({"events": [{"do": "shock"}]})", "f:1:13: ", "\"at\" is missing"},
       {"{\"events\": [{\"at\":\n\"2x\", \"do\": \"shock\"}]}",
-       "f:2:1: ", "must be a time of at most a week, as 500ms, 2s"},
+       "f:2:1: ", "must be a time of at most a week, such as 500ms, 2s"},
       {"{\"events\": [{\"at\": -1\n, \"do\": \"shock\"}]}", "f:1:20: ", "not \"-1\""},
       {"{\"events\": [{\"at\": 1, \"do\":\n  \"ignitoin\"}]}",
        "f:2:3: ", R"(no verb "ignitoin"; did you mean ignition?)"},
@@ -61,7 +61,7 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
        "f:1:13: ", R"("every" and "repeat" belong together)"},
       {R"({"events": [{"at": 1, "do": "battery-curve", "curve": "1s"}]})", "f:1:55: ", "as in 2s=12.6"},
       {R"({"events": [{"at": 1, "do": "clock", "time": "2023-02-29 00:00"}]})",
-       "f:1:46: ", "must be a time as"},
+       "f:1:46: ", "must be a time such as"},
       {"{\"events\": [\n"
        "  {\"at\": 1, \"do\": \"lux\", \"lux\": 1},\n"
        "  {\"at\": [], \"do\": \"pin\", \"line\": 37, \"level\": 2}\n]}",
@@ -124,7 +124,7 @@ TEST(Scenario, IsReadyForTheUsualCases) {
   EXPECT_THAT(RunTool(directory, {"scenarios", "--show", "cold-start"}).out, StartsWith("{\n"));
 }
 
-// A night of the scenario takes a second; the alarm of half past seven comes in its morning.
+// The scenario plays a night in one second. The alarm comes at half past seven in the morning.
 TEST(Scenario, WakesTheParkedVehicleInTheMorning) {
   const Directory directory;
   const ServedBoard board(directory);
@@ -134,7 +134,7 @@ TEST(Scenario, WakesTheParkedVehicleInTheMorning) {
   const nlohmann::json events = board.Get("events");
   ASSERT_EQ(events.size(), 1U);
   EXPECT_EQ(events[0]["event"], "alarm-wakeup");
-  // The scenario goes on while this looks.
+  // The scenario goes on meanwhile.
   EXPECT_THAT(board.Get("clock")["time"].get<std::string>(), StartsWith("2024-06-01 07:3"));
 }
 

@@ -75,7 +75,7 @@ std::string WakeupText(std::uint64_t code) {
   return known->source == kAlarmSource ? "the clock's alarm" : fmt::format("source {}", known->source);
 }
 
-// The places of the ones, counted from an end of the text.
+// The positions of the '1' characters, counted from `begin`.
 template <typename Iterator>
 std::string PlacesOfOnes(Iterator begin, Iterator end) {
   std::vector<std::ptrdiff_t> places;
@@ -85,7 +85,7 @@ std::string PlacesOfOnes(Iterator begin, Iterator end) {
   return places.empty() ? "none" : fmt::format("{}", fmt::join(places, ", "));
 }
 
-// Nothing for a value that stands for nothing.
+// The words for a field; empty when the value has no meaning.
 std::string WordsFor(Field field, std::string_view text, std::uint64_t number) {
   switch (field) {
     case kNone:

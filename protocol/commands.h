@@ -1,4 +1,4 @@
-// The one table of the MCU's commands: what follows a code, what the MCU answers, and how people say both.
+// The one table of the MCU's commands: the fields of a command, the MCU's answer, and the words for both.
 #pragma once
 
 #include <array>
@@ -10,10 +10,10 @@
 
 namespace rolu_protocol {
 
-// A part of a command behind its code, or of an answer line.
+// A part of a command behind its code, or a part of an answer line.
 enum Field : std::uint8_t {
   kNone,
-  // Of a fixed width.
+  // These have a fixed width.
   kDone,        // "OK"
   kByte,        // 2 hexadecimal digits
   kWord,        // 4 hexadecimal digits
@@ -25,11 +25,11 @@ enum Field : std::uint8_t {
   kSwitchNumber,
   kProtection,
   kSystem,      // the number of a battery system
-  kSystemByte,  // the same as 2 hexadecimal digits
+  kSystemByte,  // the same number as 2 hexadecimal digits
   kDelayType,
   kClock,  // 7 bytes: year, month, day, weekday, hour, minute, second
   kAlarm,  // 3 bytes: weekday, hour, minute; see AlarmTime
-  // As wide as the rest of the line allows; at most one in a line.
+  // These are as wide as the rest of the line allows; a line has at most one of them.
   kDecimal,
   kWakeupSource,
   kNumber,  // hexadecimal
@@ -37,12 +37,12 @@ enum Field : std::uint8_t {
   kMillivolts,
   kTenthsOfKelvin,
   kStatusBits,  // the highest bit first
-  kSwitches,    // one character for each, from number 0 on
+  kSwitches,    // one character for each switch, beginning with number 0
   kIgnition,
   kText,
 };
 
-// kNone behind the last one.
+// Unused places hold kNone.
 using Fields = std::array<Field, 4>;
 
 struct Command {
@@ -51,10 +51,10 @@ struct Command {
   Fields fields;
   std::string_view answer_words;
   Fields answer_fields;  // of the last line
-  bool is_question;      // it changes nothing
+  bool is_question;      // the command changes nothing
   int answer_lines = 1;
-  int post_delay_ms = 0;                 // how long the MCU is to be left alone after the answer
-  std::string_view factory_answer = {};  // of a question whose answer never changes
+  int post_delay_ms = 0;                 // how long to leave the MCU alone after the answer
+  std::string_view factory_answer = {};  // for a question whose answer never changes
 };
 
 constexpr Command Question(std::string_view code, std::string_view words, Fields fields,
@@ -150,8 +150,8 @@ inline constexpr Command kCommands[] = {
     Order("MCS", "set the MCU's peripheral switch to {1}", {kSwitchNumber, kDecimal}, 500),
 };
 
-// The place of a command in the table. A code that is not in it does not compile as a constant, so a
-// `switch` over commands names none that does not exist.
+// The index of a command in the table. In a constant expression an unknown code does not compile, so a
+// `switch` over commands cannot name a command that does not exist.
 constexpr std::size_t IndexOf(std::string_view code) {
   std::size_t index = 0;
   for (const Command& command : kCommands) {
@@ -165,22 +165,22 @@ inline std::size_t IndexOf(const Command& command) {
   return static_cast<std::size_t>(&command - kCommands);
 }
 
-// The command whose code a line begins with: the longest one, so that one code may begin with another.
-// Null for a line that begins with none.
+// The command with the longest code that the line begins with: one code may begin with another. Null when
+// there is none.
 const Command* FindCommand(std::string_view line);
 
 struct Value {
   std::string_view text;     // as it is on the wire
-  std::uint64_t number = 0;  // of a field with a number
-  std::string words;         // as people say it
+  std::uint64_t number = 0;  // for a field with a number
+  std::string words;         // in words
 };
 using Values = std::array<Value, std::tuple_size_v<Fields>>;
 
-// The fields of a text, which must be all of it; nothing when one is malformed or stands for nothing. Whether
-// the MCU takes a value, as a delay, is for the MCU to say.
+// Reads the fields of a text; they must fill the whole text. Nothing when a field is malformed or has no
+// meaning. Whether the MCU accepts a value, for example a delay, is for the MCU to decide.
 std::optional<Values> ParseFields(std::string_view text, const Fields& fields);
 
-// The fields of a command behind its code: the MCU knows upper-case digits only.
+// Reads the fields behind a command's code. The MCU knows upper-case digits only.
 std::optional<Values> ParseCommandFields(std::string_view line, const Command& command);
 
 }  // namespace rolu_protocol

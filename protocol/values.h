@@ -1,4 +1,4 @@
-// What single values on the wire, and at the board's devices, stand for.
+// The meaning of single values on the wire and at the board's devices.
 #pragma once
 
 #include <array>
@@ -25,10 +25,10 @@ inline constexpr std::string_view kAlarmMessage = "[GI:";  // a sample follows, 
 inline constexpr std::string_view kIgnitionWarning = "[0000]";
 inline constexpr std::string_view kLowBatteryWarning = "[0001]";
 
-// What woke the computer.
+// The sources that can wake the computer.
 inline constexpr int kNoSource = -1;
 inline constexpr int kAlarmSource = 6;          // the clock's alarm
-inline constexpr unsigned kWakeupSources = 11;  // the numbers 7 to 9 stand for none
+inline constexpr unsigned kWakeupSources = 11;  // the numbers 7 to 9 are not sources
 constexpr bool IsWakeupSource(std::uint64_t number) {
   return number < kWakeupSources && (number < 7 || number > 9);
 }
@@ -48,7 +48,7 @@ inline constexpr std::array<WakeupCode, 11> kWakeupCodes = {{{0x00, kNoSource},
                                                              {0x30, kAlarmSource},
                                                              {0x40, 10}}};
 
-// The code that the simulated MCU tells for a source.
+// The code that the simulated MCU reports for a source.
 constexpr std::uint8_t WakeupCodeOf(int source) {
   for (const WakeupCode& known : kWakeupCodes) {
     if (known.source == source) return known.code;
@@ -56,14 +56,14 @@ constexpr std::uint8_t WakeupCodeOf(int source) {
   throw "no code stands for this source";
 }
 
-// The low-battery thresholds that the MCU takes, in units of its readings.
+// The low-battery thresholds that the MCU accepts, in units of its readings.
 struct ThresholdRange {
   std::uint16_t least;
   std::uint16_t middle;
   std::uint16_t most;
 };
 
-// The vehicle's electrical systems, by their numbers.
+// The vehicle's electrical systems, each with its number on the wire.
 struct BatterySystem {
   unsigned number;
   int volts;
@@ -77,7 +77,7 @@ inline constexpr std::array<BatterySystem, 2> kBatterySystems = {
 
 inline constexpr double kZeroCelsiusInKelvin = 273.15;
 
-// The wake-up alarm's time. It comes when the fields that are to match do.
+// The wake-up alarm's time. The alarm comes when all fields that must match do match.
 struct AlarmTime {
   std::uint8_t weekday = 0;
   std::uint8_t hour = 0;
@@ -88,7 +88,7 @@ struct AlarmTime {
 };
 
 // Each of the three bytes is a binary-coded decimal with its bits in reverse order. Bit 0 says whether the
-// field must match the clock; bit 1 of the hour is the afternoon, and no ten.
+// field must match the clock. Bit 1 of the hour is the afternoon; it does not count as a digit's weight.
 namespace alarm {
 inline constexpr unsigned kMatch = 1;
 inline constexpr unsigned kAfternoon = 2;
@@ -110,7 +110,7 @@ constexpr unsigned ByteOf(unsigned value) {
 }
 }  // namespace alarm
 
-// Of a field kAlarm.
+// Reads the number of a kAlarm field.
 constexpr AlarmTime AlarmTimeOf(std::uint64_t number) {
   const auto weekday = static_cast<unsigned>(number >> 16U & 0xFFU);
   const auto hour = static_cast<unsigned>(number >> 8U & 0xFFU);

@@ -6,8 +6,8 @@
 
 namespace rolu_protocol {
 
-// Says the lines of a wire in plain words. What an answer means depends on the command before it, so one
-// object follows one wire, line by line.
+// Puts the lines of a wire into plain words. An answer depends on the command before it, so one object must
+// get all lines of one wire in their order.
 class Words {
  public:
   std::string OfCommand(std::string_view line);

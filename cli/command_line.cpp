@@ -16,7 +16,7 @@ const CLI::App& Innermost(const CLI::App& app) {
   return *at;
 }
 
-// Those of the command and of the commands around it.
+// The options of the command and of the commands around it.
 std::vector<std::string> UsableOptions(const CLI::App& command) {
   std::vector<std::string> names;
   for (const CLI::App* app = &command; app != nullptr; app = app->get_parent()) {
@@ -52,7 +52,7 @@ CLI::Option* AddDurationOption(CLI::App& command, const std::string& name,
     const auto parsed = ParseDuration(text, longest);
     if (!parsed || *parsed < shortest) {
       throw CLI::ValidationError(
-          name, fmt::format("must be a time from {} to {}, as {}, not \"{}\"", FormatDuration(shortest),
+          name, fmt::format("must be a time from {} to {}, such as {}, not \"{}\"", FormatDuration(shortest),
                             FormatDuration(longest), kDurationExamples, text));
     }
     duration = *parsed;

@@ -13,10 +13,10 @@ constexpr struct {
   std::int64_t milliseconds;
 } kUnits[] = {{"h", 3'600'000}, {"min", 60'000}, {"m", 60'000}, {"s", 1000}, {"ms", 1}};
 
-// To the nearest millisecond.
+// Rounds to the nearest millisecond.
 std::optional<std::chrono::milliseconds> AtMost(std::chrono::milliseconds longest, double milliseconds) {
   const double rounded = std::round(milliseconds);
-  // What is not a number is not in the range either.
+  // This form also rejects NaN.
   if (!(rounded >= 0 && rounded <= static_cast<double>(longest.count()))) return std::nullopt;
   return std::chrono::milliseconds(std::llround(rounded));
 }

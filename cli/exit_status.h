@@ -6,7 +6,7 @@
 
 namespace rolu {
 
-// What the programs exit with; kExitStatusTexts says it to their users.
+// The exit statuses of the programs; kExitStatusTexts explains them to the users.
 enum ExitStatus : int {
   kDone = 0,
   kPartlyDone = 1,
@@ -15,7 +15,7 @@ enum ExitStatus : int {
   kNoAnswer = 4,
   kBusy = 5,
   kBitten = 6,
-  // As env(1) and timeout(1) have them.
+  // These have the meanings that env(1) and timeout(1) give them.
   kBoardFailed = 125,
   kNotExecutable = 126,
   kNotFound = 127,
@@ -29,7 +29,7 @@ struct ExitStatusText {
 
 inline constexpr ExitStatusText kExitStatusTexts[] = {
     {"0", "all was done"},
-    {"1", "not all was done: a part failed, a question was not answered with yes, or a wait ended in vain"},
+    {"1", "not all was done: a part failed, a question was not answered with yes, or a wait timed out"},
     {"2", "wrong use: unknown name, bad value, unusable file; nothing was sent to the board"},
     {"3", "the board refused: an error of the MCU, a value it does not take, something it does not provide"},
     {"4", "no answer: the MCU is silent, its port cannot be opened, a device is missing, or no board is up"},
@@ -42,7 +42,7 @@ inline constexpr ExitStatusText kExitStatusTexts[] = {
      "a signal ended the work, or the program on a simulated board: 128 and its number (130: Ctrl-C)"},
 };
 
-// The same as a part of a help text.
+// The statuses as a part of a help text.
 inline std::string ExitStatusHelp() {
   std::string text = "Exit status:\n";
   for (const ExitStatusText& status : kExitStatusTexts) {

@@ -11,7 +11,7 @@
 namespace rolu {
 namespace {
 
-// Every command has --help; it is told once.
+// Every command has --help; the page shows it once.
 bool IsShown(const CLI::App& app, const CLI::Option& option) {
   const bool is_repeated = &option == app.get_help_ptr() && app.get_parent() != nullptr;
   return !option.get_group().empty() && !is_repeated;
@@ -55,8 +55,8 @@ std::string ExitStatuses() {
   return text;
 }
 
-// It finds the innermost command, then offers what that command takes. In bash '=' is a word of its own, but
-// for users who have taken it out of COMP_WORDBREAKS.
+// The function finds the innermost command, then offers what that command takes. In bash '=' is a word of its
+// own, unless the user has taken it out of COMP_WORDBREAKS.
 constexpr std::string_view kFunction = R"(
 _PROG() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}

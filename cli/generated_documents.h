@@ -1,6 +1,6 @@
 #pragma once
 
-// The man page and the completion that come out of a command line's own definitions.
+// Makes the man page and the completion from the definitions of a command line.
 
 #include <CLI/CLI.hpp>
 #include <map>
@@ -9,18 +9,18 @@
 
 namespace rolu {
 
-// A man page: name, synopsis, options, commands and exit statuses. A program adds its other sections at the
-// end, made of the pieces below. `usage` gives a command's form.
+// A man page with name, synopsis, options, commands and exit statuses. A program adds its own sections at the
+// end, made with the functions below. `usage` gives the usage line of a command.
 std::string ManPage(const CLI::App& app, std::string_view version, std::string_view purpose,
                     std::string (*usage)(const CLI::App&));
 
-// Escapes a text, so that the formatter takes no part of it for a request.
+// Escapes a text, so that the formatter reads no part of it as a request.
 std::string RoffText(std::string_view text);
 
-// A term and what it is; `body` may hold requests.
+// A term and its explanation; `body` may hold requests.
 std::string RoffItem(std::string_view term, std::string_view body);
 
-// The words and the kind of paths that can stand at a place of a command line.
+// What can stand at one place of a command line: words, and a kind of path.
 struct Candidates {
   enum class Paths { kNone, kFiles, kDirectories, kProgram };
 
@@ -28,11 +28,12 @@ struct Candidates {
   Paths paths = Paths::kNone;
 };
 
-// What a command line's definitions do not say about its words.
+// The candidates that the definitions of the command line do not give.
 struct CompletionTable {
-  // By command, "rolu get": more than its subcommands. A key that is no command is a word that has values.
+  // By command, as "rolu get": what it takes besides its subcommands. A key that is not a command is a word
+  // that takes values.
   std::map<std::string, Candidates> arguments;
-  // By "--option", and by "rolu set=battery.mode" for what follows battery.mode=.
+  // By "--option"; by "rolu set=battery.mode" for the values that follow battery.mode=.
   std::map<std::string, Candidates> values;
 };
 

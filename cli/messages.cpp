@@ -17,7 +17,7 @@ std::string Environment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-// Standard error may be closed; a message that cannot be written must not end the work.
+// Standard error may be closed: a message that cannot be written does not end the work.
 void Print(std::string_view text, bool is_red) {
   std::fputs(fmt::format("{}{}:{} {}\n", is_red ? "\033[31m" : "", program_invocation_short_name,
                          is_red ? "\033[0m" : "", text)

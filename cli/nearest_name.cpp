@@ -5,10 +5,10 @@
 namespace rolu {
 namespace {
 
-// How many characters must be inserted, deleted, replaced or swapped with their neighbours to get from one
-// text to the other.
+// The number of edits that turn one text into the other. An edit inserts, deletes or replaces a character, or
+// swaps two neighbours.
 std::size_t EditDistance(std::string_view from, std::string_view to) {
-  // By how many characters of the one and of the other.
+  // edits[i][j] is the distance between the first i and the first j characters.
   std::vector<std::vector<std::size_t>> edits(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
   for (std::size_t i = 0; i <= from.size(); ++i) {
     for (std::size_t j = 0; j <= to.size(); ++j) {
@@ -26,14 +26,14 @@ std::size_t EditDistance(std::string_view from, std::string_view to) {
 }  // namespace
 
 std::string Suggestion(std::string_view unknown, const std::vector<std::string>& known) {
-  // More than a third of the characters wrong is another name, not a slip.
+  // If more than a third of the characters are wrong, the user did not mean this name.
   std::size_t closest = std::max<std::size_t>(unknown.size() / 3, 2) + 1;
   std::string_view nearest;
   for (const std::string& name : known) {
-    // A name that was not typed to its end is the nearest.
+    // A name that begins with the unknown text is the nearest.
     const bool is_beginning = unknown.size() >= 3 && name.starts_with(unknown);
     const std::size_t distance = is_beginning ? 0 : EditDistance(unknown, name);
-    // A short name is near to everything.
+    // Any short text is near to a short name, so the distance must be less than half of the name's length.
     if (distance >= closest || distance * 2 >= name.size()) continue;
     closest = distance;
     nearest = name;

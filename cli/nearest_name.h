@@ -6,8 +6,8 @@
 
 namespace rolu {
 
-// The end of an error message: "; did you mean status?" when one of the known names is near to the unknown
-// one, else nothing.
+// The end of an error message. It is "; did you mean status?" when a known name is near to the unknown one,
+// else empty.
 std::string Suggestion(std::string_view unknown, const std::vector<std::string>& known);
 
 }  // namespace rolu

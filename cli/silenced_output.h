@@ -7,8 +7,8 @@
 
 namespace rolu {
 
-// What is printed on standard output while this lives goes nowhere: the library prints a line when its VPM
-// family starts, and the output of these programs is read by others.
+// Discards what is printed on standard output while this object lives. The library prints a line when its VPM
+// family starts, but other programs read the output of these programs.
 class SilencedOutput {
  public:
   SilencedOutput() : saved_(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {

@@ -18,7 +18,7 @@ struct AlarmOptions {
   std::string time;
 };
 
-// "07:30", or for an hourly alarm "30" or ":30".
+// "07:30"; an hourly alarm also takes "30" or ":30".
 VPM_ALARM_TIME ParseTime(const std::string& text, ALARM_MODE mode) {
   const bool is_hourly = mode == ALARM_MODE_HOURLY;
   const char* const hour = !is_hourly ? "" : text.size() == 2 ? "00:" : "00";
@@ -29,7 +29,7 @@ VPM_ALARM_TIME ParseTime(const std::string& text, ALARM_MODE mode) {
                                  is_hourly ? "a minute from 00 to 59" : "a time from 00:00 to 23:59", text));
 }
 
-// A number, or the name of a day or its first three letters.
+// A number, the name of a day, or the first three letters of the name.
 std::uint8_t ParseDay(const std::string& text) {
   for (std::size_t day = 0; day < kDays.size(); ++day) {
     const bool is_number = text.size() == 1 && text[0] == static_cast<char>('0' + day);
@@ -41,7 +41,7 @@ std::uint8_t ParseDay(const std::string& text) {
                                             Suggestion(text, known)));
 }
 
-// The MCU's clock compares what the mode names only; the rest stays 0.
+// The MCU's clock compares only the fields that the mode names; the others stay 0.
 void CheckReadBack(ALARM_MODE mode, const VPM_ALARM_TIME& time) {
   ALARM_MODE mode_now = ALARM_MODE_NONE;
   VPM_ALARM_TIME now{};

@@ -28,7 +28,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The end of the socket at which the events go in. Any thread may send.
+// The writing end of the event socket. Any thread may send.
 class EventSink {
  public:
   explicit EventSink(int socket) : socket_(socket) {}
@@ -39,7 +39,7 @@ class EventSink {
                             {"detail", detail},
                             {"time", TimeStamp()}};
     const std::string message = event.dump();
-    // Where the reader is gone the watching is about to end.
+    // If the reader is gone, the watching is about to end.
     while (send(socket_, message.data(), message.size(), MSG_NOSIGNAL) < 0 && errno == EINTR) continue;
   }
 
@@ -49,16 +49,16 @@ class EventSink {
   const int socket_;
 };
 
-// Waits on a condition variable that the library signals, from before it is registered until it is
-// stopped: a signal that finds nobody waiting is lost.
+// Waits on a condition variable that the library signals. It waits from before the registration until Stop,
+// because a signal is lost while nobody waits.
 class WarningWaiter {
  public:
   WarningWaiter(const EventSink& events, EventKind kind) {
     thread_ = std::thread([this, &events, kind] {
       std::unique_lock<std::mutex> lock(mutex_);
       started_.count_down();
-      // No time-out: between two waits a signal would be lost. glibc ends this wait only when it is
-      // signalled.
+      // The wait has no time-out: a signal between two waits would be lost. In glibc only a signal ends this
+      // wait.
       for (condition_.wait(lock); !stopping_; condition_.wait(lock)) events.Put(kind);
     });
     started_.wait();
@@ -68,7 +68,7 @@ class WarningWaiter {
   WarningWaiter(const WarningWaiter&) = delete;
   WarningWaiter& operator=(const WarningWaiter&) = delete;
 
-  // What to register; lives as long as this object.
+  // The condition variable to register. It lives as long as this object.
   pthread_cond_t* condition() { return condition_.native_handle(); }
 
   void Stop() {
@@ -89,8 +89,8 @@ class WarningWaiter {
   std::thread thread_;
 };
 
-// The threads that see what happens. VPM and GSENSOR must be up from Start to Stop, and be taken down before
-// this object goes: the library signals its condition variables until then.
+// The threads that watch the board. VPM and GSENSOR must be up from Start to Stop. They must be down before
+// this object is destroyed: until then the library signals its condition variables.
 class Lookout {
  public:
   Lookout(const EventSink& events, const WatchTask& task)
@@ -103,8 +103,8 @@ class Lookout {
   Lookout(const Lookout&) = delete;
   Lookout& operator=(const Lookout&) = delete;
 
-  // Registers for the events and starts to look. The status of switching the G-sensor's alarm on:
-  // without it the rest is watched all the same. Throws CommandError when nothing can be watched.
+  // Registers for the events and starts the threads. Returns the status of switching the G-sensor's alarm on:
+  // without that alarm everything else is still watched. Throws CommandError when nothing can be watched.
   ROLU_STATUS Start() {
     ThrowUnlessDone(KAVO_ROLU_VPM_SetIgnPowerOffEvent(ignition_warning_.condition()), "watch the warnings");
     ThrowUnlessDone(KAVO_ROLU_VPM_SetLBPPowerOffEvent(battery_warning_.condition()), "watch the warnings");
@@ -115,7 +115,7 @@ class Lookout {
     return alarm;
   }
 
-  // Ends the threads: after the question in hand, at most 3 s later.
+  // Ends the threads. They first finish the present question, which takes at most 3 s.
   void Stop() {
     {
       const std::lock_guard<std::mutex> lock(mutex_);
@@ -196,7 +196,8 @@ class Lookout {
     return answered;
   }
 
-  // A signal that came while nobody waited is made good by looking at the queue now and then.
+  // A signal is lost while this thread does not wait, so the thread also looks at the queue from time to
+  // time.
   void TakeShocks() {
     std::mutex mutex;
     std::unique_lock<std::mutex> lock(mutex);
@@ -216,7 +217,7 @@ class Lookout {
   std::condition_variable stop_asked_;
   bool stopping_ = false;
 
-  // Of the polling thread.
+  // Only the polling thread uses these.
   bool silent_ = false;
   std::set<std::string> complained_;
   BoardState told_;
@@ -228,11 +229,11 @@ class Lookout {
   std::thread shock_taker_;
 };
 
-// Comes back when an end is asked for: by a signal, or by the reader of the events, who goes away.
+// Returns when the watching must end: after a signal, or when the reader of the events goes away.
 void WaitUntilAsked(const EventSink& events) {
   pollfd ends[] = {{events.socket(), 0, 0}, {interrupt::Descriptor(), POLLIN, 0}, {DuplicateOwnPort(), 0, 0}};
   while (poll(ends, 3, -1) < 0 && errno == EINTR) continue;
-  // What was up has gone with the port: nothing is left to be taken down.
+  // The library's families are lost with the port, so there is nothing to take down.
   if (ends[2].revents != 0) _exit(BoardWatcher::kPortAway);
 }
 
@@ -283,7 +284,7 @@ const std::vector<EventName>& EventNames() {
 }
 
 BoardWatcher::BoardWatcher(const WatchTask& task) {
-  // Messages keep their bounds, so that those of several threads do not mix.
+  // A packet socket keeps the messages of several threads apart.
   int ends[2];
   if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) ThrowErrno("socketpair");
   pid_ = fork();
@@ -311,7 +312,7 @@ std::optional<Event> BoardWatcher::Take() {
 
 int BoardWatcher::End() {
   if (pid_ < 0) return status_;
-  // The process sees that the reader is gone.
+  // The closed socket tells the process that its reader is gone.
   close(events_);
   int status = 0;
   while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;

@@ -14,7 +14,7 @@
 namespace rolu {
 
 enum class EventKind {
-  kState,  // how things are at the start; no change, and not counted
+  kState,  // the state at the start; not a change, and not counted
   kIgnitionOn,
   kIgnitionOff,
   kVoltage,
@@ -31,7 +31,7 @@ struct EventName {
   std::string_view words;  // in text
 };
 
-// Those that --on takes.
+// The events that --on takes.
 const std::vector<EventName>& EventNames();
 
 struct Event {
@@ -41,7 +41,7 @@ struct Event {
   std::string time{};                    // when it was seen
 };
 
-// What the events so far have told; a member is empty while none has told it.
+// The state that the events so far have reported. A member is empty until an event reports it.
 struct BoardState {
   std::optional<bool> ignition;
   std::optional<double> volts;
@@ -51,18 +51,18 @@ struct BoardState {
 
 struct WatchTask {
   CommonOptions common;
-  std::chrono::milliseconds interval{500};  // between two looks at ignition and voltage
-  double volts_step = 0.1;                  // the smallest change of the voltage that is told
-  BoardState told;                          // what was told before; a change of it is an event
-  bool port_returns = false;                // the port hung up under the process before this one
+  std::chrono::milliseconds interval{500};  // between two readings of ignition and voltage
+  double volts_step = 0.1;                  // the smallest change of the voltage to report
+  BoardState told;            // the state that was reported before; an event is a change from it
+  bool port_returns = false;  // the port hung up in the previous process
 };
 
-// A process of its own that uses the library, and sees what happens on the board. A port that hung up is
-// dead for the process that opened it, and stays so: the library opens it again only when all families
-// are down, and the G-sensor goes down only with the MCU's answer. Another process can take over.
+// A process of its own that uses the library and watches the board. When the port hangs up, the process that
+// opened it cannot use it again: the library opens the port again only after all families are down, and the
+// G-sensor goes down only with the MCU's answer. A new process can take over.
 class BoardWatcher {
  public:
-  // The exit status of a process whose port hung up, or has not come back yet. No command ends with it.
+  // The exit status of a process whose port hung up, or has not come back yet. No command exits with it.
   static constexpr int kPortAway = 64;
 
   // Call it while no other thread runs. Throws std::system_error.
@@ -71,14 +71,15 @@ class BoardWatcher {
   BoardWatcher(const BoardWatcher&) = delete;
   BoardWatcher& operator=(const BoardWatcher&) = delete;
 
-  // The next event, if there is one now.
+  // The next event, if one is waiting.
   std::optional<Event> Take();
-  // The process has ended, and all its events were taken.
+  // True when the process has ended and all its events are taken.
   bool IsOver() const { return is_over_; }
-  // For poll: readable while Take or IsOver has something to say.
+  // A descriptor for poll: it is readable when Take has an event or IsOver has changed.
   int Descriptor() const { return events_; }
 
-  // Ends the process: it finishes the question in hand and takes the families down. Gives its exit status.
+  // Ends the process, which first finishes the present question and takes the families down. Returns its exit
+  // status.
   int End();
 
  private:

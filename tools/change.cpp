@@ -16,7 +16,7 @@ std::string WithUnit(const Setting& setting, const Value& value) {
   return setting.unit.empty() ? text : fmt::format("{} {}", text, setting.unit);
 }
 
-// "; the MCU's range is 10.492 to 12.000 V" for a threshold, which only the MCU can judge.
+// "; the MCU's range is 10.492 to 12.000 V" for a threshold: only the MCU can check it.
 std::string McuRange(const Setting& setting) {
   const std::string_view system = setting.name.substr(0, setting.name.rfind('.'));
   const Setting* const range = FindSetting(fmt::format("{}.range", system));
@@ -35,7 +35,7 @@ void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
 
 void GiveUp(Change& change) {
   change.result = kPartlyDone;
-  change.problem = "was not set, as a signal asked for an end";
+  change.problem = "was not set, because a signal asked for an end";
 }
 
 }  // namespace

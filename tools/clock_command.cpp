@@ -11,13 +11,13 @@
 namespace rolu {
 namespace {
 
-// How far the clock may have run on between setting and reading back.
+// How far the clock may run on between the setting and the reading back.
 constexpr long kRunOnSeconds = 2;
 
 struct ClockOptions {
   bool utc = false;
   std::string time;
-  int weekday = -1;  // worked out from the date
+  int weekday = -1;  // negative: computed from the date
 };
 
 VPM_RTC_TIME ClockOf(const std::tm& fields) {
@@ -26,7 +26,7 @@ VPM_RTC_TIME ClockOf(const std::tm& fields) {
           byte(fields.tm_hour),       byte(fields.tm_min),     byte(fields.tm_sec)};
 }
 
-// A date and time, "2026-11-24 21:38:15" or with a T between; the weekday is worked out (Sunday is 0).
+// A date and time, "2026-11-24 21:38:15" or with a T in between. The weekday is computed (Sunday is 0).
 VPM_RTC_TIME ParseClock(const std::string& text) {
   std::string given = text;
   if (const std::size_t mark = given.find('T'); mark != std::string::npos) given[mark] = ' ';
@@ -48,7 +48,7 @@ VPM_RTC_TIME SystemClock(bool utc) {
   return ClockOf(utc ? fmt::gmtime(now) : fmt::localtime(now));
 }
 
-// Negative when the second is earlier.
+// Negative when `to` is earlier.
 long SecondsBetween(const VPM_RTC_TIME& from, const VPM_RTC_TIME& to) {
   const auto seconds = [](const VPM_RTC_TIME& time) {
     std::tm fields{};
@@ -103,7 +103,7 @@ ExitStatus RunSetClock(const ClockOptions& options, const CommonOptions& common)
   return PrintClock(ReadClock(), options, common);
 }
 
-// The MCU's clock counts whole seconds, so it is set as one begins.
+// The MCU's clock counts whole seconds, so it is set when a second begins.
 VPM_RTC_TIME NextSecond(bool utc) {
   using std::chrono::milliseconds;
   const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -140,7 +140,8 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const set =
       NewCommand(*clock, "set", "Set the clock to a time", "  rolu clock set '2026-11-24 21:38:15'");
   set->add_option("TIME", options->time, "Like '2026-11-24 21:38:15', from 2000 to 2099")->required();
-  set->add_option("--weekday", options->weekday, "0 to 6, in the MCU's counting; without it Sunday is 0")
+  set->add_option("--weekday", options->weekday,
+                  "0 to 6 as the MCU counts; if not given, from the date (Sunday is 0)")
       ->check(CLI::Range(0, 6));
   AddUtcFlag(set, *options);
   OnRun(set, invocation, RunSetClock, options);

@@ -10,17 +10,17 @@
 
 namespace rolu {
 
-// What the command line asks for, once it is parsed.
+// What the command line asks for.
 struct Invocation {
   CommonOptions common;
-  std::function<int()> action;  // gives the exit status
+  std::function<int()> action;  // returns the exit status
 };
 
-// Adds a subcommand. `examples` are whole command lines, each on a line of its own.
+// Adds a subcommand. `examples` holds whole command lines, one per line.
 inline CLI::App* NewCommand(CLI::App& parent, const std::string& name, const std::string& help,
                             const std::string& examples) {
   CLI::App* const command = parent.add_subcommand(name, help);
-  // The common options may stand behind the subcommand.
+  // The common options may also stand behind the subcommand.
   command->fallthrough();
   if (!examples.empty()) command->footer("Examples:\n" + examples);
   return command;
@@ -35,7 +35,7 @@ void OnRun(CLI::App* command, Invocation& invocation, Run run, std::shared_ptr<O
   });
 }
 
-// Each adds its subcommand to `app`.
+// Each function adds its subcommand to `app`.
 void AddStatusCommand(CLI::App& app, Invocation& invocation);
 void AddGetCommand(CLI::App& app, Invocation& invocation);
 void AddSetCommand(CLI::App& app, Invocation& invocation);
@@ -55,8 +55,8 @@ void AddDefaultsCommand(CLI::App& app, Invocation& invocation);
 void AddResetCommand(CLI::App& app, Invocation& invocation);
 void AddForceShutdownCommand(CLI::App& app, Invocation& invocation);
 
-// rolu(1) as roff, and the completion for bash: from the definitions of the commands and the table of
-// settings.
+// rolu(1) as roff, and the completion for bash. Both are made from the definitions of the commands and the
+// table of settings.
 std::string RoluManPage(const CLI::App& app);
 std::string RoluCompletion(const CLI::App& app);
 

@@ -39,7 +39,7 @@ struct Check {
 struct DeviceFile {
   const char* path;
   const char* subject;
-  int access;  // what the library needs of it
+  int access;  // the access that the library needs
 };
 
 constexpr DeviceFile kDeviceFiles[] = {
@@ -50,7 +50,7 @@ constexpr DeviceFile kDeviceFiles[] = {
     {"/sys/class/gpio/export", "GPIO lines", W_OK},
 };
 
-// Lines are there once a program has prepared them.
+// A line's files appear when a program prepares the line.
 constexpr DeviceFile kLines[] = {
     {"/sys/class/gpio/gpio37/value", "digital input 1", F_OK},
     {"/sys/class/gpio/gpio36/value", "digital input 2", F_OK},
@@ -59,7 +59,7 @@ constexpr DeviceFile kLines[] = {
     {"/sys/class/gpio/gpio45/value", "GPS power", F_OK},
 };
 
-// Shows on a terminal how far the asking is; with `done` equal to `total` it is gone.
+// Shows the progress of the questions on a terminal. When `done` equals `total`, it clears the line.
 void ShowProgress(unsigned done, unsigned total) {
   constexpr unsigned kWidth = 40;
   if (isatty(STDERR_FILENO) != 1) return;
@@ -73,20 +73,20 @@ void ShowProgress(unsigned done, unsigned total) {
 
 // How fast the MCU answers.
 struct Latency {
-  std::vector<double> answers_ms;  // the shortest first
+  std::vector<double> answers_ms;  // sorted, the shortest first
   std::size_t lost = 0;
 
   std::size_t asked() const { return answers_ms.size() + lost; }
 
-  // The time within which `percent` per cent of the answers came (nearest rank); 0 is the shortest. There
-  // must be answers.
+  // The time within which `percent` per cent of the answers came (nearest rank); 0 gives the shortest time.
+  // There must be at least one answer.
   double Percentile(unsigned percent) const {
     const std::size_t rank = (answers_ms.size() * percent + 99) / 100;
     return answers_ms[std::max<std::size_t>(rank, 1) - 1];
   }
 };
 
-// Asks the MCU for its platform's name, again and again. Gives up after two losses in a row.
+// Asks the MCU for its platform's name again and again. Gives up after two lost answers in a row.
 Latency MeasureLatency() {
   using Clock = std::chrono::steady_clock;
   Latency latency;
@@ -131,7 +131,7 @@ class Examination {
     checks_.push_back({std::move(subject), finding, std::move(text)});
   }
 
-  // The gravest status of those that were found; the order of finding is that of gravity.
+  // The first bad finding decides the exit status: the checks run in the order of gravity.
   void AddBad(std::string subject, std::string text, ExitStatus status) {
     Add(std::move(subject), kBad, std::move(text));
     if (status_ == kDone) status_ = status;
@@ -215,7 +215,7 @@ class Examination {
       case kDone:
         return "the unit is in order";
       case kBusy:
-        return "another process owns the MCU; end it, or look past it with --force";
+        return "another process uses the MCU's port; end that process, or go on with --force";
       case kPartlyDone:
         return "the MCU answers, but something is missing";
       default:

@@ -10,7 +10,7 @@
 namespace rolu {
 namespace {
 
-// "rolu alarm daily [OPTIONS] TIME".
+// The usage line of a command, as "rolu alarm daily [OPTIONS] TIME".
 std::string Usage(const CLI::App& app) {
   std::string usage = PathOf(app) + " [OPTIONS]";
   if (!ShownSubcommands(app).empty()) return usage + " COMMAND";
@@ -33,7 +33,7 @@ std::string SettingItems() {
   return text;
 }
 
-// What the positional argument of a command may be.
+// The candidates for the positional argument of a command.
 Candidates ArgumentsOf(const CLI::Option& argument) {
   Candidates candidates;
   if (argument.get_name(true) == "FILE") candidates.paths = Candidates::Paths::kFiles;

@@ -26,7 +26,7 @@ struct I2cOptions {
   std::vector<std::string> bytes;
 };
 
-// The whole of `text` as a number in decimal, or with 0x in hexadecimal.
+// Reads the whole of `text` as a number: decimal, or hexadecimal with 0x.
 unsigned ParseByte(const std::string& text, const char* what, unsigned lowest, unsigned highest) {
   const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
   const char* const begin = text.data() + (is_hex ? 2 : 0);
@@ -113,7 +113,7 @@ void PrintRow(unsigned first, const Bytes& row) {
   OutNow(fmt::format("{:02x}: {}  {}\n", first, Hex(row), characters));
 }
 
-// Each row takes 100 ms: the slave's time to prepare its answer.
+// Each row takes 100 ms, in which the slave prepares its answer.
 ExitStatus RunDump(const I2cOptions& options, const CommonOptions& common) {
   const unsigned address = ParseAddress(options.address);
   Bytes all;

@@ -21,7 +21,7 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 std::atomic<int> requested{0};
 int wakeup = -1;
 
-// Does only what a signal handler may.
+// Makes only calls that are allowed in a signal handler.
 void Request(int number) {
   const int error = errno;
   requested = number;
@@ -37,16 +37,16 @@ void Watch() {
   wakeup = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   struct sigaction action {};
   action.sa_handler = Request;
-  // Without SA_RESTART, so that a question at the terminal ends as well.
+  // Without SA_RESTART, so that a signal also ends a question at the terminal.
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   sigemptyset(&action.sa_mask);
   for (const int number : kSignals) {
     struct sigaction before {};
     sigaction(number, nullptr, &before);
-    // What nohup and background shells ignore stays ignored.
+    // A signal that nohup or a background shell ignores stays ignored.
     if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
   }
-  // A reader that goes away must not leave the board initialised.
+  // With SIGPIPE ignored, a reader that goes away cannot end the program while the board is initialized.
   signal(SIGPIPE, SIG_IGN);
 }
 

@@ -18,7 +18,7 @@ struct LoadOptions {
   bool dry_run = false;
 };
 
-// What must be done so that the unit is as a file says, in the order in which it is done.
+// What to do so that the unit matches a file, in this order.
 struct LoadPlan {
   std::vector<Change> changes;
   std::vector<const Setting*> unchanged;
@@ -44,8 +44,8 @@ void PlanSetting(Session& session, const Setting& setting, const SavedSetting* s
   }
 }
 
-// Reads the unit and compares. A change of the battery mode switches both protections off: they are then set
-// after it, to what the file says, or to what they were.
+// Reads the unit and compares it with the file. A change of the battery mode switches both protections off.
+// The plan then sets them afterwards: to the values in the file, else to their former values.
 LoadPlan PlanLoad(Session& session, const std::vector<SavedSetting>& file) {
   LoadPlan plan;
   for (const Setting& setting : Settings()) {
@@ -60,8 +60,8 @@ LoadPlan PlanLoad(Session& session, const std::vector<SavedSetting>& file) {
   return plan;
 }
 
-// Reads the settings of the file once more, those of `plan` that failed left out, and gives those that are
-// not as the file says: one setting may have moved another.
+// Reads the settings of the file once more, except those that failed in `plan`. Returns those that differ
+// from the file: setting one may have changed another.
 std::vector<Change> FindDeviations(Session& session, const std::vector<SavedSetting>& file,
                                    const LoadPlan& plan) {
   std::vector<Change> deviations;
@@ -126,7 +126,7 @@ ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPl
   Outcome outcome;
   Judge(plan.changes, outcome);
   Judge(deviations, outcome);
-  // Something failed, so the unit is only partly as the file says.
+  // Something failed, so the unit matches the file only in part.
   return outcome.Result() == kDone ? kDone : kPartlyDone;
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 using namespace rolu;
 
-// The MCU's port must not become descriptor 0, 1 or 2 of a program that was started without them.
+// If the program starts with descriptors 0, 1 or 2 closed, the MCU's port must not get one of these numbers.
 void OpenStandardDescriptors() {
   int file = 0;
   do {
@@ -26,7 +26,7 @@ void OpenStandardDescriptors() {
   if (file > STDERR_FILENO) close(file);
 }
 
-// For the build, which installs what it prints.
+// Hidden options whose output the build installs.
 void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(const CLI::App&)) {
   app.add_flag_callback(option, [&app, generate] { throw CLI::CallForVersion(generate(app), 0); })->group("");
 }
@@ -81,7 +81,7 @@ int Run(int argc, char** argv) {
   }
 }
 
-// What was printed must have arrived; a reader that went away needs no message.
+// All output must have been written. A reader that went away needs no message.
 int AfterFlush(int exit_status) {
   const int error = OutputError();
   if (error == 0) return exit_status;

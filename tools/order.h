@@ -4,7 +4,7 @@
 
 namespace rolu {
 
-// A command that gives the board one order, which cannot be taken back.
+// A command that gives the board one order that cannot be undone.
 struct Order {
   const char* name;
   const char* help;

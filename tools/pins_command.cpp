@@ -14,8 +14,8 @@ ExitStatus RunReadPins(const CommonOptions& common) {
   return ReadAndPrint(session, "pins.inputs", common);
 }
 
-// Preparing the lines gives them their directions anew, after which the outputs are low. So reading, which
-// needs the lines to be there, does not prepare them.
+// Preparing the lines sets their directions again, which drives the outputs low. So a read does not prepare
+// the lines, although it needs them.
 void PreparePins() {
   ThrowUnlessDone(KAVO_ROLU_DIO_Initialize(), "prepare the lines");
 }

@@ -28,7 +28,7 @@ bool IsSameFile(const struct stat& port, const struct stat& file) {
   return S_ISCHR(port.st_mode) && S_ISCHR(file.st_mode) && port.st_rdev == file.st_rdev;
 }
 
-// The number N of a pseudo-terminal's device /dev/pts/N; Linux gives them these majors.
+// The N of a pseudo-terminal /dev/pts/N. Linux gives pseudo-terminals these major numbers.
 std::optional<unsigned> PseudoTerminalNumber(const struct stat& port) {
   constexpr unsigned kFirstMajor = 136;
   constexpr unsigned kLastMajor = 143;
@@ -48,7 +48,7 @@ bool IsMasterOf(const fs::path& process, const fs::path& descriptor, unsigned nu
   return false;
 }
 
-// Empty where the directory cannot be read; `error` says why.
+// Empty when the directory cannot be read; `error` says why.
 std::vector<fs::path> EntriesOf(const fs::path& directory, std::error_code& error) {
   std::vector<fs::path> entries;
   for (fs::directory_iterator at(directory, error); !error && at != fs::directory_iterator();
@@ -67,7 +67,7 @@ Holding WhatProcessHolds(const fs::path& process, const struct stat& port) {
   for (const fs::path& descriptor : EntriesOf(process / "fd", error)) {
     std::error_code closed_meanwhile;
     const std::string target = fs::read_symlink(descriptor, closed_meanwhile);
-    // Files elsewhere are not asked: they may be on a server that is not there.
+    // Files elsewhere are skipped: a stat of a file on an unreachable server would hang.
     if (!target.starts_with("/dev/") && !target.starts_with("/proc/")) continue;
     if (number && target == "/dev/ptmx" && IsMasterOf(process, descriptor, *number)) return Holding::kFarEnd;
     struct stat file {};

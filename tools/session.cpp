@@ -19,7 +19,7 @@ struct FamilyWords {
   ROLU_STATUS (*take_down)();
 };
 
-// By Family.
+// Indexed by Family.
 constexpr FamilyWords kFamilyWords[] = {
     {"the core", KAVO_ROLU_CORE_DeInit},
     {"the vehicle power management", KAVO_ROLU_VPM_Deinitialize},
@@ -34,9 +34,9 @@ std::size_t IndexOf(Family family) {
 
 constexpr char kGpsValueFile[] = "/sys/class/gpio/gpio45/value";
 
-// Bringing the peripherals up gives the line of the GPS receiver's power its direction anew, and the kernel
-// then drives it low. A receiver that is on loses its power for that moment, and is switched on again here:
-// not through the library, which may have failed to come up.
+// Bringing the peripherals up sets the direction of the GPS receiver's power line again, and the kernel then
+// drives the line low. A receiver that is on loses its power for a moment. This function switches it on again
+// without the library, which may have failed to come up.
 ROLU_STATUS BringUpPeripherals() {
   const bool was_on = GpsLineIsOn();
   const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_Initialize();
@@ -94,7 +94,7 @@ ROLU_STATUS Session::BringUp(Family family) {
       return KAVO_ROLU_CORE_Init();
     case Family::kVpm: {
       const ROLU_STATUS status = BringUpVpm();
-      // The greeting went unanswered before.
+      // The MCU did not answer the greeting.
       if (status == ROLU_STATUS_VPM_NO_REPLY) unanswered_ = patience_;
       return status;
     }
@@ -107,8 +107,8 @@ ROLU_STATUS Session::BringUp(Family family) {
   }
 }
 
-// The watchdog asks nothing but the greeting, and comes up without an answer; only the time that it took
-// tells that there was none.
+// The watchdog family only sends the greeting, and comes up even without an answer. Only the time that this
+// took shows that there was no answer.
 ROLU_STATUS Session::BringUpWatchdog() {
   constexpr std::chrono::milliseconds kNoAnswer{2900};  // of the 3 s that the library waits
   const auto start = std::chrono::steady_clock::now();

@@ -17,12 +17,12 @@ Change ParseAssignment(const std::string& text) {
   return ParseChange(text.substr(0, equals), text.substr(equals + 1));
 }
 
-// In the order of the table, whose rows depend on earlier ones only.
+// Sorts the changes in the order of the table, because a row depends only on earlier rows.
 std::vector<Change> ParseAssignments(const std::vector<std::string>& texts) {
   std::vector<Change> changes;
   changes.reserve(texts.size());
   for (const std::string& text : texts) changes.push_back(ParseAssignment(text));
-  // All settings are rows of one vector, so their places are their order.
+  // All settings are rows of one vector, so the addresses give the order.
   std::ranges::sort(changes, {}, &Change::setting);
   const auto twice = std::ranges::adjacent_find(changes, {}, &Change::setting);
   if (twice != changes.end()) {
@@ -31,7 +31,7 @@ std::vector<Change> ParseAssignments(const std::vector<std::string>& texts) {
   return changes;
 }
 
-// A change of the battery mode switches protections off; this says how to switch them on again.
+// A change of the battery mode switches protections off. This message says how to switch them on again.
 void RemindOfProtections(const std::vector<Change>& changes) {
   if (!HasChangeOf(changes, kBatteryMode)) return;
   std::string left_off;

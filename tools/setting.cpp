@@ -13,13 +13,13 @@
 namespace rolu {
 namespace {
 
-constexpr double kSameNumber = 0.0005;  // values are rounded to three decimals
+constexpr double kSameNumber = 0.0005;  // the values are rounded to three decimals
 
 std::string Refusal(const Setting& setting, const std::string& got) {
   return fmt::format("{} must be {}, not {}", setting.name, RangeText(setting), got);
 }
 
-// The whole of `text`; nothing when it is no number, or too large.
+// Reads the whole of `text`. Nothing when it is not a number or is too large.
 template <typename Number>
 std::optional<Number> ParseNumber(std::string_view text) {
   Number number{};
@@ -28,13 +28,13 @@ std::optional<Number> ParseNumber(std::string_view text) {
   return number;
 }
 
-// Digits with a point; no exponents, signs or names of numbers.
+// Reads digits with a point. Exponents, signs and names of numbers are not allowed.
 std::optional<double> Decimal(std::string_view text) {
   if (text.empty() || text.find_first_not_of("0123456789.") != std::string_view::npos) return std::nullopt;
   return ParseNumber<double>(text);
 }
 
-// Null when it has not the form of the setting's values.
+// Null when the text does not have the form of the setting's values.
 Value Typed(const Setting& setting, std::string_view text) {
   switch (setting.kind) {
     case Kind::kNumber:

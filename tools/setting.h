@@ -12,10 +12,10 @@
 
 namespace rolu {
 
-// The parts of the library, each with an initialisation of its own, in the order of bringing them up.
+// The families of the library that need an initialization, in the order of bringing them up.
 enum class Family { kCore, kVpm, kWatchdog, kGsensor, kPeripherals };
 
-// A setting's value, as JSON has it: number, boolean, text, or a list of numbers.
+// A setting's value as JSON: a number, a boolean, a text, or a list of numbers.
 using Value = nlohmann::json;
 
 enum class Kind {
@@ -29,14 +29,14 @@ enum class Kind {
   kList,  // numbers
 };
 
-// When a change must be confirmed first.
+// Which changes must be confirmed first.
 enum class AsksFirst { kNever, kAlways, kSwitchingOff, kSwitchingOn };
 
 using Reader = std::function<ROLU_STATUS(Value&)>;
 using Writer = std::function<ROLU_STATUS(const Value&)>;
 
-// One thing that can be read from the board, and perhaps written: a row of the one table that
-// help, man page, completion and all commands share.
+// One thing that the board can tell, and perhaps be told: a row of the table that help, man page, completion
+// and all commands share.
 struct Setting {
   std::string_view name;
   std::string_view help;
@@ -46,23 +46,24 @@ struct Setting {
   double minimum = 0;
   double maximum = 0;
   std::vector<std::string_view> choices{};
-  // How far the value that reads back may be from the one that was set: the MCU rounds to this step.
+  // How far the value that reads back may differ from the value that was set: the MCU rounds to this step.
   double rounding = 0;
 
   Reader read{};
-  Writer write{};  // null: cannot be written
+  Writer write{};  // null: the setting is read-only
 
-  // Whether `save` and `load` include it; the momentary switches of peripherals are left out.
+  // Whether `save` and `load` include the setting. They leave out the switches of peripherals, which are
+  // momentary.
   bool saved = true;
   AsksFirst asks = AsksFirst::kNever;
-  std::string_view consequence{};  // what a change that is asked about does
+  std::string_view consequence{};  // what the change does, for the question before it
 
   bool IsWritable() const { return write != nullptr; }
   bool IsSaved() const { return IsWritable() && saved; }
 };
 
-// All settings, group by group. `load` and `set` apply changes in this order: the battery mode
-// before what it switches off, a delay before the switch that starts it.
+// All settings, group by group. `load` and `set` apply changes in this order: the battery mode before the
+// protections that it switches off, a delay before the switch that starts it.
 const std::vector<Setting>& Settings();
 
 struct SettingGroup {
@@ -71,36 +72,36 @@ struct SettingGroup {
 };
 const std::vector<SettingGroup>& SettingGroups();
 
-// Null when there is none.
+// Null when there is no setting of this name.
 const Setting* FindSetting(std::string_view name);
 
-// The setting of that name. Throws CommandError(kWrongUse) that suggests the nearest.
+// The setting of this name. Otherwise throws CommandError(kWrongUse) and suggests the nearest name.
 const Setting& SettingNamed(std::string_view name);
 
-// The settings of these names, in their order. Each name is that of a setting or of a group ("battery"); no
-// name at all means all settings. The same throw.
+// The settings of these names, in this order. A name may be a setting or a group ("battery"); without names,
+// all settings. Throws as SettingNamed does.
 std::vector<const Setting*> SettingsNamed(const std::vector<std::string>& names);
 
-// there is no setting "battery.mod"; did you mean battery.mode?
+// The message: there is no setting "battery.mod"; did you mean battery.mode?
 std::string NoSetting(std::string_view name);
 
 // The part of the name before the first dot.
 std::string_view GroupOf(const Setting& setting);
 
-// The values that can be set, or those that a read-only setting gives: "on or off", "12V or 24V".
+// The values that can be set or, for a read-only setting, read: "on or off", "12V or 24V".
 std::string RangeText(const Setting& setting);
 
-// The whole of `text` as a value that the setting takes. Throws CommandError(kWrongUse) with the reason:
-// watchdog.time must be a whole number from 1 to 65535, not "0x".
+// Reads the whole of `text` as a value of the setting. Otherwise throws CommandError(kWrongUse) with the
+// reason: watchdog.time must be a whole number from 1 to 65535, not "0x".
 Value ParseValue(const Setting& setting, std::string_view text);
 
-// The same reason for a value out of a file; empty when the setting takes it.
+// The same reason for a value from a file; empty when the setting takes the value.
 std::string WhyNotTaken(const Setting& setting, const Value& value);
 
-// For people and scripts: "12.600", "on", "07:30", "1 0". The unit is not part of it.
+// The value for people and scripts: "12.600", "on", "07:30", "1 0". It does not have the unit.
 std::string ValueText(const Setting& setting, const Value& value);
 
-// A voltage as a multiple of a thousandth, and how it is written: "12.600".
+// A voltage in steps of 0.001 V, and its text: "12.600".
 double Thousandths(float volts);
 std::string VoltsText(double volts);
 
@@ -108,16 +109,16 @@ struct TimeOfDay {
   std::uint8_t hour = 0;
   std::uint8_t minute = 0;
 };
-// "07:30"; nothing when `text` is no time of day.
+// Reads "07:30". Nothing when `text` is not a time of day.
 std::optional<TimeOfDay> ParseTimeOfDay(std::string_view text);
 
-// "2026-11-24 21:38:15", as the MCU's clock tells it.
+// The time of the MCU's clock as "2026-11-24 21:38:15".
 std::string ClockText(const VPM_RTC_TIME& time);
 
-// Whether they are equal; numbers may be `allowance` apart, which as a rule is the setting's rounding.
+// Whether the values are equal. Numbers may differ by `allowance`, which is usually the setting's rounding.
 bool IsSame(const Value& wanted, const Value& found, double allowance = 0);
 
-// Whether setting it to `value` must be confirmed.
+// Whether the user must confirm before the setting gets `value`.
 bool MustAsk(const Setting& setting, const Value& value);
 
 }  // namespace rolu

@@ -1,6 +1,6 @@
 #pragma once
 
-// How the rows of the table reach the library: readers and writers made of its typed getters and setters.
+// How the rows of the table call the library: readers and writers made from its typed getters and setters.
 
 #include <fmt/format.h>
 
@@ -17,7 +17,7 @@
 
 namespace rolu::board_access {
 
-// What the library gave, as a value.
+// AsValue turns what the library gave into a value.
 
 // The interface's `char` holds 0 to 255, whatever its sign on this machine.
 inline Value AsValue(char raw) {
@@ -47,7 +47,7 @@ inline Value AsValue(const ROLU_GSENSOR_DATA& sample) {
 inline Value AsValue(const BATTERY_INFO& info) {
   return {Thousandths(info.range_start), Thousandths(info.range_mid), Thousandths(info.range_end)};
 }
-// Up to a NUL, and only characters that print.
+// Takes the characters up to a NUL; those that do not print become '?'.
 template <std::size_t Size>
 Value AsValue(const std::array<char, Size>& text) {
   std::string printable(text.begin(), std::ranges::find(text, '\0'));
@@ -77,7 +77,7 @@ inline Value SetFlags(const BACKUP_BATTERY_INFO& info) {
   return bits;
 }
 
-// Reads what `get` writes, and shows it as a value.
+// Calls `get` and turns its result into a value with `show`.
 template <typename Raw, typename Get, typename Show>
 Reader ReadAs(Get get, Show show) {
   return [=](Value& value) {
@@ -98,7 +98,7 @@ Reader ReadFlag(ROLU_STATUS (*get)(Raw*)) {
   return ReadAs<Raw>(get, [](Raw raw) { return raw != 0; });
 }
 
-// A text of at most `Size` bytes.
+// Reads a text of at most `Size` bytes.
 template <std::size_t Size, typename Get>
 Reader ReadText(Get get) {
   using Text = std::array<char, Size>;
@@ -111,7 +111,7 @@ Writer Write(ROLU_STATUS (*set)(Raw)) {
   return [set](const Value& value) { return set(value.get<Raw>()); };
 }
 
-// What the library gives for one of several.
+// Readers and writers for one of several: a battery range, a source.
 
 inline Reader ReadBatteryRange(CAR_BATTERY_MODE mode) {
   return ReadAs<BATTERY_INFO>(
@@ -129,7 +129,7 @@ Writer WriteFlagOf(ROLU_STATUS (*set)(Which, char), Which which) {
   return [=](const Value& value) { return set(which, value.get<char>()); };
 }
 
-// The alarm's mode and time are one thing to the MCU: a part is changed by writing the whole.
+// The MCU sets the alarm's mode and time only together, so a change of one part writes both.
 
 constexpr char kNoAlarm[] = "none";
 
@@ -164,7 +164,7 @@ inline Value AlarmWeekday(const Alarm& alarm) {
   return alarm.mode == ALARM_MODE_NONE ? Value(kNoAlarm) : Value(alarm.time.weekday);
 }
 
-// A writer that changes a part of the alarm.
+// Makes a writer that changes one part of the alarm.
 template <typename Change>
 Writer WriteAlarm(Change change) {
   return [change](const Value& value) {
@@ -172,7 +172,7 @@ Writer WriteAlarm(Change change) {
     const ROLU_STATUS status = GetAlarm(&alarm);
     if (status != ROLU_STATUS_SUCCESS) return status;
     VPM_ALARM_TIME& time = alarm.time;
-    // An alarm that was never set may hold anything.
+    // The fields of an alarm that was never set may be out of range.
     if (time.weekday > 6) time.weekday = 0;
     if (time.hour > 23) time.hour = 0;
     if (time.minute > 59) time.minute = 0;

@@ -44,7 +44,8 @@ std::string ReadWhole(const std::string& path) {
   return text;
 }
 
-// The parser keeps the last of two equal keys; a file that says two things says none.
+// The parser keeps only the last of two equal keys. A file that has a key twice is ambiguous, so it is
+// refused.
 Value ParseJson(const std::string& path, const std::string& text) {
   std::vector<std::set<std::string>> keys;
   Problems twice;
@@ -85,7 +86,7 @@ void CheckFrame(const std::string& path, const Value& document) {
   if (!problems.empty()) Refuse(path, problems);
 }
 
-// An empty text, or what is wrong with the entry.
+// What is wrong with the entry; empty when nothing is wrong.
 std::string ProblemWith(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
   if (setting == nullptr) return NoSetting(name);
@@ -101,7 +102,7 @@ std::string ProblemWith(const std::string& name, const Value& entry) {
   return WhyNotTaken(*setting, entry["value"]);
 }
 
-// A new file beside `path`, which takes its place once it is complete; removed otherwise.
+// A new file beside `path`. It replaces `path` when it is complete; otherwise it is removed.
 class Replacement {
  public:
   explicit Replacement(const std::string& path) : path_(path), name_(path + ".XXXXXX") {

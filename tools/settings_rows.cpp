@@ -9,19 +9,20 @@ using namespace board_access;  // NOLINT(google-build-using-namespace): the rows
 
 // The largest step to which the MCU rounds a voltage: one unit of the 24 V system.
 constexpr double kVoltageStep = 0.016;
-// The G-sensor's thresholds are cut to multiples of 62.5 and read back rounded.
+// The MCU rounds the G-sensor's thresholds down to multiples of 62.5; the value that reads back is rounded
+// too.
 constexpr double kThresholdStep = 63;
 
 constexpr std::string_view kMcuUnits = "MCU units";
 constexpr std::string_view kSensorUnits = "sensor units";
 
-// What can only be read.
+// A setting that can only be read.
 Setting Reading(std::string_view name, std::string_view help, Kind kind, Reader read,
                 std::string_view unit = {}, Family family = Family::kVpm) {
   return {.name = name, .help = help, .family = family, .kind = kind, .unit = unit, .read = std::move(read)};
 }
 
-// A whole number.
+// A setting that is a whole number.
 Setting Number(std::string_view name, std::string_view help, double minimum, double maximum, Reader read,
                Writer write, Family family = Family::kVpm) {
   return {.name = name,
@@ -33,7 +34,7 @@ Setting Number(std::string_view name, std::string_view help, double minimum, dou
           .write = std::move(write)};
 }
 
-// A delay of the MCU's.
+// A delay of the MCU.
 template <typename Raw>
 Setting Delay(std::string_view name, std::string_view help, ROLU_STATUS (*get)(Raw*),
               ROLU_STATUS (*set)(Raw)) {
@@ -62,7 +63,7 @@ Setting Threshold(std::string_view name, std::string_view help, ROLU_STATUS (*ge
           .consequence = "moves a threshold of the low-battery protections"};
 }
 
-// On or off; `asks` and `consequence` when a change must be confirmed.
+// A setting that is on or off. `asks` and `consequence` say when and why a change must be confirmed.
 template <typename Raw>
 Setting Switch(std::string_view name, std::string_view help, ROLU_STATUS (*get)(Raw*),
                ROLU_STATUS (*set)(Raw), AsksFirst asks = AsksFirst::kNever,
@@ -92,7 +93,8 @@ Setting ShutdownSource(std::string_view name, SHUTDOWN_SOURCE source) {
           .write = WriteFlagOf(KAVO_ROLU_VPM_SetShutdownSourceControlStatus, source)};
 }
 
-// A switched peripheral keeps its state, but is a switch of the moment: not saved.
+// The switch of a peripheral. It is momentary and therefore not saved, although the peripheral keeps its
+// state.
 Setting Peripheral(std::string_view name, std::string_view help, PERIPHERAL_TYPE type) {
   return {.name = name,
           .help = help,
@@ -147,7 +149,7 @@ std::vector<Setting> BatterySettings() {
               Read(KAVO_ROLU_VPM_GetCarBatteryVoltage), "V"),
       Reading("battery.12v.range", "The MCU's battery range, start, middle and end, of a 12 V system",
               Kind::kList, ReadBatteryRange(CAR_BATTERY_MODE_12V), "V"),
-      Reading("battery.24v.range", "The same of a 24 V system", Kind::kList,
+      Reading("battery.24v.range", "The MCU's battery range of a 24 V system", Kind::kList,
               ReadBatteryRange(CAR_BATTERY_MODE_24V), "V"),
       {.name = "battery.mode",
        .help = "The vehicle's battery system; a change switches both protections off",
@@ -161,13 +163,15 @@ std::vector<Setting> BatterySettings() {
            },
        .asks = AsksFirst::kAlways,
        .consequence = "switches the pre-boot and the low-battery protection off until they are switched on"},
-      Threshold("battery.12v.preboot-threshold", "Below this a computer on a 12 V system does not start",
+      Threshold("battery.12v.preboot-threshold",
+                "A computer on a 12 V system does not start below this voltage",
                 KAVO_ROLU_VPM_GetPrebootThresholdFor12VSystem, KAVO_ROLU_VPM_SetPrebootThresholdFor12VSystem),
-      Threshold("battery.12v.lbp-threshold", "At this a running computer on a 12 V system is shut down",
+      Threshold("battery.12v.lbp-threshold", "A running computer on a 12 V system shuts down at this voltage",
                 KAVO_ROLU_VPM_GetLBPThresholdFor12VSystem, KAVO_ROLU_VPM_SetLBPThresholdFor12VSystem),
-      Threshold("battery.24v.preboot-threshold", "Below this a computer on a 24 V system does not start",
+      Threshold("battery.24v.preboot-threshold",
+                "A computer on a 24 V system does not start below this voltage",
                 KAVO_ROLU_VPM_GetPrebootThresholdFor24VSystem, KAVO_ROLU_VPM_SetPrebootThresholdFor24VSystem),
-      Threshold("battery.24v.lbp-threshold", "At this a running computer on a 24 V system is shut down",
+      Threshold("battery.24v.lbp-threshold", "A running computer on a 24 V system shuts down at this voltage",
                 KAVO_ROLU_VPM_GetLBPThresholdFor24VSystem, KAVO_ROLU_VPM_SetLBPThresholdFor24VSystem),
       Delay("battery.low-event-delay", "From a low car battery to the power-off warning",
             KAVO_ROLU_VPM_GetLBPLowDelay, KAVO_ROLU_VPM_SetLBPLowDelay),
@@ -194,13 +198,13 @@ std::vector<Setting> PowerSettings() {
             KAVO_ROLU_VPM_GetIgnOffEventDelay, KAVO_ROLU_VPM_SetIgnOffEventDelay),
       Delay("ignition.hard-off-delay", "From ignition off to the power being cut",
             KAVO_ROLU_VPM_GetIgnHardOffDelay, KAVO_ROLU_VPM_SetIgnHardOffDelay),
-      Delay("ignition.suspend-hard-off-delay", "The same for a suspended computer",
+      Delay("ignition.suspend-hard-off-delay", "From ignition off to the power being cut, if suspended",
             KAVO_ROLU_VPM_GetIgnSuspendHardOffDelay, KAVO_ROLU_VPM_SetIgnSuspendHardOffDelay),
       Delay("poweroff.warning-delay", "From the power-off warning to the power-off",
             KAVO_ROLU_VPM_GetPrePowerOffAlarmDelay, KAVO_ROLU_VPM_SetPrePowerOffAlarmDelay),
       Switch("poweroff.warning", "Whether the MCU warns before a power-off",
              KAVO_ROLU_VPM_GetPrePowerOffAlarm, KAVO_ROLU_VPM_SetPrePowerOffAlarm, AsksFirst::kSwitchingOff,
-             "switches the warning before a power-off off"),
+             "switches off the warning before a power-off"),
       ShutdownSource("shutdown.source-0", SHUTDOWN_SOURCE_0),
       ShutdownSource("shutdown.source-1", SHUTDOWN_SOURCE_1),
       Delay("shutdown.forced-delay", "The delay of the forced shutdown", KAVO_ROLU_VPM_GetForceShutDownDelay,
@@ -243,19 +247,19 @@ std::vector<Setting> ClockAndBackupSettings() {
              KAVO_ROLU_VPM_GetAlarmActive, KAVO_ROLU_VPM_SetAlarmActive),
       Reading("backup.voltage", "The backup battery's voltage", Kind::kVolts,
               Read(KAVO_ROLU_VPM_GetBackupBatteryVoltage), "V"),
-      Reading("backup.charge", "Its charge", Kind::kNumber,
+      Reading("backup.charge", "The backup battery's charge", Kind::kNumber,
               Read(KAVO_ROLU_VPM_GetBackupBatteryPercentageOfCharge), "%"),
-      Reading("backup.capacity", "Its remaining capacity", Kind::kNumber,
+      Reading("backup.capacity", "The backup battery's remaining capacity", Kind::kNumber,
               Read(KAVO_ROLU_VPM_GetBackupBatteryRemainingCapacity), kMcuUnits),
-      Reading("backup.temperature", "Its temperature", Kind::kCelsius,
+      Reading("backup.temperature", "The backup battery's temperature", Kind::kCelsius,
               ReadAs<float>(KAVO_ROLU_VPM_GetBackupBatteryTemperture, Celsius), "degC"),
-      Reading("backup.remaining-time", "How long it will last", Kind::kNumber,
+      Reading("backup.remaining-time", "How long the backup battery will last", Kind::kNumber,
               Read(KAVO_ROLU_VPM_GetBackupBatteryRemainingTime), kMcuUnits),
-      Reading("backup.time-to-full", "How long it needs to be full", Kind::kNumber,
+      Reading("backup.time-to-full", "How long the backup battery charges until full", Kind::kNumber,
               Read(KAVO_ROLU_VPM_GetBackupBatteryTimeToFull), kMcuUnits),
-      Reading("backup.info", "Its information number; the meaning is the MCU's", Kind::kNumber,
+      Reading("backup.info", "The backup battery's information number; the MCU defines it", Kind::kNumber,
               ReadAs<BACKUP_BATTERY_INFO>(KAVO_ROLU_VPM_GetBackupBatteryInfo, InfoNumber)),
-      Reading("backup.flags", "The bits that are set in its status word", Kind::kList,
+      Reading("backup.flags", "The bits that are set in the backup battery's status word", Kind::kList,
               ReadAs<BACKUP_BATTERY_INFO>(KAVO_ROLU_VPM_GetBackupBatteryInfo, SetFlags)),
   };
 }
@@ -275,7 +279,7 @@ std::vector<Setting> DeviceSettings() {
       Number("gsensor.resolution", "Resolution code; the MCU defines what the codes mean", 0, 3,
              Read(KAVO_ROLU_GSENSOR_GetResolution), Write(KAVO_ROLU_GSENSOR_SetResolution), Family::kGsensor),
       {.name = "gsensor.alarm-threshold",
-       .help = "Acceleration above this is an alarm",
+       .help = "The G-sensor raises its alarm above this acceleration",
        .family = Family::kGsensor,
        .unit = kSensorUnits,
        .minimum = 2000,
@@ -284,7 +288,7 @@ std::vector<Setting> DeviceSettings() {
        .read = Read(KAVO_ROLU_GSENSOR_GetAlarmThreshold),
        .write = Write(KAVO_ROLU_GSENSOR_SetAlarmThreshold)},
       {.name = "gsensor.wakeup-threshold",
-       .help = "Acceleration above this wakes the computer",
+       .help = "The G-sensor wakes the computer above this acceleration",
        .family = Family::kGsensor,
        .unit = kSensorUnits,
        .minimum = 63,

@@ -9,15 +9,15 @@
 namespace rolu {
 namespace {
 
-// A user who wants to know how things are learns soon that the MCU does not answer.
+// One unanswered question is enough: the user should learn soon that the MCU does not answer.
 constexpr int kPatience = 1;
 
-// Whether the lines of the digital inputs are there, or the system has no lines at all.
+// Whether the lines of the digital inputs are prepared, or the system has no lines at all.
 bool PinsArePrepared() {
   return access("/sys/class/gpio/gpio37/value", F_OK) == 0 || access("/sys/class/gpio/export", F_OK) != 0;
 }
 
-// Why `status`, which must change nothing, does not ask for a setting now; null when it does.
+// Why `status` does not ask for a setting now: `status` must change nothing. Null when it asks.
 const char* ReasonNotToAsk(const Setting& setting) {
   if (setting.family == Family::kPeripherals && GpsLineIsOn()) {
     return "not asked: the GPS receiver is on, and asking may interrupt its power; 'rolu get peripheral' "
@@ -50,13 +50,13 @@ Report ReadAll(Session& session, const std::vector<const Setting*>& settings, Ou
 ExitStatus RunStatus(const std::vector<std::string>& names, const CommonOptions& common) {
   const std::vector<const Setting*> settings = SettingsNamed(names);
   Session session(common, kPatience);
-  // The quickest way to learn that the MCU is silent.
+  // This is the quickest way to find out that the MCU is silent.
   const bool needs_mcu =
       std::ranges::any_of(settings, [](const Setting* setting) { return setting->family != Family::kCore; });
   if (needs_mcu) session.Use(Family::kWatchdog);
   Outcome outcome;
   ReadAll(session, settings, outcome).Print(common.json);
-  // The board tells some things without the MCU; they do not make a silent MCU a part of a success.
+  // Some values come without the MCU. With a silent MCU they do not count as a partial success.
   if (!session.McuIsUnreachable()) return outcome.Result();
   SayProblem(DescribeWithHint(session.McuProblem()));
   return kNoAnswer;

@@ -8,7 +8,7 @@
 
 namespace rolu {
 
-// What ends a command before its work is done. main prints the text and exits with the status.
+// Ends a command before its work is done. main prints the text and exits with the status.
 class CommandError : public std::runtime_error {
  public:
   CommandError(ExitStatus status, const std::string& text) : std::runtime_error(text), status_(status) {}
@@ -18,16 +18,16 @@ class CommandError : public std::runtime_error {
   ExitStatus status_;
 };
 
-// How well the parts of a command went.
+// The success of a command that has several parts.
 class Outcome {
  public:
   void Add(ExitStatus status) {
     if (status == kDone) ++done_;
     if (first_failure_ == kDone) first_failure_ = status;
   }
-  // How many went well.
+  // The number of parts that succeeded.
   unsigned long done() const { return done_; }
-  // kDone, kPartlyDone when some went well, else what the first failure was.
+  // kDone; kPartlyDone when some parts succeeded; else the status of the first failure.
   ExitStatus Result() const { return first_failure_ == kDone || done_ == 0 ? first_failure_ : kPartlyDone; }
 
  private:
@@ -49,7 +49,7 @@ const StatusWords& WordsOf(ROLU_STATUS status);
 // "the MCU did not answer within 3 s (ROLU_STATUS_VPM_NO_REPLY, 0xC048)".
 std::string Describe(ROLU_STATUS status);
 
-// The same with the hint after it: "...; 'rolu doctor' looks for the cause".
+// The same, followed by the hint: "...; 'rolu doctor' looks for the cause".
 std::string DescribeWithHint(ROLU_STATUS status);
 
 // "the MCU did not answer in time (0xC048)", for tables.
@@ -58,7 +58,7 @@ std::string DescribeShortly(ROLU_STATUS status);
 // "0xC048".
 std::string CodeText(ROLU_STATUS status);
 
-// Throws CommandError with the words, unless `status` is a success. `doing` completes the sentence
+// Throws CommandError with the words for `status`, unless it is a success. `doing` completes the sentence
 // "could not ...".
 void ThrowUnlessDone(ROLU_STATUS status, const std::string& doing);
 

@@ -22,8 +22,8 @@ void NoteOutput(bool done) {
   if (!done && first_output_error == 0) first_output_error = errno;
 }
 
-// A line of standard input without its end; nothing when a signal or the end of the input came
-// before. Byte by byte, so that what follows the line stays for others.
+// Reads a line of standard input and returns it without its end. Nothing when a signal or the end of the
+// input comes first. It reads byte by byte, to leave the input after the line to other programs.
 std::optional<std::string> ReadAnswer() {
   std::string answer;
   pollfd descriptors[] = {{STDIN_FILENO, POLLIN, 0}, {interrupt::Descriptor(), POLLIN, 0}};
@@ -61,8 +61,9 @@ void Confirm(const CommonOptions& options, const std::vector<std::string>& conse
   if (!answer) fmt::print(stderr, "\n");
   interrupt::ThrowIfRequested();
   if (answer == "y" || answer == "Y" || answer == "yes") return;
-  throw CommandError(kPartlyDone, answer ? "nothing was done, as the answer was not yes"
-                                         : "nothing was done, as nobody answered; -y goes on without asking");
+  throw CommandError(kPartlyDone,
+                     answer ? "nothing was done, because the answer was not yes"
+                            : "nothing was done, because nobody answered; -y goes on without asking");
 }
 
 }  // namespace rolu

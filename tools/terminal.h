@@ -8,17 +8,17 @@ namespace rolu {
 
 struct CommonOptions;
 
-// Results, on standard output. A write that fails is remembered for OutputError; the work goes on.
+// Writes results to standard output. A write that fails is kept for OutputError; the work goes on.
 void Out(std::string_view text);
 
-// The same, and what was written so far leaves at once.
+// The same, and flushes all output.
 void OutNow(std::string_view text);
 
-// Flushes; 0, or the errno of the first write that failed.
+// Flushes the output. Returns 0, or the errno of the first write that failed.
 int OutputError();
 
-// Asks on the terminal whether to go on with what has `consequences` (each completes "this ..."),
-// unless there are none or -y was given. Throws CommandError(kPartlyDone) when the answer is not yes.
+// Asks on the terminal whether to go on. Each of `consequences` completes "this ...". Does not ask without
+// consequences or with -y. Throws CommandError(kPartlyDone) when the answer is not yes.
 void Confirm(const CommonOptions& options, const std::vector<std::string>& consequences);
 
 }  // namespace rolu

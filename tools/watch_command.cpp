@@ -25,7 +25,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// An event's name and a command for the shell.
+// The name of an event and a shell command for it.
 using CommandOfEvent = std::pair<std::string, std::string>;
 
 struct WatchOptions {
@@ -53,11 +53,11 @@ void Tell(const Event& event, bool json) {
   }
 }
 
-// Shell commands that run when an event is seen, beside the watching. What they print goes to standard error:
-// standard output is the stream of events.
+// The shell commands that run at an event, while the watching goes on. Their output goes to standard error,
+// because standard output is the stream of events.
 class EventCommands {
  public:
-  // Throws CommandError(kWrongUse) when an event has another name than those of EventNames.
+  // Throws CommandError(kWrongUse) for an event that is not in EventNames.
   explicit EventCommands(const std::vector<CommandOfEvent>& commands) : commands_(commands) {
     std::vector<std::string> known;
     for (const EventName& event : EventNames()) known.emplace_back(event.name);
@@ -77,20 +77,20 @@ class EventCommands {
         SayNotRun(command);
         continue;
       }
-      // A process group of its own, so that what the shell starts ends with it. Both processes make it:
-      // either may come first.
+      // The command gets its own process group, so that all its processes end with it. Parent and child both
+      // set the group, because either may come first.
       setpgid(pid, pid);
       if (pid == 0) BecomeShell(command, name, event.time);
       running_.push_back({pid, command});
     }
   }
 
-  // Says which commands failed that have ended since.
+  // Reports the commands that have failed since the last call.
   void Reap() {
     std::erase_if(running_, [](const Running& running) { return HasEnded(running, WNOHANG); });
   }
 
-  // Waits for those that still run; when a signal asks for an end, ends them.
+  // Waits for the commands that still run. When a signal asks for an end, ends them.
   void WaitForEnd() {
     Reap();
     while (!running_.empty() && interrupt::SleepFor(std::chrono::milliseconds(20))) Reap();
@@ -139,7 +139,7 @@ class EventCommands {
   std::vector<Running> running_;
 };
 
-// Tells what a process of its own sees, and lets another take over where the port hung up.
+// Prints what the watching process sees. When that process's port hangs up, starts another process.
 class Watch {
  public:
   Watch(const WatchOptions& options, const CommonOptions& common)
@@ -165,7 +165,7 @@ class Watch {
   }
 
  private:
-  // How long a port that hung up is left alone before it is tried again.
+  // How long to leave a port alone after it hung up.
   static constexpr std::chrono::milliseconds kPortRest{500};
 
   bool IsOver() const {
@@ -173,7 +173,7 @@ class Watch {
            (options_.count != 0 && told_ >= options_.count);
   }
 
-  // False when the process has ended for good.
+  // Returns false when the process has ended for good.
   bool TellEvents() {
     while (!IsOver()) {
       const std::optional<Event> event = process_->Take();
@@ -222,7 +222,7 @@ class Watch {
     }
   }
 
-  // Commands that have ended are looked for twice a second.
+  // Looks twice a second for commands that have ended.
   void Wait() {
     constexpr std::chrono::milliseconds kLongest{500};
     const auto wait = std::min(kLongest, std::chrono::ceil<std::chrono::milliseconds>(end_ - Clock::now()));
@@ -233,9 +233,9 @@ class Watch {
 
   const WatchOptions& options_;
   EventCommands commands_;
-  WatchTask task_;  // of the next process
+  WatchTask task_;  // for the next process
   std::optional<BoardWatcher> process_;
-  int status_ = kDone;  // of the last one
+  int status_ = kDone;  // the exit status of the last process
   const Clock::time_point end_ =
       options_.time.count() == 0 ? Clock::time_point::max() : Clock::now() + options_.time;
   Clock::time_point next_start_{};

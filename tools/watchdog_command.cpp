@@ -15,13 +15,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct WatchdogOptions {
-  unsigned time = 0;  // 0: as it is
+  unsigned time = 0;  // 0: leave it unchanged
   bool feed = false;
   std::chrono::milliseconds every{500};
   std::chrono::milliseconds duration{0};  // 0: until a signal
 };
 
-// `feeding` is what came of the feeding, if it was fed for a time.
+// `feeding` is the outcome of feeding for a time, if there was one.
 void Tell(const CommonOptions& common, const char* state, const Outcome* feeding = nullptr) {
   Document line = {{"watchdog", state}};
   if (feeding != nullptr) line["fed"] = feeding->done();
@@ -30,7 +30,7 @@ void Tell(const CommonOptions& common, const char* state, const Outcome* feeding
                      feeding == nullptr ? "" : fmt::format("fed {} times; ", feeding->done()), state));
 }
 
-// A question that is lost now and then does not end the feeding.
+// A lost answer now and then does not end the feeding.
 Outcome FeedUntilEnd(const WatchdogOptions& options) {
   const Clock::time_point start = Clock::now();
   Outcome feeding;
@@ -62,7 +62,7 @@ ExitStatus RunOn(const WatchdogOptions& options, const CommonOptions& common) {
   Tell(common, "on");
   if (!options.feed) return kDone;
   const Outcome feeding = FeedUntilEnd(options);
-  // Nobody feeds it from here on.
+  // From here on nobody feeds the watchdog.
   ThrowUnlessDone(KAVO_ROLU_WD_Enabled(false), "switch the watchdog off again");
   Tell(common, "off", &feeding);
   return feeding.Result();

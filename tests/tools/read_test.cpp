@@ -1,4 +1,4 @@
-// status, get, list and doctor; and what every command owes its user.
+// status, get, list and doctor; and what every command must do for its user.
 
 #include <signal.h>
 #include <unistd.h>
@@ -64,7 +64,7 @@ TEST_F(RoluTest, StatusSaysAfterOneQuestionThatTheMcuIsSilent) {
   EXPECT_EQ(status.Json()["board.machine"]["value"], "armv7l");
   EXPECT_EQ(status.Json()["display.backlight"]["value"], 10);
   EXPECT_THAT(status.err, HasSubstr("rolu: the MCU did not answer in time"));
-  // It takes the 3 s for which the library waits for an answer.
+  // This is the time for which the library waits for an answer, 3 s.
   EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("Hello"));
 }
 
@@ -95,7 +95,7 @@ TEST_F(RoluTest, AMissingPortIsNoAnswer) {
   }
 }
 
-// The process whose number stands behind `words`; -1 if they are not there.
+// The process number after `words`; -1 if the text does not have them.
 pid_t ProcessBehind(std::string_view words, const std::string& text) {
   const size_t at = text.find(words);
   return at == std::string::npos ? -1 : std::stoi(text.substr(at + words.size()));
@@ -151,7 +151,7 @@ TEST_F(RoluTest, WrongUseNamesTheNearestAndSendsNothing) {
       {"set alarm.time=7:30", R"(must be a time of day from 00:00 to 23:59, not "7:30")"},
       {"set alarm.time=24:00", R"(must be a time of day from 00:00 to 23:59, not "24:00")"},
       {"set gsensor.alarm-threshold=1999", "must be a whole number from 2000 to 15000"},
-      {"watch --for 20", R"(must be a time from 1ms to 8784h, as 500ms, 2s, 1.5min or 2h, not "20")"},
+      {"watch --for 20", R"(must be a time from 1ms to 8784h, such as 500ms, 2s, 1.5min or 2h, not "20")"},
       {"watch --for 0s", "must be a time from 1ms"},
       {"watch --on ignition-of true", R"(there is no event "ignition-of"; did you mean ignition-off?)"},
       {"clock set 2026-02-30T10:00:00", "must be a time that exists"},

@@ -22,14 +22,14 @@ using testing::Not;
 
 class SaveLoadTest : public RoluTest {
  protected:
-  // The unit's settings, as `save` sees them.
+  // The unit's settings as `save` writes them.
   nlohmann::json Settings() {
     const Ended save = Rolu("save -");
     EXPECT_EQ(save.status, 0) << save.err;
     return save.Json()["settings"];
   }
 
-  // Commands that set something: the setters end in S, of the switches those with a state.
+  // The commands that set something: those whose fourth character is S, and two others.
   std::vector<std::string> Setters() {
     std::vector<std::string> setters = Received("");
     std::erase_if(setters, [](const std::string& command) {
@@ -99,13 +99,13 @@ TEST_F(SaveLoadTest, TheProtectionsEndAsTheFileSaysWhateverTheModeChangeDoes) {
 TEST_F(SaveLoadTest, AnEndBetweenModeAndProtectionsLeavesNoProtectionOff) {
   const std::string path =
       FileWith({{"battery.mode", {{"value", "24V"}}}, {"watchdog.time", {{"value", 5}}}});
-  // The mode's answer takes its time, in which the signal comes.
+  // The answer to the change of the mode takes 2 s, in which the signal comes.
   board.mcu().Script(CommandMatch::Exactly("MCBS02"), Reply::Line("OK", std::chrono::seconds(2)));
   RoluProcess load(Words("load -y " + path));
   ASSERT_TRUE(board.mcu().WaitForCommand("MCBS02", kGenerous));
   load.Signal(SIGINT);
   EXPECT_EQ(load.Wait(), 128 + SIGINT);
-  EXPECT_THAT(load.err(), HasSubstr("watchdog.time = 5 was not set, as a signal asked for an end"));
+  EXPECT_THAT(load.err(), HasSubstr("watchdog.time = 5 was not set, because a signal asked for an end"));
   EXPECT_THAT(Received("WDTS"), IsEmpty());
   EXPECT_THAT(board.mcu().WithModel([](auto& mcu) { return mcu.battery.protection_enabled; }),
               ElementsAre(true, true));
@@ -134,7 +134,7 @@ TEST_F(SaveLoadTest, WhatCouldNotBeSetIsNamedAndTheRestIsDone) {
   board.mcu().Script(CommandMatch::StartingWith("IGMS"), Reply::Line("ERR-M08"), kEveryTime);
   const Step load = {"load " + path, 1, "",
                      "rolu: ignition.mode = 2 could not be set: the board refused the value"};
-  // Also when nothing else is left to be set.
+  // The same again, when only the refused setting is left to set.
   RunSteps({load, {"get -n watchdog.time", 0, "7\n"}, load});
 }
 

@@ -1,4 +1,4 @@
-// set: what is checked, asked, sent and read back.
+// set: what it checks, asks, sends and reads back.
 
 #include "tests/tools/rolu_process.h"
 
@@ -15,7 +15,7 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 TEST_F(RoluTest, EveryWritableSettingCanBeSetToWhatItTakesAndReadsBack) {
-  // One process for all, as a commissioning script would.
+  // One process sets everything, as a commissioning script would.
   std::vector<std::string> arguments = {"set", "-y", "--json"};
   for (const nlohmann::json& setting : Rolu("list --json").Json()) {
     if (setting["writable"] == false) continue;
@@ -57,13 +57,13 @@ TEST_F(RoluTest, WhatWeakensAGuardAsksFirst) {
   const struct {
     const char* command_line;
     const char* consequence;
-    const char* setter;  // what is sent once the answer is yes
+    const char* setter;  // the command that is sent after the answer yes
   } kCases[] = {
       {"set battery.mode=24V", "switches the pre-boot and the low-battery protection off", "MCBS02"},
       {"set battery.lbp=off", "switches the low-battery protection off", "MCCS10"},
       {"set battery.preboot=off", "switches the pre-boot protection off", "MCCS01"},
       {"set battery.12v.preboot-threshold=11", "moves a threshold", "MCPS3002CB"},
-      {"set poweroff.warning=off", "switches the warning before a power-off off", "MPAS0"},
+      {"set poweroff.warning=off", "switches off the warning before a power-off", "MPAS0"},
       {"set shutdown.forced=on", "switches the forced shutdown on", "MSSS1"},
       {"watchdog off", "switches the watchdog off", "WDTD"},
       {"watchdog on", "lets the watchdog reset the computer", "WDTE"},

@@ -1,5 +1,5 @@
-// A program may start another one at any time, also while a thread of it is in a call of the library: what
-// the library has open then must not go on to that program.
+// A program may start another program at any time, even while one of its threads is in a call of the library.
+// The other program must not inherit what the library has open then.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -25,7 +25,7 @@ namespace {
 
 using Descriptors = std::set<std::string>;
 
-// Those of this process that a program which it executes inherits.
+// The descriptors of this process that an executed program inherits.
 Descriptors InheritableDescriptors() {
   Descriptors inheritable;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
@@ -37,7 +37,8 @@ Descriptors InheritableDescriptors() {
   return inheritable;
 }
 
-// Whether nothing is inheritable that was not before; the library marks a descriptor after it has opened it.
+// Whether no further descriptor is inheritable. The library marks a descriptor after it has opened it, so
+// this waits.
 bool IsNothingInherited(const Descriptors& before) {
   return WaitUntil([&] {
     const Descriptors now = InheritableDescriptors();
@@ -69,7 +70,7 @@ TEST(CloseOnExec, HoldsForDeviceFiles) {
   ASSERT_EQ(KAVO_ROLU_CORE_Init(), ROLU_STATUS_SUCCESS);
   for (const auto& row : kRows) {
     SCOPED_TRACE(row.path);
-    // The device looks at the process while the library has it open.
+    // The device checks the process while the library has the device open.
     std::atomic<int> looks{0};
     const auto look = [&looks, before = InheritableDescriptors()] {
       EXPECT_TRUE(IsNothingInherited(before));
@@ -83,7 +84,7 @@ TEST(CloseOnExec, HoldsForDeviceFiles) {
   EXPECT_EQ(KAVO_ROLU_CORE_DeInit(), ROLU_STATUS_SUCCESS);
 }
 
-// Waits until the gate has been opened and closed again.
+// The command waits until the gate has been opened and closed again.
 constexpr char kWaitingIfconfig[] = R"(#!/bin/sh
 cat "${0%/*}/gate"
 echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'

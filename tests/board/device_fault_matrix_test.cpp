@@ -1,5 +1,5 @@
-// Every fault of a device file at every file of every call that uses one: the status, what the
-// caller's memory holds, that nothing stays open and that the next call is whole.
+// Every fault of a device file, at every file of every call that uses one. Checks the status and the caller's
+// memory, that nothing stays open, and that the next call succeeds.
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -27,20 +27,20 @@ constexpr char kInput1[] = "/sys/class/gpio/gpio37/value";
 constexpr char kInput2[] = "/sys/class/gpio/gpio36/value";
 
 struct DeviceCall {
-  const char* name;  // the export's, without its prefix
+  const char* name;  // the name of the function, without its prefix
   Call call;
-  // In the order of use; each file gives an equal part of the output.
+  // In the order of use. Each file gives an equal part of the output.
   std::vector<const char*> files;
   Bytes output = {};
-  // What it answers when a file cannot be opened, its slave cannot be selected, a read fails, a write
-  // fails. Success: it takes no notice.
+  // The status when a file cannot be opened, its slave cannot be selected, a read fails, a write fails.
+  // Success means that the call ignores the failure.
   ROLU_STATUS unopened = ROLU_STATUS_DEVICE_OPEN_FAILED;
   ROLU_STATUS unselected = kDone;
   ROLU_STATUS unread = kDone;
   ROLU_STATUS unwritten = kDone;
-  // The output when each read gives one byte.
+  // The output when each read gives only one byte.
   Bytes short_output = output;
-  std::string wire = {};  // what the MCU hears
+  std::string wire = {};  // what the MCU receives
 
   bool ReadsText() const { return !output.empty() && files.front() != rolu_sim::kI2cBusPath; }
 };
@@ -67,7 +67,7 @@ ROLU_STATUS WritePins(void*) {
   const unsigned char pins[] = {1, 0};
   return KAVO_ROLU_DIO_WriteDOPin(pins);
 }
-// The tests have the family up; coming up again is what uses the files.
+// In the tests the family is up, and only coming up uses these files.
 ROLU_STATUS ComeUpAgain(void*) {
   EXPECT_EQ(KAVO_ROLU_PERIPHERALCTRL_Deinitialize(), kDone);
   return KAVO_ROLU_PERIPHERALCTRL_Initialize();
@@ -112,7 +112,7 @@ std::vector<DeviceCall> DeviceCalls() {
        .files = {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio37/direction",
                  "/sys/class/gpio/gpio36/direction", "/sys/class/gpio/gpio35/direction",
                  "/sys/class/gpio/gpio34/direction"}},
-      // A line that could not be prepared shows when it is used.
+      // The failure to prepare a line shows only when the line is used.
       {.name = "PERIPHERALCTRL_Initialize",
        .call = ComeUpAgain,
        .files = {rolu_sim::kGpioExportPath, "/sys/class/gpio/gpio45/direction"},
@@ -161,7 +161,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     RecordProperty("met", met_);
   }
 
-  // The devices as they are when all is well.
+  // Makes the devices healthy again.
   void Restore() {
     for (const char* file : GetParam().files) board().devices().SetFaults(file, {});
     if (GetParam().ReadsText()) {
@@ -169,13 +169,13 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
       Show(rolu_sim::kBacklightPath, "7\n");
       Show(rolu_sim::kLuxPath, "350\n");
     }
-    WriteI2c(nullptr);  // names the register that the next transfer reads
+    WriteI2c(nullptr);  // selects the register that the next transfer reads
   }
   void Show(const char* file, const std::string& text, int end_errno = 0) {
     board().devices().AddNode(file, std::make_shared<TextNode>(text, end_errno));
   }
 
-  // The output, of which the part of the file at `index` is what is read from nothing.
+  // The output when a read of the file at `index` gives nothing.
   static Bytes Blank(size_t index) {
     Bytes output = GetParam().output;
     const size_t part = output.size() / GetParam().files.size();
@@ -183,7 +183,7 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     return output;
   }
 
-  // `struck` is what the fault concerns; a call that does not do that does not notice it.
+  // `struck` is the operation that fails. A call without this operation does not notice the fault.
   void Expect(const char* fault, size_t index, DeviceOperation struck, ROLU_STATUS status,
               const Bytes& output) {
     const char* file = GetParam().files[index];
@@ -206,13 +206,13 @@ class DeviceFaultMatrix : public testing::TestWithParam<DeviceCall>, protected C
     Expect(fault, index, struck, status, output);
   }
 
-  // A failure that the call tells leaves its memory alone.
+  // A call that reports a failure leaves the caller's memory alone.
   static Bytes OutputOf(ROLU_STATUS status, const Bytes& of_success) {
     return status == kDone ? of_success : Bytes{};
   }
 
   const ProcessState before_;
-  int met_ = 0;  // faults that the call met
+  int met_ = 0;  // how many faults the call met
   std::shared_ptr<rolu_sim::I2cRegisterDevice> registers_ = std::make_shared<rolu_sim::I2cRegisterDevice>();
 };
 
@@ -257,7 +257,8 @@ TEST_P(DeviceText, ReadsWhatItCanOfATextThatIsNone) {
       Show(call.files[i], text);
       Expect(text.c_str(), i, DeviceOperation::kRead, call.unread, OutputOf(call.unread, Blank(i)));
     }
-    // Fails half way, for good or since a signal came: the failed read is not repeated, what was read counts.
+    // The read fails half way, for good or because of a signal. The call does not repeat it, and uses what it
+    // has read.
     Bytes one = Blank(i);
     one[i * one.size() / call.files.size()] = 1;
     for (const int error : {EIO, EINTR}) {

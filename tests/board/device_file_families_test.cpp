@@ -1,4 +1,4 @@
-// The families that work on device files: the board's log of the files takes the place of the wire.
+// The families that use device files. Their traffic is the board's log of these files instead of the wire.
 #include "kavo_rolu.h"
 #include "simulator/devices/board_paths.h"
 #include "tests/support/call_table.h"
@@ -20,7 +20,7 @@ class DeviceFileTest : public CallTableTest {
 
   void Prepare(const CallRow&) override { board().devices().ClearAccesses(); }
 
-  // Each write as "file=text", with the file's last two names.
+  // Each write as "file=text"; the file is given by the last two parts of its path.
   std::string Traffic() override {
     std::string writes;
     for (const DeviceAccess& access : board().devices().Accesses()) {
@@ -36,7 +36,7 @@ class DeviceFileTest : public CallTableTest {
   }
 };
 
-// Into three bytes, of which one may be missing.
+// Writes into three bytes; one of the pointers may be null.
 Call GetRange(int missing = -1) {
   return [missing](void* output) {
     auto* bytes = static_cast<unsigned char*>(output);
@@ -151,7 +151,7 @@ TEST_F(DeviceFileTest, LightSensor) {
 }
 
 TEST_F(DeviceFileTest, PinsAreExportedOnceAndReadAndDriven) {
-  // The core is not needed for it.
+  // The core family may be down.
   const CallRow prepare =
       Orders("prepare", Plain(KAVO_ROLU_DIO_Initialize), {},
              "gpio/export=37 gpio/export=36 gpio/export=35 gpio/export=34 "

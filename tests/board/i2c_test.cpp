@@ -15,7 +15,7 @@ constexpr ROLU_STATUS kFailed = ROLU_STATUS_DEVICE_IO_FAILED;
 constexpr uint8_t kAddress = 0x51;
 constexpr uint8_t kShifted = kAddress << 1;
 
-// Needs no family to be up, and touches no MCU.
+// The calls need no family and send nothing to the MCU.
 class I2cTest : public CallTableTest {
  protected:
   I2cTest() : CallTableTest({[] { return kDone; }, [] { return kDone; }}) {
@@ -26,7 +26,7 @@ class I2cTest : public CallTableTest {
 
   void Prepare(const CallRow&) override { board().i2c().ClearTransfers(); }
 
-  // Each transfer as "51w07 " or "51r2 " (a read's length).
+  // Each transfer as "51w07 " (written bytes) or "51r2 " (the length of a read).
   std::string Traffic() override {
     std::string transfers;
     for (const I2cTransfer& transfer : board().i2c().Transfers()) {
@@ -40,7 +40,7 @@ class I2cTest : public CallTableTest {
       }
       transfers += ' ';
     }
-    EXPECT_EQ(board().devices().OpenCount("/dev/i2c-3"), 0U) << "the bus is closed on every way out";
+    EXPECT_EQ(board().devices().OpenCount("/dev/i2c-3"), 0U) << "every call closes the bus";
     return transfers;
   }
 
@@ -96,7 +96,7 @@ TEST_F(I2cTest, MissingPointersAreRefusedBeforeTheBusIsOpened) {
   EXPECT_TRUE(board().devices().Accesses().empty());
 }
 
-// The matrix of device faults checks the answers; this checks what reaches the bus.
+// The matrix of device faults checks the results; this test checks the traffic on the bus.
 TEST_F(I2cTest, NothingFollowsAPhaseThatFailed) {
   Run({{"nobody there", Read(0x22, 1), {}, kFailed, {}, "11r0 "}});
   board().i2c().RefuseTransfers(kAddress, EIO);

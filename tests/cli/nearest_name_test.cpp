@@ -12,14 +12,14 @@ TEST(NearestName, IsSuggestedForASlipAndForNothingElse) {
     const char* unknown;
     const char* suggestion;
   } kRows[] = {
-      {"stauts", "; did you mean status?"},  // two neighbours swapped count once
+      {"stauts", "; did you mean status?"},  // a swap of two neighbours counts once
       {"statu", "; did you mean status?"},
       {"sst", "; did you mean set?"},
-      {"bat", "; did you mean battery.voltage?"},  // the first that begins like it
+      {"bat", "; did you mean battery.voltage?"},  // the first name that begins with it
       {"battery.lpb", "; did you mean battery.lbp?"},
       {"of", "; did you mean off?"},
       {"oo", ""},                                       // half of "on" is not near
-      {"ignition-of", "; did you mean ignition-off?"},  // not typed to its end; the other is one slip away
+      {"ignition-of", "; did you mean ignition-off?"},  // the beginning of a name beats a single slip
       {"watch", ""},
       {"", ""},
   };

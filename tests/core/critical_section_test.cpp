@@ -9,7 +9,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The result that another thread gets. Checks that a wait that ran out took its time.
+// The result in another thread. Checks that a wait that timed out took its time.
 int TimeLockElsewhere(CCriticalSection& section, unsigned long ms) {
   int result = 0;
   std::thread([&]() NO_THREAD_SAFETY_ANALYSIS {
@@ -24,7 +24,7 @@ int TimeLockElsewhere(CCriticalSection& section, unsigned long ms) {
 }
 
 TEST(CriticalSection, TimeLockTakesAFreeLockAndGivesUpOnAHeldOne) {
-  // 999 ms carry into the next second, whatever the time of the clock, but for one in a thousand.
+  // 999 ms carry into the next second at almost any time of the clock.
   for (const unsigned long ms : {0UL, 20UL, 999UL, 1001UL}) {
     CCriticalSection section;
     EXPECT_EQ(TimeLockElsewhere(section, ms), 0) << ms;

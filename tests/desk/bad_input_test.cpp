@@ -1,4 +1,4 @@
-// What people type wrong, and what they are told.
+// Wrong input of users, and the messages for it.
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
-// A program as an application would be: makes the calls that its arguments name, one after another,
-// and prints for each the status and what it read. What sends commands opens the family for itself.
+// A client that behaves like an application. It makes the calls that its arguments name, one after another,
+// and prints for each call the status and the value. A call that sends commands brings its family up first.
 
 #include <pthread.h>
 #include <unistd.h>
@@ -16,7 +16,7 @@
 
 namespace {
 
-// Without the line that the start-up prints, so that the outputs are only these.
+// Discards the line that the start-up prints, so that only these lines are printed.
 void Print(const std::string& call, ROLU_STATUS status, const std::string& value = {}) {
   std::printf("%s %04X%s%s\n", call.c_str(), static_cast<unsigned>(status), value.empty() ? "" : " ",
               value.c_str());

@@ -1,4 +1,4 @@
-// What each fault does to a program that uses the library.
+// The effect of each fault on a program that uses the library.
 
 #include <gmock/gmock.h>
 
@@ -43,7 +43,7 @@ TEST(Fault, ShowsInWhatTheLibraryAnswers) {
   }
 }
 
-// Random faults strike the same commands in the same way with the same seed.
+// With the same seed, random faults act on the same commands in the same way.
 TEST(Fault, RepeatsItselfWithItsSeed) {
   const Directory directory;
   const auto run = [&](const std::string& seed) {

@@ -1,4 +1,4 @@
-// rolu-sim with a program of its own.
+// rolu-sim with one program on a private board.
 
 #include <gmock/gmock.h>
 #include <signal.h>

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs the commands of a guide, all blocks that are marked as sh, one after another in an empty
-# directory and as one script that ends at the first command that fails, or that does not although a !
-# is in front of it.
+# Runs the commands of a guide: all blocks marked as sh, in their order, in an empty directory, as
+# one script. The script ends at the first command that fails. A command with a ! in front must
+# fail.
 # usage: run_guide.sh GUIDE DIRECTORY_OF_PROGRAMS...
 set -euo pipefail
 

@@ -1,4 +1,4 @@
-// A board that stays up: several programs and terminals meet it, steer it and read it.
+// A board that stays up for several programs and terminals, which use, steer and read it.
 
 #include <gmock/gmock.h>
 #include <signal.h>
@@ -83,7 +83,7 @@ TEST(ServedBoard, ReadsBackEachSubject) {
   EXPECT_THAT(board.Ctl("clock 07:30").out, HasSubstr("2024-02-29 07:30:00"));
 }
 
-// The trigger cannot come through a port that is gone.
+// With the port hung up, nothing can trigger the watchdog.
 TEST(ServedBoard, SaysThatTheWatchdogBitAlsoWhileItsPortIsHungUp) {
   for (const char* const before : {"lux 1", "fault-hang-up"}) {
     const Directory directory;
@@ -115,7 +115,8 @@ TEST(ServedBoard, SendsWarningsToAProgramThatWaits) {
   const ServedBoard board(directory);
   Tool client(directory, {"join", board.path(), "--", DESK_CLIENT, "warning"});
   ASSERT_TRUE(client.WaitForOutput("registered C000"));
-  // The program waits once it has said so and given its lock back, which only the next one shows.
+  // The client waits for the warning only after it has said so and released its lock. Nothing shows this
+  // moment, so the warning is sent until the client reports one.
   while (!client.WaitForOutput("warned", 0, std::chrono::milliseconds(200))) {
     ASSERT_EQ(board.Ctl("power-off-warning ignition").status, 0);
   }
@@ -189,7 +190,7 @@ TEST(ServedBoard, TakesNothingAwayThatIsNotOfABoard) {
   EXPECT_EQ(directory.Read("bin/tool"), "mine");
 }
 
-// The signal comes at any moment from the first instruction on.
+// The signal may come at any moment after the start.
 TEST(ServedBoard, LeavesNothingBehindWheneverItIsInterrupted) {
   const Directory directory;
   for (int delay_us = 0; delay_us < 40000; delay_us += 2000) {

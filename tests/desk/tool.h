@@ -16,8 +16,8 @@ using rolu_test::Ended;
 using rolu_test::Joined;
 using rolu_test::Words;
 
-// A directory of the test's own, in which rolu-sim makes its boards; at the end of the test nothing
-// may be left of them.
+// A directory of the test, in which rolu-sim makes its boards. At the end of the test no board may be left in
+// it.
 class Directory : public rolu_test::TemporaryDirectory {
  public:
   ~Directory() {
@@ -27,7 +27,7 @@ class Directory : public rolu_test::TemporaryDirectory {
   }
 };
 
-// rolu-sim in a process of its own, that makes its boards in `directory`. It is ended if it still runs.
+// A process of rolu-sim that makes its boards in `directory`. The destructor ends it if it still runs.
 class Tool : public rolu_test::Process {
  public:
   Tool(const Directory& directory, const std::vector<std::string>& arguments)
@@ -39,17 +39,17 @@ class Tool : public rolu_test::Process {
   }
 };
 
-// A run of rolu-sim from beginning to end.
+// Runs rolu-sim to its end.
 inline Ended RunTool(const Directory& directory, const std::vector<std::string>& arguments) {
   return Tool(directory, arguments).WaitForAll();
 }
 
-// The words for rolu-sim that run desk_client on a board of its own.
+// The arguments with which rolu-sim runs desk_client on a private board.
 inline std::vector<std::string> ClientRun(const std::string& options, const std::string& calls) {
   return Joined(Joined(Words("run " + options), {"--", DESK_CLIENT}), Words(calls));
 }
 
-// A board that is up at directory.path() + "/board".
+// A served board in the directory directory.path() + "/board".
 class ServedBoard {
  public:
   explicit ServedBoard(const Directory& directory, const std::vector<std::string>& options = {})
@@ -62,7 +62,7 @@ class ServedBoard {
   Ended Ctl(const std::string& words) const {
     return RunTool(directory_, Joined({"ctl", "--board", path_}, Words(words)));
   }
-  // A program (see desk_client.cpp) on the board.
+  // Runs desk_client (see desk_client.cpp) on the board.
   Ended Client(const std::string& calls) const {
     return RunTool(directory_, Joined({"join", path_, "--", DESK_CLIENT}, Words(calls)));
   }
@@ -79,7 +79,7 @@ class ServedBoard {
   Tool tool_;
 };
 
-// The lines of a trace.
+// The records of a trace in JSON.
 inline std::vector<nlohmann::json> Records(const std::string& text) {
   std::vector<nlohmann::json> records;
   std::istringstream lines(text);

@@ -1,4 +1,4 @@
-// The wire in plain words, its recording, and the recording played back.
+// The trace in plain words, its recording and the replay of a recording.
 
 #include <gmock/gmock.h>
 

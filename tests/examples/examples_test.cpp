@@ -1,4 +1,4 @@
-// Each example runs as a process of its own on this test's board.
+// Runs each example as its own process on this test's board.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -104,7 +104,7 @@ TEST_F(ExamplesTest, TourAsksEveryFamily) {
   EXPECT_EQ(example.Wait(), 0);
 }
 
-// Without a board every example says what it could not do, and fails.
+// Without a board, every example says what it could not do, and fails.
 TEST(ExamplesWithoutABoard, FailWithASentence) {
   for (const char* name :
        {"gsensor_alarms", "orderly_shutdown", "wakeup_alarm", "digital_pins", "i2c_register"}) {

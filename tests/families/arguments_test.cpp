@@ -1,4 +1,4 @@
-// Odd arguments of the calls: what is refused, in which state of the family, and what goes out.
+// Unusual arguments: which are refused, in which state of the family, and which bytes reach the MCU.
 #include <pthread.h>
 
 #include <cmath>
@@ -84,7 +84,7 @@ TEST_F(VpmTest, OddArgumentsGoOutAsStated) {
   });
 }
 
-// A call that registers an event which outlives the test.
+// A call that registers an event. The event outlives the test.
 Call Registers(ROLU_STATUS (*set)(void*)) {
   static pthread_cond_t event = PTHREAD_COND_INITIALIZER;
   return [set](void* output) { return set(output == nullptr ? nullptr : &event); };
@@ -169,10 +169,10 @@ TEST_F(GSensorTest, AlarmIsSwitchedOnOnce) {
       on_already,
       Orders("off", off, {"OK"}, "ARGI00\r", 0),
       Orders("on after off", on, {"OK"}, "ARGI01\r", 0),
-      // The sensor stays on, and so the family stays up.
+      // The sensor stays on, so the family stays up.
       Fails("down refused", down, {"OK", "ERR-M08"}, kBad, "ARGI00\rGSF\r"),
       Orders("on in the family that is up", on, {"OK"}, "ARGI01\r", 0),
-      // The MCU does not take the switching off: the family goes down, the memory stays.
+      // The MCU refuses to switch the alarm off. The family goes down, but remembers that the alarm is on.
       Orders("down", down, {"ERR-G01", "OK"}, "ARGI00\rGSF\r", 0),
       Orders("up", With(KAVO_ROLU_GSENSOR_Initialize, 255), {}, "Hello\rGSO\r", 0),
       on_already,
@@ -193,7 +193,7 @@ Call GetPeripheral(int type) {
 }
 
 TEST_F(PeripheralTest, RearViewIsNotProvidedAndTheStateComesFirst) {
-  // The board does not provide them.
+  // The board does not have these devices.
   const Call get_source = Into(KAVO_ROLU_PERIPHERALCTRL_GetRearViewSource);
   const std::vector<NamedCall> rear_view = {
       {"set source", With(KAVO_ROLU_PERIPHERALCTRL_SetRearViewSource, 1)},

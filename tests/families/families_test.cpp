@@ -1,4 +1,4 @@
-// Every family that talks to the MCU, by the oracle's table of its operations.
+// Every family that talks to the MCU. The rows come from the oracle's table of operations.
 #include "tests/support/call_table.h"
 #include "tests/support/process_state.h"
 
@@ -18,7 +18,7 @@ class EachFamily : public testing::TestWithParam<McuFamily>, protected CallTable
 
   static bool TakesDown(const CallRow& row) { return row.name == GetParam().prefix + "Deinitialize"; }
 
-  // All calls but those that bring the family up or down are refused before anything is sent.
+  // All calls except bringing the family up or down are refused before anything is sent.
   void ExpectRefusals(ROLU_STATUS status, ROLU_STATUS status_of_null_output) {
     for (const CallRow& row : GetParam().operations) {
       if (row.brings_up || TakesDown(row)) continue;

@@ -1,4 +1,4 @@
-// What the power manager learns from the MCU when it comes up.
+// The values that the power manager reads from the MCU when it comes up.
 #include "tests/oracle/start_up.h"
 
 #include "tests/support/call_table.h"
@@ -14,7 +14,7 @@ Call GetRange(int mode) {
   };
 }
 
-// The first test of its program: no other one may have filled the ranges before.
+// This must be the first test of its program: no other test may have filled the ranges before.
 TEST_F(VpmTest, RangesAreZeroFromLoadAndStayAfterTheFamilyIsDown) {
   StartUp learned;
   const auto expect_ranges = [&] {
@@ -40,8 +40,8 @@ TEST_F(VpmTest, RangesAreZeroFromLoadAndStayAfterTheFamilyIsDown) {
 
 using Answers = std::vector<std::string>;
 
-// Each row brings the family up once. Before it the family was up with other scales and ranges, and with the
-// longest version: what a row does not write shows.
+// Each row brings the family up once. Before that, the family was up with other scales and ranges and with
+// the longest version. So a value that a row does not write shows up.
 TEST_F(VpmTest, StartUpReadsFirmwareScalesAndRanges) {
   const Answers before = {"OK", std::string(31, '9'), "0.125", "0.0625", "001000110012", "001300140015"};
   const Answers rows[] = {

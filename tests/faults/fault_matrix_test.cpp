@@ -1,6 +1,6 @@
-// Every fault of the MCU at every command of every operation: the status, what the caller's memory
-// holds, what the MCU was sent, that the next call is whole, and that nothing leaks. The operations
-// come from their table, the faults are made from what the healthy MCU answers.
+// Every fault of the MCU, at every command of every operation. Checks the status, the caller's memory, the
+// bytes that the MCU received, that the next call succeeds, and that nothing leaks. The operations come from
+// their table. The faults are made from the answers of the healthy MCU.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
@@ -40,10 +40,10 @@ constexpr std::chrono::milliseconds kReplyWait{3000};
 struct Fault {
   std::string name;
   std::string answer;      // what the MCU sends for the command
-  std::string afterwards;  // what it sends once the call has ended
+  std::string afterwards;  // what the MCU sends after the end of the call
 };
 
-// `healthy` is one answer, whose last line is the reply.
+// `healthy` is one answer; its last line is the reply.
 std::vector<Fault> FaultsOf(const std::string& healthy) {
   using std::string_literals::operator""s;
   const std::string end = "\r\n";
@@ -80,7 +80,7 @@ struct Cell {
   OddAnswer odd;
 };
 
-// The cells of an operation, those that wait for a time-out first.
+// The cells of an operation. Those that wait for a time-out come first.
 std::vector<Cell> CellsOf(const CallRow& row) {
   std::vector<Cell> cells;
   for (size_t command = 0; command < row.answers.size(); ++command) {
@@ -93,7 +93,7 @@ std::vector<Cell> CellsOf(const CallRow& row) {
   return cells;
 }
 
-// A board and a family that meet some cells one after another. The link is open all the time.
+// A board and a family that meet several cells one after another. The link stays open.
 class Lane : public CallTable {
  public:
   explicit Lane(const Family& family) : CallTable(family) {}
@@ -139,8 +139,9 @@ class Lane : public CallTable {
   }
 };
 
-// Whether this process has leaked; what and where goes to stderr. Only the address sanitizer knows: in
-// other builds nothing is found. For a process that ends by _exit, which the sanitizer does not notice.
+// Whether this process has leaked; stderr gets the details. Only the address sanitizer finds leaks; in other
+// builds this is false. Use it in a process that ends with _exit, where the sanitizer does not check by
+// itself.
 bool HasLeaked() {
 #if ROLU_HAS_LEAK_CHECK
   return __lsan_do_recoverable_leak_check() != 0;
@@ -149,8 +150,8 @@ bool HasLeaked() {
 #endif
 }
 
-// Lanes are processes: the library is one for a process, and one command at a time waits for its
-// answer there.
+// A lane is a process, because a process has one library, in which only one command at a time waits for its
+// answer.
 constexpr size_t kSomeLanes = 4;
 constexpr size_t kManyLanes = 12;
 

@@ -1,5 +1,5 @@
-// What the MCU reports on its own, as an application meets it: alarm samples through the G-sensor
-// family, power-off warnings through the power manager.
+// The messages that the MCU sends on its own, as an application gets them: alarm samples from the G-sensor
+// family, power-off warnings from the power manager.
 #include <gtest/gtest.h>
 #include <pthread.h>
 
@@ -17,13 +17,13 @@
 
 namespace {
 
-// The link handles lines in order: when the next answer is there, it has handled the message.
+// The link handles lines in order. So when the next answer has come, the link has handled the message.
 void AwaitMessages() {
   CAR_BATTERY_MODE mode = CAR_BATTERY_MODE_12V;
   ASSERT_EQ(KAVO_ROLU_VPM_GetCurrentCarBatteryMode(&mode), ROLU_STATUS_SUCCESS);
 }
 
-// A sample's message.
+// The message of an alarm sample.
 std::string Alarm(unsigned int x, unsigned int y, unsigned int z) {
   char line[24];
   snprintf(line, sizeof line, "[GI:%04X%04X%04X]\r\n", x & 0xFFFF, y & 0xFFFF, z & 0xFFFF);
@@ -35,7 +35,7 @@ class Waiter {
  public:
   Waiter() : thread_([this] { Wait(); }) {
     while (!waiting_) std::this_thread::yield();
-    // The waiting thread holds the mutex until it waits.
+    // The waiting thread releases the mutex only when it waits.
     pthread_mutex_lock(&mutex_);
     pthread_mutex_unlock(&mutex_);
   }
@@ -128,7 +128,7 @@ TEST_F(UnsolicitedTest, WarningsWakeTheRegisteredThread) {
     Send(std::string(row.line) + "\r");
     EXPECT_EQ(row.ignition ? ignition.WaitUntilWoken() : ignition.woken(), row.ignition);
     EXPECT_EQ(row.battery ? battery.WaitUntilWoken() : battery.woken(), row.battery);
-    // The registrations must outlive this row's waiters.
+    // The registrations must not point to this row's waiters when these are gone.
     static pthread_cond_t unused = PTHREAD_COND_INITIALIZER;
     KAVO_ROLU_VPM_SetIgnPowerOffEvent(&unused);
     KAVO_ROLU_VPM_SetLBPPowerOffEvent(&unused);
@@ -152,13 +152,13 @@ TEST_F(UnsolicitedTest, ReopeningForgetsSamplesAndRegistrations) {
   EXPECT_FALSE(forgotten.woken());
 }
 
-// Samples come at the pace of the line.
+// The samples come at the speed of the line.
 class PacedLine : public UnsolicitedTest {
  protected:
   PacedLine() : UnsolicitedTest(true) {}
 };
 
-// Another thread asks questions all the time.
+// Meanwhile another thread asks one question after another.
 TEST_F(PacedLine, NoSampleIsLostAndNoQueryFails) {
   constexpr unsigned int kBursts = 64;
   constexpr int kSamplesOfABurst = 8;
@@ -173,14 +173,15 @@ TEST_F(PacedLine, NoSampleIsLostAndNoQueryFails) {
     std::string lines;
     for (unsigned int i = 0; i < kSamplesOfABurst; ++i) lines += Alarm(burst * 256, i * 256, -burst);
     board_.mcu().SendRaw(lines);
-    // The application keeps up.
+    // The application takes each sample as it comes.
     for (int i = 0; i < kSamplesOfABurst; ++i) {
       if (!WaitUntil(arrives)) ADD_FAILURE() << "a sample is lost";
       EXPECT_EQ(sample.x, static_cast<int32_t>(burst) * 1000);
       EXPECT_EQ(sample.y, i * 1000);
       EXPECT_EQ(sample.z, rolu_test::ScaledAxis(static_cast<int16_t>(-burst)));
     }
-    // A line that never pauses lets no command leave: as on a vehicle, there is time for one between bursts.
+    // While the line never pauses, no command leaves. So there is time for a command between the bursts, as
+    // on a vehicle.
     const int answered = queries;
     if (!WaitUntil([&] { return queries > answered; })) ADD_FAILURE() << "no query was answered";
     if (HasFailure()) break;

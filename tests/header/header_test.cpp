@@ -1,4 +1,4 @@
-// What the header says, against the built library and against what the soak judges by.
+// Compares the header with the built library and with the durations by which the soak judges.
 #include <gmock/gmock.h>
 
 #include <regex>
@@ -19,7 +19,7 @@ TEST(Header, DeclaresExactlyWhatTheLibraryExports) {
   for (const auto& [name, comment] : DeclaredFunctions()) {
     declared.insert("KAVO_ROLU_" + name + "@@KAVO_ROLU_3");
   }
-  // Functions are added; none goes.
+  // Functions may be added, but none may be removed.
   ASSERT_GE(declared.size(), 150U);
   // Columns: number, value, size, type, binding, visibility, section, name@@version. The version itself is a
   // symbol without a section.
@@ -28,7 +28,7 @@ TEST(Header, DeclaresExactlyWhatTheLibraryExports) {
   EXPECT_EQ(MatchesIn(symbols, R"((?:GLOBAL|WEAK|UNIQUE) +[A-Z]+ +\d+ +(\S+))"), declared)
       << "and no other symbol";
   const std::string dynamic = ElfOf("--dynamic");
-  // A sanitizer brings its own runtime.
+  // A sanitizer adds its own runtime.
   if (!SANITIZED) {
     EXPECT_THAT(MatchesIn(dynamic, R"(Shared library: \[([^\]]+)\])"), testing::ElementsAre("libc.so.6"));
   }
@@ -50,7 +50,7 @@ TEST(Header, StatesHowLongEachFunctionBlocksInTheTermsOfItsRules) {
 }
 
 #ifdef SOAK
-// The number in `text` that the pattern's first group matches; 0 where it does not match.
+// The number in `text` at the first group of the pattern; 0 when the pattern does not match.
 int NumberIn(const std::string& text, const std::string& pattern) {
   const std::set<std::string> numbers = MatchesIn(text, pattern);
   return numbers.empty() ? 0 : std::stoi(*numbers.begin());
@@ -62,7 +62,7 @@ int Rule(const std::string& pattern) {
   return number;
 }
 
-// How many milliseconds a statement comes to, without the turns; -1 is no limit.
+// The milliseconds of a statement, without the turns; -1 means no limit.
 int MillisecondsOf(const std::string& statement) {
   static const int command_ms = Rule(R"("1 command": a turn, then at most (\d+) ms)");
   static const int link_ms = Rule(R"("the link": at most (\d+) ms)");

@@ -1,5 +1,5 @@
-/* The layout of every record and enumeration of the interface. C and C++ both compile it: applications in
- * either language must mean the same bytes. */
+/* The layout of every record and enumeration of the interface. C and C++ both compile this file, because
+ * applications in both languages must use the same bytes. */
 #ifndef TESTS_HEADER_LAYOUT_ROWS_H
 #define TESTS_HEADER_LAYOUT_ROWS_H
 

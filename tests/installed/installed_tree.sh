@@ -39,7 +39,7 @@ done
 export PATH=$prefix/bin:$PATH
 export PKG_CONFIG_PATH=$library/pkgconfig
 export CMAKE_PREFIX_PATH=$prefix
-# What pkg-config says of the linker's directories holds for the linking, not for the running.
+# The path from pkg-config serves the linking, not the running.
 export LD_RUN_PATH=$library
 [[ $(command -v rolu-sim) == "$prefix/bin/rolu-sim" ]] || fail "another rolu-sim comes first"
 [[ $(pkg-config --modversion kavo_rolu) == "$version" ]] || fail "pkg-config names another version"

@@ -1,4 +1,4 @@
-// The link and its transactions as the tests use them.
+// Calls of the link and its transactions, for tests.
 #ifndef TESTS_MCU_LINK_CALLS_H
 #define TESTS_MCU_LINK_CALLS_H
 
@@ -19,7 +19,7 @@ inline bool OpenLink(const std::string& path) {
   return VPMOpen(path.c_str(), O_RDWR) == 0;
 }
 
-// Asks the MCU; the reply, or the failed transaction's status.
+// Asks the MCU. Returns the reply, or the status of a transaction that failed.
 inline std::string Ask(const std::string& question, int post_delay_ms = 0) {
   const std::string command = question + '\r';
   char reply[kLineCapacity] = {};
@@ -28,7 +28,7 @@ inline std::string Ask(const std::string& question, int post_delay_ms = 0) {
   return status == ROLU_STATUS_SUCCESS ? reply : "status " + std::to_string(status);
 }
 
-// The two halves of it.
+// The two halves of a transaction.
 inline bool Queue(const std::string& bytes, int awaited_lines = 0) {
   const int result = send_vpm_command(bytes.data(), static_cast<int>(bytes.size()), awaited_lines);
   EXPECT_TRUE(result == 0 || result == -2) << result;
@@ -41,7 +41,7 @@ inline std::string TakeReply(unsigned long wait_ms) {
   return result == 0 ? reply : "none";
 }
 
-// An MCU, and the link to it.
+// An MCU and an open link to it.
 class LinkTest : public testing::Test {
  protected:
   LinkTest() { EXPECT_TRUE(OpenLink(mcu.DevicePath())); }
@@ -49,8 +49,7 @@ class LinkTest : public testing::Test {
   rolu_sim::McuSerial mcu;
 };
 
-// Cancels a thread while it makes a call, when `wait_for_moment` has returned. The thread ends behind the
-// call.
+// Cancels a thread during its call, when `wait_for_moment` has returned. The thread ends after the call.
 inline void CancelDuring(std::function<void()> call, const std::function<void()>& wait_for_moment) {
   const auto body = [](void* argument) -> void* {
     (*static_cast<std::function<void()>*>(argument))();

@@ -1,4 +1,4 @@
-// The I/O thread's steps, one at a time on a paused link.
+// The steps of the I/O thread, one at a time on a paused link.
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 
@@ -18,8 +18,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr milliseconds kPoll{5};
 
-// The lines that have come, and as many empty polls. On a quiet line that holds no part of one, a second
-// empty poll would not end.
+// Reads all lines that have come, until the first empty poll. A second empty poll would not end on a quiet
+// line that holds no part of a line.
 std::vector<std::string> ReadLines() {
   std::vector<std::string> lines;
   char line[kLineCapacity];
@@ -80,8 +80,8 @@ TEST(QuietRule, CommandThatNobodyWaitsForLeavesAfterAPoll) {
   EXPECT_EQ(link.Receive(2), "A\r");
 }
 
-// The test sends a byte every millisecond, as well as the machine lets it. Whatever it lets it: a
-// command may only come out of a gap of a whole poll.
+// The test sends a byte every millisecond, if the machine is fast enough. At any speed, a command may leave
+// only after a gap of a whole poll.
 TEST(QuietRule, CommandLeavesAStreamOnlyInAGap) {
   PausedLink link;
   link.Resume();
@@ -164,7 +164,7 @@ TEST(ReplyStore, NewestReplyStandsWhileNobodyWaits) {
   EXPECT_EQ(TakeReply(0), "none") << "who gave up waits for nothing more";
   cancel_queued_commands();
   link.Resume();
-  // If the link kept each of them for a while, the last one would come too late.
+  // If the link kept each reply for a while, the last one would come too late.
   constexpr int kReplies = 60;
   for (int i = 1; i <= kReplies; ++i) link.Send(std::to_string(i) + '\r');
   EXPECT_TRUE(WaitUntil([] {
@@ -180,7 +180,7 @@ bool IsCallerWaiting() {
   return vpm_awaited_lines == 1;
 }
 
-// The link keeps both lines of the answer from the moment when the transaction queues its command.
+// The link keeps both lines of the answer from the moment at which the transaction queues its command.
 TEST(ReplyStore, CallerThatWaitsLateReadsBothLines) {
   PausedLink link;
   ASSERT_TRUE(Queue("RTCS\r", 2));
@@ -208,8 +208,8 @@ TEST(ReplyStore, WakeUpWithoutAReplyWaitsOn) {
   caller.join();
 }
 
-// The caller's thread is kept in a signal handler, from before the first line arrives until the link
-// has had both.
+// A signal handler holds the caller's thread from before the first line arrives until the link has received
+// both lines.
 int gate[2];
 
 void AwaitGate(int) {
@@ -217,8 +217,8 @@ void AwaitGate(int) {
   [[maybe_unused]] const ssize_t length = read(gate[0], &byte, 1);
 }
 
-// This happens so often that the time does not suffice if the link keeps each second line back as long as it
-// may.
+// The repetitions make a delay visible: if the link kept every second line back for as long as it may, the
+// test would run out of time.
 TEST(ReplyStore, CallerThatWakesUpLateReadsBothLines) {
   constexpr size_t kTimes = 25;
   ASSERT_EQ(pipe(gate), 0);

@@ -1,4 +1,4 @@
-// The link from open to close, and transactions on it, with an MCU at the far end.
+// The link from open to close and its transactions, with an MCU at the far end.
 #include "mcu/link.h"
 
 #include <fcntl.h>
@@ -70,7 +70,7 @@ TEST(Link, NeverOpenedTakesNoCommand) {
   EXPECT_EQ(TakeReply(0), "none");
 }
 
-// Takes all descriptors that select() can watch.
+// Takes all free descriptors that select() can watch.
 std::vector<rolu_sim::UniqueFd> TakeLowDescriptors() {
   rlimit limit{};
   getrlimit(RLIMIT_NOFILE, &limit);
@@ -83,7 +83,7 @@ std::vector<rolu_sim::UniqueFd> TakeLowDescriptors() {
   return taken;
 }
 
-// A default stack that no address space has room for.
+// Sets a default stack that does not fit any address space.
 void SetDefaultStack(size_t size) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
@@ -122,7 +122,7 @@ TEST(Link, RefusedOpenLeavesNothingBehind) {
 TEST(Link, NoDescriptorOfItsIsAStandardStream) {
   McuSerial mcu;
   const ProcessState before;
-  // The standard streams' numbers are free for a while.
+  // For a while the numbers of the standard streams are free.
   std::array<int, 3> kept{};
   std::array<bool, 3> taken{};
   fflush(stdout);
@@ -149,7 +149,7 @@ TEST(Link, NoDescriptorOfItsIsAStandardStream) {
   EXPECT_EQ(LeftSince(before), "");
 }
 
-// How often the I/O thread has gone to sleep since it started.
+// How often the I/O thread has slept since it started.
 long IoThreadSleeps() {
   long sleeps = -1;
   for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -181,7 +181,7 @@ TEST(LinkAtRest, WakesNobodyAndStillHearsAndSends) {
   EXPECT_EQ(VPMClose(), 0);
 }
 
-// Another process that has the port open takes bytes between the I/O thread's poll and its read.
+// Another process has the port open and takes bytes between the I/O thread's poll and its read.
 TEST(LinkClose, EndsWhileAnotherProcessTakesTheBytes) {
   const rolu_sim::PseudoTerminal line;
   ASSERT_TRUE(OpenLink(line.device_path()));
@@ -196,7 +196,7 @@ TEST(LinkClose, EndsWhileAnotherProcessTakesTheBytes) {
   EXPECT_EQ(closed.wait_for(kGenerous), std::future_status::ready);
   stealing = false;
   thief.join();
-  // Would end a close that hangs.
+  // If the close hangs, this line ends it.
   EXPECT_EQ(write(line.master(), "\r", 1), 1);
   EXPECT_EQ(closed.get(), 0);
 }
@@ -261,8 +261,8 @@ TEST_F(LinkTest, SignalStormDisturbsNoTransaction) {
   storm.join();
 }
 
-// Every thread but the library's has the signal blocked: if that one did not, the signal would be
-// handled there.
+// Every thread except the library's blocks the signal. If the library's thread did not block it, that thread
+// would handle it.
 TEST_F(LinkTest, SignalsAreNotHandledOnTheIoThread) {
   HandleSignal(SIGUSR1);
   sigset_t usr1;
@@ -311,7 +311,7 @@ TEST_F(Transaction, WhatCannotBeQueuedIsNotSent) {
   EXPECT_THAT(mcu.CommandsReceived(), testing::ElementsAre("Hello"));
 }
 
-// A line that is never quiet, as the paused link's, lets no command leave.
+// The line of the paused link is never quiet, so no command leaves.
 TEST(TransactionThatGaveUp, TakesItsCommandBack) {
   PausedLink link;
   EXPECT_EQ(Ask("ATPO"), "status " + std::to_string(ROLU_STATUS_VPM_NO_REPLY));

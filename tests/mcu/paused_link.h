@@ -1,5 +1,5 @@
-// An open link whose I/O thread has been stopped: a test makes the thread's polls itself, one by one,
-// and plays the MCU at the other end of the line. Nothing happens on the line but what the test does.
+// An open link whose I/O thread is stopped. The test makes the thread's polls itself, one by one, and plays
+// the MCU at the other end of the line. Only the test acts on the line.
 #ifndef TESTS_MCU_PAUSED_LINK_H
 #define TESTS_MCU_PAUSED_LINK_H
 
@@ -22,7 +22,7 @@ inline bool IsReadable(int descriptor, int wait_ms) {
   return poll(&source, 1, wait_ms) == 1 && (source.revents & POLLIN) != 0;
 }
 
-// What has come to the MCU's end of a line; waits for `size` characters of it.
+// The characters that have arrived at the MCU's end of a line. Waits for `size` of them.
 inline std::string ReceiveAt(int line, size_t size) {
   std::string received;
   while (IsReadable(line, received.size() < size ? kGenerousMs : 0)) {
@@ -34,7 +34,7 @@ inline std::string ReceiveAt(int line, size_t size) {
   return received;
 }
 
-// The I/O thread's next poll.
+// Makes the I/O thread's next poll.
 inline int PollPort(std::chrono::milliseconds wait) {
   unsigned char byte = 0;
   return recvbyte_vpm(&byte, static_cast<unsigned int>(wait.count()));
@@ -57,13 +57,13 @@ class PausedLink {
   PausedLink(const PausedLink&) = delete;
   PausedLink& operator=(const PausedLink&) = delete;
 
-  // Lets the I/O thread go on, for good.
+  // Starts the I/O thread again, for good.
   void Resume() {
     resumed_ = true;
     ASSERT_EQ(pthread_create(&vpm_io_thread_handle, nullptr, VPMHandleThread, nullptr), 0);
   }
 
-  // Sends bytes; if the link is paused they can be read at the port when this returns.
+  // Sends bytes. When this returns on a paused link, the port can read them.
   void Send(std::string_view bytes) const {
     ASSERT_EQ(write(line_.master(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
     if (!resumed_) {
@@ -75,7 +75,7 @@ class PausedLink {
 
   std::string Receive(size_t size) const { return ReceiveAt(line_.master(), size); }
 
-  // The line breaks: its port reads an end of file and fails to write.
+  // Breaks the line: reads of its port find the end of the file, and writes fail.
   void HangUp() { line_.Close(); }
 
  private:

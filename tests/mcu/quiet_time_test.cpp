@@ -1,5 +1,5 @@
-// The I/O thread's own times while the wall clock is set: they keep their length. Polls are made one by one
-// on a paused link.
+// The I/O thread's own times keep their length when the wall clock is set. The test makes the polls one by
+// one on a paused link.
 #include <chrono>
 #include <future>
 
@@ -16,7 +16,7 @@ using Clock = std::chrono::steady_clock;
 constexpr milliseconds kPoll{30};
 constexpr int kNothing = -2;
 
-// A line that is busy: its last byte has been taken just now.
+// A busy line: its last byte was read just now.
 class QuietTime : public testing::Test {
  protected:
   QuietTime() {

@@ -14,7 +14,7 @@
 
 namespace {
 
-// A port that still has a terminal's usual settings.
+// A port with the usual settings of a terminal.
 class CookedPort : public testing::Test {
  protected:
   CookedPort() : port(Tovi_CreateFile(line.device_path().c_str(), O_RDWR | O_NOCTTY)) {
@@ -35,7 +35,7 @@ class CookedPort : public testing::Test {
     return attributes;
   }
 
-  // Whether a terminal here can be set to this speed at all.
+  // Whether this system's terminals support the speed at all.
   static bool PlatformKeeps(speed_t constant) {
     const rolu_sim::PseudoTerminal other;
     const rolu_sim::UniqueFd port(open(other.device_path().c_str(), O_RDWR | O_NOCTTY));
@@ -62,7 +62,7 @@ TEST_F(CookedPort, TakesTheListedSpeedsAndRawMode) {
   size_t kept = 0;
   for (const auto& speed : speeds) {
     SCOPED_TRACE(speed.bits_per_second);
-    // The emulator of the board's processor does not know the fastest one.
+    // The emulator of the board's processor does not know the fastest speed.
     if (!PlatformKeeps(speed.constant)) continue;
     ++kept;
     EXPECT_EQ(Tovi_SetCommState(port.get(), speed.bits_per_second), 1);

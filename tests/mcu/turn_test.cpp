@@ -1,5 +1,5 @@
-// Turns at the MCU: who waits for one, for how long, what a cancelled thread leaves, and what is owed to the
-// link in the meantime.
+// Turns at the MCU: which threads wait for one and for how long, what a cancelled thread leaves behind, and
+// the closes that the link is owed meanwhile.
 #include "mcu/turn.h"
 
 #include <gmock/gmock.h>
@@ -61,8 +61,8 @@ TEST_F(Turns, OwedClosesAreSettledWhoeverEndsATurn) {
   EXPECT_EQ(Ask("Hello"), "OK");
 }
 
-// An opening that waits for its turn while a close is owed must find the link closed: what was registered
-// and queued before is the old users'.
+// An opening waits for its turn while a close is owed. It must find the link closed, because the
+// registrations and the queued samples belong to the old users.
 TEST(OwedClose, ComesBeforeAnOpeningThatWaits) {
   rolu_sim::McuSerial mcu;
   ROLU_GSENSOR_DATA sample;
@@ -132,13 +132,13 @@ TEST_F(Turns, CancelledThreadEndsBehindItsCallAndKeepsNoLock) {
   }
 }
 
-// A thread that leaves, whose close is owed and settled by itself, ends behind that, too.
+// A cancelled thread that settles its own owed close must also end after that.
 TEST(OwedClose, IsSettledByACancelledThreadThatKeepsNoLock) {
   rolu_sim::McuSerial mcu;
   for (int round = 0; round < 50; ++round) {
     ASSERT_TRUE(OpenLink(mcu.DevicePath()));
     CancelDuring(OweClose, [] {});
-    // Cancelled before it began, it owes nothing.
+    // A thread that was cancelled before its call owes nothing.
     EXPECT_EQ(VPMClose(), 0);
     EXPECT_EQ(LinkUsers(), 0);
   }
@@ -150,7 +150,8 @@ class TurnsOfFamilies : public testing::Test {
   rolu_sim::Board board;
 };
 
-// The line with the firmware's version is written, so that a cancelled thread could end there.
+// The library prints the line with the firmware's version. A print is a point at which a cancelled thread
+// could end.
 TEST_F(TurnsOfFamilies, CancelledThreadBringsItsFamilyUpFirst) {
   setvbuf(stdout, nullptr, _IOLBF, 0);
   board.mcu().Script(CommandMatch::Exactly("ATF0"), Reply::Line("*VER:001.010*", milliseconds(200)));
@@ -160,7 +161,7 @@ TEST_F(TurnsOfFamilies, CancelledThreadBringsItsFamilyUpFirst) {
   EXPECT_TRUE(board.mcu().WaitForHostClosed(kGenerous));
 }
 
-// The turn of another thread takes longer than the 2 s that a close waits.
+// Another thread's turn takes longer than the 2 s that a close waits.
 TEST_F(TurnsOfFamilies, FamilyGoesDownInTimeAndThePortIsClosedLater) {
   const ProcessState before;
   for (int round = 0; round < 2; ++round) {

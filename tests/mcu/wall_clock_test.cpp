@@ -1,5 +1,5 @@
-// The wall clock is set once while calls of the library, as it ships, wait. What a call waits for ends at
-// a time of that clock: the wait in hand is shorter or longer by as much, and nothing else.
+// The wall clock is set once while calls of the shipped library wait. A call's wait ends at a time of that
+// clock. So the present wait becomes shorter or longer by that much; nothing else may change.
 #include "tests/support/wall_clock.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ std::future<Made> Start(const std::function<ROLU_STATUS()>& call) {
   });
 }
 
-// What came of it, which the test records.
+// Waits for the result and records the duration in the test's output.
 Made Finish(const char* key, std::future<Made>& call) {
   const Made made = call.get();
   testing::Test::RecordProperty(key, static_cast<int>(made.took.count()));
@@ -58,7 +58,7 @@ class WallClock : public testing::Test {
   }
   ~WallClock() override { EXPECT_EQ(KAVO_ROLU_WD_Deinitialize(), ROLU_STATUS_SUCCESS); }
 
-  // A call whose command is at the MCU.
+  // Starts a call and returns when its command is at the MCU.
   std::future<Made> StartWithAnswer(const std::string& command, const Reply& reply,
                                     const std::function<ROLU_STATUS()>& call) {
     board_.mcu().Log().Clear();
@@ -71,7 +71,7 @@ class WallClock : public testing::Test {
     return StartWithAnswer("WDTG", reply, [this] { return KAVO_ROLU_WD_GetTime(&time_); });
   }
 
-  // The clock is set while the library waits for the answer.
+  // Sets the clock while the library waits for the answer.
   Made AskWhileTheClockIsSet(const Reply& reply, seconds by) {
     auto call = AskTime(reply);
     EXPECT_TRUE(WaitUntil([] { return WaitsForConditions() == 1; }));
@@ -98,7 +98,7 @@ TEST_F(WallClock, SetForwardEndsTheWaitForAnAnswer) {
   const Made made = AskWhileTheClockIsSet(Reply::Silence(), hours(1));
   EXPECT_EQ(made.status, ROLU_STATUS_VPM_NO_REPLY);
   EXPECT_LT(made.took, kReplyWait);
-  // The answer to it comes after all; the message behind it tells when the library has it.
+  // The late answer comes after all. When the message after it is there, the library has read the answer.
   ROLU_GSENSOR_DATA sample;
   ASSERT_EQ(KAVO_ROLU_GSENSOR_Initialize(0), ROLU_STATUS_SUCCESS);
   board_.mcu().SendRaw("0001\r\n[GI:000100010001]\r\n");
@@ -124,8 +124,8 @@ TEST_F(WallClock, SetBackLengthensTheWaitForAnAnswerByAsMuch) {
   ExpectNextCallsWhole();
 }
 
-// The turn that the link is waiting for is held by a post-delay, which keeps its length whatever the clock
-// shows; without the setting the link would be there when it is over.
+// A post-delay holds the turn for which the link waits. It keeps its length, whatever the clock shows.
+// Without the setting, the link would open when the post-delay ends.
 TEST_F(WallClock, SetForwardEndsTheWaitForTheLinkAndNoPostDelay) {
   constexpr milliseconds kPostDelay(1250);
   ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
@@ -163,8 +163,8 @@ TEST_F(WallClock, SetBackLengthensTheWaitForTheLink) {
   ExpectNextCallsWhole();
 }
 
-// The caller loses the processor between queuing its command and waiting for the answer, and both lines come
-// meanwhile: on a line that is busy, a command leaves without anybody's wait.
+// The caller loses the processor after it has queued its command and before it waits for the answer. Both
+// lines come meanwhile: on a busy line a command leaves even if nobody waits.
 TEST_F(WallClock, LinesThatComeBeforeTheWaitAreKept) {
   ASSERT_EQ(KAVO_ROLU_VPM_Initialize(0), ROLU_STATUS_SUCCESS);
   for (int round = 0; round < 5; ++round) {

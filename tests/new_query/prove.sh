@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Proves that CONTRIBUTING.md's list of what a new question of the MCU needs is complete: adds the one of
-# new_query.patch to a copy of the tree, and runs all tests there.
+# Proves that the list of what a new question of the MCU needs, in CONTRIBUTING.md, is complete.
+# Applies new_query.patch to a copy of the tree and runs all tests there.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 

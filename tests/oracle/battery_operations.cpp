@@ -34,7 +34,7 @@ bool BatteryVoltage(const std::string& reply, Course& course) {
   return course.Write(static_cast<float>(NumberOf(reply, 16)) * course.scale);
 }
 
-// The MCU's flags go back to it with one of them changed.
+// The library sends the MCU's flags back with one of them changed.
 Reading ChangesFlag(size_t position, char flag) {
   return [=](const std::string& reply, Course& course) {
     std::string flags = reply;
@@ -55,7 +55,7 @@ bool BackupTemperature(const std::string& reply, Course& course) {
   return course.Write(static_cast<float>(static_cast<double>(tenths_of_kelvin) * 0.1 - 273.15));
 }
 
-// Writes only the flags that are set.
+// Writes the flags that are set, and no others.
 bool BackupFlags(const std::string& reply, Course& course) {
   constexpr struct {
     unsigned int bit;

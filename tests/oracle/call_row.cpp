@@ -3,7 +3,7 @@
 namespace rolu_test {
 namespace {
 
-// A sanitizer knows that this is not how the function is declared.
+// A sanitizer would report that the function is declared otherwise.
 __attribute__((no_sanitize("undefined"))) ROLU_STATUS CallWithByte(ROLU_STATUS (*set)(bool),
                                                                    unsigned int byte) {
   return reinterpret_cast<ROLU_STATUS (*)(unsigned int)>(reinterpret_cast<void (*)()>(set))(byte);

@@ -1,5 +1,5 @@
-// A call of the library against a simulated board, and all that comes of it in its normal course: the
-// status, every byte of the caller's memory, and the bytes on the wire.
+// A call of the library against a simulated board, and its complete normal result: the status, every byte of
+// the caller's memory, and the bytes on the wire.
 #ifndef TESTS_ORACLE_CALL_ROW_H
 #define TESTS_ORACLE_CALL_ROW_H
 
@@ -18,7 +18,7 @@ namespace rolu_test {
 // Makes the call. `output` is the memory that the call writes its results to.
 using Call = std::function<ROLU_STATUS(void* output)>;
 
-// What the MCU answers to one command in place of its model: a line, or any other reply.
+// The MCU's reply to one command instead of its model's: a line, or any other reply.
 struct Answer {
   Answer(const char* line) : reply(rolu_sim::Reply::Line(line)) {}
   Answer(const std::string& line) : reply(rolu_sim::Reply::Line(line)) {}
@@ -28,39 +28,39 @@ struct Answer {
 
 using Bytes = std::vector<unsigned char>;
 
-// What an operation makes of one reply; false where it cannot be read. See meaning.h.
+// Gives what an operation must do with one reply; false when it cannot read the reply. See meaning.h.
 struct Course;
 using Reading = std::function<bool(const std::string& reply, Course& course)>;
 
 struct CallRow {
-  // In a table of operations: the export's name without its prefix, and behind a blank what else
-  // tells the row from others.
+  // In a table of operations: the function's name without its prefix. After a blank, words that tell the row
+  // from others.
   std::string name;
   Call call;
-  // One for each command of the call, in their order; the MCU's model answers what is left.
+  // One answer for each command of the call, in their order. The MCU's model answers the remaining commands.
   std::vector<Answer> answers = {};
   ROLU_STATUS status = ROLU_STATUS_SUCCESS;
-  // What the call has to write, from the beginning of its output; all other bytes must stay as they
-  // were. See Written and Characters.
+  // What the call must write at the beginning of its output. All other bytes must stay unchanged. See Written
+  // and Characters.
   Bytes output = {};
-  // All that has to reach the MCU, carriage returns included.
+  // Everything that the MCU must receive, carriage returns included.
   std::string wire = {};
-  // The call lasts at least as long.
+  // The call must last at least this long.
   int post_delay_ms = 0;
 
   // The rest is for the faults that are derived from a table of operations.
   //
-  // What is made of the replies, in the order of the commands. Behind the last reading only an error
-  // matters, as it does to an order.
+  // One reading for each reply, in the order of the commands. Of a reply without a reading only an error
+  // matters, as for an order.
   std::vector<Reading> readings = {};
-  // The status for a line that is none of the operation's answers, where it can tell.
+  // The status for a line that the operation cannot read, if the operation checks that.
   ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS;
-  // The numbers of its commands, from 0 on, whose failure does not matter to it.
+  // The numbers of the commands, from 0 on, whose failure the operation ignores.
   std::vector<size_t> indifferent = {};
-  // The call brings its family up, which has to be down before it.
+  // The call brings its family up. The family must be down before.
   bool brings_up = false;
-  // Made after each success, where the call would not say the same to the MCU once more. Not after a
-  // failure: what that leaves shows in the next call.
+  // Called after each success, if the call would otherwise not send the same to the MCU again. Not called
+  // after a failure: the next call must show what the failure left behind.
   Call undo = {};
 };
 
@@ -72,10 +72,10 @@ CallRow Gives(std::string name, Call call, std::vector<Answer> answers, Bytes ou
 CallRow Fails(std::string name, Call call, std::vector<Answer> answers, ROLU_STATUS status,
               std::string wire = {});
 
-// The row with its readings, and the status for what they cannot read.
+// The row with its readings, and with the status for replies that they cannot read.
 CallRow Reads(CallRow row, std::vector<Reading> readings, ROLU_STATUS unreadable = ROLU_STATUS_SUCCESS);
 
-// Calls of the usual forms; more go into a lambda.
+// Calls of the usual forms. Other calls are lambdas.
 inline Call Plain(ROLU_STATUS (*function)()) {
   return [function](void*) { return function(); };
 }
@@ -91,7 +91,7 @@ Call Into(ROLU_STATUS (*get)(Value*)) {
 inline Call OnNull(Call call) {
   return [call = std::move(call)](void*) { return call(nullptr); };
 }
-// A switch as some compilers pass it: any byte, not only 0 and 1.
+// A switch whose byte is not only 0 or 1, as some compilers may pass it.
 Call WithByte(ROLU_STATUS (*set)(bool), unsigned int byte);
 
 // The bytes of the values, one after the other.
@@ -113,7 +113,7 @@ Bytes Characters(std::string_view text, size_t size);
 // The commands of a row, carriage returns included.
 std::vector<std::string> CommandsOf(const std::string& wire);
 
-// A family of the interface with its two switches.
+// A family of the interface, with the functions that bring it up and down.
 struct Family {
   std::function<ROLU_STATUS()> initialize;
   std::function<ROLU_STATUS()> deinitialize;

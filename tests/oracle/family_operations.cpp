@@ -1,4 +1,4 @@
-// The power manager's identity and clock, and the other families.
+// The operations of the power manager's identity and clock, and of the other families.
 #include "tests/oracle/meaning.h"
 #include "tests/oracle/operations.h"
 
@@ -8,7 +8,7 @@ namespace {
 ROLU_STATUS SetAlarm(void*) {
   return KAVO_ROLU_VPM_SetAlarmTime(ALARM_MODE_DAILY, {5, 13, 30});
 }
-// What the wake-up alarm's query writes, one after the other.
+// The results of the wake-up alarm's query, one after the other.
 struct Alarm {
   ALARM_MODE mode;
   VPM_ALARM_TIME time;
@@ -47,7 +47,7 @@ bool WakeupAlarm(const std::string& reply, Course& course) {
   if (is_set(bytes[2], 0)) mode = ALARM_MODE_HOURLY;
   if (is_set(bytes[1], 0)) mode = ALARM_MODE_DAILY;
   if (is_set(bytes[0], 0)) mode = ALARM_MODE_WEEKLY;
-  // The hour's bit 1 tells the afternoon.
+  // Bit 1 of the hour is the afternoon.
   const int hour = value(bytes[1]) - (is_set(bytes[1], 1) ? 40 : 0);
   return course.Write(mode,
                       VPM_ALARM_TIME{value(bytes[0]), static_cast<unsigned char>(hour), value(bytes[2])});
@@ -69,7 +69,7 @@ bool Sample(const std::string& reply, Course& course) {
   return course.Write(axes);
 }
 
-// A G-sensor register of two digits, which tells steps of 62.5 or is a plain number.
+// A G-sensor register of two digits. It holds steps of 62.5, or a plain number.
 template <typename Value>
 CallRow GivesRegister(const char* name, ROLU_STATUS (*get)(Value*), const char* answer, int32_t value,
                       const char* wire, bool is_threshold = true) {

@@ -36,7 +36,7 @@ bool FloatsAgree(const std::string& reply) {
   float value = kUntouched;
   const bool read = ReadFloat(reply.c_str(), &value);
   if (!read && value != kUntouched) return false;
-  // Exponents, hexadecimal floats, infinities and the like are left to the C library.
+  // Only the C library reads exponents, hexadecimal floats, infinities and the like.
   if (reply.find_first_of("eExXnN") != reply.npos) return true;
   const std::string decimal = DecimalOf(reply);
   return read == !decimal.empty() && (!read || value == strtof(decimal.c_str(), nullptr));
@@ -47,7 +47,7 @@ bool ErrorsAgree(const std::string& reply) {
   return StatusOfErrorNumber(FindErrorReply(table.get(), reply.c_str())) == StatusOfReply(reply);
 }
 
-// As the board's processor converts: towards zero, and what does not fit saturates at 32 bits.
+// Converts as the board's processor does: towards zero, and saturating at 32 bits.
 bool RawVoltsAgree(float volts, float scale) {
   const double units = std::floor(static_cast<double>(volts / scale) + 0.5);
   uint16_t expected = 0;

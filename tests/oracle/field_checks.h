@@ -1,5 +1,5 @@
-// Compares the functions that read a reply's fields, and those that convert numbers, with the plainest code
-// for the same. True where both agree.
+// Compares two kinds of functions with the plainest code for the same: those that read a reply's fields, and
+// those that convert numbers. The functions return true when both agree.
 #ifndef TESTS_ORACLE_FIELD_CHECKS_H
 #define TESTS_ORACLE_FIELD_CHECKS_H
 
@@ -18,7 +18,7 @@ bool FloatsAgree(const std::string& reply);
 bool ErrorsAgree(const std::string& reply);
 bool RawVoltsAgree(float volts, float scale);
 bool ClockRangesAgree(const VPM_RTC_TIME& time);
-// In both directions.
+// Compares both directions.
 bool AlarmFieldsAgree(unsigned char value);
 
 }  // namespace rolu_test

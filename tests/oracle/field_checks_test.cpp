@@ -1,5 +1,5 @@
-// Compares all edges of each field's range, and odd texts. The fuzzer makes the same comparisons with what it
-// comes upon.
+// Compares all edges of each field's range, and unusual texts. The fuzzer makes the same comparisons with the
+// texts that it finds.
 #include "tests/oracle/field_checks.h"
 
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ TEST(ReplyFields, FloatsAreReadWithAPoint) {
   EXPECT_EQ(value, -100.0F);
 }
 
-// One of the system's locales whose numbers have a decimal comma, or one made here for this test.
+// Enters a system locale whose numbers have a decimal comma, or one that this test makes.
 bool EnterCommaLocale() {
   for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "nl_NL.UTF-8", "it_IT.UTF-8", "es_ES.UTF-8"}) {
     if (setlocale(LC_NUMERIC, name) != nullptr) return true;

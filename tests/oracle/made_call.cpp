@@ -22,7 +22,7 @@ std::string Difference(const char* subject, const std::string& found, const std:
   return std::string(subject) + " is '" + found + "', not '" + wanted + "'; ";
 }
 
-// The line that answers the command; nothing where it stays without one.
+// The line that answers the command; nothing when the command gets no answer.
 std::optional<std::string> ReplyOf(const OddAnswer& answer) {
   const size_t wanted = ReplyLines(BytesOf(answer.operation->answers[answer.command])).size();
   const std::vector<std::string> lines = ReplyLines(answer.sent);

@@ -1,4 +1,5 @@
-// What came of a call, and how it has to end when the MCU answers one of its commands with anything.
+// The result of a call, and the result that it must have when the MCU answers one of its commands with
+// anything.
 #ifndef TESTS_ORACLE_MADE_CALL_H
 #define TESTS_ORACLE_MADE_CALL_H
 
@@ -12,14 +13,14 @@
 
 namespace rolu_test {
 
-// The memory that a call is given: room for any result, filled so that a byte that was written
-// shows, and so does one too many.
+// The memory for a call. It has room for any result, and is filled so that each written byte shows, even a
+// byte too many.
 using OutputMemory = std::array<unsigned char, 272>;
 
-// Memory that holds these bytes, and otherwise what it held before the call.
+// The memory with these bytes at its beginning; the other bytes are as before the call.
 OutputMemory MemoryWith(const Bytes& bytes);
 
-// The memory in hexadecimal up to the last byte that was written, at least `length` bytes.
+// The memory in hexadecimal, up to the last byte that was written, but at least `length` bytes.
 std::string BytesText(const OutputMemory& memory, size_t length);
 
 std::string StatusText(ROLU_STATUS status);
@@ -31,14 +32,14 @@ struct Made {
   std::chrono::milliseconds duration{0};
 };
 
-// Makes the call. What it sends is for the caller to add.
+// Makes the call. The caller must add the traffic.
 Made MakeCall(const Call& call);
 
-// The MCU gives the row's answers to the commands that come now, which are what TrafficTo tells.
+// Makes the MCU give the row's answers to the next commands. TrafficTo returns these commands.
 void ScriptAnswers(rolu_sim::McuSerial& mcu, const CallRow& row);
 std::string TrafficTo(rolu_sim::McuSerial& mcu);
 
-// How a call has to end.
+// The result that a call must have.
 struct Ending {
   ROLU_STATUS status = ROLU_STATUS_SUCCESS;
   OutputMemory output = MemoryWith({});
@@ -48,23 +49,24 @@ struct Ending {
 // All bytes of an answer.
 std::string BytesOf(const Answer& answer);
 
-// An operation. The MCU answers one of its commands with `sent`, and the others as in the table.
+// An operation and an odd answer: the MCU answers one of the commands with `sent`, and the others as in the
+// table.
 struct OddAnswer {
   const CallRow* operation;
   size_t command;
   std::string sent;
 
-  // The status of the command, by the rules of the wire.
+  // The status of that command by the rules of the wire.
   ROLU_STATUS Status() const;
 };
 
-// What is wrong with a call; empty if it ended as it has to.
+// What is wrong with a call; empty if its result is right.
 std::string FaultOf(const Made& made, const Ending& ending);
 
-// The same of a call that met an odd answer.
+// The same for a call that met an odd answer.
 std::string FaultOf(const Made& made, const OddAnswer& answer);
 
-// The same of a call that has to end with `status`, this output and these bytes on the wire.
+// The same for a call that must end with `status`, this output and these bytes on the wire.
 std::string FaultOf(const Made& made, ROLU_STATUS status, const Bytes& output, const std::string& wire);
 
 }  // namespace rolu_test

@@ -7,13 +7,13 @@
 namespace rolu_test {
 namespace {
 
-// The part of a line that the operation sees: up to a NUL, and 31 characters of the firmware's name.
+// The part of a line that the operation uses: up to a NUL, and 31 characters of the firmware's name.
 std::string Seen(const std::string& line, const std::string& command) {
   const std::string text = line.substr(0, line.find('\0'));
   return command == "ATF0\r" ? text.substr(0, 31) : text;
 }
 
-// Takes the reply to a command; false where the operation ends with it.
+// Handles the reply to a command. Returns false when the operation ends here.
 bool TakeReply(const CallRow& row, size_t command, const std::string& reply, Course& course) {
   ROLU_STATUS& status = course.ending.status;
   status = StatusOfReply(reply);

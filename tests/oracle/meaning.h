@@ -1,5 +1,5 @@
-// What each operation has to make of any answers, in the plainest code. Tests compare the library with it.
-// A row of the usual kind needs no reading of its own: see Asks.
+// The right result of each operation for any answers, in the plainest code. Tests compare the library with
+// it. A row of the usual kind needs no reading of its own: see Asks.
 #ifndef TESTS_ORACLE_MEANING_H
 #define TESTS_ORACLE_MEANING_H
 
@@ -13,12 +13,12 @@
 
 namespace rolu_test {
 
-// An operation in its course.
+// The state of an operation while its replies come.
 struct Course {
   Ending ending = {};
-  // Replaces the table's command, if the last reply tells what to send.
+  // Replaces the next command of the table, if the last reply decides what to send.
   std::string next_command = {};
-  // The volts of a step, once the battery system is known.
+  // Volts per step, once the battery system is known.
   float scale = 0.0F;
 
   // The operation writes these values, one after the other.
@@ -29,7 +29,7 @@ struct Course {
   }
 };
 
-// NUL behind the end.
+// NUL after the end.
 char CharacterOf(const std::string& reply, size_t position);
 
 // '1' is on, all else is off.
@@ -37,7 +37,7 @@ Reading Flag(size_t position);
 // '1' is on, '0' is off.
 Reading Switch(size_t position);
 
-// How a reply reads that is a hexadecimal number, cut to the size of the output; a char is a flag.
+// Reads a hexadecimal number, cut to the size of the output; a char is a flag.
 template <typename Value>
 Reading UsualReading() {
   static_assert(std::is_integral_v<Value>, "this row needs a reading of its own");
@@ -47,7 +47,7 @@ Reading UsualReading() {
   };
 }
 
-// The row of a question whose answer reads in the usual way.
+// The row of a question whose answer is read in the usual way.
 template <typename Value>
 CallRow Asks(std::string name, ROLU_STATUS (*get)(Value*), const char* answer,
              std::type_identity_t<Value> value, std::string wire) {
@@ -55,14 +55,14 @@ CallRow Asks(std::string name, ROLU_STATUS (*get)(Value*), const char* answer,
                {UsualReading<Value>()});
 }
 
-// The lines that answer an operation's commands, one for each; of a command that is answered with two
-// lines the second one. Nothing where no such line comes.
+// The line that answers each command of an operation; for an answer of two lines, the second one. Nothing
+// when that line does not come.
 using Replies = std::vector<std::optional<std::string>>;
 
-// The replies in the table.
+// The replies of the table.
 Replies HealthyReplies(const CallRow& row);
 
-// The power manager's voltages are those of the scales that the table's start-up tells.
+// The result that the operation must have. The power manager's scales are those of the start-up in the table.
 Ending MeaningOf(const CallRow& row, const Replies& replies);
 
 }  // namespace rolu_test

@@ -5,7 +5,7 @@
 namespace rolu_test {
 namespace {
 
-// Brings a family up. Only the commands that are not `indifferent` can make it fail.
+// Brings a family up. Only a command that is not `indifferent` can make it fail.
 CallRow ComesUp(std::string name, Call call, std::vector<Answer> answers, std::string wire,
                 std::vector<size_t> indifferent) {
   CallRow row = Orders(std::move(name), std::move(call), std::move(answers), std::move(wire), 0);
@@ -80,7 +80,7 @@ std::vector<Operation> AllOperations() {
 
 const std::vector<CallRow>& SilentOperations() {
   constexpr ROLU_STATUS kNotSupported = ROLU_STATUS_NOT_SUPPORTED;
-  // Has no range, whatever the MCU told when the family came up.
+  // This mode has no range, whatever the MCU reported when the family came up.
   constexpr auto kNoMode = static_cast<CAR_BATTERY_MODE>(0);
   static pthread_cond_t event = PTHREAD_COND_INITIALIZER;
   const auto get_range = [](void* output) {

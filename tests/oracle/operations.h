@@ -1,6 +1,6 @@
-// The operations that talk to the MCU, each once in its normal course (and again where its arguments
-// choose another command), by family. The families' own tests run them, and the faults of the MCU are
-// tried on each of them: a new operation is added here.
+// All operations that talk to the MCU, by family. Each is there once in its normal course, and again if its
+// arguments choose another command. The families' own tests run them, and the tests of the MCU's faults use
+// each of them. Add a new operation here.
 #ifndef TESTS_ORACLE_OPERATIONS_H
 #define TESTS_ORACLE_OPERATIONS_H
 
@@ -25,26 +25,26 @@ const std::vector<CallRow>& PeripheralOperations();
 // The calls of the families that send nothing to the MCU.
 const std::vector<CallRow>& SilentOperations();
 
-// A family with all that it says to the MCU, its coming up (and going down, where it says something)
-// included.
+// A family with all its operations that talk to the MCU. Coming up is one of them, and so is going down if it
+// sends something.
 struct McuFamily {
-  std::string prefix;  // of its exports, "VPM_"
+  std::string prefix;  // of its functions, "VPM_"
   Family switches;
   std::vector<CallRow> operations;
-  // The answer to a null output.
+  // The status for a null output.
   ROLU_STATUS null_while_up;
   ROLU_STATUS null_while_down = ROLU_STATUS_NOT_INITIALIZED;
 };
 const std::vector<McuFamily>& McuFamilies();
 
-// All of them, each with its family.
+// All operations, each with its family.
 struct Operation {
   const McuFamily* family;
   const CallRow* row;
 };
 std::vector<Operation> AllOperations();
 
-// The scales that the MCU's model tells, in volts for a step.
+// The scales that the MCU's model reports, in volts per step.
 inline constexpr float k12V = 0.015385F;
 inline constexpr float k24V = 0.01582F;
 

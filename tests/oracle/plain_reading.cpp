@@ -40,7 +40,7 @@ std::vector<std::string> ReplyLines(std::string_view bytes) {
 }
 
 ROLU_STATUS StatusOfReply(std::string_view line) {
-  // A reply is a C string for all that follows.
+  // All further steps treat a reply as a C string.
   const std::string_view text = line.substr(0, line.find('\0'));
   for (const std::string_view error : kErrorReplies) {
     if (text.find(error) == text.npos) continue;
@@ -59,7 +59,7 @@ int32_t NumberOf(const std::string& text, int base) {
       digit_at(at + 2) < base) {
     at += 2;
   }
-  double value = 0;  // exact as far as it matters, and without an end
+  double value = 0;  // exact as far as it matters; it cannot overflow
   for (; digit_at(at) < base; ++at) value = value * base + digit_at(at);
   if (negative) value = -value;
   if (value > 2147483647.0) return std::numeric_limits<int32_t>::max();

@@ -11,7 +11,7 @@ struct Delay {
   const char* subject;
   ROLU_STATUS (*set)(unsigned short);
   ROLU_STATUS (*get)(unsigned short*);
-  const char* set_code;  // followed by four digits
+  const char* set_code;  // four digits follow
   const char* get_command;
 };
 
@@ -47,7 +47,7 @@ std::vector<CallRow> MakePowerOffDelayOperations() {
   return rows;
 }
 
-// Asks for one of a line of switches.
+// Asks for one switch of a line of switches.
 CallRow GivesSwitch(std::string name, Call call, const char* answer, size_t position, std::string wire) {
   const auto state = static_cast<char>(answer[position] - '0');
   return Reads(Gives(std::move(name), std::move(call), {answer}, Written(state), std::move(wire)),
@@ -64,7 +64,7 @@ bool IgnitionMode(const std::string& reply, Course& course) {
   return (digit == '1' || digit == '2') && course.Write(static_cast<IGNITION_MODE>(digit - '0'));
 }
 
-// Keep-alive mode and AT mode, a digit each; one that is missing is 0.
+// The keep-alive mode and the AT mode, one digit each. A missing mode is 0.
 std::pair<int, int> ModesOf(const std::string& reply) {
   Pieces pieces(reply);
   const int keep_alive = pieces.Number(10, 1).value_or(0);
@@ -129,7 +129,7 @@ const std::vector<CallRow>& IgnitionAndModeOperations() {
                   "MCAG\r"),
             {KeepAliveMode}),
       Reads(Gives("VPM_GetATMode", Into(KAVO_ROLU_VPM_GetATMode), {"10"}, Written('\0'), "MCAG\r"), {AtMode}),
-      // Restoring its defaults keeps the MCU busy.
+      // The MCU is busy while it restores its defaults.
       Orders("VPM_LoadDefaultValue", Plain(KAVO_ROLU_VPM_LoadDefaultValue), {"OK"}, "EEDF\r", 1250),
   };
   return operations;

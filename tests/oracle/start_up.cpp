@@ -30,7 +30,7 @@ void LearnScale(const std::string& text, float in_want, float& scale) {
   if (IsError(text)) {
     scale = in_want;
   } else if (text.find_first_of("eExXnN") != text.npos) {
-    // Exponents, hexadecimal floats, infinities and the like are left to the C library.
+    // Only the C library reads exponents, hexadecimal floats, infinities and the like.
     sscanf(text.c_str(), "%f", &scale);
   } else if (const std::string decimal = DecimalOf(text); !decimal.empty()) {
     scale = strtof(decimal.c_str(), nullptr);

@@ -1,4 +1,4 @@
-// What the power manager learns from the MCU when it comes up, told in the plainest way.
+// The values that the power manager reads from the MCU when it comes up, in the plainest code.
 #ifndef TESTS_ORACLE_START_UP_H
 #define TESTS_ORACLE_START_UP_H
 
@@ -14,11 +14,11 @@ struct StartUp {
   BATTERY_INFO range_12v = {};
   BATTERY_INFO range_24v = {};
 
-  // What is wrong with the ranges that the library tells, and with the firmware's name, which it tells while
-  // it is up; empty if all is as here.
+  // What is wrong with the library's ranges, or with its firmware name, which it gives only while it is up.
+  // Empty if all equal the values here.
   std::string FaultOfLibrary(bool is_up) const;
 
-  // Takes what these answers to its six commands tell. What they leave out stays as it was.
+  // Takes the values from these answers to the six commands. A value that is missing stays as it was.
   void Learn(const Replies& replies);
 };
 

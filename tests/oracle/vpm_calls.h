@@ -1,4 +1,4 @@
-// Calls of the power manager in a table's form that more than one table makes.
+// Calls of the power manager that more than one table makes.
 #ifndef TESTS_ORACLE_VPM_CALLS_H
 #define TESTS_ORACLE_VPM_CALLS_H
 
@@ -7,7 +7,7 @@
 
 namespace rolu_test {
 
-// The switch of a shutdown or wake-up source.
+// Sets the switch of a shutdown or wake-up source.
 template <typename Source>
 Call SetSwitch(ROLU_STATUS (*set)(Source, char), int source, int enable) {
   return [=](void*) { return set(static_cast<Source>(source), static_cast<char>(enable)); };

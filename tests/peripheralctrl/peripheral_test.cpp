@@ -1,4 +1,4 @@
-// The peripherals that are not the MCU's: a GPIO line, and a network interface that the system switches.
+// The peripherals that the MCU does not switch: a GPIO line and a network interface.
 #include <unistd.h>
 
 #include <fstream>
@@ -48,7 +48,7 @@ TEST_F(PeripheralTest, WirelessInterfaceIsSwitchedByTheSystem) {
 
 TEST_F(PeripheralTest, SignalsDoNotCutTheWirelessQueryShort) {
   HandleSignal(SIGUSR1);
-  // The command sends them while the library waits for its output.
+  // The command sends the signals while the library waits for the command's output.
   std::ofstream(board().root().CommandDirectory() + "/ifconfig")
       << "#!/bin/sh\nfor i in 1 2 3 4 5; do kill -USR1 " << getpid() << "; sleep 0.02; done\n"
       << "echo 'wlan0: flags=4163<UP,BROADCAST,RUNNING,MULTICAST>  mtu 1500'\n";

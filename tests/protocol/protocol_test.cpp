@@ -1,5 +1,5 @@
-// The table of the MCU's commands, held against the operations' own table, which the library is held
-// against, and against the simulated MCU.
+// Compares the table of the MCU's commands with the table of operations, which is what the library must send,
+// and with the simulated MCU.
 
 #include <gmock/gmock.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 using rolu_protocol::kCommands;
 
-// The line of a command.
+// The line of a command, without its carriage return.
 std::string LineOf(const std::string& command) {
   return command.substr(0, command.size() - 1);
 }
@@ -56,7 +56,7 @@ TEST(Protocol, KnowsEachCommandThatTheLibrarySendsAndNoOther) {
   }
 }
 
-// What the library sends suits the simulated MCU, whose answers suit the table and its words.
+// The simulated MCU must understand what the library sends, and its answers must fit the table and its words.
 TEST(Protocol, IsWhatTheSimulatedMcuSpeaks) {
   std::set<std::string_view> asked;
   for (const Operation& operation : AllOperations()) {

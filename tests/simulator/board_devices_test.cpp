@@ -1,4 +1,4 @@
-// The board's own devices through a program's calls.
+// The board's own devices, used through a program's calls.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -26,7 +26,7 @@ int WriteTo(const std::string& path, const std::string& text) {
   return write(file.get(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : errno;
 }
 
-// The text, read in pieces of two bytes, or why there is none.
+// Reads the text in pieces of two bytes. Returns the text, or the reason why there is none.
 std::string ReadFrom(const std::string& path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file) return strerrorname_np(errno);

@@ -1,5 +1,5 @@
-// What becomes of a board descriptor: copies, children, and the less usual calls on it. Compiled as
-// distributions compile programs (fortified).
+// Descriptors of the board's devices: copies, children, and the less usual calls. Compiled as distributions
+// compile programs (fortified).
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@
 
 #include "simulator/board.h"
 
-// What the stat calls are in programs that were linked before glibc 2.33.
+// The stat calls of programs that were linked before glibc 2.33.
 extern "C" {
 int OldStat(int version, const char* path, struct stat* record) __asm__("__xstat");
 int OldLstat64(int version, const char* path, struct stat64* record) __asm__("__lxstat64");
@@ -43,7 +43,7 @@ class BoardDescriptor : public testing::Test {
   static UniqueFd Open(const char* path, int flags) { return UniqueFd(open(path, flags | O_CLOEXEC)); }
   size_t OpenCount() { return board_.devices().OpenCount(kLuxPath); }
 
-  // The next `count` bytes.
+  // Reads the next `count` bytes.
   static std::string Read(int fd, size_t count) {
     std::array<char, 16> bytes{};
     const ssize_t length = read(fd, bytes.data(), count);
@@ -58,7 +58,7 @@ class BoardDescriptor : public testing::Test {
     const off_t position = lseek(fd, offset, whence);
     return position < 0 ? -errno : static_cast<long>(position);
   }
-  // 0 when a child for which `holds` is true ends.
+  // Exit status 0 when `holds` is true in a child.
   template <typename Condition>
   static int InChild(Condition holds) {
     const pid_t child = fork();
@@ -216,7 +216,7 @@ TEST_F(BoardDescriptor, StandardOutputIsADeviceWhileItIsLedToOne) {
   EXPECT_EQ(board_.devices().OpenCount(kBacklightPath), 0U);
 }
 
-// The C library itself does not call the wrapped functions.
+// The C library's own writes do not go through the wrapped functions.
 TEST_F(BoardDescriptor, BytesWrittenPastThePreloadedObjectAreNotLost) {
   const UniqueFd backlight = Open(kBacklightPath, O_WRONLY);
   const UniqueFd file = Open(kBacklightPath, O_RDONLY);

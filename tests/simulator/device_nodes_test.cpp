@@ -1,4 +1,4 @@
-// A program's calls on the board's paths, compiled as distributions compile programs (fortified).
+// A program's calls on the board's paths. Compiled as distributions compile programs (fortified).
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -43,7 +43,7 @@ TEST_F(DeviceNodes, I2cTransfersReachTheAddressedDevice) {
   ASSERT_EQ(ioctl(bus, I2cBus::kForceSelectRequest, Board::kRegisterDeviceAddress), 0);
   EXPECT_EQ(write(bus, "\x10", 1), 1);
   unsigned char bytes[2] = {};
-  const volatile size_t wanted = sizeof bytes;  // makes a fortified read of it
+  const volatile size_t wanted = sizeof bytes;  // volatile, so that the read is a fortified one
   EXPECT_EQ(read(bus, bytes, wanted), 2);
   EXPECT_EQ(bytes[0], 0xAB);
   EXPECT_EQ(ioctl(bus, 0x1234, 0), -1);
@@ -86,7 +86,7 @@ TEST_F(DeviceNodes, StatAndAccessTellWhatIsThere) {
   EXPECT_EQ(errno, ENOENT);
 }
 
-// The emulator has no room for a disk's directory offsets in the 32-bit records.
+// Under the emulator, a disk's directory offsets do not fit the 32-bit records.
 std::set<std::string> ScannedNames(const char* directory) {
   dirent64** entries = nullptr;
   const int count = scandir64(directory, &entries, nullptr, alphasort64);
@@ -186,7 +186,7 @@ TEST(Board, IsGoneWithoutATrace) {
   EXPECT_EQ(seen, here) << "the board still answers";
 }
 
-// Whatever small number of some kernel object a user may have.
+// Users may have low limits on kernel objects; many boards must still fit.
 TEST(Board, HasRoomBesideTwoHundredOthers) {
   constexpr int kBoards = 200;
   rlimit descriptors{};
@@ -195,7 +195,7 @@ TEST(Board, HasRoomBesideTwoHundredOthers) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &all_descriptors), 0);
   if (access("/dev/shm", W_OK) == 0)
     setenv("TMPDIR", "/dev/shm", 1);  // a disk would take a second and a half
-  // Two threads each, in the address space of a 32-bit program.
+  // Each board has two threads, and a 32-bit program has a small address space.
   pthread_attr_t small_stacks;
   pthread_attr_init(&small_stacks);
   pthread_attr_setstacksize(&small_stacks, 1 << 20);

@@ -1,4 +1,4 @@
-// What the MCU answers, and what its settings are. What it does by itself is in mcu_timers_test.
+// The MCU's answers and its settings. mcu_timers_test tests what the MCU does on its own.
 
 #include "simulator/mcu/mcu_model.h"
 
@@ -18,7 +18,7 @@ struct Exchange {
   const char* answer;
 };
 
-// In order, on one MCU: later rows see what earlier ones did.
+// Runs the rows in order on one MCU, so later rows depend on earlier ones.
 void ExpectAnswers(McuModel& mcu, const std::vector<Exchange>& rows) {
   for (const Exchange& row : rows) {
     EXPECT_THAT(mcu.Execute(row.command, TimePoint{}), ElementsAre(row.answer)) << row.command;
@@ -108,7 +108,7 @@ TEST(McuModel, KeepsEachSettingApartAndRestoresAll) {
   EXPECT_THAT(answer_to("EEDF"), ElementsAre("OK"));
   for (const Setting& row : kSettings) EXPECT_THAT(answer_to(row.read), ElementsAre(row.factory)) << row.read;
   EXPECT_FALSE(mcu.gsensor.alarm_on);
-  // No settings: what is measured and recorded stays.
+  // Measurements and records are not settings, so they stay.
   ExpectAnswers(mcu, {{"IGNG", "OFF"}, {"WKSG", "21"}, {"GSV", "V0001FFFF0100"}});
 }
 

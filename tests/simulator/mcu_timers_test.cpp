@@ -1,4 +1,4 @@
-// What the MCU does by itself, by a clock that the test turns.
+// What the MCU does on its own, with a clock that the test moves.
 
 #include <gmock/gmock.h>
 
@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 using TimedLine = std::pair<std::chrono::milliseconds, std::string>;
 
-// Plays McuSerial: calls the model whenever it is due, until `until`.
+// Plays McuSerial: calls the model each time that it is due, up to `until`.
 class McuTimers : public testing::Test {
  protected:
   McuTimers() { mcu_.TakeDueLines(now_); }
@@ -77,8 +77,8 @@ TEST_F(McuTimers, WarnOnceWhenTheIgnitionHasBeenOffForItsDelay) {
 
 TEST_F(McuTimers, WarnWhenTheBatteryHasBeenLowWithoutABreak) {
   mcu_.power_off.Delay(DelayType::kLowBattery) = 5;
-  // Below 11.485 V, where the reading is nearer to 2EA than to the threshold 2EB: from 2.5 s to 6.5 s
-  // and from 11.5 s on.
+  // The voltage is below 11.485 V from 2.5 s to 6.5 s and from 11.5 s on. Below it the reading is nearer to
+  // 2EA than to the threshold 2EB.
   mcu_.SetBatteryCurve(VoltageCurve::Parse("0s=12.0 2s=11.6 4s=11.14 5s=11.14 7s=11.6 11s=11.6 13s=11.14"),
                        start_);
   const std::vector<TimedLine> sent = RunUntil(60s);

@@ -22,7 +22,7 @@ TEST(SoakOperations, AreAllExportsOfTheMcuFamiliesThatTheBoardProvides) {
   EXPECT_EQ(called, provided);
 }
 
-// What the MCU gets tells which call sent it.
+// A command at the MCU must show which thread's call sent it.
 TEST(SoakOperations, AreOfOneThreadEachAsTheirCommandsAre) {
   for (const Operation& operation : Operations()) {
     for (const std::string& command : rolu_test::CommandsOf(operation.row->wire)) {

@@ -1,4 +1,4 @@
-// Runs tables of calls against a simulated board and checks each row.
+// Runs tables of calls against a simulated board, and checks each row.
 #ifndef TESTS_SUPPORT_CALL_TABLE_H
 #define TESTS_SUPPORT_CALL_TABLE_H
 
@@ -18,7 +18,7 @@ struct NamedCall {
   Call call;
 };
 
-// A board of its own, and one family, which is down at the start.
+// A private board and one family. The family is down at the start.
 class CallTable {
  public:
   explicit CallTable(Family family);
@@ -29,13 +29,14 @@ class CallTable {
 
   void BringUp();
   void Run(const std::vector<CallRow>& rows);
-  // Each call sends and writes nothing, and ends with `status`.
+  // Each call must send and write nothing, and end with `status`.
   void Refuse(ROLU_STATUS status, const std::vector<NamedCall>& calls);
-  // Makes a row's call, says what came of it, and undoes it where the row says how.
+  // Makes a row's call, returns the result, and undoes the call if the row says how.
   Made Make(const CallRow& row);
 
  protected:
-  // What a row meets. A family that uses device files instead of the MCU gives its log of them.
+  // Prepare sets up the board for a row; Traffic returns what the row sent. A family that uses device files
+  // instead of the MCU returns its log of them.
   virtual void Prepare(const CallRow& row);
   virtual std::string Traffic();
 
@@ -44,7 +45,7 @@ class CallTable {
   rolu_sim::Board board_;
 };
 
-// A table for each test; the end of the test takes the family down.
+// A new table for each test. The end of the test takes the family down.
 class CallTableTest : public testing::Test, protected CallTable {
  protected:
   using CallTable::CallTable;
@@ -53,7 +54,7 @@ class CallTableTest : public testing::Test, protected CallTable {
   void TearDown() override { family().deinitialize(); }
 };
 
-// The same for one of the families that talk to the MCU.
+// The same for one family that talks to the MCU.
 template <size_t kIndex>
 class FamilyTest : public CallTableTest {
  protected:

@@ -1,4 +1,4 @@
-// What the interface's header declares, for tests that hold their tables against it.
+// Reads the declarations of the interface's header, for tests that compare their tables with it.
 #ifndef TESTS_SUPPORT_INTERFACE_HEADER_H
 #define TESTS_SUPPORT_INTERFACE_HEADER_H
 
@@ -8,19 +8,19 @@
 
 namespace rolu_test {
 
-// The header in one line, without the stars of its comments.
+// The header as one line, without the stars of its comments.
 const std::string& HeaderText();
 
-// Each function's comment, by its name without "KAVO_ROLU_".
+// The comment of each function, by the function's name without "KAVO_ROLU_".
 std::map<std::string, std::string> DeclaredFunctions();
 
-// Those of the families that talk to the MCU.
+// The functions of the families that talk to the MCU.
 std::set<std::string> DeclaredForMcuFamilies();
 
-// What a function's comment says behind "Blocks:"; empty if it does not block.
+// The text after "Blocks:" in a function's comment; empty if the function does not block.
 std::string BlockingStatement(const std::string& comment);
 
-// What the first group of the pattern matches, at each of its places in the text.
+// All that the pattern's first group matches in the text.
 std::set<std::string> MatchesIn(const std::string& text, const std::string& pattern);
 
 }  // namespace rolu_test

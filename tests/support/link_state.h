@@ -1,4 +1,4 @@
-// Looking into the link to the MCU.
+// Gives tests a look into the link to the MCU.
 #ifndef TESTS_SUPPORT_LINK_STATE_H
 #define TESTS_SUPPORT_LINK_STATE_H
 

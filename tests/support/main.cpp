@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv) {
   rolu_sim::EnsurePreloaded(argc, argv);
-  // The programs that an emulated one starts, emulators and shells, cannot load the board's object.
+  // An emulated program starts emulators and shells, which cannot load the board's object.
   if (ROLU_EMULATED) unsetenv("LD_PRELOAD");
   testing::InitGoogleMock(&argc, argv);
   return RUN_ALL_TESTS();

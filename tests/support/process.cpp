@@ -79,7 +79,7 @@ Process::~Process() {
   }
 }
 
-// False at the end of both streams, and after the deadline.
+// Returns false when both streams have ended, or after the deadline.
 bool Process::ReadSome(Clock::time_point deadline) {
   const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
   std::array<pollfd, 2> streams = {{{out_pipe_, POLLIN, 0}, {err_pipe_, POLLIN, 0}}};

@@ -1,4 +1,4 @@
-// A program in a process of its own: what it is given, what it prints, and how it ends.
+// A program in its own process: its input, its output and its end.
 #ifndef TESTS_SUPPORT_PROCESS_H
 #define TESTS_SUPPORT_PROCESS_H
 
@@ -13,7 +13,7 @@
 
 namespace rolu_test {
 
-// How a program ended, its status as a shell has it, and all that it printed.
+// How a program ended: its status as a shell gives it, and everything that it printed.
 struct Ended {
   int status = -1;
   std::string out;
@@ -24,12 +24,12 @@ struct Ended {
 
 class Process {
  public:
-  // `environment` takes the place of this process's, unless it is empty.
+  // `environment` replaces the environment of this process, unless it is empty.
   explicit Process(std::vector<std::string> words, const std::string& input = "",
                    std::vector<std::string> environment = {});
-  // Starts it with a descriptor as its standard input.
+  // Starts the program with a descriptor as its standard input.
   Process(std::vector<std::string> words, int input);
-  // Ends it when a test left it running.
+  // Ends the program if it still runs.
   virtual ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
@@ -37,8 +37,8 @@ class Process {
   pid_t pid() const { return pid_; }
   void Signal(int number) const;
 
-  // Waits until `text` was printed on standard output, or on standard error, at or behind position
-  // `from`; false when it ended or took longer than `patience`.
+  // Waits until the program has printed `text` on standard output, or on standard error, at or after position
+  // `from`. Returns false when the program ended, or after `patience`.
   bool WaitForOutput(const std::string& text, size_t from = 0,
                      std::chrono::milliseconds patience = kGenerous) {
     return WaitFor(out_, text, from, patience);
@@ -47,10 +47,11 @@ class Process {
     return WaitFor(err_, text, from, kGenerous);
   }
 
-  // Closes the other end of its standard output.
+  // Closes the reading end of the program's standard output.
   void StopReading();
 
-  // Waits for its end: the exit status, or 128 and the number of the signal that ended it.
+  // Waits for the end of the program. Returns the exit status, or 128 plus the number of the signal that
+  // ended it.
   int Wait();
   Ended WaitForAll();
 
@@ -70,14 +71,14 @@ class Process {
   std::string err_;
 };
 
-// "set -y battery.lbp=on" as words.
+// Splits "set -y battery.lbp=on" into words.
 std::vector<std::string> Words(const std::string& command_line);
 std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
 
 std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& text);
 
-// A directory that is gone after the test.
+// A directory that the end of the test removes.
 class TemporaryDirectory {
  public:
   TemporaryDirectory();
@@ -87,10 +88,10 @@ class TemporaryDirectory {
 
   const std::string& path() const { return path_; }
   std::string File(const std::string& name) const { return path_ + "/" + name; }
-  // Writes a file; its path.
+  // Writes a file and returns its path.
   std::string Write(const std::string& name, const std::string& text) const;
   std::string Read(const std::string& name) const { return ReadFile(File(name)); }
-  // Everything in it, in alphabetical order.
+  // The names of everything in the directory, in alphabetical order.
   std::vector<std::string> Names() const;
 
  private:

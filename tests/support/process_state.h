@@ -1,4 +1,4 @@
-// Looking at this process from outside, and waiting for it to come to a state.
+// Looks at this process from outside, and waits until it is in some state.
 #ifndef TESTS_SUPPORT_PROCESS_STATE_H
 #define TESTS_SUPPORT_PROCESS_STATE_H
 
@@ -14,10 +14,10 @@
 #include <system_error>
 #include <thread>
 
-// No machine is so loaded that something which happens at all takes this long.
+// Even on a heavily loaded machine, anything that happens at all happens within this time.
 inline constexpr std::chrono::seconds kGenerous{20};
 
-// Waits for what has no event of its own; false when it has not come about in a generous time.
+// Waits for a condition that has no event. Returns false when it does not become true in a generous time.
 template <typename Condition>
 bool WaitUntil(Condition condition) {
   const auto end = std::chrono::steady_clock::now() + kGenerous;
@@ -28,14 +28,14 @@ bool WaitUntil(Condition condition) {
   return true;
 }
 
-// Waits for a child's end: its exit status, or 128 and the number of the signal that ended it.
+// Waits for a child's end. Returns the exit status, or 128 plus the number of the signal that ended it.
 inline int WaitStatusOf(pid_t child) {
   int status = 0;
   if (waitpid(child, &status, 0) != child) return -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-// What is open and what runs in this process.
+// The open files and the threads of this process.
 struct ProcessState {
   struct OpenFile {
     std::string name;
@@ -48,7 +48,7 @@ struct ProcessState {
       const std::string name = std::filesystem::read_symlink(descriptor.path(), closed_meanwhile).string();
       struct stat status {};
       if (closed_meanwhile || fstat(std::stoi(descriptor.path().filename()), &status) != 0) continue;
-      // Others may rename and delete a file while it is open, as ctest does with the log that tests inherit.
+      // Another process may rename or delete an open file, as ctest does with the log that tests inherit.
       const std::string identity = std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
       OpenFile& file = files[S_ISREG(status.st_mode) ? identity : name];
       file.name = name;
@@ -56,14 +56,14 @@ struct ProcessState {
     }
   }
 
-  // By what stays the same for a file, a pipe, a device while it is open.
+  // The key is the part that does not change while a file, a pipe or a device is open.
   std::map<std::string, OpenFile> files;
   std::ptrdiff_t threads = std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 };
 
-// What is open now and was not before, and how many threads more there are, in words; empty when all
-// that has been opened and started is gone again. What was there before for a moment only does not
-// count: the runtime of a sanitizer opens a pipe to look at memory, in any thread and at any time.
+// The files and threads that exist now and did not exist before, in words; empty when there are none. It
+// ignores anything that existed only at the earlier moment: a sanitizer's runtime opens a pipe to look at
+// memory, in any thread and at any time.
 inline std::string MoreThanBefore(const ProcessState& before) {
   const ProcessState now;
   std::string more;
@@ -76,7 +76,7 @@ inline std::string MoreThanBefore(const ProcessState& before) {
   return more;
 }
 
-// The same, when it has not gone in a generous time.
+// The same, for whatever is still there after a generous time.
 inline std::string LeftSince(const ProcessState& before) {
   std::string left;
   WaitUntil([&] { return (left = MoreThanBefore(before)).empty(); });

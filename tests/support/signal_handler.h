@@ -8,7 +8,7 @@
 
 inline std::atomic<int> signals_handled{0};
 
-// Handles a signal without SA_RESTART; by default it is counted.
+// Installs a handler without SA_RESTART. The default handler counts the signals.
 inline void HandleSignal(
     int number, void (*handler)(int) = [](int) { ++signals_handled; }) {
   struct sigaction action {};

@@ -12,8 +12,8 @@
 
 namespace rolu_test {
 
-// A node that shows any text, and takes but forgets what is written to it. Reading on behind the text
-// gives the end of the file, or `end_errno`. `on_use` is called at each read, write and ioctl.
+// A node that shows any text, and discards what is written to it. A read after the text finds the end of the
+// file, or fails with `end_errno`. Each read, write and ioctl calls `on_use`.
 class TextNode : public rolu_sim::Device {
  public:
   explicit TextNode(

@@ -39,7 +39,7 @@ timespec EndOfSlice() {
   return end;
 }
 
-// Waits in slices of a clock that nobody moves, and looks at the wall clock in between.
+// Waits in slices by a clock that nobody sets, and looks at the wall clock between them.
 template <typename WaitUntil>
 int WaitInSlices(const timespec& deadline, std::atomic<int>& waits, WaitUntil wait_until) {
   int result = wait_until(EndOfSlice());

@@ -1,7 +1,7 @@
-// A wall clock that a test sets, for this program and the library in it; the machine's clock stays as it
-// is. Linked into the program, it stands in for the C library's clock_gettime, pthread_cond_timedwait and
-// pthread_mutex_timedlock: as with a clock that is set, a wait ends when the clock shows its deadline. The
-// loader looks into the program first, so that it does so for a shared library, too.
+// A wall clock that a test sets for its own program and the library in it. The machine's clock stays
+// unchanged. Linked into the program, it replaces the C library's clock_gettime, pthread_cond_timedwait and
+// pthread_mutex_timedlock: a wait ends when the clock shows its deadline, as after a real setting of the
+// clock. The loader searches the program first, so this works for a shared library too.
 #ifndef TESTS_SUPPORT_WALL_CLOCK_H
 #define TESTS_SUPPORT_WALL_CLOCK_H
 
@@ -9,14 +9,15 @@
 
 namespace rolu_test {
 
-// Sets the clock forward; back if `by` is negative. A wait learns of it within a few milliseconds.
+// Sets the clock forward, or back if `by` is negative. Waiting threads notice it within a few milliseconds.
 void MoveWallClock(std::chrono::seconds by);
 
-// The next look at the clock takes this long: the wait whose deadline it is for begins so much later.
+// Makes the next look at the clock take this long. A wait whose deadline comes from that look begins that
+// much later.
 void PauseAtNextLook(std::chrono::milliseconds pause);
 
-// How many threads now wait for a condition, or for a lock, until a time of the clock: their deadlines
-// are taken. What was to be had at once does not count.
+// How many threads now wait for a condition, or for a lock, until a time of the clock. They have read the
+// clock for their deadline. A thread that gets the condition or the lock at once does not count.
 int WaitsForConditions();
 int WaitsForLocks();
 

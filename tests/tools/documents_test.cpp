@@ -41,7 +41,7 @@ TEST(RoluDocuments, HelpAndManPageTellTheExitStatusesAndTheSettings) {
   EXPECT_THAT(Rolu("--version").out, StartsWith("rolu "));
 }
 
-// What bash offers for the last of `words`.
+// The completions that bash offers for the last of `words`.
 std::vector<std::string> Completions(const std::string& words) {
   TemporaryDirectory directory;
   WriteFile(directory.File("rolu"), Rolu("--generate-completion").out);

@@ -5,8 +5,8 @@
 namespace rolu_test {
 namespace {
 
-// A shell that the library in an emulated rolu starts runs natively, and complains that it cannot load
-// the board's object.
+// The library in an emulated rolu starts a native shell, which complains that it cannot load the board's
+// object.
 std::string WithoutEmulationNoise(const std::string& text) {
   if (Words(ROLU_EMULATOR).empty()) return text;
   return std::regex_replace(text, std::regex("ERROR: ld\\.so: [^\n]*\n"), "");

@@ -12,10 +12,10 @@
 
 namespace rolu_test {
 
-// The words that start the rolu command, in a cross build under its emulator.
+// The words that start the rolu command; a cross build runs it under its emulator.
 std::vector<std::string> RoluCommand(const std::vector<std::string>& arguments);
 
-// The rolu command as a process of its own.
+// The rolu command in its own process.
 class RoluProcess : public Process {
  public:
   template <typename Input = std::string>
@@ -23,26 +23,26 @@ class RoluProcess : public Process {
       : Process(RoluCommand(arguments), input) {}
 };
 
-// Runs it from beginning to end.
+// Runs rolu to its end.
 Ended Rolu(const std::vector<std::string>& arguments, const std::string& input = "");
 Ended Rolu(const std::string& command_line, const std::string& input = "");
 
-// One command line after another on the same board.
+// One of several command lines that run on the same board.
 struct Step {
   std::string command_line;
   int status;
-  const char* out = "";  // part of what is printed on standard output
+  const char* out = "";  // part of the text on standard output
   const char* err = "";
   const char* input = "";
 };
 void RunSteps(const std::vector<Step>& steps);
 
-// A board that rolu meets.
+// A board that rolu uses.
 class RoluTest : public testing::Test {
  protected:
   void SetUp() override { board.AttachThisProcess(); }
 
-  // Commands that begin with `prefix`, as the MCU received them.
+  // The commands that the MCU received and that begin with `prefix`.
   std::vector<std::string> Received(const std::string& prefix);
 
   rolu_sim::Board board;

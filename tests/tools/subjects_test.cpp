@@ -1,4 +1,4 @@
-// The commands of single subjects: clock, alarm, watchdog, i2c, pins, light, backlight, reset.
+// The commands for single subjects: clock, alarm, watchdog, i2c, pins, light, backlight, reset.
 
 #include <fcntl.h>
 #include <signal.h>

@@ -1,4 +1,4 @@
-// watch: events as they come, and an end that leaves nothing behind.
+// watch: it prints events as they come, and leaves nothing behind at its end.
 
 #include <signal.h>
 
@@ -18,7 +18,7 @@ using testing::Not;
 
 class WatchTest : public RoluTest {
  protected:
-  // A watch that has told how things are.
+  // Starts a watch and waits until it has reported the state at the start.
   void Start(const std::vector<std::string>& options) {
     rolu.emplace(Joined(Words("watch --interval 10ms"), options));
     ASSERT_TRUE(rolu->WaitForOutput("12.6"));

@@ -33,7 +33,7 @@ inline constexpr ExitStatusText kExitStatusTexts[] = {
     {"2", "wrong use: unknown name, bad value, unusable file; nothing was sent to the board"},
     {"3", "the board refused: an error of the MCU, a value it does not take, something it does not provide"},
     {"4", "no answer: the MCU is silent, its port cannot be opened, a device is missing, or no board is up"},
-    {"5", "busy: another process holds the MCU's port"},
+    {"5", "busy: another process holds the MCU's port, or a board is up at that place"},
     {"6", "the watchdog of a simulated board bit, with --fail-on-bite"},
     {"125", "rolu-sim could not set the board up"},
     {"126", "rolu-sim could not run the program"},

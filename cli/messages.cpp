@@ -11,7 +11,7 @@
 namespace rolu {
 namespace {
 
-// The environment is read here and written nowhere.
+// No thread writes the environment while another one runs.
 std::string Environment(const char* name) {
   const char* const value = getenv(name);  // NOLINT(concurrency-mt-unsafe)
   return value == nullptr ? "" : value;

@@ -46,7 +46,7 @@ struct StatusWords {
 // The words for a status code. An unknown code gets words that say so.
 const StatusWords& WordsOf(ROLU_STATUS status);
 
-// "the MCU did not answer within 3 s (ROLU_STATUS_VPM_NO_REPLY, 0xC048)".
+// "the MCU did not answer in time (ROLU_STATUS_VPM_NO_REPLY, 0xC048)".
 std::string Describe(ROLU_STATUS status);
 
 // The same, followed by the hint: "...; 'rolu doctor' looks for the cause".

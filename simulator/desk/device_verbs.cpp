@@ -21,12 +21,6 @@ std::string DriveLine(Desk& desk, const Arguments& given) {
   return gpio.IsOutput(line) ? "a program drives this line, so the level outside does not show" : "";
 }
 
-void AttachDevice(Desk& desk, const Arguments& given) {
-  const auto address = given.Integer<std::uint8_t>("address");
-  if (address == ResetController::kAddress) throw UsageError("the reset controller sits at 0x78");
-  desk.AttachRegisterDevice(address);
-}
-
 void DetachDevice(Desk& desk, const Arguments& given) {
   const auto address = given.Integer<std::uint8_t>("address");
   if (!desk.register_devices().contains(address)) {
@@ -76,7 +70,12 @@ std::vector<Verb> DeviceVerbs() {
        Doing([](Desk& desk, const Arguments& given) {
          desk.board().wireless().Set(given.Get<bool>("state"));
        })},
-      {"i2c-attach", "Puts a device with 256 registers on the I2C bus", {address}, Doing(AttachDevice)},
+      {"i2c-attach",
+       "Puts a device with 256 registers on the I2C bus",
+       {address},
+       Doing([](Desk& desk, const Arguments& given) {
+         desk.AttachRegisterDevice(given.Integer<std::uint8_t>("address"));
+       })},
       {"i2c-detach", "Takes a register device from the I2C bus", {address}, Doing(DetachDevice)},
       {"i2c-write",
        "Sets registers of a device on the I2C bus",

@@ -123,21 +123,16 @@ Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words) {
   return members;
 }
 
-Action ParseAction(const std::vector<std::string>& words) {
-  const Verb* const verb = FindVerb(words.front());
-  if (verb == nullptr) throw UsageError(UnknownVerb(words.front()));
-  return {verb, CheckArguments(*verb, MembersFromWords(*verb, {words.begin() + 1, words.end()}))};
-}
-
 Action ParseFault(const std::string& text) {
   std::vector<std::string> words;
   std::istringstream stream(text + ':');
   for (std::string word; std::getline(stream, word, ':');) words.push_back(word);
-  const std::string kind = std::exchange(words.front(), std::string(kFaultPrefix) + words.front());
-  if (FindVerb(words.front()) == nullptr) {
+  const std::string& kind = words.front();
+  const Verb* const verb = FindVerb(std::string(kFaultPrefix) + kind);
+  if (verb == nullptr) {
     throw UsageError(fmt::format("there is no fault \"{}\"{}", kind, rolu::Suggestion(kind, FaultKinds())));
   }
-  return ParseAction(words);
+  return {verb, CheckArguments(*verb, MembersFromWords(*verb, {words.begin() + 1, words.end()}))};
 }
 
 std::string Describe(const Action& action) {

@@ -86,11 +86,11 @@ struct Action {
 };
 
 // Reads an action from the words of a command line: values in the order of the parameters, or as name=value.
-// If the last parameter may hold blanks, it takes all remaining words. Both functions throw UsageError.
+// If the last parameter may hold blanks, it takes all remaining words. Throws UsageError.
 Json MembersFromWords(const Verb& verb, const std::vector<std::string>& words);
-Action ParseAction(const std::vector<std::string>& words);
 
-// Reads a fault in the form of the command line: "silence:MCVG:times=2" is the verb fault-silence.
+// Reads a fault in the form of the command line: "silence:MCVG:times=2" is the verb fault-silence. Throws
+// UsageError.
 Action ParseFault(const std::string& text);
 
 // The action as words again: "battery-voltage volts=11.2".

@@ -63,11 +63,6 @@ void DeviceServer::AddNode(const std::string& path, std::shared_ptr<Device> devi
   node.inode = ++last_inode_;
 }
 
-void DeviceServer::RemoveNode(const std::string& path) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  nodes_[path].device.reset();
-}
-
 void DeviceServer::SetFaults(const std::string& path, const DeviceFaults& faults) {
   const std::lock_guard<std::mutex> lock(mutex_);
   nodes_[path].faults = faults;

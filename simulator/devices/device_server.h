@@ -62,10 +62,8 @@ class DeviceServer {
   // serial port, but calls `on_serial_open` on its thread each time before a program opens that port.
   DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
 
-  // Adds or replaces the node at `path`, which is a path of board_paths.h. Descriptors that are open on a
-  // removed node keep working, as on Linux.
+  // Adds or replaces the node at `path`, which is a path of board_paths.h.
   void AddNode(const std::string& path, std::shared_ptr<Device> device);
-  void RemoveNode(const std::string& path);
 
   // The faults of a path from now on; a default DeviceFaults ends them.
   void SetFaults(const std::string& path, const DeviceFaults& faults);

@@ -68,9 +68,10 @@ int StatAt(Call next, int directory, const char* path, Record* record, int flags
 
 template <typename Call, typename Record>
 int StatDescriptor(Call next, int fd, Record* record) {
-  return AskAt(
-      fd, "", AT_EMPTY_PATH, [=](const NodeStat& node) { return FillRecord(node, record); },
-      [=](const char*, int) { return next(fd, record); });
+  const DeviceId device = DeviceOf(fd);
+  if (device == 0) return next(fd, record);
+  DeviceMessage answer{};
+  return AskNode(device, "", answer) < 0 ? -1 : FillRecord(NodeStat(answer), record);
 }
 
 }  // namespace rolu_sim

@@ -14,6 +14,7 @@
 #include "mcu/transaction.h"
 #include "simulator/line/mcu_serial.h"
 #include "tests/support/link_state.h"
+#include "tests/support/process_state.h"
 
 inline bool OpenLink(const std::string& path) {
   return VPMOpen(path.c_str(), O_RDWR) == 0;
@@ -53,7 +54,11 @@ class LinkTest : public testing::Test {
 inline void CancelDuring(std::function<void()> call, const std::function<void()>& wait_for_moment) {
   const auto body = [](void* argument) -> void* {
     (*static_cast<std::function<void()>*>(argument))();
-    pthread_testcancel();
+    // The call may be over before the request comes.
+    WaitUntil([] {
+      pthread_testcancel();
+      return false;
+    });
     return nullptr;
   };
   pthread_t thread;

@@ -3,13 +3,17 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
 #include <stdio.h>
+#include <sys/auxv.h>
+#include <sys/mman.h>
 #include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -178,6 +182,37 @@ TEST_F(BoardDescriptor, EveryStatCallTellsWhatItIs) {
   ASSERT_EQ(stat(kLuxPath, &status), 0);
   ASSERT_EQ(stat(kBacklightPath, &other), 0);
   EXPECT_NE(status.st_ino, other.st_ino) << "or a program takes the two for one file";
+}
+
+// A handler may ask on a signal stack of its own, which is small.
+TEST_F(BoardDescriptor, AStatCallNeedsLittleStack) {
+  constexpr size_t kPage = 4096;
+  // Beside what the kernel puts there, one to two pages are left for the handler.
+  const size_t least = std::max<size_t>(getauxval(AT_MINSIGSTKSZ), 2048) + kPage;
+  const size_t size = (least + kPage - 1) / kPage * kPage;
+  static int result;
+  result = -1;
+  char* const pages = static_cast<char*>(
+      mmap(nullptr, kPage + size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  ASSERT_EQ(mprotect(pages, kPage, PROT_NONE), 0);
+  stack_t small{};
+  small.ss_sp = pages + kPage;
+  small.ss_size = size;
+  stack_t before{};
+  ASSERT_EQ(sigaltstack(&small, &before), 0);
+  struct sigaction asking {};
+  asking.sa_flags = SA_ONSTACK;
+  asking.sa_handler = [](int) {
+    struct stat status {};
+    result = fstat(STDOUT_FILENO, &status);
+  };
+  struct sigaction other {};
+  ASSERT_EQ(sigaction(SIGUSR1, &asking, &other), 0);
+  raise(SIGUSR1);
+  EXPECT_EQ(result, 0);
+  sigaction(SIGUSR1, &other, nullptr);
+  sigaltstack(&before, nullptr);
+  munmap(pages, kPage + size);
 }
 
 TEST_F(BoardDescriptor, StreamsSeekAndNameTheirDescriptor) {

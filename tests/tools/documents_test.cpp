@@ -33,7 +33,7 @@ TEST(RoluDocuments, EveryCommandHasHelpAndAPlaceInTheManPage) {
 TEST(RoluDocuments, HelpAndManPageTellTheExitStatusesAndTheSettings) {
   const Ended help = Rolu("--help");
   EXPECT_EQ(help.status, 0);
-  EXPECT_THAT(help.out, HasSubstr("  5         busy: another process holds the MCU's port\n"));
+  EXPECT_THAT(help.out, HasSubstr("  5         busy: another process holds the MCU's port"));
   const std::string page = Rolu("--generate-man").out;
   EXPECT_THAT(page, StartsWith(".TH ROLU 1"));
   EXPECT_THAT(page, HasSubstr("\\fBbattery.12v.lbp\\-threshold\\fR\n"));

@@ -47,7 +47,8 @@ struct ProcessState {
       std::error_code closed_meanwhile;
       const std::string name = std::filesystem::read_symlink(descriptor.path(), closed_meanwhile).string();
       struct stat status {};
-      if (closed_meanwhile || fstat(std::stoi(descriptor.path().filename()), &status) != 0) continue;
+      // By path: for the thread sanitizer fstat races with a close of the descriptor in another thread.
+      if (closed_meanwhile || stat(descriptor.path().c_str(), &status) != 0) continue;
       // Another process may rename or delete an open file, as ctest does with the log that tests inherit.
       const std::string identity = std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
       OpenFile& file = files[S_ISREG(status.st_mode) ? identity : name];

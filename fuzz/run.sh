@@ -25,11 +25,18 @@ run_fuzz() {
   [[ ${#targets[@]} -gt 0 ]] || targets=("${fuzz_targets[@]}")
 
   build fuzz "${targets[@]/%/_fuzzer}"
-  local target
-  for target in "${targets[@]}"; do
-    fuzz_target "$target" "$seconds"
-    [[ -z $keep ]] || keep_corpus "$target"
+  # As many at a time as there are processors: each target uses one.
+  local at target pid running failed=''
+  for ((at = 0; at < ${#targets[@]}; at += $(nproc))); do
+    running=()
+    for target in "${targets[@]:at:$(nproc)}"; do
+      fuzz_target "$target" "$seconds" &
+      running+=($!)
+    done
+    for pid in "${running[@]}"; do wait "$pid" || failed=1; done
   done
+  [[ -z $failed ]] || exit 1
+  [[ -z $keep ]] || for target in "${targets[@]}"; do keep_corpus "$target"; done
 }
 
 # fuzz_target TARGET SECONDS: from the kept corpus and what earlier runs found; new inputs go to

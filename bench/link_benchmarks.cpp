@@ -6,8 +6,6 @@
 
 #include <exception>
 #include <memory>
-#include <stdexcept>
-#include <thread>
 
 #include "bench/allocation_counter.h"
 #include "bench/loaded_size.h"

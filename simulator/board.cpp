@@ -2,7 +2,6 @@
 
 #include <stdlib.h>
 
-#include <string_view>
 #include <utility>
 
 #include "simulator/environment.h"

@@ -1,13 +1,11 @@
 #include "tools/port_owner.h"
 
-#include <errno.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <fstream>

@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <utility>
 

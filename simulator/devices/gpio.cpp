@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <limits>
-#include <utility>
 
 #include "protocol/values.h"
 #include "simulator/devices/board_paths.h"

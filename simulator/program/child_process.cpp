@@ -1,6 +1,5 @@
 #include "simulator/program/child_process.h"
 
-#include <pthread.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <chrono>
 
 #include "kavo_rolu.h"
 #include "tests/support/call_table.h"

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
-
 #include "tests/desk/tool.h"
 
 namespace desk_test {

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstring>
 #include <iterator>
-#include <string>
 
 #include "simulator/line/pseudo_terminal.h"
 #include "simulator/system/unique_fd.h"

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 

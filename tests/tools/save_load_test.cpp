@@ -2,8 +2,6 @@
 
 #include <signal.h>
 
-#include <thread>
-
 #include "tests/tools/rolu_process.h"
 
 namespace rolu_test {

@@ -2,8 +2,6 @@
 
 #include <signal.h>
 
-#include <sstream>
-
 #include "tests/tools/rolu_process.h"
 
 namespace rolu_test {

@@ -181,11 +181,12 @@ Json ControlServer::Connection::AnswerPlay(const Json& scenario) {
 }
 
 Json ControlServer::Connection::AnswerTrace(const Json& extent) {
-  if (extent != "past" && extent != "follow") {
-    return RefuseRequest(R"("trace" is "past" or "follow")", "usage");
+  if (extent != "past" && extent != "follow" && extent != "next") {
+    return RefuseRequest(R"("trace" is "past", "follow" or "next")", "usage");
   }
-  next_record_ = 0;
-  if (extent == "past") end_of_trace_ = server_.desk_.trace().Count();
+  const std::uint64_t count = server_.desk_.trace().Count();
+  next_record_ = extent == "next" ? count : 0;
+  if (extent == "past") end_of_trace_ = count;
   return AcceptRequest();
 }
 

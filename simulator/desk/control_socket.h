@@ -10,7 +10,8 @@ namespace rolu_sim {
 // request is an object with one of these members:
 //   "do"    a verb, its parameters beside it    answer: {"ok": true, "remark": "..."}
 //   "get"   a list of readings' names           answer: {"ok": true, "board": {...}}
-//   "trace" "past" or "follow"                  answer: {"ok": true}, then a line for each record
+//   "trace" "past", "follow" (from the start) or "next" (from now on)
+//                                               answer: {"ok": true}, then a line for each record
 //   "play"  {"name": ..., "text": ...}, a scenario    answer: {"ok": true}
 //   "stop"  true: the board goes down           answer: {"ok": true}
 // A request that fails is answered with {"ok": false, "error": "...", "kind": "usage" or "refused"}.

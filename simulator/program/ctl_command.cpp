@@ -21,6 +21,8 @@
 namespace rolu_sim {
 namespace {
 
+using namespace std::string_literals;
+
 // The words of ctl that are not verbs. They have no `apply`.
 const std::vector<Verb>& OwnWords() {
   constexpr char kReading[] = "Reading";
@@ -38,7 +40,11 @@ const std::vector<Verb>& OwnWords() {
            "Waits until the trace has a line that begins with a text, or an event or words that contain the "
            "text",
        .parameters = {Text("text", "the text"), Optional(Duration("timeout", "for how long"), "30s"),
-                      Optional(Integer("times", 1, 1000000, "how many matches, from the board's start"), 1)},
+                      Optional(Integer("times", 1, 1000000, "how many matches"), 1),
+                      Optional(
+                          OneOf("from", {"start", "next"},
+                                "from the board's start, or only what comes next; \"next\" alone will do"),
+                          "start")},
        .subject = kReading},
       {.name = "play",
        .help = "Plays a scenario from now on, in place of the one that is being played",
@@ -154,7 +160,7 @@ int Wait(const CtlOptions& options, const Arguments& given) {
   const auto& text = given.Get<std::string>("text");
   const auto timeout = given.Get<std::chrono::milliseconds>("timeout");
   ControlClient client = Connect(options);
-  client.Ask({{"trace", "follow"}});
+  client.Ask({{"trace", given.Get<std::string>("from") == "next" ? "next" : "follow"}});
   const auto deadline = std::chrono::steady_clock::now() + timeout;
   long times_left = given.Integer<long>("times");
   while (const auto line = client.ReadLine(deadline)) {
@@ -172,7 +178,8 @@ int Ctl(const CtlOptions& options, const std::vector<std::string>& words) {
   const std::string& word = words.front();
   const bool asks_for_help = word == "help" || std::ranges::find(words, "--help") != words.end();
   if (asks_for_help) return Help(words);
-  const std::vector<std::string> rest(words.begin() + 1, words.end());
+  std::vector<std::string> rest(words.begin() + 1, words.end());
+  if (word == "wait" && rest.size() > 1) std::replace(rest.begin() + 1, rest.end(), "next"s, "from=next"s);
   if (word == "get") return Get(options, rest);
   if (word == "play") return Play(options, rest);
   const std::vector<Verb> verbs = CtlWords();

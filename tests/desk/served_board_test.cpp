@@ -134,6 +134,7 @@ TEST(ServedBoard, WaitsForWhatComesAndGivesUpInTime) {
   const Ended late = board.Ctl("wait WDTE timeout=50ms");
   EXPECT_EQ(late.status, 1);
   EXPECT_THAT(late.err, HasSubstr("did not come within 50ms"));
+  EXPECT_EQ(board.Ctl("wait MCVG next timeout=50ms").status, 1);
 }
 
 TEST(ServedBoard, LivesBesideOthersAndLeavesOnlyWhatIsNotItsOwn) {

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -102,8 +103,9 @@ class ControlServer::Connection : public SocketServer::Connection {
   std::optional<std::uint64_t> end_of_trace_;  // the record at which sending stops
 };
 
-ControlServer::ControlServer(Desk& desk, std::function<void()> on_stop)
+ControlServer::ControlServer(Desk& desk, ScenarioPlayer& player, std::function<void()> on_stop)
     : desk_(desk),
+      player_(player),
       on_stop_(std::move(on_stop)),
       sockets_(ControlSocketPath(desk.board().root().path()), SOCK_STREAM,
                [this](UniqueFd socket) { return std::make_unique<Connection>(*this, std::move(socket)); }) {
@@ -111,12 +113,6 @@ ControlServer::ControlServer(Desk& desk, std::function<void()> on_stop)
   desk_.trace().AddListener(
       [wakeup = sockets_.wakeup()](const TraceRecord& /*record*/) { wakeup->Signal(); });
   sockets_.wakeup()->Signal();
-}
-
-void ControlServer::Play(Scenario scenario) {
-  const std::lock_guard<std::mutex> lock(player_mutex_);
-  player_.reset();
-  player_.emplace(desk_, std::move(scenario));
 }
 
 bool ControlServer::Connection::Receive() {
@@ -173,7 +169,8 @@ Json ControlServer::Connection::AnswerPlay(const Json& scenario) {
     return RefuseRequest(R"("play" is an object with "name" and "text")", "usage");
   }
   try {
-    server_.Play(ParseScenario(scenario["text"].get<std::string>(), scenario["name"].get<std::string>()));
+    server_.player_.Play(
+        ParseScenario(scenario["text"].get<std::string>(), scenario["name"].get<std::string>()));
     return AcceptRequest();
   } catch (const ScenarioError& problem) {
     return RefuseRequest(problem.what(), "usage");

@@ -14,6 +14,7 @@ Desk::Desk(DeskOptions options)
       faults_(options.seed,
               [this](const std::string& words) { trace_.RecordEvent(TraceDirection::kDesk, words); }),
       replay_(std::move(options.replay)),
+      on_divergence_(std::move(options.on_divergence)),
       board_(MakeBoardOptions(options)),
       board_faults_(board_),
       register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}
@@ -79,8 +80,20 @@ Reply Desk::Answer(std::string_view command, const AskModel& ask_model) {
     Reply of_model = ask_model();
     if (!replay_) return of_model;
     std::optional<Reply> recorded = replay_->AnswerTo(command);
-    return recorded ? std::move(*recorded) : std::move(of_model);
+    if (recorded) return std::move(*recorded);
+    if (replay_->rule() == ReplayRule::kStrict) TellDivergence(command);
+    return of_model;
   });
+}
+
+// Only the first command that the recording does not have is worth a message: it may be the cause of others.
+void Desk::TellDivergence(std::string_view command) {
+  if (std::exchange(divergence_told_, true)) return;
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+  Say(fmt::format(
+      "*** REPLAY DIVERGED at {:.3f} s: {} came, which the recording does not have or has no more; {} ***",
+      seconds, Printable(command), replay_->Next()));
+  if (on_divergence_) on_divergence_();
 }
 
 // People and the trace hear of the event before it has its effects.

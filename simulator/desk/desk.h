@@ -12,6 +12,7 @@
 #include "simulator/board.h"
 #include "simulator/desk/board_faults.h"
 #include "simulator/desk/replay.h"
+#include "simulator/desk/scenario_progress.h"
 #include "simulator/desk/trace.h"
 #include "simulator/desk/verb.h"
 #include "simulator/line/answer_faults.h"
@@ -21,9 +22,10 @@ namespace rolu_sim {
 struct DeskOptions {
   std::string root_directory;  // an existing directory; empty: a private one
   bool paced = false;
-  std::uint32_t seed = 0;          // of random faults
-  std::unique_ptr<Replay> replay;  // answers in place of the model where it can; may be null
-  Trace::Listener listener;        // hears the trace from its first record; may be empty
+  std::uint32_t seed = 0;                 // of random faults
+  std::unique_ptr<Replay> replay;         // answers in place of the model where it can; may be null
+  std::function<void()> on_divergence{};  // called when a strict replay diverges, on the MCU's thread
+  Trace::Listener listener;               // hears the trace from its first record; may be empty
 };
 
 // A board with everything that steers and watches it: the trace, the faults, the verbs. It writes its
@@ -64,6 +66,9 @@ class Desk {
   void AttachRegisterDevice(std::uint8_t address);
   void DetachRegisterDevice(std::uint8_t address);
 
+  // The scenario's player and the readings use this while they hold the desk's lock.
+  ScenarioProgress& scenario_progress() { return scenario_progress_; }
+
   // Writes a message for the user and records it in the trace.
   void Say(const std::string& text);
 
@@ -73,6 +78,7 @@ class Desk {
  private:
   BoardOptions MakeBoardOptions(const DeskOptions& options);
   Reply Answer(std::string_view command, const AskModel& ask_model);
+  void TellDivergence(std::string_view command);
   void Hear(const McuEvent& event);
   void SayOf(const McuEvent& event);
 
@@ -81,12 +87,15 @@ class Desk {
   Trace trace_;
   AnswerFaults faults_;
   const std::unique_ptr<Replay> replay_;
+  const std::function<void()> on_divergence_;
+  bool divergence_told_ = false;  // only the MCU's thread uses it
   std::mutex listeners_mutex_;
   std::vector<EventListener> listeners_;
   bool seed_announced_ = false;
   Board board_;
   BoardFaults board_faults_;
   RegisterDevices register_devices_;
+  ScenarioProgress scenario_progress_;
 };
 
 // What a verb does. The handler takes what it uses: the MCU's model and the values, the desk and the values,

@@ -151,6 +151,17 @@ Json DescribeCommands(Desk& desk) {
   return commands;
 }
 
+Json DescribeScenario(Desk& desk) {
+  const ScenarioProgress& progress = desk.scenario_progress();
+  return {{"description", progress.description},
+          {"steps_done", progress.steps_done},
+          {"steps_waiting", progress.steps_waiting},
+          {"expectations_met", progress.expectations_met},
+          {"expectations_failed", progress.expectations_failed},
+          {"expectations_pending", progress.expectations_pending},
+          {"failure", progress.failure.empty() ? Json(nullptr) : Json(progress.failure)}};
+}
+
 // Makes a reading from the MCU's model.
 std::function<Json(Desk&)> OfMcu(Json (*describe)(const McuModel&)) {
   return [describe](Desk& desk) { return desk.board().mcu().WithModel(describe); };
@@ -292,6 +303,7 @@ const std::vector<Reading>& Readings() {
                  {"gps_power", desk.board().gpio().Level(rolu_protocol::kGpsPowerLine)}};
        }},
       {"events", "what the MCU did to the computer", DescribeEvents},
+      {"scenario", "how far the scenario has come, and what it expects", DescribeScenario},
       {"faults", "the faults of answers, of the serial port, of device files and of the I2C bus",
        DescribeFaults},
       {"i2c-registers", "the registers of the devices on the I2C bus", DescribeRegisterDevices},

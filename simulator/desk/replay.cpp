@@ -24,7 +24,7 @@ TraceRecord ParseLine(const std::string& text) {
 
 }  // namespace
 
-Replay::Replay(const std::string& path) {
+Replay::Replay(const std::string& path, ReplayRule rule) : rule_(rule) {
   std::ifstream file(path);
   if (!file) throw UsageError(fmt::format("{}: the trace to replay cannot be read", path));
   std::vector<TraceRecord> records;
@@ -46,7 +46,7 @@ void Replay::Take(const std::vector<TraceRecord>& records) {
   std::chrono::nanoseconds last_time{0};
   for (const TraceRecord& record : records) {
     if (record.direction == TraceDirection::kToMcu) {
-      last = &answers_[record.line].emplace_back(Recorded{commands_++, Reply::Silence()});
+      last = &answers_[record.line].emplace_back(Recorded{commands_++, record.time, Reply::Silence()});
       last_time = record.time;
     } else if (record.direction == TraceDirection::kFromMcu && last == nullptr) {
       early_lines_.push_back({record.time, record.line});
@@ -63,7 +63,7 @@ std::optional<Reply> Replay::AnswerTo(std::string_view command) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto found = answers_.find(command);
   if (found == answers_.end() || found->second.empty()) {
-    if (++unknown_[std::string(command)] == 1) {
+    if (++unknown_[std::string(command)] == 1 && rule_ != ReplayRule::kStrict) {
       std::cerr << fmt::format("rolu-sim: replay: the recording holds no {}answer to {}; the model answers\n",
                                found == answers_.end() ? "" : "further ", Printable(command));
     }
@@ -75,6 +75,30 @@ std::optional<Reply> Replay::AnswerTo(std::string_view command) {
   if (recorded.position < furthest_) ++out_of_order_;
   furthest_ = std::max(furthest_, recorded.position);
   return std::move(recorded.reply);
+}
+
+std::string Replay::Next() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Recorded* next = nullptr;
+  std::string_view command;
+  for (const auto& [line, recorded] : answers_) {
+    if (recorded.empty() || (next != nullptr && next->position < recorded.front().position)) continue;
+    next = &recorded.front();
+    command = line;
+  }
+  if (next == nullptr) return "the recording has no more";
+  return fmt::format("the recording has {} next (at {:.3f} s)", Printable(command),
+                     std::chrono::duration<double>(next->time).count());
+}
+
+bool Replay::LacksCommands() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return !unknown_.empty();
+}
+
+bool Replay::HasDiverged() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return asked_ < commands_ || !unknown_.empty();
 }
 
 std::string Replay::Summary() const {

@@ -15,6 +15,13 @@
 
 namespace rolu_sim {
 
+// What a program may send that the recording does not have.
+enum class ReplayRule {
+  kLenient,   // anything
+  kReported,  // anything, but the run has failed at its end
+  kStrict,    // nothing: the first such command ends the program
+};
+
 // A recorded trace that answers in place of the MCU. Each command gets the answer from the recording, after
 // the recorded delay. A command that was recorded several times gets its answers in their order. A line that
 // no command asked for follows the command after which it was recorded. Any thread may call any member of one
@@ -28,13 +35,25 @@ class Replay {
   };
 
   // Reads a file. Throws UsageError with the file, the line and what is wrong there.
-  explicit Replay(const std::string& path);
+  Replay(const std::string& path, ReplayRule rule);
+
+  ReplayRule rule() const { return rule_; }
 
   const std::vector<EarlyLine>& early_lines() const { return early_lines_; }
 
-  // Nothing when the recording holds no (further) answer to `command`; that is said once for each on
-  // standard error.
+  // Nothing when the recording holds no (further) answer to `command`. Unless the rule is strict, that is
+  // said once for each on standard error.
   std::optional<Reply> AnswerTo(std::string_view command);
+
+  // The command that the recording has next, in words.
+  std::string Next() const;
+
+  // Whether the program sent a command that the recording does not have, or has no more.
+  bool LacksCommands() const;
+
+  // The same, or whether the program has not sent a command that the recording has. Another order is no
+  // divergence: programs have threads.
+  bool HasDiverged() const;
 
   // How much of the recording was asked for, in a sentence.
   std::string Summary() const;
@@ -42,11 +61,13 @@ class Replay {
  private:
   struct Recorded {
     std::size_t position;
+    std::chrono::nanoseconds time;
     Reply reply;
   };
 
   void Take(const std::vector<TraceRecord>& records);
 
+  const ReplayRule rule_;
   std::size_t commands_ = 0;
   std::vector<EarlyLine> early_lines_;
 

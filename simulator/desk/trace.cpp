@@ -36,10 +36,6 @@ const DirectionName& NameOf(TraceDirection direction) {
   return *std::ranges::find(kDirections, direction, &DirectionName::direction);
 }
 
-bool IsOnWire(TraceDirection direction) {
-  return direction == TraceDirection::kToMcu || direction == TraceDirection::kFromMcu;
-}
-
 const Json& Member(const Json& object, const char* name, bool (Json::*has_type)() const noexcept,
                    const char* type) {
   const auto member = object.find(name);
@@ -70,6 +66,10 @@ bool WriteAll(int fd, std::string_view bytes) {
 }
 
 }  // namespace
+
+bool IsOnWire(TraceDirection direction) {
+  return direction == TraceDirection::kToMcu || direction == TraceDirection::kFromMcu;
+}
 
 std::string Printable(std::string_view bytes) {
   std::string text;

@@ -33,6 +33,8 @@ enum class TraceDirection {
   kDesk,   // nothing on the wire: what was done to the board
 };
 
+bool IsOnWire(TraceDirection direction);
+
 // One line on the wire, or one event beside it.
 struct TraceRecord {
   std::chrono::nanoseconds time{0};  // since the board came up

@@ -117,6 +117,18 @@ bool McuSerial::WaitForHostClosed(std::chrono::milliseconds timeout) {
   });
 }
 
+void McuSerial::TakeWhatWasSent() {
+  // The line needs 100 ms for more than 1000 bytes. The end of a command without its CR is not heard of.
+  constexpr std::chrono::milliseconds kLineTime(100);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ReceiveBytes();
+    HandleArrivedBytes();
+    SendFromOtherThread();
+  }
+  WaitUntil(kLineTime, [this] { return received_.empty(); });
+}
+
 std::vector<std::string> McuSerial::CommandsReceived() const {
   std::vector<std::string> commands;
   for (const WireEvent& line : log_.Lines()) {

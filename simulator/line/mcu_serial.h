@@ -103,6 +103,9 @@ class McuSerial {
   bool IsOpenByHost() const;
   bool WaitForHostClosed(std::chrono::milliseconds timeout);
 
+  // The MCU takes everything that programs have sent so far, also what is still on a paced line.
+  void TakeWhatWasSent();
+
   // The log of the wire and the commands in it. The wait ends when `command` has come `count` times since the
   // log was last cleared; it returns false after `timeout`.
   WireLog& Log() { return log_; }

@@ -10,6 +10,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/messages.h"
+#include "simulator/program/child_process.h"
 #include "simulator/program/installed_files.h"
 
 namespace rolu_sim {
@@ -31,14 +32,30 @@ TraceFormat FormatOf(const BoardSettings& settings) {
   return settings.trace_format == "json" ? TraceFormat::kJson : TraceFormat::kText;
 }
 
+ReplayRule RuleOf(const BoardSettings& settings) {
+  if (settings.strict_replay) return ReplayRule::kStrict;
+  return settings.lenient_replay ? ReplayRule::kLenient : ReplayRule::kReported;
+}
+
 }  // namespace
 
 void AddBoardSettings(CLI::App& command, BoardSettings& settings) {
   command
       .add_option("--scenario", settings.scenario, "Play a scenario: a file, or the name of a ready-made one")
       ->type_name("FILE");
-  command.add_option("--replay", settings.replay, "Answer as the MCU did in a recorded trace")
-      ->type_name("FILE");
+  CLI::Option* const replay =
+      command.add_option("--replay", settings.replay, "Answer as the MCU did in a recorded trace")
+          ->type_name("FILE");
+  CLI::Option* const strict =
+      command
+          .add_flag("--strict", settings.strict_replay,
+                    "With --replay: end at the first command that the recording does not have")
+          ->needs(replay);
+  command
+      .add_flag("--lenient", settings.lenient_replay,
+                "With --replay: another dialogue than the recorded one is no failure")
+      ->needs(replay)
+      ->excludes(strict);
   command
       .add_option_function<std::vector<std::string>>(
           "--fault",
@@ -86,12 +103,14 @@ PreparedBoard::PreparedBoard(const BoardSettings& settings) : settings_(settings
   }
   if (!settings.replay.empty()) {
     const Verb* const send = FindVerb("send");
-    replay_ = std::make_unique<Replay>(settings.replay);
+    replay_ = std::make_unique<Replay>(settings.replay, RuleOf(settings));
     for (const Replay::EarlyLine& early : replay_->early_lines()) {
-      scenario_.events.push_back({std::chrono::duration_cast<std::chrono::milliseconds>(early.time),
-                                  {send, CheckArguments(*send, {{"text", early.line}})}});
+      Scenario::Step step;
+      step.delay = std::chrono::duration_cast<std::chrono::milliseconds>(early.time);
+      step.action = {send, CheckArguments(*send, {{"text", early.line}})};
+      step.place = settings.replay;
+      scenario_.steps.push_back(std::move(step));
     }
-    scenario_.Sort();
   }
   if (!settings.trace.empty()) writer_ = std::make_unique<TraceWriter>(settings.trace, FormatOf(settings));
 }
@@ -102,6 +121,7 @@ DeskOptions PreparedBoard::TakeDeskOptions(const std::string& root_directory) {
   options.paced = settings_.paced;
   options.seed = settings_.seed ? *settings_.seed : std::random_device{}();
   options.replay = std::move(replay_);
+  options.on_divergence = EndProgram;
   if (writer_) options.listener = [this](const TraceRecord& record) { writer_->Write(record); };
   return options;
 }
@@ -115,11 +135,23 @@ Scenario PreparedBoard::Start(Desk& desk) {
   return std::move(scenario_);
 }
 
-int PreparedBoard::Conclude(Desk& desk, int status) const {
-  if (desk.replay() != nullptr) rolu::Say(desk.replay()->Summary());
-  if (!settings_.fail_on_bite || desk.BiteCount() == 0) return status;
-  rolu::SayProblem(fmt::format("failed: the watchdog bit (--fail-on-bite); bites: {}", desk.BiteCount()));
-  return rolu::kBitten;
+int PreparedBoard::Conclude(Desk& desk, int status, const ScenarioOutcome& outcome) const {
+  const Replay* const replay = desk.replay();
+  if (replay != nullptr) rolu::Say(replay->Summary());
+  if (outcome.failed) return rolu::kUnexpected;
+  if (replay != nullptr && replay->rule() == ReplayRule::kStrict && replay->LacksCommands()) {
+    return rolu::kDiverged;
+  }
+  if (outcome.settled_early || outcome.is_status_expected) status = rolu::kDone;
+  if (settings_.fail_on_bite && desk.BiteCount() > 0) {
+    rolu::SayProblem(fmt::format("failed: the watchdog bit (--fail-on-bite); bites: {}", desk.BiteCount()));
+    return rolu::kBitten;
+  }
+  const bool has_diverged =
+      replay != nullptr && replay->rule() != ReplayRule::kLenient && replay->HasDiverged();
+  if (!has_diverged || status != rolu::kDone) return status;
+  rolu::SayProblem("failed: the replay diverged from its recording (--lenient lets that pass)");
+  return rolu::kDiverged;
 }
 
 }  // namespace rolu_sim

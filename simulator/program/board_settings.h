@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/desk/scenario.h"
+#include "simulator/desk/scenario_run.h"
 
 namespace rolu_sim {
 
@@ -15,6 +15,8 @@ namespace rolu_sim {
 struct BoardSettings {
   std::string scenario;  // a file or a name; empty: none
   std::string replay;    // a file; empty: none
+  bool strict_replay = false;
+  bool lenient_replay = false;
   std::vector<Action> faults;
   std::optional<std::uint32_t> seed;
   bool paced = false;
@@ -39,8 +41,8 @@ class PreparedBoard {
   Scenario Start(Desk& desk);
 
   // Writes the messages for the end of a board. Gives the exit status, which may differ from the program's
-  // `status`.
-  int Conclude(Desk& desk, int status) const;
+  // `status` because of what the scenario, the replay and the board have shown.
+  int Conclude(Desk& desk, int status, const ScenarioOutcome& outcome) const;
 
  private:
   const BoardSettings& settings_;

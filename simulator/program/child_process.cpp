@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "cli/exit_status.h"
@@ -28,25 +29,45 @@ std::vector<char*> AsArguments(const std::vector<std::string>& command) {
   return arguments;
 }
 
+// How long a program may go on after EndProgram.
+constexpr std::chrono::seconds kGrace(2);
+
+bool IsFromEndProgram(const siginfo_t& signal) {
+  return signal.si_code == SI_QUEUE && signal.si_pid == getpid();
+}
+
 // Passes on the signals that came before the program started: the program has missed them, even those from
-// the terminal.
-void PassOnEarlierSignals(pid_t child) {
+// the terminal. Gives whether one is from EndProgram.
+bool PassOnEarlierSignals(pid_t child) {
   sigset_t held{};
   sigemptyset(&held);
   for (const int number : kHeld) sigaddset(&held, number);
   const timespec no_time{};
-  int number = 0;
-  while ((number = sigtimedwait(&held, nullptr, &no_time)) > 0) kill(child, number);
+  siginfo_t signal{};
+  bool is_to_end = false;
+  while (sigtimedwait(&held, &signal, &no_time) > 0) {
+    kill(child, signal.si_signo);
+    is_to_end |= IsFromEndProgram(signal);
+  }
+  return is_to_end;
 }
 
 int WaitForEnd(pid_t child, const HeldSignals& signals) {
-  PassOnEarlierSignals(child);
+  bool is_to_end = PassOnEarlierSignals(child);
+  std::optional<HeldSignals::TimePoint> kill_due;
   while (true) {
-    const siginfo_t signal = signals.Wait();
-    if (signal.si_signo != SIGCHLD) {
+    if (is_to_end && !kill_due) kill_due = std::chrono::steady_clock::now() + kGrace;
+    const std::optional<siginfo_t> signal = signals.Wait(kill_due);
+    if (!signal) {
+      kill(child, SIGKILL);
+      kill_due = HeldSignals::TimePoint::max();
+      continue;
+    }
+    if (signal->si_signo != SIGCHLD) {
+      is_to_end |= IsFromEndProgram(*signal);
       // The terminal sends its signals to the program as well. So only signals that another process sent to
       // this process are passed on.
-      if (signal.si_code <= 0) kill(child, signal.si_signo);
+      if (signal->si_code <= 0) kill(child, signal->si_signo);
       continue;
     }
     int status = 0;
@@ -70,14 +91,26 @@ HeldSignals::HeldSignals() {
   pthread_sigmask(SIG_BLOCK, &watched_, &mask_before_);
 }
 
-siginfo_t HeldSignals::Wait() const {
+std::optional<siginfo_t> HeldSignals::Wait(std::optional<TimePoint> due) const {
   siginfo_t signal{};
-  while (sigwaitinfo(&watched_, &signal) < 0) continue;
-  return signal;
+  while (!due) {
+    if (sigwaitinfo(&watched_, &signal) >= 0) return signal;
+  }
+  while (true) {
+    const auto left = std::max(*due - std::chrono::steady_clock::now(), std::chrono::nanoseconds(0));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    const timespec wait{seconds.count(), (left - seconds).count()};
+    if (sigtimedwait(&watched_, &signal, &wait) >= 0) return signal;
+    if (errno == EAGAIN) return std::nullopt;
+  }
 }
 
 void EndThisProcess() {
   kill(getpid(), SIGTERM);
+}
+
+void EndProgram() {
+  sigqueue(getpid(), SIGTERM, {});
 }
 
 int RunChild(const std::vector<std::string>& command, const HeldSignals& signals) {

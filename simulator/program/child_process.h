@@ -2,6 +2,8 @@
 
 #include <signal.h>
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,8 +15,10 @@ class HeldSignals {
  public:
   HeldSignals();
 
-  // Waits for one of these signals, or for the end of a child (SIGCHLD).
-  siginfo_t Wait() const;
+  // Waits for one of these signals, or for the end of a child (SIGCHLD). Gives nothing when `due` has come.
+  using TimePoint = std::chrono::steady_clock::time_point;
+  std::optional<siginfo_t> Wait(std::optional<TimePoint> due) const;
+  siginfo_t Wait() const { return *Wait(std::nullopt); }
 
   // The signal mask for a program that this process starts.
   const sigset_t& mask_before() const { return mask_before_; }
@@ -28,6 +32,9 @@ class HeldSignals {
 
 // Ends the board as if somebody had sent SIGTERM to this process.
 void EndThisProcess();
+
+// Ends the program of RunChild, or the board, likewise. A program that still runs a moment later is killed.
+void EndProgram();
 
 // Runs one program as a child, and passes on to it the signals that are sent to this process. Gives the
 // program's exit status. If the program cannot start, writes a message and gives a status of

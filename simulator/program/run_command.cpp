@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 #include "simulator/desk/control_server.h"
@@ -13,11 +15,15 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   const HeldSignals signals;
   PreparedBoard prepared(settings);
   Desk desk(prepared.TakeDeskOptions({}));
-  ControlServer server(desk, EndThisProcess);
+  ScenarioPlayer player(desk, BoardUse::kOneProgram, EndProgram);
+  const ControlServer server(desk, player, EndThisProcess);
   Scenario scenario = prepared.Start(desk);
   MeetBoard(desk.board().root().path());
-  server.Play(std::move(scenario));
-  return prepared.Conclude(desk, RunChild(command, signals));
+  player.Play(std::move(scenario));
+  const int status = RunChild(command, signals);
+  const ScenarioOutcome outcome =
+      player.TellEnd(fmt::format("the program ended with status {}", status), status);
+  return prepared.Conclude(desk, status, outcome);
 }
 
 // The user may have meant a missing program as a subcommand.

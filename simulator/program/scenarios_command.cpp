@@ -16,7 +16,7 @@ int Check(const std::vector<std::string>& files) {
     try {
       const ScenarioFile file = ReadScenarioFile(name);
       const Scenario scenario = ParseScenario(file.text, file.name);
-      std::cout << fmt::format("{}: good, {} events\n", name, scenario.events.size());
+      std::cout << fmt::format("{}: good, {} events\n", name, scenario.steps.size());
     } catch (const std::exception& problem) {
       rolu::SayProblem(problem.what());
       status = rolu::kWrongUse;

@@ -62,8 +62,9 @@ int Serve(const BoardSettings& settings, const std::string& named) {
   const ServedDirectory served(directory);
   PreparedBoard prepared(settings);
   Desk desk(prepared.TakeDeskOptions(directory));
-  ControlServer server(desk, EndThisProcess);
-  server.Play(prepared.Start(desk));
+  ScenarioPlayer player(desk, BoardUse::kServed);
+  const ControlServer server(desk, player, EndThisProcess);
+  player.Play(prepared.Start(desk));
   std::cout << fmt::format(
                    "A board is up at {0}. Ctrl-C ends it, and so does: rolu-sim ctl --board {0} stop\n"
                    "To run a program on it, put one of these lines in front:\n"
@@ -75,7 +76,7 @@ int Serve(const BoardSettings& settings, const std::string& named) {
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {
     number = signals.Wait().si_signo;
   }
-  return prepared.Conclude(desk, 0);
+  return prepared.Conclude(desk, 0, player.TellEnd("the board went down", 0));
 }
 
 }  // namespace

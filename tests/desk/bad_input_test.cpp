@@ -17,6 +17,8 @@ TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
       directory.Write("trace", "{\"t_s\": 0, \"direction\": \"to-mcu\", \"line\": \"A\"}\n{\"t_s\": 1}\n");
   const std::string text_trace = directory.Write("text-trace", "   0.1 > MCVG\n");
   const std::string scenario = directory.Write("scenario", "{\n\"events\": [{}]}");
+  const std::string ends =
+      directory.Write("ends", R"({"events": [{"at": 0, "expect": "end", "within": 1}]})");
   const ServedBoard board(directory);
   const std::string here = " --board " + board.path() + ' ';
   const struct {
@@ -42,6 +44,10 @@ TEST(BadInput, GetsAStatusAndASentenceThatHelps) {
       {"run --replay " + trace + " -- true", 2, "trace:2: \"direction\" is missing"},
       {"run --replay " + text_trace + " -- true", 2, "text-trace:1: is not JSON"},
       {"run --replay " + full + "no -- true", 2, "cannot be read"},
+      {"run --strict -- true", 2, "--strict requires --replay"},
+      {"run --replay " + trace + " --strict --lenient -- true", 2, "--strict excludes --lenient"},
+      {"serve --scenario " + ends + ' ' + full + "no", 2, "\"end\" is for rolu-sim run"},
+      {"ctl play " + ends + here, 2, "\"end\" is for rolu-sim run"},
       {"run --trace /no/such/directory/trace -- true", 125, "/no/such/directory/trace"},
       {"serve", 2, "DIR is required"},
       {"serve " + full, 2, "is not an empty directory"},

@@ -100,6 +100,41 @@ TEST(Trace, IsPlayedBackAsTheScriptOfTheMcu) {
   EXPECT_GT(sent, 0);
 }
 
+TEST(Trace, SaysHowAReplayDiverges) {
+  const struct {
+    const char* option;
+    const char* commands;
+    int status;  // of a program that ends with 0
+    const char* says;
+  } kRows[] = {
+      {"", "AB CD", 0, "2 of 2 recorded commands were sent\n"},
+      {"", "CD AB", 0, "1 in another order"},
+      {"", "AB CD AB", 10, "failed: the replay diverged"},
+      {"", "AB", 10, "1 of 2 recorded commands were sent\n"},
+      {"--lenient", "AB EF", 0, "1 that were sent are not in the recording"},
+      {"--strict", "CD AB", 0, "1 in another order"},
+      {"--strict", "AB", 10, "1 of 2"},
+      {"--strict", "AB EF CD", 10,
+       "EF came, which the recording does not have or has no more; the recording has CD next (at 2.000 s) "
+       "***"},
+  };
+  const Directory directory;
+  const std::string trace = directory.Write("field.json", R"({"t_s": 1, "direction": "to-mcu", "line": "AB"}
+{"t_s": 1, "direction": "from-mcu", "line": "OK"}
+{"t_s": 2, "direction": "to-mcu", "line": "CD"}
+{"t_s": 2, "direction": "from-mcu", "line": "OK"}
+)");
+  for (const auto& row : kRows) {
+    const std::string script = std::string("exec 3<>/proc/vpm_serial; for command in ") + row.commands +
+                               "; do printf \"$command\\r\" >&3; read answer <&3; done";
+    const Ended run = RunTool(
+        directory,
+        Joined(Words(std::string("run --replay ") + trace + ' ' + row.option), {"--", "sh", "-c", script}));
+    EXPECT_EQ(run.status, row.status) << row.option << row.commands << run.err;
+    EXPECT_THAT(run.err, HasSubstr(row.says)) << row.option << row.commands;
+  }
+}
+
 TEST(Trace, PlaysBackUnaskedLinesSilenceAndAnyBytes) {
   const Directory directory;
   const std::string trace = directory.Write(

@@ -39,6 +39,11 @@ std::string Desk::Apply(const Action& action) {
   return action.verb->apply(*this, action.arguments);
 }
 
+void Desk::OnEvent(EventListener listener) {
+  const std::lock_guard<std::mutex> lock(listeners_mutex_);
+  listeners_.push_back(std::move(listener));
+}
+
 int Desk::BiteCount() {
   return static_cast<int>(
       std::ranges::count(board_.mcu().Events(), McuEventKind::kWatchdogBite, &McuEvent::kind));
@@ -78,18 +83,27 @@ Reply Desk::Answer(std::string_view command, const AskModel& ask_model) {
   });
 }
 
+// People and the trace hear of the event before it has its effects.
 void Desk::Hear(const McuEvent& event) {
+  SayOf(event);
+  const std::lock_guard<std::mutex> lock(listeners_mutex_);
+  for (const EventListener& listener : listeners_) listener(event);
+}
+
+void Desk::SayOf(const McuEvent& event) {
   const double seconds = std::chrono::duration<double>(event.time - start_).count();
   switch (event.kind) {
     case McuEventKind::kWatchdogBite:
       Say(fmt::format(
           "*** WATCHDOG BITE at {:.3f} s: it was not triggered in time, the computer is reset ***", seconds));
       break;
-    case McuEventKind::kPowerOff:
-      Say(fmt::format("the power is cut at {:.3f} s, as a program ordered", seconds));
+    case McuEventKind::kPowerCut:
+      Say(fmt::format("*** POWER CUT at {:.3f} s: a program ordered it ***", seconds));
       break;
     case McuEventKind::kAlarmWakeup:
       Say(fmt::format("the clock's alarm wakes the computer at {:.3f} s", seconds));
+      break;
+    default:
       break;
   }
 }

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "simulator/board.h"
 #include "simulator/desk/board_faults.h"
@@ -48,6 +49,11 @@ class Desk {
   const Replay* replay() const { return replay_.get(); }
   TimePoint start() const { return start_; }
 
+  // `listener` gets each event of the board from now on, in order, on the thread that caused it, for as long
+  // as the desk lives. It must not call the MCU, nor run a verb.
+  using EventListener = std::function<void(const McuEvent& event)>;
+  void OnEvent(EventListener listener);
+
   // How often the watchdog has bitten.
   int BiteCount();
 
@@ -68,12 +74,15 @@ class Desk {
   BoardOptions MakeBoardOptions(const DeskOptions& options);
   Reply Answer(std::string_view command, const AskModel& ask_model);
   void Hear(const McuEvent& event);
+  void SayOf(const McuEvent& event);
 
   const TimePoint start_;
   std::mutex mutex_;
   Trace trace_;
   AnswerFaults faults_;
   const std::unique_ptr<Replay> replay_;
+  std::mutex listeners_mutex_;
+  std::vector<EventListener> listeners_;
   bool seed_announced_ = false;
   Board board_;
   BoardFaults board_faults_;

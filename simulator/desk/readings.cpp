@@ -115,22 +115,12 @@ Json DescribeI2cTransfers(Desk& desk) {
   return {{"resets", desk.board().reset_controller().ResetCount()}, {"transfers", std::move(transfers)}};
 }
 
-std::string_view NameOf(McuEventKind kind) {
-  switch (kind) {
-    case McuEventKind::kPowerOff:
-      return "power-off";
-    case McuEventKind::kAlarmWakeup:
-      return "alarm-wakeup";
-    case McuEventKind::kWatchdogBite:
-      return "watchdog-bite";
-  }
-  return "";
-}
-
 Json DescribeEvents(Desk& desk) {
   Json events = Json::array();
   for (const McuEvent& event : desk.board().mcu().Events()) {
-    events.push_back({{"t_s", Seconds(event.time - desk.start())}, {"event", NameOf(event.kind)}});
+    Json entry = {{"t_s", Seconds(event.time - desk.start())}, {"event", NameOf(event.kind)}};
+    if (!event.cause.empty()) entry["cause"] = event.cause;
+    events.push_back(std::move(entry));
   }
   return events;
 }

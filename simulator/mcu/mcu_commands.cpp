@@ -82,7 +82,7 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
 
   switch (IndexOf(command)) {
     case IndexOf("ATPO"):
-      events_.push_back({McuEventKind::kPowerOff, now});
+      events_.push_back({McuEventKind::kPowerCut, now, "ordered"});
       return Done();
     case IndexOf("EEDF"):
       RestoreDefaults();

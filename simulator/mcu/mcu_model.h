@@ -8,6 +8,7 @@
 #include "protocol/commands.h"
 #include "simulator/mcu/battery.h"
 #include "simulator/mcu/clock.h"
+#include "simulator/mcu/mcu_event.h"
 #include "simulator/mcu/mcu_state.h"
 
 namespace rolu_sim {
@@ -17,19 +18,6 @@ using AnswerLines = std::vector<std::string>;
 
 // Why the MCU is about to cut the power.
 enum class PowerOffWarning { kIgnition, kLowVoltage };
-
-// What the MCU does to the computer. The wire shows none of these, and the simulated computer goes on
-// running.
-enum class McuEventKind {
-  kPowerOff,      // the power is cut, as ATPO ordered
-  kAlarmWakeup,   // the clock's alarm woke the computer
-  kWatchdogBite,  // the watchdog was not triggered in time: the computer is reset
-};
-
-struct McuEvent {
-  McuEventKind kind;
-  TimePoint time;
-};
 
 // The three axes in the format of the wire.
 std::string FormatSample(const GSensorSample& sample);

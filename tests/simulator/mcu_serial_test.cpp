@@ -115,12 +115,12 @@ TEST(McuSerial, TellsTheOwnerOfEventsAndSendsWhatIsDue) {
   const Host host(serial);
   const auto start = std::chrono::steady_clock::now();
   host.Send("WDTS0001\rWDTE\rMCUS30001\rATPO\r");
-  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerOff, kPatience));
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerCut, kPatience));
   serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
   ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kWatchdogBite, kPatience));
   EXPECT_THAT(serial.Events().back().time - start, Ge(1s));
   EXPECT_EQ(host.Read(24), "OK\r\nOK\r\nOK\r\nOK\r\n[0000]\r\n");
-  EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerOff, McuEventKind::kWatchdogBite));
+  EXPECT_THAT(heard, ElementsAre(McuEventKind::kPowerCut, McuEventKind::kWatchdogBite));
 }
 
 TEST(McuSerial, TakesTheTimeOfTheLineWhenPaced) {

@@ -24,6 +24,8 @@ struct DeskOptions {
   std::uint32_t seed = 0;          // of random faults
   std::unique_ptr<Replay> replay;  // answers in place of the model where it can; may be null
   Trace::Listener listener;        // hears the trace from its first record; may be empty
+  bool survive_power_cut = false;  // cuts and resets by programs are reported only
+  bool survive_bite = false;
 };
 
 // A board with everything that steers and watches it: the trace, the faults, the verbs. It writes its
@@ -74,7 +76,6 @@ class Desk {
   BoardOptions MakeBoardOptions(const DeskOptions& options);
   Reply Answer(std::string_view command, const AskModel& ask_model);
   void Hear(const McuEvent& event);
-  void SayOf(const McuEvent& event);
 
   const TimePoint start_;
   std::mutex mutex_;

@@ -92,10 +92,10 @@ inline constexpr Command kCommands[] = {
     Order("MCPS", "set the {1} threshold of the {0} system to {2} units", {kSystem, kProtection, kWord},
           kUsualDelayMs),
 
-    Question("MCUG", "read the {}", {kDelayType}, "{}, in the MCU's unit", {kNumber}),
-    Order("MCUS", "set the {} to {}, in the MCU's unit", {kDelayType, kWord}, kUsualDelayMs),
-    Question("MSDG", "read the delay of the forced shutdown", {}, "{}, in the MCU's unit", {kNumber}),
-    Order("MSDS", "set the delay of the forced shutdown to {}, in the MCU's unit", {kWord}, kUsualDelayMs),
+    Question("MCUG", "read the {}", {kDelayType}, "{} MCU units", {kNumber}),
+    Order("MCUS", "set the {} to {} MCU units", {kDelayType, kWord}, kUsualDelayMs),
+    Question("MSDG", "read the delay of the forced shutdown", {}, "{} MCU units", {kNumber}),
+    Order("MSDS", "set the delay of the forced shutdown to {} MCU units", {kWord}, kUsualDelayMs),
     Question("MSSG", "read whether the forced shutdown is on", {}, "forced shutdown {}", {kSwitch}),
     Order("MSSS", "switch the forced shutdown {}", {kSwitch}, kUsualDelayMs),
 
@@ -131,8 +131,8 @@ inline constexpr Command kCommands[] = {
     Order("WDTE", "switch the watchdog on", {}, 0),
     Order("WDTD", "switch the watchdog off", {}, 0),
     Order("WDTR", "trigger the watchdog", {}, 0),
-    Question("WDTG", "read the watchdog's time", {}, "{}, in the MCU's unit", {kNumber}),
-    Order("WDTS", "set the watchdog's time to {}, in the MCU's unit", {kWord}, kUsualDelayMs),
+    Question("WDTG", "read the watchdog's time", {}, "{} MCU units", {kNumber}),
+    Order("WDTS", "set the watchdog's time to {} MCU units", {kWord}, kUsualDelayMs),
 
     Order("GSO", "switch the G-sensor on", {}, 0),
     Order("GSF", "switch the G-sensor off", {}, 0),

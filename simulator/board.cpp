@@ -15,8 +15,10 @@ constexpr char kIndoorLight[] = "350\n";
 
 Board::Board(BoardOptions options)
     : root_(options.root_directory),
-      mcu_(std::move(options.serial)),
-      reset_controller_(std::make_shared<ResetController>()),
+      event_listener_(std::move(options.serial.event_listener)),
+      mcu_(WithOwnListener(std::move(options.serial))),
+      reset_controller_(std::make_shared<ResetController>(
+          [this] { mcu_.WithModel([](McuModel& mcu) { mcu.ResetComputer(); }); })),
       register_device_(std::make_shared<I2cRegisterDevice>()),
       i2c_(std::make_shared<I2cBus>()),
       backlight_(std::make_shared<Backlight>()),
@@ -30,6 +32,24 @@ Board::Board(BoardOptions options)
   devices_.AddNode(kBacklightPath, backlight_);
   devices_.AddNode(kLuxPath, light_sensor_);
   RestoreSerialDevice();
+}
+
+// The MCU may call back only once a program has used the board, so all parts exist by then.
+McuSerialOptions Board::WithOwnListener(McuSerialOptions options) {
+  options.event_listener = [this](const McuEvent& event) { Hear(event); };
+  return options;
+}
+
+// What the kernel knows goes with the power; what is outside and in the MCU stays.
+void Board::Hear(const McuEvent& event) {
+  const bool starts = event.ends_programs || event.kind == McuEventKind::kPowerOn;
+  if (starts) devices_.SetPower(false);
+  if (event_listener_) event_listener_(event);
+  if (!starts) return;
+  gpio_.Restart();
+  backlight_->SetLevel(Backlight::kHighestLevel);
+  wireless_.Set(false);
+  devices_.SetPower(event.kind != McuEventKind::kPowerCut);
 }
 
 Board::~Board() {

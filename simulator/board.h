@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -70,7 +71,11 @@ class Board {
   void ReplugSerialPort();
 
  private:
+  McuSerialOptions WithOwnListener(McuSerialOptions options);
+  void Hear(const McuEvent& event);
+
   BoardRoot root_;
+  const std::function<void(const McuEvent&)> event_listener_;
   McuSerial mcu_;
   std::shared_ptr<ResetController> reset_controller_;
   std::shared_ptr<I2cRegisterDevice> register_device_;

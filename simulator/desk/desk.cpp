@@ -6,6 +6,8 @@
 #include <iostream>
 #include <utility>
 
+#include "simulator/desk/event_words.h"
+
 namespace rolu_sim {
 
 Desk::Desk(DeskOptions options)
@@ -17,7 +19,12 @@ Desk::Desk(DeskOptions options)
       on_divergence_(std::move(options.on_divergence)),
       board_(MakeBoardOptions(options)),
       board_faults_(board_),
-      register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {}
+      register_devices_{{Board::kRegisterDeviceAddress, &board_.register_device()}} {
+  board_.mcu().WithModel([&](McuModel& mcu) {
+    mcu.computer.survives_power_cut = options.survive_power_cut;
+    mcu.computer.survives_bite = options.survive_bite;
+  });
+}
 
 // Called before the board exists. The board's threads may call back at once: all that they use of the desk
 // exists by then.
@@ -98,27 +105,10 @@ void Desk::TellDivergence(std::string_view command) {
 
 // People and the trace hear of the event before it has its effects.
 void Desk::Hear(const McuEvent& event) {
-  SayOf(event);
+  const double seconds = std::chrono::duration<double>(event.time - start_).count();
+  if (const std::string words = WordsFor(event, seconds); !words.empty()) Say(words);
   const std::lock_guard<std::mutex> lock(listeners_mutex_);
   for (const EventListener& listener : listeners_) listener(event);
-}
-
-void Desk::SayOf(const McuEvent& event) {
-  const double seconds = std::chrono::duration<double>(event.time - start_).count();
-  switch (event.kind) {
-    case McuEventKind::kWatchdogBite:
-      Say(fmt::format(
-          "*** WATCHDOG BITE at {:.3f} s: it was not triggered in time, the computer is reset ***", seconds));
-      break;
-    case McuEventKind::kPowerCut:
-      Say(fmt::format("*** POWER CUT at {:.3f} s: a program ordered it ***", seconds));
-      break;
-    case McuEventKind::kAlarmWakeup:
-      Say(fmt::format("the clock's alarm wakes the computer at {:.3f} s", seconds));
-      break;
-    default:
-      break;
-  }
 }
 
 }  // namespace rolu_sim

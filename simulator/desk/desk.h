@@ -26,6 +26,8 @@ struct DeskOptions {
   std::unique_ptr<Replay> replay;         // answers in place of the model where it can; may be null
   std::function<void()> on_divergence{};  // called when a strict replay diverges, on the MCU's thread
   Trace::Listener listener;               // hears the trace from its first record; may be empty
+  bool survive_power_cut = false;         // cuts and resets by programs are reported only
+  bool survive_bite = false;
 };
 
 // A board with everything that steers and watches it: the trace, the faults, the verbs. It writes its
@@ -80,7 +82,6 @@ class Desk {
   Reply Answer(std::string_view command, const AskModel& ask_model);
   void TellDivergence(std::string_view command);
   void Hear(const McuEvent& event);
-  void SayOf(const McuEvent& event);
 
   const TimePoint start_;
   std::mutex mutex_;

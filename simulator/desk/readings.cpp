@@ -31,7 +31,7 @@ Json DescribeBattery(const McuModel& mcu) {
   };
   return {{"system_v", SystemOf(mcu.battery.mode).volts},
           {"voltage_v", std::round(mcu.battery.VoltsAt(now) * 1000) / 1000},
-          {"reading_units", mcu.battery.RawAt(now)},
+          {"reading_raw", mcu.battery.RawAt(now)},
           {"preboot_protection", thresholds(Protection::kPreboot)},
           {"low_battery_protection", thresholds(Protection::kLowBattery)}};
 }
@@ -46,7 +46,8 @@ Json NumbersOf(const std::array<bool, N>& switches) {
 }
 
 Json DescribeClock(const McuModel& mcu) {
-  const TimePoint now = std::chrono::steady_clock::now();
+  const TimePoint real_now = std::chrono::steady_clock::now();
+  const McuTimePoint now = mcu.time.At(real_now);
   const rolu_protocol::AlarmTime& alarm = mcu.clock.alarm;
   const auto next = mcu.clock.NextAlarm(now);
   const bool is_on = mcu.power_sources.wakeup_enabled[rolu_protocol::kAlarmSource];
@@ -61,18 +62,62 @@ Json DescribeClock(const McuModel& mcu) {
             {"repeats", repeats},
             {"weekday", alarm.weekday},
             {"time", fmt::format("{:02}:{:02}", alarm.hour, alarm.minute)},
-            {"comes_in_s", is_on && next ? Json(Seconds(*next - now)) : Json(nullptr)}}}};
+            {"comes_in_s",
+             is_on && next ? Json(Seconds(mcu.time.RealTimeOf(*next) - real_now)) : Json(nullptr)}}}};
 }
 
 Json DescribeWatchdog(Desk& desk) {
   const int bites = desk.BiteCount();
   return desk.board().mcu().WithModel([&](McuModel& mcu) {
-    const auto due = mcu.watchdog.BiteDue();
+    const TimePoint now = std::chrono::steady_clock::now();
+    const auto due = mcu.BiteDue();
     return Json{{"on", mcu.watchdog.enabled},
-                {"time_s", mcu.watchdog.time},
-                {"left_s", due ? Json(Seconds(*due - std::chrono::steady_clock::now())) : Json(nullptr)},
+                {"time_units", mcu.watchdog.time},
+                {"left_s", due ? Json(Seconds(mcu.time.RealTimeOf(*due) - now)) : Json(nullptr)},
                 {"triggers", mcu.watchdog.trigger_count},
                 {"bites", bites}};
+  });
+}
+
+Json DescribeCuts(Desk& desk, const McuModel& mcu) {
+  Json cuts = Json::array();
+  for (const McuEvent& event : mcu.Events()) {
+    if (event.kind != McuEventKind::kPowerCut) continue;
+    cuts.push_back({{"t_s", Seconds(event.time - desk.start())}, {"cause", event.cause}});
+  }
+  return cuts;
+}
+
+// What the MCU counts, and the real time that is left of it.
+Json DescribeCountdowns(const McuModel& mcu) {
+  const TimePoint now = std::chrono::steady_clock::now();
+  Json countdowns = Json::array();
+  for (const McuModel::Countdown& countdown : mcu.Countdowns(now)) {
+    Json entry = {{"event", NameOf(countdown.kind)}, {"left_s", Seconds(countdown.due - now)}};
+    if (!countdown.cause.empty()) entry["cause"] = countdown.cause;
+    countdowns.push_back(std::move(entry));
+  }
+  return countdowns;
+}
+
+Json DescribePowerOff(Desk& desk) {
+  constexpr std::array kPowers = {"on", "off", "suspended"};  // in the order of ComputerPower
+  return desk.board().mcu().WithModel([&](const McuModel& mcu) {
+    const PowerOffState& state = mcu.power_off;
+    return Json{{"computer", kPowers[static_cast<std::size_t>(mcu.computer.power)]},
+                {"cuts", DescribeCuts(desk, mcu)},
+                {"counting", DescribeCountdowns(mcu)},
+                {"mcu_unit_s", Seconds(mcu.time.unit)},
+                {"mcu_speed", mcu.time.speed()},
+                {"low_battery_delay_units", state.Delay(DelayType::kLowBattery)},
+                {"low_battery_hard_delay_units", state.Delay(DelayType::kLowBatteryHard)},
+                {"ignition_on_delay_units", state.Delay(DelayType::kIgnitionOn)},
+                {"ignition_off_event_delay_units", state.Delay(DelayType::kIgnitionOffEvent)},
+                {"ignition_hard_off_delay_units", state.Delay(DelayType::kIgnitionHardOff)},
+                {"ignition_suspend_hard_off_delay_units", state.Delay(DelayType::kIgnitionSuspendHardOff)},
+                {"power_off_alarm_delay_units", state.Delay(DelayType::kPrePowerOffAlarm)},
+                {"forced_shutdown", state.forced_shutdown},
+                {"forced_shutdown_delay_units", state.forced_shutdown_delay}};
   });
 }
 
@@ -176,7 +221,7 @@ constexpr std::array<ReadingUnit, 7> kReadingUnits = {{{"_v", " V"},
                                                        {"_ms", " ms"},
                                                        {"_c", " degrees Celsius"},
                                                        {"_percent", " %"},
-                                                       {"_units", " units"},
+                                                       {"_units", " MCU units"},
                                                        {"_steps", " steps of 62.5"}}};
 
 // Splits a name into label and unit: "voltage_v" is "voltage" in V.
@@ -248,18 +293,7 @@ const std::vector<Reading>& Readings() {
                  {"keep_alive_mode", mcu.ignition.keep_alive_mode},
                  {"at_mode", mcu.ignition.at_mode}};
        })},
-      {"power-off", "the delays and the forced shutdown", OfMcu([](const McuModel& mcu) -> Json {
-         const PowerOffState& state = mcu.power_off;
-         return {{"low_battery_delay_s", state.Delay(DelayType::kLowBattery)},
-                 {"low_battery_hard_delay_s", state.Delay(DelayType::kLowBatteryHard)},
-                 {"ignition_on_delay_s", state.Delay(DelayType::kIgnitionOn)},
-                 {"ignition_off_event_delay_s", state.Delay(DelayType::kIgnitionOffEvent)},
-                 {"ignition_hard_off_delay_s", state.Delay(DelayType::kIgnitionHardOff)},
-                 {"ignition_suspend_hard_off_delay_s", state.Delay(DelayType::kIgnitionSuspendHardOff)},
-                 {"power_off_alarm_delay_s", state.Delay(DelayType::kPrePowerOffAlarm)},
-                 {"forced_shutdown", state.forced_shutdown},
-                 {"forced_shutdown_delay_s", state.forced_shutdown_delay}};
-       })},
+      {"power-off", "the computer's power: cuts, what the MCU counts, the delays", DescribePowerOff},
       {"sources", "shutdown and wake-up sources", OfMcu([](const McuModel& mcu) -> Json {
          return {{"shutdown_sources_on", NumbersOf(mcu.power_sources.shutdown_enabled)},
                  {"wakeup_sources_on", NumbersOf(mcu.power_sources.wakeup_enabled)},

@@ -2,10 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "protocol/values.h"
 #include "simulator/desk/desk.h"
+#include "simulator/desk/mcu_settings.h"
 
 namespace rolu_sim {
 namespace {
@@ -52,12 +54,65 @@ int SecondOfDay(const ClockTime& time) {
 std::string SetClock(McuModel& mcu, const Arguments& given) {
   constexpr int kSecondsOfDay = 24 * 60 * 60;
   const auto& text = given.Get<ClockText>("time");
-  const TimePoint now = Now();
+  const McuTimePoint now = mcu.time.At(Now());
   const ClockTime present = mcu.clock.TimeAt(now);
   const int ahead = SecondOfDay(text.time) - SecondOfDay(present);
   mcu.clock.Set(text.has_date ? text.time : AddSeconds(present, ahead >= 0 ? ahead : ahead + kSecondsOfDay),
                 now);
   return "the clock shows " + FormatClockTime(mcu.clock.TimeAt(now));
+}
+
+// A source that wakes nobody because the computer is on is only recorded.
+std::string WakeUp(McuModel& mcu, const Arguments& given) {
+  const auto code = given.Get<decltype(rolu_protocol::WakeupCode::code)>("source");
+  const int source =
+      std::ranges::find(rolu_protocol::kWakeupCodes, code, &rolu_protocol::WakeupCode::code)->source;
+  if (mcu.computer.power == ComputerPower::kOn || source == rolu_protocol::kNoSource) {
+    mcu.power_sources.last_wakeup_code = code;
+    return {};
+  }
+  if (!mcu.power_sources.wakeup_enabled[static_cast<std::size_t>(source)]) {
+    return "this source is switched off and wakes nobody";
+  }
+  mcu.WakeComputer(source);
+  return mcu.computer.power == ComputerPower::kOn ? "the computer is on"
+                                                  : "the car battery is too low to start";
+}
+
+void Suspend(McuModel& mcu, const Arguments& /*given*/) {
+  if (mcu.computer.power != ComputerPower::kOn)
+    throw UsageError("only a computer that is on can be suspended");
+  mcu.SuspendComputer();
+}
+
+// The value of a setting of the MCU (std::string).
+Parameter SettingValue() {
+  return {.name = "value",
+          .range = "MCU units, volts, or on or off",
+          .help = "its value",
+          .parse = [](const Json& given) -> std::optional<Argument> {
+            std::string text = given.is_string() ? given.get<std::string>() : given.dump();
+            if (given.is_boolean()) text = given.get<bool>() ? "on" : "off";
+            return Argument{text, text};
+          }};
+}
+
+Parameter UnitLength() {
+  Parameter length = Duration("length", "the length");
+  length.range = "a time from 1ms to 1h";
+  length.parse = [parse = length.parse](const Json& given) -> std::optional<Argument> {
+    std::optional<Argument> argument = parse(given);
+    if (!argument) return std::nullopt;
+    const auto unit = std::any_cast<std::chrono::milliseconds>(argument->value);
+    return unit >= McuTime::kShortestUnit && unit <= McuTime::kLongestUnit ? argument : std::nullopt;
+  };
+  return length;
+}
+
+Parameter SettingName() {
+  Parameter name = OneOf("name", McuSettingNames(), "the setting");
+  name.range = "a setting of the MCU, by its name in `rolu list`";
+  return name;
 }
 
 std::string MeasureSample(McuModel& mcu, const Arguments& given) {
@@ -137,11 +192,28 @@ std::vector<Verb> VehicleVerbs() {
          mcu.WarnOfPowerOff(given.Get<PowerOffWarning>("cause"));
        })},
       {"wakeup-source",
-       "Sets what the MCU reports to have woken the computer last",
+       "Lets a source wake the computer; if it is on, only sets what the MCU reports to have woken it last",
        {Choice("source", WakeupCodes(), "the source")},
+       Doing(WakeUp)},
+      {"suspend", "Suspends the computer: its programs stop until something wakes it", {}, Doing(Suspend)},
+      {"set",
+       "Changes a setting of the MCU, as a program would",
+       {SettingName(), SettingValue()},
        Doing([](McuModel& mcu, const Arguments& given) {
-         using Code = decltype(rolu_protocol::WakeupCode::code);
-         mcu.power_sources.last_wakeup_code = given.Get<Code>("source");
+         McuSettingOrder(given.Get<std::string>("name"), given.Get<std::string>("value"))(mcu);
+       })},
+      {"mcu-speed",
+       "Lets the MCU's own time run faster or slower; what has passed so far stays",
+       {Number("speed", McuTime::kLeastSpeed, McuTime::kMostSpeed, "",
+               "how many times as fast as the real time")},
+       Doing([](McuModel& mcu, const Arguments& given) {
+         mcu.time.SetSpeed(given.Get<double>("speed"), Now());
+       })},
+      {"mcu-unit",
+       "Sets the length of the MCU's unit, in which it counts delays and the watchdog's time",
+       {UnitLength()},
+       Doing([](McuModel& mcu, const Arguments& given) {
+         mcu.time.unit = given.Get<std::chrono::milliseconds>("length");
        })},
       {"clock",
        "Sets the MCU's clock; a time of the day is the next one, so that a night can be skipped",

@@ -63,6 +63,11 @@ void DeviceServer::AddNode(const std::string& path, std::shared_ptr<Device> devi
   node.inode = ++last_inode_;
 }
 
+void DeviceServer::RemoveNode(const std::string& path) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  nodes_[path].device = nullptr;
+}
+
 void DeviceServer::SetFaults(const std::string& path, const DeviceFaults& faults) {
   const std::lock_guard<std::mutex> lock(mutex_);
   nodes_[path].faults = faults;
@@ -154,6 +159,11 @@ bool DeviceServer::Serve(Connection& caller) {
 DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& request,
                                    const std::string& payload, std::string& answer_payload) {
   DeviceMessage answer{};
+  answer.operation = request.operation;
+  if (!is_on_) {
+    answer.result = -ENODEV;
+    return answer;
+  }
   switch (request.operation) {
     case DeviceRequest::kOpen:
       answer.result = Open(caller, request, payload);
@@ -183,7 +193,7 @@ DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& requ
         answer.result = -EIO;  // the descriptor comes from a board that is gone
       }
   }
-  answer.operation = request.operation;
+  answer.operation = request.operation;  // AnswerFor gives another message
   answer.length = static_cast<std::uint32_t>(answer_payload.size());
   return answer;
 }

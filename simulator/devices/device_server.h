@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -62,8 +63,12 @@ class DeviceServer {
   // serial port, but calls `on_serial_open` on its thread each time before a program opens that port.
   DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
 
-  // Adds or replaces the node at `path`, which is a path of board_paths.h.
+  // Adds or replaces the node at `path`, which is a path of board_paths.h, or takes it away.
   void AddNode(const std::string& path, std::shared_ptr<Device> device);
+  void RemoveNode(const std::string& path);
+
+  // While the computer is off, each call fails with ENODEV.
+  void SetPower(bool on) { is_on_ = on; }
 
   // The faults of a path from now on; a default DeviceFaults ends them.
   void SetFaults(const std::string& path, const DeviceFaults& faults);
@@ -117,6 +122,7 @@ class DeviceServer {
   mutable std::mutex mutex_;
   std::map<std::string, Node> nodes_;
   std::uint64_t last_inode_ = 0;
+  std::atomic<bool> is_on_{true};
   std::deque<DeviceAccess> accesses_;
 
   std::map<std::uint64_t, Connection*> descriptors_;  // by id; only the server's thread uses it

@@ -62,7 +62,7 @@ std::string GpioPath(int line, std::string_view attribute) {
   return fmt::format("{}/gpio{}/{}", kGpioDirectory, line, attribute);
 }
 
-Gpio::Gpio(DeviceServer& server) {
+Gpio::Gpio(DeviceServer& server) : server_(server) {
   for (const int number : rolu_protocol::kGpioLines) lines_[number] = std::make_shared<Line>();
   server.AddNode(kGpioExportPath,
                  std::make_shared<Attribute>(nullptr, [lines = lines_, &server](std::string_view text) {
@@ -84,6 +84,15 @@ bool Gpio::Level(int line) const {
 
 void Gpio::SetInput(int line, bool high) {
   lines_.at(line)->driven_from_outside = high;
+}
+
+void Gpio::Restart() {
+  for (const auto& [number, line] : lines_) {
+    for (const char* const attribute : kGpioAttributes) server_.RemoveNode(GpioPath(number, attribute));
+    line->is_output = false;
+    line->driven_by_program = false;
+    line->exported = false;
+  }
 }
 
 }  // namespace rolu_sim

@@ -17,7 +17,7 @@ std::string GpioPath(int line, std::string_view attribute);
 // starts as an input; the direction "out" or "low" drives it low, "high" drives it high.
 class Gpio {
  public:
-  // Adds the export attribute to `server`. `server` must outlive all calls of programs.
+  // Adds the export attribute to `server`, which must outlive this object and all calls of programs.
   explicit Gpio(DeviceServer& server);
 
   // Any thread may call these. They throw std::out_of_range if `line` is not a line of the board.
@@ -28,10 +28,14 @@ class Gpio {
   // Sets the level that the world outside drives. It does not change the level of an output.
   void SetInput(int line, bool high);
 
+  // The kernel starts: all lines are inputs again, and none is exported.
+  void Restart();
+
   struct Line;
   using Lines = std::map<int, std::shared_ptr<Line>>;
 
  private:
+  DeviceServer& server_;
   Lines lines_;
 };
 

@@ -25,7 +25,10 @@ DeviceResult I2cRegisterDevice::Read(std::string& bytes, std::size_t count) {
 }
 
 DeviceResult ResetController::Write(std::string_view bytes) {
-  if (bytes == kResetCommand) ++reset_count_;
+  if (bytes == kResetCommand) {
+    ++reset_count_;
+    reset_computer_();
+  }
   return static_cast<DeviceResult>(bytes.size());
 }
 

@@ -40,10 +40,13 @@ class I2cRegisterDevice : public I2cDevice {
   std::uint8_t selected_ = 0;
 };
 
-// The board's reset controller. It counts a reset for each write that is exactly the bytes 0x0B 0x01.
+// The board's reset controller. It resets the computer for each write that is exactly the bytes 0x0B 0x01.
 class ResetController : public I2cDevice {
  public:
   static constexpr std::uint8_t kAddress = 0x78;
+
+  explicit ResetController(std::function<void()> reset_computer)
+      : reset_computer_(std::move(reset_computer)) {}
 
   DeviceResult Write(std::string_view bytes) override;
   DeviceResult Read(std::string& bytes, std::size_t count) override;
@@ -51,6 +54,7 @@ class ResetController : public I2cDevice {
   int ResetCount() const { return reset_count_; }
 
  private:
+  const std::function<void()> reset_computer_;
   std::atomic<int> reset_count_{0};
 };
 

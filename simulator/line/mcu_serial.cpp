@@ -34,7 +34,7 @@ McuSerial::McuSerial(McuSerialOptions options)
       answer_route_(std::move(options.answer_route)),
       event_listener_(std::move(options.event_listener)),
       log_(std::move(options.line_listener)) {
-  model_.clock.Set(options.clock_start, std::chrono::steady_clock::now());
+  model_.clock.Set(options.clock_start, model_.time.At(std::chrono::steady_clock::now()));
   const BlockedSignals blocked;
   thread_ = std::jthread([this](const std::stop_token& stop) { Run(stop); });
 }

@@ -37,8 +37,6 @@ VoltageCurve::Point ParsePoint(const std::string& word) {
   return {*time, volts};
 }
 
-constexpr auto kLowBattery = static_cast<std::size_t>(Protection::kLowBattery);
-
 // The index of an electrical system in tables.
 std::size_t IndexOf(BatteryMode mode) {
   return mode == BatteryMode::k24V ? 0 : 1;
@@ -102,19 +100,20 @@ std::uint16_t BatteryState::RawAt(TimePoint now) const {
   return static_cast<std::uint16_t>(std::clamp(units, 0.0, 65535.0));
 }
 
-double BatteryState::LowVolts() const {
-  return (thresholds_[IndexOf(mode)][kLowBattery] - 0.5) * SystemOf(mode).volts_per_unit;
+double BatteryState::LowVolts(Protection protection) const {
+  return (Threshold(mode, protection) - 0.5) * SystemOf(mode).volts_per_unit;
 }
 
-bool BatteryState::IsProtectedAndLow(TimePoint now) const {
-  return protection_enabled[kLowBattery] && VoltsAt(now) < LowVolts();
+bool BatteryState::IsProtectedAndLow(Protection protection, TimePoint now) const {
+  return protection_enabled[static_cast<std::size_t>(protection)] && VoltsAt(now) < LowVolts(protection);
 }
 
-std::optional<TimePoint> BatteryState::NextLowBatteryChange(TimePoint now) const {
+std::optional<TimePoint> BatteryState::NextLowBatteryChange(Protection protection, TimePoint now) const {
   // On an almost level curve the voltage at the computed time may still be on the same side. The caller then
   // waits this much longer, so that it does not spin.
   constexpr std::chrono::milliseconds kLeast(1);
-  const std::optional<std::chrono::nanoseconds> crossing = curve.NextCrossing(LowVolts(), now - curve_start);
+  const std::optional<std::chrono::nanoseconds> crossing =
+      curve.NextCrossing(LowVolts(protection), now - curve_start);
   if (!crossing) return std::nullopt;
   return std::max(curve_start + *crossing, now + kLeast);
 }

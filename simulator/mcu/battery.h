@@ -67,14 +67,14 @@ struct BatteryState {
   // limited to 16 bits.
   std::uint16_t RawAt(TimePoint now) const;
 
-  // Whether the low-battery protection is on and the reading is below its threshold for the present mode. The
-  // second call says when the battery next crosses that threshold, up or down, if nothing is set meanwhile.
-  bool IsProtectedAndLow(TimePoint now) const;
-  std::optional<TimePoint> NextLowBatteryChange(TimePoint now) const;
+  // Whether the protection is on and the reading is below its threshold for the present mode. The second call
+  // says when the battery next crosses that threshold, up or down, if nothing is set meanwhile.
+  bool IsProtectedAndLow(Protection protection, TimePoint now) const;
+  std::optional<TimePoint> NextLowBatteryChange(Protection protection, TimePoint now) const;
 
  private:
-  // The voltage below which the reading rounds to less than the low-battery threshold.
-  double LowVolts() const;
+  // The voltage below which the reading rounds to less than the threshold.
+  double LowVolts(Protection protection) const;
 
   std::array<std::array<std::uint16_t, 2>, 2> thresholds_{{{1454, 1454}, {747, 747}}};
 };

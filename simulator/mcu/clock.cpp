@@ -72,16 +72,16 @@ std::optional<rolu_protocol::AlarmTime> ValidAlarmTimeOf(std::uint64_t number) {
   return time;
 }
 
-void ClockState::Set(const ClockTime& time, TimePoint now) {
+void ClockState::Set(const ClockTime& time, McuTimePoint now) {
   set_time_ = time;
   set_at_ = now;
 }
 
-ClockTime ClockState::TimeAt(TimePoint now) const {
+ClockTime ClockState::TimeAt(McuTimePoint now) const {
   return AddSeconds(set_time_, std::chrono::floor<std::chrono::seconds>(now - set_at_).count());
 }
 
-std::optional<TimePoint> ClockState::NextAlarm(TimePoint after) const {
+std::optional<McuTimePoint> ClockState::NextAlarm(McuTimePoint after) const {
   if (!alarm.match_weekday && !alarm.match_hour && !alarm.match_minute) return std::nullopt;
   const ClockTime start = TimeAt(after);
   const int start_minute = start.weekday * kMinutesPerDay + start.hour * kMinutesPerHour + start.minute;

@@ -4,15 +4,15 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <type_traits>
 
 #include "protocol/values.h"
+#include "simulator/mcu/mcu_time.h"
 
 namespace rolu_sim {
 
-// The simulator's own time, which does not depend on what the MCU's clock shows.
-using TimePoint = std::chrono::steady_clock::time_point;
-
-inline std::optional<TimePoint> Sooner(std::optional<TimePoint> one, std::optional<TimePoint> other) {
+template <typename Time>
+std::optional<Time> Sooner(std::optional<Time> one, std::type_identity_t<std::optional<Time>> other) {
   if (!one || !other) return one ? one : other;
   return std::min(*one, *other);
 }
@@ -50,15 +50,15 @@ struct ClockState {
 
   rolu_protocol::AlarmTime alarm;
 
-  void Set(const ClockTime& time, TimePoint now);
-  ClockTime TimeAt(TimePoint now) const;
+  void Set(const ClockTime& time, McuTimePoint now);
+  ClockTime TimeAt(McuTimePoint now) const;
 
   // The next time after `after` when the alarm's fields match.
-  std::optional<TimePoint> NextAlarm(TimePoint after) const;
+  std::optional<McuTimePoint> NextAlarm(McuTimePoint after) const;
 
  private:
   ClockTime set_time_ = kFactoryTime;
-  TimePoint set_at_{};
+  McuTimePoint set_at_{};
 };
 
 }  // namespace rolu_sim

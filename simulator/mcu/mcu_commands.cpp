@@ -58,6 +58,9 @@ std::string SetOneOf(std::array<bool, kCount>& switches, std::uint64_t number, b
   return number < kCount ? Set(switches[static_cast<std::size_t>(number)], on) : Refused();
 }
 
+// At 115200 bit/s an answer takes less, so the program has it when the power goes.
+constexpr std::chrono::milliseconds kAnswerTime(5);
+
 }  // namespace
 
 AnswerLines McuModel::Execute(std::string_view command, TimePoint now) {
@@ -82,7 +85,8 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
 
   switch (IndexOf(command)) {
     case IndexOf("ATPO"):
-      events_.push_back({McuEventKind::kPowerCut, now, "ordered"});
+      // Its answer leaves before.
+      ordered_cut_ = time.At(now + kAnswerTime);
       return Done();
     case IndexOf("EEDF"):
       RestoreDefaults();
@@ -151,18 +155,18 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
       return Byte(power_sources.last_wakeup_code);
 
     case IndexOf("RTCG"):
-      return fmt::format("{:014X}", NumberOf(clock.TimeAt(now)));
+      return fmt::format("{:014X}", NumberOf(clock.TimeAt(time.At(now))));
     case IndexOf("RTCS"): {
-      const std::optional<ClockTime> time = ClockTimeOf(number(0));
-      if (!time) return Refused();
-      clock.Set(*time, now);
+      const std::optional<ClockTime> set = ClockTimeOf(number(0));
+      if (!set) return Refused();
+      clock.Set(*set, time.At(now));
       return Done();
     }
     case IndexOf("RTAG"):
       return fmt::format("{:06X}", rolu_protocol::NumberOf(clock.alarm));
     case IndexOf("RTAS"): {
-      const std::optional<rolu_protocol::AlarmTime> time = ValidAlarmTimeOf(number(0));
-      return time ? Set(clock.alarm, *time) : Refused();
+      const std::optional<rolu_protocol::AlarmTime> alarm = ValidAlarmTimeOf(number(0));
+      return alarm ? Set(clock.alarm, *alarm) : Refused();
     }
 
     case IndexOf("B03"):
@@ -183,13 +187,13 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
       return Word(backup_battery.percent);
 
     case IndexOf("WDTE"):
-      watchdog.last_trigger = now;
+      watchdog.last_trigger = time.At(now);
       return Set(watchdog.enabled, true);
     case IndexOf("WDTD"):
       return Set(watchdog.enabled, false);
     case IndexOf("WDTR"):
       ++watchdog.trigger_count;
-      return Set(watchdog.last_trigger, now);
+      return Set(watchdog.last_trigger, time.At(now));
     case IndexOf("WDTG"):
       return Word(watchdog.time);
     case IndexOf("WDTS"):

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "simulator/mcu/clock.h"
+#include "simulator/mcu/mcu_time.h"
 
 namespace rolu_sim {
 
@@ -16,6 +16,7 @@ enum class McuEventKind {
   kLowBatteryWarning,  // the same because of the car battery
   kPowerCut,
   kPowerOn,
+  kStartRefused,  // the car battery is too low for a power-on
   kReset,         // a program ordered it
   kWatchdogBite,  // the watchdog was not triggered in time: the computer is reset
   kAlarmWakeup,   // the clock's alarm came, and may wake the computer
@@ -29,11 +30,12 @@ struct McuEventName {
 };
 
 // The names of the events, for readings, traces and scenarios alike.
-inline constexpr std::array<McuEventName, 9> kMcuEventNames = {{
+inline constexpr std::array<McuEventName, 10> kMcuEventNames = {{
     {McuEventKind::kIgnitionWarning, "ignition-warning"},
     {McuEventKind::kLowBatteryWarning, "low-battery-warning"},
     {McuEventKind::kPowerCut, "power-cut"},
     {McuEventKind::kPowerOn, "power-on"},
+    {McuEventKind::kStartRefused, "start-refused"},
     {McuEventKind::kReset, "reset"},
     {McuEventKind::kWatchdogBite, "watchdog-bite"},
     {McuEventKind::kAlarmWakeup, "alarm-wakeup"},
@@ -48,8 +50,8 @@ constexpr std::string_view NameOf(McuEventKind kind) {
 struct McuEvent {
   McuEventKind kind;
   TimePoint time;
-  // Why, for a power cut (ignition, low-battery, forced-shutdown, suspend, ordered), for a power-on and a
-  // resumption (ignition, alarm, source-2). The MCU counted `units` of its own before, if that was a delay.
+  // Why the power was cut (ignition, low-battery, forced-shutdown, suspend, ordered), and why it came on or
+  // the computer resumed (ignition, alarm, source-2). If a delay had passed before, it had these MCU units.
   std::string cause{};
   std::uint16_t units = 0;
   // Whether the programs on the computer have ended with it.

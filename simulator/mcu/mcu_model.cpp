@@ -41,11 +41,6 @@ bool McuModel::ShakeTo(const GSensorSample& sample) {
   return true;
 }
 
-void McuModel::WarnOfPowerOff(PowerOffWarning warning) {
-  unsent_.emplace_back(warning == PowerOffWarning::kIgnition ? rolu_protocol::kIgnitionWarning
-                                                             : rolu_protocol::kLowBatteryWarning);
-}
-
 void McuModel::RestoreDefaults() {
   RestoreAllBut(battery, &BatteryState::curve, &BatteryState::curve_start);
   clock.alarm = {};
@@ -58,42 +53,60 @@ void McuModel::RestoreDefaults() {
 }
 
 std::optional<TimePoint> McuModel::NextDue(TimePoint now) const {
-  std::optional<TimePoint> due;
-  if (!unsent_.empty()) due = now;
-  due = Sooner(due, ignition_off_.Due(power_off.Delay(DelayType::kIgnitionOffEvent)));
-  due = Sooner(due, battery_low_.Due(power_off.Delay(DelayType::kLowBattery)));
-  due = Sooner(due, battery.NextLowBatteryChange(now));
-  due = Sooner(due, watchdog.BiteDue());
-  return Sooner(due, NextAlarm());
+  if (!unsent_.empty()) return now;
+  const std::optional<McuTimePoint> next = NextStep();
+  if (!next) return std::nullopt;
+  return time.RealTimeOf(*next);
 }
 
+// What became due meanwhile happens in its order.
 AnswerLines McuModel::TakeDueLines(TimePoint now) {
-  ignition_off_.Follow(!ignition.on, now);
-  if (ignition_off_.TakeDue(power_off.Delay(DelayType::kIgnitionOffEvent), now) &&
-      ignition.pre_power_off_alarm) {
-    WarnOfPowerOff(PowerOffWarning::kIgnition);
-  }
-  battery_low_.Follow(battery.IsProtectedAndLow(now), now);
-  if (battery_low_.TakeDue(power_off.Delay(DelayType::kLowBattery), now)) {
-    WarnOfPowerOff(PowerOffWarning::kLowVoltage);
-  }
-
-  const std::optional<TimePoint> bite = watchdog.BiteDue();
-  if (bite && *bite <= now) {
-    watchdog.enabled = false;  // after the reset the computer starts without the watchdog
-    events_.push_back({McuEventKind::kWatchdogBite, *bite});
-  }
-
-  for (auto alarm = NextAlarm(); alarm && *alarm <= now; alarm = NextAlarm()) {
-    power_sources.last_wakeup_code = rolu_protocol::WakeupCodeOf(rolu_protocol::kAlarmSource);
-    events_.push_back({McuEventKind::kAlarmWakeup, *alarm});
-    alarm_followed_to_ = *alarm;
-  }
-  alarm_followed_to_ = std::max(alarm_followed_to_, now);
+  const McuTimePoint mcu_now = time.At(now);
+  for (auto next = NextStep(); next && *next < mcu_now; next = NextStep()) Step(std::max(*next, followed_to_));
+  Step(mcu_now);
   return std::exchange(unsent_, {});
 }
 
-std::optional<TimePoint> McuModel::NextAlarm() const {
+void McuModel::Step(McuTimePoint now) {
+  followed_to_ = now;
+  FollowConditions();
+  if (ordered_cut_ && *ordered_cut_ <= now) CutPower("ordered", 0);
+  const auto acts = DelayedActs(time.RealTimeOf(now));
+  for (std::size_t index = 0; index < acts.size(); ++index) {
+    if (conditions_[index].TakeDue(time.Units(acts[index].units), now)) Act(acts[index]);
+  }
+  if (const auto bite = BiteDue(); bite && *bite <= now) {
+    watchdog.enabled = false;
+    const bool ends_programs = !computer.survives_bite;
+    Note(McuEventKind::kWatchdogBite, {}, watchdog.time, ends_programs);
+    if (ends_programs) Restart();
+  }
+  for (auto alarm = NextAlarm(); alarm && *alarm <= now; alarm = NextAlarm()) {
+    alarm_followed_to_ = *alarm;
+    power_sources.last_wakeup_code = rolu_protocol::WakeupCodeOf(rolu_protocol::kAlarmSource);
+    Note(McuEventKind::kAlarmWakeup);
+    WakeComputer(rolu_protocol::kAlarmSource);
+  }
+  alarm_followed_to_ = std::max(alarm_followed_to_, now);
+  FollowConditions();
+}
+
+std::optional<McuTimePoint> McuModel::NextStep() const {
+  const TimePoint now = time.RealTimeOf(followed_to_);
+  std::optional<McuTimePoint> next = Sooner(NextAlarm(), BiteDue());
+  next = Sooner(next, ordered_cut_);
+  const auto acts = DelayedActs(now);
+  for (std::size_t index = 0; index < acts.size(); ++index) {
+    next = Sooner(next, conditions_[index].Due(time.Units(acts[index].units)));
+  }
+  for (const Protection protection : {Protection::kPreboot, Protection::kLowBattery}) {
+    if (const auto change = battery.NextLowBatteryChange(protection, now))
+      next = Sooner(next, time.At(*change));
+  }
+  return next;
+}
+
+std::optional<McuTimePoint> McuModel::NextAlarm() const {
   if (!power_sources.wakeup_enabled[rolu_protocol::kAlarmSource]) return std::nullopt;
   return clock.NextAlarm(alarm_followed_to_);
 }

@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "protocol/values.h"
-#include "simulator/mcu/clock.h"
+#include "simulator/mcu/mcu_time.h"
 
 namespace rolu_sim {
 
@@ -80,7 +80,8 @@ struct PowerOffState {
   bool forced_shutdown = false;
   std::uint16_t forced_shutdown_delay = 120;
 
-  // In seconds. The model uses two of the delays: kIgnitionOffEvent and kLowBattery run before a warning.
+  // In MCU units. kPrePowerOffAlarm counts nothing here: how the operating system shuts down is not
+  // simulated.
   std::uint16_t& Delay(DelayType type) { return delays_[static_cast<std::size_t>(type)]; }
   std::uint16_t Delay(DelayType type) const { return delays_[static_cast<std::size_t>(type)]; }
 
@@ -96,15 +97,19 @@ struct PowerSourcesState {
 
 struct WatchdogState {
   bool enabled = false;
-  std::uint16_t time = 60;  // in seconds
+  std::uint16_t time = 60;  // in MCU units
   std::uint32_t trigger_count = 0;
-  TimePoint last_trigger{};  // the last trigger, or the time when it was switched on
+  McuTimePoint last_trigger{};  // the last trigger, or the time when it was switched on
+};
 
-  // When the watchdog bites if nothing triggers it before.
-  std::optional<TimePoint> BiteDue() const {
-    if (!enabled) return std::nullopt;
-    return last_trigger + std::chrono::seconds(time);
-  }
+enum class ComputerPower { kOn, kOff, kSuspended };
+
+// The computer behind the MCU. One that survives stays on: the event is reported, nothing else happens. So a
+// test program can hold a board in its own process.
+struct ComputerState {
+  ComputerPower power = ComputerPower::kOn;
+  bool survives_power_cut = true;  // and a reset that a program orders
+  bool survives_bite = true;
 };
 
 // A condition that becomes due once it has held for a delay without a break. It becomes due only once, until
@@ -112,7 +117,7 @@ struct WatchdogState {
 class HeldCondition {
  public:
   // Call it whenever the condition may have changed.
-  void Follow(bool holds, TimePoint now) {
+  void Follow(bool holds, McuTimePoint now) {
     if (!holds) {
       since_.reset();
       taken_ = false;
@@ -121,21 +126,21 @@ class HeldCondition {
     }
   }
 
-  std::optional<TimePoint> Due(std::uint16_t delay_s) const {
+  std::optional<McuTimePoint> Due(std::chrono::nanoseconds delay) const {
     if (!since_ || taken_) return std::nullopt;
-    return *since_ + std::chrono::seconds(delay_s);
+    return *since_ + delay;
   }
 
   // Whether the condition has become due. Returns true once only.
-  bool TakeDue(std::uint16_t delay_s, TimePoint now) {
-    const std::optional<TimePoint> due = Due(delay_s);
+  bool TakeDue(std::chrono::nanoseconds delay, McuTimePoint now) {
+    const std::optional<McuTimePoint> due = Due(delay);
     if (!due || *due > now) return false;
     taken_ = true;
     return true;
   }
 
  private:
-  std::optional<TimePoint> since_;
+  std::optional<McuTimePoint> since_;
   bool taken_ = false;
 };
 

@@ -93,11 +93,13 @@ int CallDevice(DeviceMessage& message, iovec sent = kNothing, iovec received = k
   return result;
 }
 
-void Tell(DeviceRequest what) {
+// Keeps errno. Returns what the board answered: 0 if it is gone.
+int32_t Tell(DeviceRequest what) {
   const int error = errno;
   DeviceMessage message{.operation = what};
   Call(message, kNothing, kNothing);
   errno = error;
+  return message.result;
 }
 
 size_t CutToPayload(size_t size) {
@@ -152,8 +154,10 @@ void SettleDevices() {
   Tell(DeviceRequest::kSettle);
 }
 
-void AnnounceSerialOpen() {
-  Tell(DeviceRequest::kSerialOpens);
+bool AnnounceSerialOpen() {
+  const int32_t result = Tell(DeviceRequest::kSerialOpens);
+  if (result < 0) errno = -result;
+  return result >= 0;
 }
 
 int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size) {

@@ -26,13 +26,12 @@ ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t of
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
 int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
 
-// The next two calls keep errno.
-
-// Returns once the board has handled all closes so far.
+// Returns once the board has handled all closes so far. Keeps errno.
 void SettleDevices();
 
-// When this returns, the MCU's bytes for the last program that had the serial port open are dropped.
-void AnnounceSerialOpen();
+// When this returns, the MCU's bytes for the last program that had the serial port open are dropped. Returns
+// false, with errno, if the board refuses the open; keeps errno otherwise.
+bool AnnounceSerialOpen();
 
 // Asks the board about a path or about the board itself. The answer's payload is cut to `size`.
 int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size);

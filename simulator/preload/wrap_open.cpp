@@ -27,7 +27,7 @@ int Open(Call next, int directory, const char* path, int flags, Mode... mode) {
     errno = ENOTDIR;
     return -1;
   }
-  if (place.target() == Target::kSerialPort) AnnounceSerialOpen();
+  if (place.target() == Target::kSerialPort && !AnnounceSerialOpen()) return -1;
   if (place.target() != Target::kUntouched) flags &= ~kMaking;
   const char* const system_path = place.SystemPath();
   return system_path == nullptr ? -1 : next(directory, system_path, flags, mode...);

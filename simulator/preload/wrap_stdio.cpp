@@ -99,7 +99,7 @@ template <typename Call>
 FILE* OpenStream(Call next, const char* path, const char* mode) {
   Place place(path);
   if (place.target() == Target::kDevice) return OpenDeviceStream(place.board_path(), mode);
-  if (place.target() == Target::kSerialPort) AnnounceSerialOpen();
+  if (place.target() == Target::kSerialPort && !AnnounceSerialOpen()) return nullptr;
   const char* const system_path = place.SystemPath();
   return system_path == nullptr ? nullptr : next(system_path, mode);
 }

@@ -22,7 +22,7 @@ TEST(WireWords, SayWhatCommandsAndAnswersMean) {
       {"MCPR3", "read the threshold range of the 12 V system", "02AA02EB030C",
        "from 682 to 780 units, 747 in the middle"},
       {"MCUS3003C",
-       "set the delay from the ignition going off to the power-off warning to 60, in the MCU's unit",
+       "set the delay from the ignition going off to the power-off warning to 60 MCU units",
        "ERR-M08", "refused: a parameter is out of its range"},
       {"RTASA0CB0D", "set the wake-up alarm to every day at 13:30", "OK", "done"},
       {"RTAG", "read the wake-up alarm", "01E101", "every week on weekday 0 at 07:00"},

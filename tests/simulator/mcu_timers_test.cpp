@@ -44,13 +44,13 @@ class McuTimers : public testing::Test {
     return times;
   }
 
-  McuModel mcu_;
-
- private:
   std::chrono::milliseconds Elapsed(TimePoint time) const {
     return std::chrono::duration_cast<std::chrono::milliseconds>(time - start_);
   }
 
+  McuModel mcu_;
+
+ private:
   void Take(std::vector<TimedLine>& sent) {
     for (std::string& line : mcu_.TakeDueLines(now_)) sent.emplace_back(Elapsed(now_), std::move(line));
   }
@@ -111,6 +111,117 @@ TEST_F(McuTimers, LetTheWatchdogBiteOnceWhenItIsNotTriggered) {
   mcu_.Execute("WDTD", now_);
   RunUntil(120s);
   EXPECT_THAT(TimesOf(McuEventKind::kWatchdogBite), ElementsAre(3500ms));
+}
+
+// Something that happens to the vehicle or the computer at a time.
+struct Step {
+  std::chrono::milliseconds at;
+  void (*happen)(McuModel& mcu, TimePoint now);
+};
+
+struct PowerRow {
+  const char* name;
+  std::vector<Step> steps;
+  std::vector<std::string> events;
+};
+
+// The warnings are there as well; the delays are those of the factory where no step sets them.
+const Step kIgnitionOffWithTenUnits = {0s, [](McuModel& mcu, TimePoint now) {
+                                         mcu.Execute("MCUS4000A", now);
+                                         mcu.ignition.on = false;
+                                       }};
+const Step kSuspended = {0s, [](McuModel& mcu, TimePoint) { mcu.SuspendComputer(); }};
+const Step kBatteryLow = {0s, [](McuModel& mcu, TimePoint) { mcu.SetBatteryVolts(9); }};
+
+TEST_F(McuTimers, CutThePowerAndRestoreItAsTheVehicleGoesOn) {
+  const PowerRow rows[] = {
+      {"ignition",
+       {{0s, [](McuModel& mcu, TimePoint) { mcu.ignition.on = false; }}},
+       {"ignition-warning at 30000", "power-cut ignition at 180000"}},
+      {"low battery", {kBatteryLow}, {"low-battery-warning at 30000", "power-cut low-battery at 60000"}},
+      {"forced shutdown",
+       {{1s, [](McuModel& mcu, TimePoint now) { mcu.Execute("MSSS1", now); }}},
+       {"power-cut forced-shutdown at 121000"}},
+      {"ordered, after the answer",
+       {{1s, [](McuModel& mcu, TimePoint now) { mcu.Execute("ATPO", now); }}},
+       {"power-cut ordered at 1005"}},
+      {"suspended: another delay, counted since the ignition went off",
+       {{0s, [](McuModel& mcu, TimePoint now) { mcu.Execute("MCUS60014", now); }},
+        kIgnitionOffWithTenUnits,
+        {5s, [](McuModel& mcu, TimePoint) { mcu.SuspendComputer(); }}},
+       {"suspend at 5000", "power-cut suspend at 20000"}},
+      {"the ignition comes back",
+       {kIgnitionOffWithTenUnits, {20s, [](McuModel& mcu, TimePoint) { mcu.ignition.on = true; }}},
+       {"power-cut ignition at 10000", "power-on ignition at 25000"}},
+      {"the ignition was on all the time: it switches nothing on",
+       {{1s, [](McuModel& mcu, TimePoint now) { mcu.Execute("ATPO", now); }},
+        {90s, [](McuModel& mcu, TimePoint) { mcu.ignition.on = false; }},
+        {99s, [](McuModel& mcu, TimePoint) { mcu.ignition.on = true; }}},
+       {"power-cut ordered at 1005", "power-on ignition at 104000"}},
+      {"the alarm comes at night: all begins anew",
+       {kIgnitionOffWithTenUnits,
+        {0s,
+         [](McuModel& mcu, TimePoint now) {
+           for (const char* const command : {"RTCS0E0719050C3B1E", "RTAS000001", "WKMS61"}) {
+             mcu.Execute(command, now);  // it is 12:59:30, the alarm comes at each full hour
+           }
+         }}},
+       {"power-cut ignition at 10000", "alarm-wakeup at 30000", "power-on alarm at 30000",
+        "power-cut ignition at 40000"}},
+      {"a battery too low to start, until it is good again",
+       {kIgnitionOffWithTenUnits,
+        {15s, [](McuModel& mcu, TimePoint) { mcu.SetBatteryVolts(9); }},
+        {16s, [](McuModel& mcu, TimePoint) { mcu.WakeComputer(2); }},
+        {20s, [](McuModel& mcu, TimePoint) { mcu.ignition.on = true; }},
+        {30s, [](McuModel& mcu, TimePoint) { mcu.SetBatteryVolts(12); }}},
+       {"power-cut ignition at 10000", "start-refused source-2 at 16000", "start-refused ignition at 25000",
+        "power-on ignition at 35000"}},
+      {"a suspended computer resumes",
+       {kSuspended, {9s, [](McuModel& mcu, TimePoint) { mcu.WakeComputer(1); }}},
+       {"suspend at 0", "resume source-1 at 9000"}},
+      {"a bite: the computer starts without the watchdog, all begins anew",
+       {kIgnitionOffWithTenUnits,
+        {0s,
+         [](McuModel& mcu, TimePoint now) {
+           mcu.Execute("WDTS0005", now);
+           mcu.Execute("WDTE", now);
+         }}},
+       {"watchdog-bite at 5000", "power-cut ignition at 15000"}},
+      {"a reset",
+       {kIgnitionOffWithTenUnits, {5s, [](McuModel& mcu, TimePoint) { mcu.ResetComputer(); }}},
+       {"reset at 5000", "power-cut ignition at 15000"}},
+      {"the MCU's time is faster and its unit shorter: what has passed stays",
+       {kIgnitionOffWithTenUnits,
+        {2s, [](McuModel& mcu, TimePoint now) { mcu.time.SetSpeed(4, now); }},
+        {3s, [](McuModel& mcu, TimePoint) { mcu.time.unit = 800ms; }}},
+       {"power-cut ignition at 3500"}},
+      {"a computer that survives",
+       {{0s, [](McuModel& mcu, TimePoint) { mcu.computer.survives_power_cut = true; }},
+        kIgnitionOffWithTenUnits},
+       {"power-cut ignition at 10000", "ignition-warning at 30000"}},
+  };
+  for (const PowerRow& row : rows) {
+    SCOPED_TRACE(row.name);
+    mcu_ = McuModel();
+    mcu_.computer = {.survives_power_cut = false, .survives_bite = false};
+    now_ = start_;
+    mcu_.TakeDueLines(now_);
+    for (const Step& step : row.steps) {
+      RunUntil(step.at);
+      step.happen(mcu_, now_);
+      mcu_.TakeDueLines(now_);
+    }
+    RunUntil(200s);
+    std::vector<std::string> events;
+    for (const McuEvent& event : mcu_.Events()) {
+      const std::string cause = event.cause.empty() ? "" : " " + event.cause;
+      events.push_back(std::string(NameOf(event.kind)) + cause + " at " +
+                       std::to_string(Elapsed(event.time).count()));
+    }
+    EXPECT_EQ(events, row.events);
+    EXPECT_FALSE(mcu_.watchdog.enabled);
+    EXPECT_FALSE(mcu_.power_off.forced_shutdown);
+  }
 }
 
 struct AlarmRow {

@@ -201,15 +201,14 @@ class ScenarioReader {
   }
 
   void ResolveTrigger(std::size_t step, const Json& given) {
-    using Kind = Scenario::Trigger::Kind;
     Scenario::Trigger& after = scenario_.steps[step].after;
     if (const auto named = named_steps_.find(after.text); named != named_steps_.end()) {
-      after.kind = Kind::kStep;
+      after.kind = Scenario::Trigger::Kind::kStep;
       after.step = named->second;
     } else if (IsBoardEvent(after.text)) {
-      after.kind = Kind::kEvent;
+      after.kind = Scenario::Trigger::Kind::kEvent;
     } else if (rolu_protocol::FindCommand(after.text) != nullptr) {
-      after.kind = Kind::kCommand;
+      after.kind = Scenario::Trigger::Kind::kCommand;
     } else {
       std::vector<std::string> known = BoardEventNames();
       for (const auto& [name, number] : named_steps_) known.push_back(name);

@@ -39,7 +39,7 @@ Parameter Pin() {
 
 Parameter ProgramStatus() {
   return Optional(
-      Integer("status", 0, 255, "its exit status, 128 and the number if a signal ended it; else any"));
+      Integer("status", 0, 255, "only with this exit status: 128 and the signal's number if one ended it"));
 }
 
 bool EndsWith(const Arguments& wanted, const Occurrence& end) {
@@ -60,7 +60,7 @@ Verdict JudgeEvent(const Arguments& wanted, const Occurrence& occurrence) {
 }
 
 Verdict JudgeEnd(const Arguments& wanted, const Occurrence& occurrence) {
-  if (occurrence.kind != Occurrence::Kind::kEnd) return Verdict::kPending;
+  if (occurrence.kind != Occurrence::Kind::kProgramEnd) return Verdict::kPending;
   return EndsWith(wanted, occurrence) ? Verdict::kMet : Verdict::kFailed;
 }
 
@@ -68,14 +68,14 @@ Verdict JudgeEnd(const Arguments& wanted, const Occurrence& occurrence) {
 Verdict JudgeShutdown(const Arguments& wanted, const Occurrence& occurrence) {
   if (occurrence.kind == Occurrence::Kind::kEvent && occurrence.text == NameOf(McuEventKind::kPowerCut))
     return Verdict::kFailed;
-  if (occurrence.kind != Occurrence::Kind::kEnd) return Verdict::kPending;
+  if (occurrence.kind != Occurrence::Kind::kProgramEnd) return Verdict::kPending;
   const bool by_itself =
       occurrence.status < rolu::kSignalBase || occurrence.status > rolu::kSignalBase + SIGRTMAX;
   return by_itself && EndsWith(wanted, occurrence) ? Verdict::kMet : Verdict::kFailed;
 }
 
 Verdict JudgeRunning(const Arguments& /*wanted*/, const Occurrence& occurrence) {
-  return occurrence.kind == Occurrence::Kind::kEnd ? Verdict::kFailed : Verdict::kPending;
+  return occurrence.kind == Occurrence::Kind::kProgramEnd ? Verdict::kFailed : Verdict::kPending;
 }
 
 int LineOf(const Arguments& wanted) {
@@ -103,7 +103,7 @@ const std::vector<ExpectationKind>& ExpectationKinds() {
                 .help = "An event of the board comes",
                 .parameters = {OneOf("event", BoardEventNames(), "the event"),
                                Optional(
-                                   Text("cause", "its cause, as \"ignition\" of a power-cut; else any"))}},
+                                   Text("cause", "only with this cause, as \"ignition\" of a power-cut"))}},
        .judge = JudgeEvent},
       {.verb = {.name = "pin",
                 .help = "A GPIO line has a level, or gets it",

@@ -14,16 +14,22 @@ namespace rolu_sim {
 
 // Something that a scenario can wait for.
 struct Occurrence {
-  enum class Kind { kCommand, kEvent, kEnd };
+  enum class Kind {
+    kCommand,
+    kEvent,
+    kProgramEnd,
+    kBoardEnd,  // nothing comes after it
+  };
 
   TimePoint time;
   Kind kind = Kind::kCommand;
-  std::string text;     // the command's line, the event's name, or what ended in words
+  std::string text{};   // the command's line, or the name of the event
   std::string cause{};  // of an event; may be empty
   int status = 0;       // of the program that ended
 
   std::string InWords() const {
-    if (kind == Kind::kEnd) return text;
+    if (kind == Kind::kProgramEnd) return "the program ended with status " + std::to_string(status);
+    if (kind == Kind::kBoardEnd) return "the board went down";
     return cause.empty() ? text + " came" : text + " (" + cause + ") came";
   }
 };

@@ -30,10 +30,16 @@ void ScenarioPlayer::Play(Scenario scenario) {
   });
 }
 
-ScenarioOutcome ScenarioPlayer::TellEnd(std::string words, int status) {
-  const std::lock_guard<std::mutex> lock(thread_mutex_);
+// What the program sent came before its end.
+void ScenarioPlayer::TellProgramEnd(int status) {
   desk_.board().mcu().TakeWhatWasSent();
-  occurrences_->Add({std::chrono::steady_clock::now(), Occurrence::Kind::kEnd, std::move(words), {}, status});
+  occurrences_->Add(
+      {.time = std::chrono::steady_clock::now(), .kind = Occurrence::Kind::kProgramEnd, .status = status});
+}
+
+ScenarioOutcome ScenarioPlayer::TellBoardEnd() {
+  occurrences_->Add({.time = std::chrono::steady_clock::now(), .kind = Occurrence::Kind::kBoardEnd});
+  const std::lock_guard<std::mutex> lock(thread_mutex_);
   if (thread_.joinable()) thread_.join();
   const std::lock_guard<std::mutex> outcome_lock(outcome_mutex_);
   return outcome_;

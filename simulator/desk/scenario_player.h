@@ -20,16 +20,20 @@ enum class BoardUse {
 class ScenarioPlayer {
  public:
   // `on_settled` (may be empty) is called on the player's thread when an expectation of a scenario has
-  // failed, or when all have been met and no other step is due. It is not called when the program has ended.
+  // failed, or when all have been met and no other step is due. It is not called after the end of the
+  // program.
   ScenarioPlayer(Desk& desk, BoardUse use, std::function<void()> on_settled = nullptr);
 
   // Plays a scenario from now on and ends the one that is playing. Throws ScenarioError when the scenario
   // expects something of a program and the board is served.
   void Play(Scenario scenario);
 
-  // Tells that the program under test, or the whole board, has ended: `words` say how. What a scenario still
-  // expects has failed. Gives what all scenarios have shown.
-  ScenarioOutcome TellEnd(std::string words, int status);
+  // Tells that the program for which the board was started has ended.
+  void TellProgramEnd(int status);
+
+  // Tells that the board goes down. What a scenario still expects has failed. Gives what all scenarios have
+  // shown.
+  ScenarioOutcome TellBoardEnd();
 
  private:
   void PlayToItsEnd(const std::stop_token& stop, Scenario scenario, TimePoint start);

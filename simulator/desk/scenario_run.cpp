@@ -90,7 +90,8 @@ void ScenarioRun::Hear(const Occurrence& occurrence) {
          occurrence.text.starts_with(after.text));
     if (comes && !states_[step].begins) states_[step].begins = occurrence.time + scenario_.steps[step].delay;
   }
-  if (occurrence.kind == Occurrence::Kind::kEnd) FailTheRest(occurrence);
+  if (occurrence.kind == Occurrence::Kind::kProgramEnd) program_end_ = occurrence;
+  if (occurrence.kind == Occurrence::Kind::kBoardEnd) FailTheRest(occurrence);
 }
 
 void ScenarioRun::Advance(TimePoint now) {
@@ -121,7 +122,7 @@ std::optional<TimePoint> ScenarioRun::NextDue(TimePoint now) const {
 }
 
 bool ScenarioRun::IsOver() const {
-  if (has_ended_ || !first_failure_.empty()) return true;
+  if (board_has_ended_ || !first_failure_.empty()) return true;
   bool expects = false;
   bool is_all_done = true;
   for (std::size_t step = 0; step < states_.size(); ++step) {
@@ -144,7 +145,7 @@ ScenarioOutcome ScenarioRun::Conclude() {
     if (arguments.Has("status")) outcome.is_status_expected = true;
   }
   const std::size_t met = CountExpectations(Verdict::kMet);
-  outcome.settled_early = !has_ended_ && (met > 0 || outcome.failed);
+  outcome.settled_early = !program_end_ && !board_has_ended_ && (met > 0 || outcome.failed);
   if (outcome.failed) {
     std::cerr << fmt::format("rolu-sim: {}\n", LastWireLines(desk_.trace()));
   } else if (met > 0) {
@@ -228,15 +229,16 @@ void ScenarioRun::Fail(std::size_t step, TimePoint time, const std::string& inst
   desk_.Say(text);
 }
 
-// At the end of the program everything that was expected must have been met.
+// At the end everything that was expected must have been met.
 void ScenarioRun::FailTheRest(const Occurrence& end) {
   LookAtBoard(end.time);
-  has_ended_ = true;
+  board_has_ended_ = true;
+  const std::string ended = (program_end_ ? *program_end_ : end).InWords();
   for (std::size_t step = 0; step < states_.size(); ++step) {
     if (!scenario_.steps[step].IsExpectation() || !IsPending(step)) continue;
     const std::string instead =
         HasBegun(step, end.time) ? InsteadOf(step) : WhyNotBegun(scenario_.steps[step].after);
-    Fail(step, end.time, fmt::format("{}; {}", instead, end.InWords()));
+    Fail(step, end.time, fmt::format("{}; {}", instead, ended));
   }
 }
 

@@ -33,7 +33,7 @@ class ScenarioRun {
   void Advance(TimePoint now);
   std::optional<TimePoint> NextDue(TimePoint now) const;
 
-  // Whether nothing more can come of the scenario: an expectation has failed, the program has ended, or
+  // Whether nothing more can come of the scenario: an expectation has failed, the board goes down, or
   // everything is done. A step that follows what never came is not waited for once all expectations are met.
   bool IsOver() const;
 
@@ -64,7 +64,8 @@ class ScenarioRun {
   Desk& desk_;
   const Scenario scenario_;
   std::vector<StepState> states_;
-  bool has_ended_ = false;
+  std::optional<Occurrence> program_end_;
+  bool board_has_ended_ = false;
   std::string first_failure_;
 };
 

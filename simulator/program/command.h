@@ -92,6 +92,9 @@ void AddScenariosCommand(CLI::App& app, Invocation& invocation);
 // because a word with a hyphen may be a negative number.
 void BringCtlOptionsForward(std::vector<std::string>& words);
 
+// A line, or two, of a list in a help text.
+std::string ListItem(const std::string& left, const std::string& right);
+
 // The words of ctl: the verbs, and the words that only ctl has.
 std::vector<Verb> CtlWords();
 

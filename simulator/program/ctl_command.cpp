@@ -55,15 +55,6 @@ const std::vector<Verb>& OwnWords() {
   return words;
 }
 
-void AppendLine(std::string& text, const std::string& left, const std::string& right) {
-  constexpr std::size_t kColumn = 26;
-  if (left.size() < kColumn) {
-    text += fmt::format("  {:<{}}{}\n", left, kColumn, right);
-  } else {
-    text += fmt::format("  {}\n  {:<{}}{}\n", left, "", kColumn, right);
-  }
-}
-
 // All words by subject, one per line.
 std::string ListOfWords() {
   std::string text;
@@ -73,10 +64,10 @@ std::string ListOfWords() {
       subject = verb.subject;
       text += fmt::format("{}{}:\n", text.empty() ? "" : "\n", subject);
     }
-    AppendLine(text, Synopsis(verb), verb.help);
+    text += ListItem(Synopsis(verb), verb.help);
   }
   text += "\nReadings:\n";
-  for (const Reading& reading : Readings()) AppendLine(text, reading.name, reading.help);
+  for (const Reading& reading : Readings()) text += ListItem(reading.name, reading.help);
   return text;
 }
 
@@ -195,6 +186,12 @@ int Ctl(const CtlOptions& options, const std::vector<std::string>& words) {
 }
 
 }  // namespace
+
+std::string ListItem(const std::string& left, const std::string& right) {
+  constexpr std::size_t kColumn = 26;
+  if (left.size() < kColumn) return fmt::format("  {:<{}}{}\n", left, kColumn, right);
+  return fmt::format("  {}\n  {:<{}}{}\n", left, "", kColumn, right);
+}
 
 std::vector<Verb> CtlWords() {
   std::vector<Verb> all = OwnWords();

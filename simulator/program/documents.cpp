@@ -2,6 +2,7 @@
 
 #include "cli/command_line.h"
 #include "cli/generated_documents.h"
+#include "simulator/desk/expectation.h"
 #include "simulator/desk/readings.h"
 #include "simulator/program/command.h"
 #include "simulator/program/installed_files.h"
@@ -45,24 +46,45 @@ and a list of
 .IR events .
 Each event has a time
 .I at
-(as "2s", "500ms", or a number of seconds), a verb
+(as "2s", "500ms", or a number of seconds) or follows something:
+.I after
+names another event (its
+.IR name ),
+an event of the board or the beginning of a command of the MCU; a
+.I delay
+may come in between. It has a verb
 .I do
-and the verb's values by their names; it is repeated if it has
+and the verb's values by their names, and is repeated if it has
 .I every
 and
-.IR repeat .
+.IR repeat ;
+or it expects something
+.I within
+a time from then.
 .PP
 .nf
 {
   "description": "the ignition goes off, and the power after it",
   "events": [
     {"at": "2s", "do": "ignition", "state": "off"},
-    {"at": 3.5, "do": "power\-off\-warning", "cause": "ignition"},
-    {"at": "4s", "every": "500ms", "repeat": 10, "do": "shock"}
+    {"after": "ignition\-warning", "expect": "shutdown", "within": "3s"},
+    {"after": "WDTE", "delay": 0.5, "every": "500ms", "repeat": 10, "do": "shock"}
   ]
 }
 .fi
+.PP
+When an expectation fails, the program is ended (SIGTERM, and SIGKILL 2 s later) and the exit status is 9. When all
+are met and no other event is due, a program that still runs is ended likewise, with status 0; so a daemon can be
+tested. What is still expected when the program ends has failed. Status 0 also stands for a status of the program, a power
+cut, a reset or a bite that was expected. On a served board a failed expectation ends the scenario only.
+.PP
 )";
+
+std::string ScenarioItems() {
+  std::string text = "What can be expected:\n";
+  for (const Verb& verb : ExpectationVerbs()) text += VerbItem(verb);
+  return text;
+}
 
 constexpr char kLimitsHelp[] = R"(Programs that are statically linked or set\-user\-ID, raw system calls, and
 .BR glob (3),
@@ -117,7 +139,7 @@ std::string SimulatorManPage(const CLI::App& app) {
   return rolu::ManPage(app, ROLU_SIM_VERSION, "run programs against a simulated board", UsageOf) +
          ".PP\nrun and join give the program's own status.\n"
          ".SH WORDS OF CTL\nValues go in their order, or as name=value.\n" +
-         VerbItems() + ".SH SCENARIOS\n" + kScenarioHelp + ".SH ENVIRONMENT\n" +
+         VerbItems() + ".SH SCENARIOS\n" + kScenarioHelp + ScenarioItems() + ".SH ENVIRONMENT\n" +
          RoffItem("ROLU_SIM_ROOT", "The directory of the board that a program meets; run and join set it.") +
          RoffItem("TMPDIR",
                   "Where run makes the board's directory, if the path is short enough; else /tmp.") +

@@ -1,5 +1,3 @@
-#include <fmt/format.h>
-
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 #include "simulator/desk/control_server.h"
@@ -21,9 +19,8 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   MeetBoard(desk.board().root().path());
   player.Play(std::move(scenario));
   const int status = RunChild(command, signals);
-  const ScenarioOutcome outcome =
-      player.TellEnd(fmt::format("the program ended with status {}", status), status);
-  return prepared.Conclude(desk, status, outcome);
+  player.TellProgramEnd(status);
+  return prepared.Conclude(desk, status, player.TellBoardEnd());
 }
 
 // The user may have meant a missing program as a subcommand.

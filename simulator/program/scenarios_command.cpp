@@ -33,12 +33,28 @@ int List() {
   return 0;
 }
 
+std::string ScenarioHelp() {
+  std::string text =
+      "An event of a scenario has a time \"at\", or \"after\": the \"name\" of another event, an event of "
+      "the "
+      "board\nor the beginning of a command of the MCU; a \"delay\" may follow. It does a verb (\"do\") or "
+      "expects\nsomething (\"expect\") \"within\" a time from then. When an expectation fails, the program "
+      "is "
+      "ended and\nthe status is 9. When all are met and no other event is due, it is ended with status 0.\n\n"
+      "Expectations:\n";
+  for (const Verb& verb : ExpectationVerbs()) text += ListItem(Synopsis(verb), verb.help);
+  text +=
+      "\nStatus 0 also stands for an end, a power cut, a reset or a bite that was expected.\nEvents of the "
+      "board: ";
+  return text + fmt::format("{}.\n\n", fmt::join(BoardEventNames(), ", "));
+}
+
 }  // namespace
 
 void AddScenariosCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const scenarios =
       NewCommand(app, "scenarios", "Lists the ready-made scenarios, or checks one of yours",
-                 "rolu-sim scenarios [OPTIONS]");
+                 "rolu-sim scenarios [OPTIONS]", ScenarioHelp());
   const auto shown = std::make_shared<std::string>();
   const auto checked = std::make_shared<std::vector<std::string>>();
   scenarios->add_option("--show", *shown, "Print the text of a scenario, to start your own from")

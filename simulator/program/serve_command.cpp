@@ -76,7 +76,7 @@ int Serve(const BoardSettings& settings, const std::string& named) {
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {
     number = signals.Wait().si_signo;
   }
-  return prepared.Conclude(desk, 0, player.TellEnd("the board went down", 0));
+  return prepared.Conclude(desk, 0, player.TellBoardEnd());
 }
 
 }  // namespace

@@ -13,8 +13,9 @@ namespace rolu_sim {
 
 // The options of a command that brings up a board.
 struct BoardSettings {
-  std::string scenario;  // a file or a name; empty: none
-  std::string replay;    // a file; empty: none
+  std::string scenario;     // a file or a name; empty: none
+  std::string replay;       // a file; empty: none
+  std::vector<Action> mcu;  // its speed, its unit and its settings
   std::vector<Action> faults;
   std::optional<std::uint32_t> seed;
   bool paced = false;
@@ -22,6 +23,8 @@ struct BoardSettings {
   std::optional<VoltageCurve> battery;  // nothing: a good battery of the chosen system
   std::string trace;                    // a file, or -; empty: none
   std::string trace_format;
+  bool survive_power_cut = false;
+  bool survive_bite = false;
   bool fail_on_bite = false;
 };
 void AddBoardSettings(CLI::App& command, BoardSettings& settings);

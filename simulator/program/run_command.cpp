@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 #include "simulator/desk/control_server.h"
@@ -9,6 +12,26 @@
 namespace rolu_sim {
 namespace {
 
+// The status of a run whose program ended with its computer. An order to cut the power is carried out first:
+// the program may have ended meanwhile.
+int StatusOf(Desk& desk, int program_status) {
+  McuSerial& mcu = desk.board().mcu();
+  while (mcu.WithModel([](McuModel& model) { return model.IsPowerCutOrdered(); })) {
+    mcu.WaitForEvent(McuEventKind::kPowerCut, std::chrono::milliseconds(10));
+  }
+  const std::vector<McuEvent> events = mcu.Events();
+  const auto end = std::ranges::find(events, true, &McuEvent::ends_programs);
+  if (end == events.end()) return program_status;
+  switch (end->kind) {
+    case McuEventKind::kWatchdogBite:
+      return rolu::kBitten;
+    case McuEventKind::kReset:
+      return rolu::kReset;
+    default:
+      return rolu::kPowerCut;
+  }
+}
+
 int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& command) {
   const HeldSignals signals;
   PreparedBoard prepared(settings);
@@ -17,7 +40,8 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   Scenario scenario = prepared.Start(desk);
   MeetBoard(desk.board().root().path());
   server.Play(std::move(scenario));
-  return prepared.Conclude(desk, RunChild(command, signals));
+  const int program_status = RunChild(command, signals);
+  return prepared.Conclude(desk, StatusOf(desk, program_status));
 }
 
 // The user may have meant a missing program as a subcommand.

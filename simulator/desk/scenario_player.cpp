@@ -65,6 +65,7 @@ void ScenarioPlayer::Take(const ScenarioOutcome& outcome) {
   outcome_.failed |= outcome.failed;
   outcome_.settled_early |= outcome.settled_early;
   outcome_.is_status_expected |= outcome.is_status_expected;
+  outcome_.has_shut_down |= outcome.has_shut_down;
   outcome_.expected_events.insert(outcome.expected_events.begin(), outcome.expected_events.end());
 }
 

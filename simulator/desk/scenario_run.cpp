@@ -142,6 +142,7 @@ ScenarioOutcome ScenarioRun::Conclude() {
     const auto& [kind, arguments] = scenario_.steps[step].expectation;
     if (kind == nullptr || states_[step].verdict != Verdict::kMet) continue;
     if (arguments.Has("event")) outcome.expected_events.insert(arguments.Get<std::string>("event"));
+    if (kind->verb.name == "shutdown") outcome.has_shut_down = true;
     if (arguments.Has("status")) outcome.is_status_expected = true;
   }
   const std::size_t met = CountExpectations(Verdict::kMet);

@@ -17,6 +17,7 @@ struct ScenarioOutcome {
   bool failed = false;                    // an expectation was not met
   bool settled_early = false;             // before the program ended
   bool is_status_expected = false;        // an expectation of the program's status was met
+  bool has_shut_down = false;             // an expected shutdown came in time
   std::set<std::string> expected_events;  // the events that were expected, and came
 };
 

@@ -56,7 +56,8 @@ void AddBoardChoice(CLI::App& command, BoardChoice& board) {
 }
 
 void AddWaitOption(CLI::App& command, BoardChoice& board) {
-  rolu::AddDurationOption(command, "--wait", board.patience, "Wait this long for the board to come up",
+  rolu::AddDurationOption(command, "--wait", board.patience,
+                          "Wait this long for the board to come up (join: and for its computer to be on)",
                           std::chrono::milliseconds(0), kLongestTime);
 }
 

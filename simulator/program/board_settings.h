@@ -17,6 +17,7 @@ struct BoardSettings {
   std::string replay;    // a file; empty: none
   bool strict_replay = false;
   bool lenient_replay = false;
+  std::vector<Action> mcu;  // its speed, its unit and its settings
   std::vector<Action> faults;
   std::optional<std::uint32_t> seed;
   bool paced = false;
@@ -24,6 +25,8 @@ struct BoardSettings {
   std::optional<VoltageCurve> battery;  // nothing: a good battery of the chosen system
   std::string trace;                    // a file, or -; empty: none
   std::string trace_format;
+  bool survive_power_cut = false;
+  bool survive_bite = false;
   bool fail_on_bite = false;
 };
 void AddBoardSettings(CLI::App& command, BoardSettings& settings);

@@ -46,7 +46,9 @@ class HelpText : public CLI::Formatter {
     return "Usage: " + usage_ + "\n";
   }
   std::string make_footer(const CLI::App* /*app*/) const override {
-    return footer_ + rolu::ExitStatusHelp() + "run and join give the program's own status.\n";
+    return footer_ + rolu::ExitStatusHelp() +
+           "run and join give the program's own status; run gives 6, 7 or 8 if the board ended the "
+           "program.\n";
   }
 
  private:

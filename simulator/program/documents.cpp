@@ -3,6 +3,7 @@
 #include "cli/command_line.h"
 #include "cli/generated_documents.h"
 #include "simulator/desk/expectation.h"
+#include "simulator/desk/mcu_settings.h"
 #include "simulator/desk/readings.h"
 #include "simulator/program/command.h"
 #include "simulator/program/installed_files.h"
@@ -137,7 +138,8 @@ void AddVerb(const Verb& verb, rolu::CompletionTable& table) {
 
 std::string SimulatorManPage(const CLI::App& app) {
   return rolu::ManPage(app, ROLU_SIM_VERSION, "run programs against a simulated board", UsageOf) +
-         ".PP\nrun and join give the program's own status.\n"
+         ".PP\nrun and join give the program's own status; run gives 6, 7 or 8 if the board ended the "
+         "program.\n"
          ".SH WORDS OF CTL\nValues go in their order, or as name=value.\n" +
          VerbItems() + ".SH SCENARIOS\n" + kScenarioHelp + ScenarioItems() + ".SH ENVIRONMENT\n" +
          RoffItem("ROLU_SIM_ROOT", "The directory of the board that a program meets; run and join set it.") +
@@ -161,6 +163,7 @@ std::string SimulatorCompletion(const CLI::App& app) {
   for (const char* const option : {"--replay", "--trace", "--check"})
     table.values[option].paths = Paths::kFiles;
   table.values["--fault"].words = fmt::format("{}", fmt::join(FaultKinds(), " "));
+  table.values["--set"].words = fmt::format("{}", fmt::join(McuSettingNames(), " "));
   table.values["--mode"].words = "12 24";
   table.values["--trace-format"].words = "json text";
   table.values["--board"].paths = Paths::kDirectories;

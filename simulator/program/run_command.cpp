@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <optional>
+
+#include "cli/exit_status.h"
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 #include "simulator/desk/control_server.h"
@@ -9,6 +13,32 @@
 namespace rolu_sim {
 namespace {
 
+// What ended the computer, and the program with it. An order to cut the power is carried out first: the
+// program may have ended meanwhile.
+std::optional<McuEventKind> EndOfComputer(Desk& desk) {
+  McuSerial& mcu = desk.board().mcu();
+  while (mcu.WithModel([](McuModel& model) { return model.IsPowerCutOrdered(); })) {
+    mcu.WaitForEvent(McuEventKind::kPowerCut, std::chrono::milliseconds(10));
+  }
+  const std::vector<McuEvent> events = mcu.Events();
+  const auto end = std::ranges::find(events, true, &McuEvent::ends_programs);
+  return end == events.end() ? std::nullopt : std::optional(end->kind);
+}
+
+// An end that a scenario expected is a success. A program that shut down in time has ended by itself.
+int StatusOf(int program_status, std::optional<McuEventKind> end, const ScenarioOutcome& outcome) {
+  if (!end || outcome.has_shut_down) return program_status;
+  if (outcome.expected_events.contains(std::string(NameOf(*end)))) return rolu::kDone;
+  switch (*end) {
+    case McuEventKind::kWatchdogBite:
+      return rolu::kBitten;
+    case McuEventKind::kReset:
+      return rolu::kReset;
+    default:
+      return rolu::kPowerCut;
+  }
+}
+
 int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& command) {
   const HeldSignals signals;
   PreparedBoard prepared(settings);
@@ -18,9 +48,11 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   Scenario scenario = prepared.Start(desk);
   MeetBoard(desk.board().root().path());
   player.Play(std::move(scenario));
-  const int status = RunChild(command, signals);
-  player.TellProgramEnd(status);
-  return prepared.Conclude(desk, status, player.TellBoardEnd());
+  const int program_status = RunChild(command, signals);
+  player.TellProgramEnd(program_status);
+  const std::optional<McuEventKind> end = EndOfComputer(desk);
+  const ScenarioOutcome outcome = player.TellBoardEnd();
+  return prepared.Conclude(desk, StatusOf(program_status, end, outcome), outcome);
 }
 
 // The user may have meant a missing program as a subcommand.

@@ -10,6 +10,7 @@
 #include "simulator/desk/control_server.h"
 #include "simulator/devices/board_root.h"
 #include "simulator/program/board_environment.h"
+#include "simulator/program/board_programs.h"
 #include "simulator/program/board_settings.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
@@ -76,6 +77,9 @@ int Serve(const BoardSettings& settings, const std::string& named) {
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {
     number = signals.Wait().si_signo;
   }
+  const bool is_suspended = desk.board().mcu().WithModel(
+      [](McuModel& mcu) { return mcu.computer.power == ComputerPower::kSuspended; });
+  if (is_suspended) ContinuePrograms(directory);
   return prepared.Conclude(desk, 0, player.TellBoardEnd());
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include "simulator/desk/mcu_settings.h"
 #include "tests/desk/tool.h"
 
 namespace desk_test {
@@ -54,6 +55,65 @@ TEST(RoluSim, PassesSignalsOnAndCleansUp) {
     EXPECT_EQ(dying.Wait(), 128 + signal);
   }
 }
+
+// The background process holds the program's output: the run would not end if it lived on.
+TEST(RoluSim, EndsProgramsAsTheirComputerEnds) {
+  const char kReset[] =
+      "python3 -c 'import os, fcntl, time; bus = os.open(\"/dev/i2c-3\", 2); fcntl.ioctl(bus, 0x706, 0x78); "
+      "os.write(bus, b\"\\x0b\\x01\"); print(\"alive\")'";
+  const char kBite[] =
+      "printf 'WDTS0001\\rWDTE\\r' >/proc/vpm_serial; " ROLU_SIM " ctl wait BITE; echo alive";
+  const char kForced[] = "setsid sleep 60 & printf 'MSSS1\\r' >/proc/vpm_serial; sleep 60";
+  const char kOrder[] = "exec 3<>/proc/vpm_serial; printf 'ATPO\\r' >&3; head -n 1 <&3; exit 3";
+  const struct {
+    const char* options;
+    const char* script;
+    int status;
+    bool lives_on;
+    const char* says;
+  } kRows[] = {
+      {"--set shutdown.forced-delay=3", kForced, 7, false, "the forced shutdown was on for 3 MCU units ***"},
+      {"", kOrder, 7, false, "*** POWER CUT at "},
+      {"", kReset, 8, false, "*** RESET at "},
+      {"", kBite, 6, false, "it was not triggered in time, the computer is reset ***"},
+      {"--survive-power-cut", kOrder, 3, false, "a program ordered it, but the computer stays on ***"},
+      {"--survive-power-cut", kReset, 0, true, "*** RESET at "},
+      {"--survive-bite", kBite, 0, true, "but the computer stays on ***"},
+      {"--survive-bite --fail-on-bite", kBite, 6, true, "bites: 1"},
+  };
+  const Directory directory;
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(std::string(row.options) + " -- " + row.script);
+    const std::vector<std::string> run = Words(std::string("run --mcu-unit 10ms ") + row.options);
+    const Ended done = RunTool(directory, Joined(run, {"--", "sh", "-c", row.script}));
+    EXPECT_EQ(done.status, row.status) << done.err;
+    EXPECT_EQ(done.out.find("alive") != std::string::npos, row.lives_on);
+    EXPECT_THAT(done.err, HasSubstr(row.says));
+  }
+}
+
+#ifdef ROLU
+TEST(RoluSim, GivesSettingsToTheMicrocontrollerThatRoluFindsThere) {
+  std::vector<std::string> run = {"run"};
+  std::vector<std::string> get = {"--", ROLU, "get", "-n"};
+  std::string values;
+  for (const std::string& name : rolu_sim::McuSettingNames()) {
+    std::string value = "off";
+    if (name.ends_with("delay") || name.ends_with("time")) value = std::to_string(1000 + run.size());
+    if (name.starts_with("battery.12v")) value = "11.108";
+    if (name.starts_with("battery.24v")) value = "22.148";
+    if (name.starts_with("wakeup.source-") || name == "alarm.active") value = "on";
+    run.insert(run.end(), {"--set", name + '=' + value});
+    get.push_back(name);
+    values += value + '\n';
+  }
+  const Directory directory;
+  EXPECT_EQ(RunTool(directory, Joined(run, get)).out, values);
+  const Ended refused = RunTool(directory, {"run", "--set", "ignition.hard-of-delay=1", "--", "true"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.err, HasSubstr("did you mean ignition.hard-off-delay?"));
+}
+#endif
 
 }  // namespace
 }  // namespace desk_test

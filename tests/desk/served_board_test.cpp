@@ -99,6 +99,48 @@ TEST(ServedBoard, SaysThatTheWatchdogBitAlsoWhileItsPortIsHungUp) {
   }
 }
 
+TEST(ServedBoard, StaysUpWhileItsComputerIsOff) {
+  const Directory directory;
+  const ServedBoard board(directory, {"--mcu-unit", "10ms", "--set", "ignition.hard-off-delay=2"});
+  const auto join = [&](const std::vector<std::string>& words) {
+    return Joined({"join", board.path()}, words);
+  };
+  Tool program(directory, join({"--", "sh", "-c", "echo 35 >/sys/class/gpio/export; echo ready; sleep 60"}));
+  ASSERT_TRUE(program.WaitForOutput("ready"));
+  EXPECT_EQ(board.Ctl("ignition off").status, 0);
+  EXPECT_EQ(program.Wait(), 128 + SIGKILL);
+  EXPECT_EQ(board.Get("power-off")["computer"], "off");
+  EXPECT_EQ(board.Get("power-off")["cuts"][0]["cause"], "ignition");
+  const Ended refused = RunTool(directory, join({"--", "true"}));
+  EXPECT_EQ(refused.status, 4);
+  EXPECT_THAT(refused.err, HasSubstr("is off"));
+
+  EXPECT_THAT(board.Ctl("wakeup-source 2").out, HasSubstr("switched off and wakes nobody"));
+  Tool next(directory, join({"--wait", "20s", "--", "ls", "/sys/class/gpio"}));
+  EXPECT_EQ(board.Ctl("ignition on").status, 0);
+  EXPECT_EQ(next.Wait(), 0);
+  EXPECT_EQ(next.out(), "export\n");
+}
+
+TEST(ServedBoard, StopsProgramsWhileItsComputerIsSuspended) {
+  const Directory directory;
+  const ServedBoard board(directory);
+  const std::string go = directory.File("go");
+  Tool program(directory, {"join", board.path(), "--", "sh", "-c",
+                           "echo ready; until [ -e " + go + " ]; do sleep 0.01; done; echo over"});
+  ASSERT_TRUE(program.WaitForOutput("ready"));
+  const auto state = [&] {
+    const std::string stat = rolu_test::ReadFile("/proc/" + std::to_string(program.pid()) + "/stat");
+    return stat.substr(stat.rfind(')') + 2, 1);
+  };
+  EXPECT_EQ(board.Ctl("suspend").status, 0);
+  EXPECT_TRUE(WaitUntil([&] { return state() == "T"; }));
+  rolu_test::WriteFile(go, "");
+  EXPECT_THAT(board.Ctl("wakeup-source 1").out, HasSubstr("the computer is on"));
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(board.Get("events").back()["cause"], "source-1");
+}
+
 TEST(ServedBoard, SurvivesWhatTheSystemRefusesToOneWhoSteersIt) {
   const Directory directory;
   const ServedBoard board(directory);

@@ -126,6 +126,24 @@ TEST_F(BoardDevices, TheLightSensorIsReadAndItsTextIsTheOwners) {
   EXPECT_EQ(ReadFrom(kLuxPath), "");
 }
 
+TEST_F(BoardDevices, TheKernelsStateGoesWithThePower) {
+  ASSERT_EQ(WriteTo(kGpioExportPath, "45") + WriteTo(GpioPath(45, "direction"), "high"), 0);
+  ASSERT_EQ(WriteTo(kBacklightPath, "3"), 0);
+  board_.mcu().WithModel([](McuModel& mcu) { mcu.computer.survives_power_cut = false; });
+  ASSERT_EQ(WriteTo(kSerialPath, "ATPO\r"), 0);
+  ASSERT_TRUE(board_.mcu().WaitForEvent(McuEventKind::kPowerCut, std::chrono::seconds(20)));
+  for (const char* const path : {kGpioExportPath, kBacklightPath, kLuxPath, kI2cBusPath, kSerialPath}) {
+    EXPECT_EQ(WriteTo(path, ""), ENODEV) << path;
+  }
+  EXPECT_EQ(fopen(kSerialPath, "r+"), nullptr);
+
+  board_.mcu().WithModel([](McuModel& mcu) { mcu.WakeComputer(1); });
+  EXPECT_EQ(ReadFrom(kBacklightPath), "10\n");
+  EXPECT_EQ(ReadFrom(GpioPath(45, "value")), "ENOENT");
+  EXPECT_EQ(WriteTo(kGpioExportPath, "45") + WriteTo(kSerialPath, ""), 0);
+  EXPECT_EQ(ReadFrom(GpioPath(45, "direction")), "in\n");
+}
+
 TEST_F(BoardDevices, TheNetworkCommandShowsAndSwitchesTheWirelessInterface) {
   EXPECT_THAT(OutputOf("ifconfig"), Not(HasSubstr("wlan0")));
   EXPECT_THAT(OutputOf("ifconfig wlan0"), StartsWith("wlan0: flags=4098<BROADCAST,MULTICAST>"));

@@ -199,7 +199,7 @@ TEST(Scenario, IsReadyForTheUsualCases) {
   const Directory directory;
   const Ended list = RunTool(directory, {"scenarios"});
   for (const char* const name :
-       {"cold-start", "cranking-dip", "misbehaving-mcu", "parked-overnight", "shaken-vehicle"}) {
+       {"cold-start", "cranking-dip", "misbehaving-mcu", "parked-overnight", "shaken-vehicle", "shutdown-in-time"}) {
     EXPECT_THAT(list.out, HasSubstr(std::string(name) + ' '));
     EXPECT_EQ(RunTool(directory, {"scenarios", "--check", name}).status, 0) << name;
   }

@@ -23,11 +23,10 @@ void ScenarioPlayer::Play(Scenario scenario) {
   const std::lock_guard<std::mutex> lock(thread_mutex_);
   thread_ = {};
   occurrences_->Open();
+  auto run = std::make_unique<ScenarioRun>(desk_, std::move(scenario), std::chrono::steady_clock::now());
   const BlockedSignals blocked;
-  thread_ = std::jthread([this, start = std::chrono::steady_clock::now(),
-                          scenario = std::move(scenario)](const std::stop_token& stop) mutable {
-    PlayToItsEnd(stop, std::move(scenario), start);
-  });
+  thread_ =
+      std::jthread([this, run = std::move(run)](const std::stop_token& stop) { PlayToItsEnd(stop, *run); });
 }
 
 // What the program sent came before its end.
@@ -45,8 +44,7 @@ ScenarioOutcome ScenarioPlayer::TellBoardEnd() {
   return outcome_;
 }
 
-void ScenarioPlayer::PlayToItsEnd(const std::stop_token& stop, Scenario scenario, TimePoint start) {
-  ScenarioRun run(desk_, std::move(scenario), start);
+void ScenarioPlayer::PlayToItsEnd(const std::stop_token& stop, ScenarioRun& run) {
   run.Advance(std::chrono::steady_clock::now());
   while (!run.IsOver()) {
     const auto due = run.NextDue(std::chrono::steady_clock::now());

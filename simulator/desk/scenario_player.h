@@ -36,7 +36,7 @@ class ScenarioPlayer {
   ScenarioOutcome TellBoardEnd();
 
  private:
-  void PlayToItsEnd(const std::stop_token& stop, Scenario scenario, TimePoint start);
+  void PlayToItsEnd(const std::stop_token& stop, ScenarioRun& run);
   void Take(const ScenarioOutcome& outcome);
 
   Desk& desk_;

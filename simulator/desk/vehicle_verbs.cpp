@@ -110,7 +110,7 @@ Parameter UnitLength() {
 }
 
 Parameter SettingName() {
-  Parameter name = OneOf("name", McuSettingNames(), "the setting");
+  Parameter name = OneOf("setting", McuSettingNames(), "its name");
   name.range = "a setting of the MCU, by its name in `rolu list`";
   return name;
 }
@@ -200,7 +200,7 @@ std::vector<Verb> VehicleVerbs() {
        "Changes a setting of the MCU, as a program would",
        {SettingName(), SettingValue()},
        Doing([](McuModel& mcu, const Arguments& given) {
-         McuSettingOrder(given.Get<std::string>("name"), given.Get<std::string>("value"))(mcu);
+         McuSettingOrder(given.Get<std::string>("setting"), given.Get<std::string>("value"))(mcu);
        })},
       {"mcu-speed",
        "Lets the MCU's own time run faster or slower; what has passed so far stays",

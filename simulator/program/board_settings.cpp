@@ -37,7 +37,7 @@ Action ParseMcuSetting(const std::string& text) {
   const auto [name, value] = SplitMcuSetting(text);
   McuSettingOrder(name, value);  // refuses an impossible value
   const Verb* const set = FindVerb("set");
-  return {set, CheckArguments(*set, {{"name", name}, {"value", value}})};
+  return {set, CheckArguments(*set, {{"setting", name}, {"value", value}})};
 }
 
 // An option that runs a verb at the start.

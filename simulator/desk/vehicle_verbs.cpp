@@ -110,7 +110,8 @@ Parameter UnitLength() {
 }
 
 Parameter SettingName() {
-  Parameter name = OneOf("setting", McuSettingNames(), "its name");
+  // Not "name": that is the step's own name in a scenario.
+  Parameter name = OneOf("setting", McuSettingNames(), "the setting");
   name.range = "a setting of the MCU, by its name in `rolu list`";
   return name;
 }

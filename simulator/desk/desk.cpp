@@ -103,12 +103,14 @@ void Desk::TellDivergence(std::string_view command) {
   if (on_divergence_) on_divergence_();
 }
 
-// People and the trace hear of the event before it has its effects.
+// Whoever waits for the words finds that the event has had its effects.
 void Desk::Hear(const McuEvent& event) {
+  {
+    const std::lock_guard<std::mutex> lock(listeners_mutex_);
+    for (const EventListener& listener : listeners_) listener(event);
+  }
   const double seconds = std::chrono::duration<double>(event.time - start_).count();
   if (const std::string words = WordsFor(event, seconds); !words.empty()) Say(words);
-  const std::lock_guard<std::mutex> lock(listeners_mutex_);
-  for (const EventListener& listener : listeners_) listener(event);
 }
 
 }  // namespace rolu_sim

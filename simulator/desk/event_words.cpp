@@ -24,7 +24,7 @@ std::string ReasonOf(const McuEvent& event) {
 std::string WordsFor(const McuEvent& event, double seconds) {
   const auto loud = [&](const std::string& what, const std::string& why, const char* consequence = "") {
     return fmt::format("*** {} at {:.3f} s: {}{} ***", what, seconds, why,
-                       event.ends_programs ? consequence : ", but the computer stays on");
+                       event.ends_programs ? consequence : ", but the computer goes on");
   };
   switch (event.kind) {
     case McuEventKind::kPowerCut:

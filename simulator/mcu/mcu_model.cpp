@@ -62,7 +62,8 @@ std::optional<TimePoint> McuModel::NextDue(TimePoint now) const {
 // What became due meanwhile happens in its order.
 AnswerLines McuModel::TakeDueLines(TimePoint now) {
   const McuTimePoint mcu_now = time.At(now);
-  for (auto next = NextStep(); next && *next < mcu_now; next = NextStep()) Step(std::max(*next, followed_to_));
+  for (auto next = NextStep(); next && *next < mcu_now; next = NextStep())
+    Step(std::max(*next, followed_to_));
   Step(mcu_now);
   return std::exchange(unsent_, {});
 }

@@ -76,9 +76,9 @@ TEST(RoluSim, EndsProgramsAsTheirComputerEnds) {
       {"", kOrder, 7, false, "*** POWER CUT at "},
       {"", kReset, 8, false, "*** RESET at "},
       {"", kBite, 6, false, "it was not triggered in time, the computer is reset ***"},
-      {"--survive-power-cut", kOrder, 3, false, "a program ordered it, but the computer stays on ***"},
+      {"--survive-power-cut", kOrder, 3, false, "a program ordered it, but the computer goes on ***"},
       {"--survive-power-cut", kReset, 0, true, "*** RESET at "},
-      {"--survive-bite", kBite, 0, true, "but the computer stays on ***"},
+      {"--survive-bite", kBite, 0, true, "but the computer goes on ***"},
       {"--survive-bite --fail-on-bite", kBite, 6, true, "bites: 1"},
   };
   const Directory directory;

@@ -24,7 +24,7 @@ struct DeskOptions {
   bool paced = false;
   std::uint32_t seed = 0;                 // of random faults
   std::unique_ptr<Replay> replay;         // answers in place of the model where it can; may be null
-  std::function<void()> on_divergence{};  // called when a strict replay diverges, on the MCU's thread
+  std::function<void()> on_divergence{};  // called when a strict replay diverges; must not call the MCU
   Trace::Listener listener;               // hears the trace from its first record; may be empty
   bool survive_power_cut = false;         // cuts and resets by programs are reported only
   bool survive_bite = false;
@@ -89,7 +89,7 @@ class Desk {
   AnswerFaults faults_;
   const std::unique_ptr<Replay> replay_;
   const std::function<void()> on_divergence_;
-  bool divergence_told_ = false;  // only the MCU's thread uses it
+  bool divergence_told_ = false;  // guarded by the MCU's lock
   std::mutex listeners_mutex_;
   std::vector<EventListener> listeners_;
   bool seed_announced_ = false;

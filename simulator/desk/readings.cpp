@@ -198,13 +198,14 @@ Json DescribeCommands(Desk& desk) {
 
 Json DescribeScenario(Desk& desk) {
   const ScenarioProgress& progress = desk.scenario_progress();
-  return {{"description", progress.description},
+  const auto text_or_null = [](const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); };
+  return {{"description", text_or_null(progress.description)},
           {"steps_done", progress.steps_done},
           {"steps_waiting", progress.steps_waiting},
           {"expectations_met", progress.expectations_met},
           {"expectations_failed", progress.expectations_failed},
           {"expectations_pending", progress.expectations_pending},
-          {"failure", progress.failure.empty() ? Json(nullptr) : Json(progress.failure)}};
+          {"failure", text_or_null(progress.failure)}};
 }
 
 // Makes a reading from the MCU's model.

@@ -31,14 +31,15 @@ void ScenarioPlayer::Play(Scenario scenario) {
 
 // What the program sent came before its end.
 void ScenarioPlayer::TellProgramEnd(int status) {
+  const std::lock_guard<std::mutex> lock(thread_mutex_);
   desk_.board().mcu().TakeWhatWasSent();
   occurrences_->Add(
       {.time = std::chrono::steady_clock::now(), .kind = Occurrence::Kind::kProgramEnd, .status = status});
 }
 
 ScenarioOutcome ScenarioPlayer::TellBoardEnd() {
-  occurrences_->Add({.time = std::chrono::steady_clock::now(), .kind = Occurrence::Kind::kBoardEnd});
   const std::lock_guard<std::mutex> lock(thread_mutex_);
+  occurrences_->Add({.time = std::chrono::steady_clock::now(), .kind = Occurrence::Kind::kBoardEnd});
   if (thread_.joinable()) thread_.join();
   const std::lock_guard<std::mutex> outcome_lock(outcome_mutex_);
   return outcome_;

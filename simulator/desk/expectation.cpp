@@ -33,6 +33,7 @@ Parameter McuCommand(std::string name, std::string help) {
 
 Parameter Pin() {
   std::vector<std::string> lines;
+  lines.reserve(rolu_protocol::kGpioLines.size());
   for (const int line : rolu_protocol::kGpioLines) lines.push_back(std::to_string(line));
   return OneOf("pin", lines, "the GPIO line");
 }
@@ -172,6 +173,7 @@ std::string Describe(const Expectation& expectation) {
 const std::vector<std::string>& BoardEventNames() {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> all;
+    all.reserve(kMcuEventNames.size());
     for (const McuEventName& event : kMcuEventNames) all.emplace_back(event.name);
     return all;
   }();

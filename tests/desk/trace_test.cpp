@@ -125,7 +125,7 @@ TEST(Trace, SaysHowAReplayDiverges) {
 )");
   for (const auto& row : kRows) {
     const std::string script = std::string("exec 3<>/proc/vpm_serial; for command in ") + row.commands +
-                               "; do printf \"$command\\r\" >&3; read answer <&3; done";
+                               R"(; do printf "$command\r" >&3; read answer <&3; done)";
     const Ended run = RunTool(
         directory,
         Joined(Words(std::string("run --replay ") + trace + ' ' + row.option), {"--", "sh", "-c", script}));

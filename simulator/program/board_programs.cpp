@@ -76,9 +76,13 @@ void SignalPrograms(const std::string& board_directory, int signal) {
 }  // namespace
 
 void FollowComputer(const McuEvent& event, const std::string& board_directory) {
-  if (event.ends_programs || event.kind == McuEventKind::kPowerOn) SignalPrograms(board_directory, SIGKILL);
+  if (event.ends_programs || event.kind == McuEventKind::kPowerOn) EndPrograms(board_directory);
   if (event.kind == McuEventKind::kSuspend) SignalPrograms(board_directory, SIGSTOP);
   if (event.kind == McuEventKind::kResume) ContinuePrograms(board_directory);
+}
+
+void EndPrograms(const std::string& board_directory) {
+  SignalPrograms(board_directory, SIGKILL);
 }
 
 void ContinuePrograms(const std::string& board_directory) {

@@ -11,6 +11,9 @@ namespace rolu_sim {
 // rolu-sim itself never is.
 void FollowComputer(const McuEvent& event, const std::string& board_directory);
 
+// Ends all programs on the board at once.
+void EndPrograms(const std::string& board_directory);
+
 // Lets programs go on that were stopped: the board goes down.
 void ContinuePrograms(const std::string& board_directory);
 

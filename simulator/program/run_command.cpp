@@ -6,6 +6,7 @@
 #include "cli/nearest_name.h"
 #include "simulator/desk/control_server.h"
 #include "simulator/program/board_environment.h"
+#include "simulator/program/board_programs.h"
 #include "simulator/program/board_settings.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
@@ -52,6 +53,8 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   player.TellProgramEnd(program_status);
   const std::optional<McuEventKind> end = EndOfComputer(desk);
   const ScenarioOutcome outcome = player.TellBoardEnd();
+  // A shell that was ended leaves the program that it waited for.
+  if (outcome.settled_early) EndPrograms(desk.board().root().path());
   return prepared.Conclude(desk, StatusOf(program_status, end, outcome), outcome);
 }
 

@@ -131,7 +131,7 @@ TEST(Scenario, ExpectsWhatTheProgramAndTheBoardDo) {
       {R"({"at": 0, "expect": "command", "command": "WDTR", "times": 2, "within": 9, "name": "a"},
           {"after": "a", "expect": "command", "command": "WDTR", "within": 9},
           {"after": "WDTD", "expect": "running", "within": 0})",
-       R"(printf 'WDTE\rWDTR\rMCVG\rWDTR\rWDTR\rWDTD\r' >/proc/vpm_serial; exec sleep 60)", 0,
+       R"(printf 'WDTE\rWDTR\rMCVG\rWDTR\rWDTR\rWDTD\r' >/proc/vpm_serial; sleep 60; true)", 0,
        "* scenario: all 3 expectations were met\n"},
       {R"({"at": 0, "expect": "command", "command": "WDTR", "within": 9, "name": "a"},
           {"after": "a", "expect": "command", "command": "WDTR", "within": "50ms"})",

@@ -29,8 +29,8 @@ pages=(man1/rolu.1 man1/rolu-sim.1 man7/kavo_rolu.7 "${functions[@]/%/.3}")
 for page in "${pages[@]/#KAVO/man3/KAVO}"; do
   [[ -s $prefix/share/man/$page ]] || fail "there is no manual page $page"
   [[ $page == man3/* ]] || continue
-  family=$(sed -n '1s/^\.so //p' "$prefix/share/man/$page")
-  [[ -n $family && -s $prefix/share/man/$family ]] || fail "$page leads to the page '$family', which is not there"
+  family=$(sed -n 's/^\.BR \(kavo_rolu_[a-z]*\) (3)$/\1/p' "$prefix/share/man/$page")
+  [[ -n $family && -s $prefix/share/man/man3/$family.3 ]] || fail "$page leads to the page '$family', which is not there"
 done
 for program in rolu rolu-sim; do
   bash -n "$prefix/share/bash-completion/completions/$program"

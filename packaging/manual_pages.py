@@ -132,7 +132,7 @@ def family_page(family, sections, version):
     page = head(page_name.upper(), 3, version)
     page += f".nh\n.ad l\n.SH NAME\n{page_name} \\- {roff(subject)}\n"
     page += ".SH SYNOPSIS\n" + code("#include <kavo_rolu.h>\n\n" + "\n".join(f.prototype for f in functions))
-    page += ".PP\nLink with \\fI\\-lkavo_rolu\\fR.\n.SH DESCRIPTION\n"
+    page += ".PP\nLink with \\fI\\-lkavo_rolu \\-pthread\\fR.\n.SH DESCRIPTION\n"
     page += ("The statuses named \"MCU statuses\", how long a call blocks, and which calls may overlap are "
              "explained in\n.BR kavo_rolu (7).\n")
     for section in sections:

@@ -35,13 +35,15 @@ build() {
 }
 
 # What both architectures' packages put at the same place must be the same, so that they can be
-# installed side by side.
+# installed side by side; and each library must start on the C library that the guide names.
 compare_architectures() {
   local package architecture
   mkdir "$work/shared"
   for package in libkavo-rolu3 libkavo-rolu-dev; do
     for architecture in "${architectures[@]}"; do
       dpkg-deb -x "$out/$architecture/${package}"_*.deb "$work/shared/$architecture"
+      [[ $package != libkavo-rolu3 ]] || tests/installed/needed_c_library.sh \
+        "$work/shared/$architecture"/usr/lib/*/libkavo_rolu.so.3 objdump docs/board.md >&2
       rm -rf "$work/shared/$architecture/usr/lib"
     done
   done

@@ -15,8 +15,9 @@ while read -r package components; do
   for component in $components; do
     DESTDIR=$work/$package cmake --install "$build" --component "$component" >/dev/null
   done
-  printf '%s\n' "Package: $package" "Version: $version" "Architecture: armhf" "Maintainer: nobody <nobody@example.org>" \
-    "Description: stands for the package of this name" >"$work/$package/DEBIAN/control"
+  printf '%s\n' "Package: $package" "Version: $version" "Architecture: armhf" \
+    "Maintainer: nobody <nobody@example.org>" "Description: stands for the package of this name" \
+    >"$work/$package/DEBIAN/control"
   dpkg-deb --root-owner-group -Znone --build "$work/$package" "$work/${package}_${version}_armhf.deb" >/dev/null
 done <<'END'
 libkavo-rolu3 runtime

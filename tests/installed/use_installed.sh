@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Follows the guides to the packages and to the board with the installed files, and checks what the
-# programs of the former print; the latter's commands check that themselves. PATH, PKG_CONFIG_PATH, CMAKE_PREFIX_PATH and LD_RUN_PATH may name another installation than
-# the system's.
+# Follows the guides to the packages and to the board with the installed files, and checks what the programs of
+# the former print; the commands of the latter check that themselves. PATH, PKG_CONFIG_PATH, CMAKE_PREFIX_PATH
+# and LD_RUN_PATH may name another installation than the system's.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 

@@ -47,6 +47,10 @@ target_compile_options(kavo_rolu_objects PRIVATE -fno-exceptions -fno-rtti $<$<C
 # that registers the destructor of a process-wide object is in that runtime, so the object file's own list of
 # destructors is used instead. The divisions that the processor lacks come from the compiler's static library.
 target_compile_options(kavo_rolu_objects PRIVATE -fno-use-cxa-atexit)
+if(NOT ROLU_SANITIZE)
+  # A sanitizer takes the place of some of these functions by their plain names.
+  target_compile_options(kavo_rolu_objects PRIVATE -include ${PROJECT_SOURCE_DIR}/cmake/older_symbols.h)
+endif()
 target_include_directories(kavo_rolu_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(kavo_rolu_objects PRIVATE rolu_flags Threads::Threads)
 

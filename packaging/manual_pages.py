@@ -4,8 +4,8 @@
 usage: manual_pages.py HEADER VERSION DIRECTORY
 
 DIRECTORY/man7/kavo_rolu.7 holds what the header says of the whole library, its types and statuses;
-DIRECTORY/man3 holds a page for each family (kavo_rolu_vpm.3) and, for each function, a page of its
-name that leads to its family's.
+DIRECTORY/man3 holds a page for each family (kavo_rolu_vpm.3) and, for each function, a short one that
+leads to its family's.
 """
 import pathlib
 import re
@@ -111,15 +111,28 @@ def head(name, section, version):
     return f".TH {name} {section} \"\" \"kavo_rolu {version}\" \"Kavo Rolu Library Manual\"\n"
 
 
+def page_of(family):
+    return f"kavo_rolu_{family.lower()}"
+
+
+def function_page(family, section, function, version):
+    sentence = re.split(r"(?<=\.)\s", TAG.split(function.comment)[0].strip())[0]
+    page = head(function.name, 3, version)
+    page += f".nh\n.ad l\n.SH NAME\n{function.name} \\- {roff(section.subject)}\n"
+    page += ".SH SYNOPSIS\n" + code(f"#include <kavo_rolu.h>\n\n{function.prototype}")
+    page += f".SH DESCRIPTION\n{roff(sentence)}\n.SH SEE ALSO\n.BR {page_of(family)} (3)\n"
+    return page + "for its arguments, its statuses and how long it blocks;\n.BR kavo_rolu (7)\n"
+
+
 def family_page(family, sections, version):
-    page_name = f"kavo_rolu_{family.lower()}"
+    page_name = page_of(family)
     functions = [function for section in sections for function in section.functions]
     # The first section of several carries the family's subject before the first comma.
     subject = sections[0].subject if len(sections) == 1 else sections[0].subject.split(",")[0]
     page = head(page_name.upper(), 3, version)
-    page += ".nh\n.ad l\n.SH NAME\n" + ",\n".join([page_name] + [f.name for f in functions]) + f" \\- {roff(subject)}\n"
+    page += f".nh\n.ad l\n.SH NAME\n{page_name} \\- {roff(subject)}\n"
     page += ".SH SYNOPSIS\n" + code("#include <kavo_rolu.h>\n\n" + "\n".join(f.prototype for f in functions))
-    page += ".PP\nLink with \\fI\\-lkavo_rolu\\fR.\n.SH DESCRIPTION\n"
+    page += ".PP\nLink with \\fI\\-lkavo_rolu \\-pthread\\fR.\n.SH DESCRIPTION\n"
     page += ("The statuses named \"MCU statuses\", how long a call blocks, and which calls may overlap are "
              "explained in\n.BR kavo_rolu (7).\n")
     for section in sections:
@@ -158,7 +171,7 @@ def library_page(header, families, version):
     page += ".SH STATUSES\n"
     page += "".join(f".TP\n.BR {name} \" ({value})\"\n{roff(plain(text))}\n" for name, value, text in STATUS.findall(header))
     page += ".SH TYPES\n" + types_of(header)
-    pages = [f".BR kavo_rolu_{family.lower()} (3)" for family in families]
+    pages = [f".BR {page_of(family)} (3)" for family in families]
     return page + ".SH SEE ALSO\n" + ",\n".join(pages + [".BR rolu (1)", ".BR rolu\\-sim (1)"]) + "\n"
 
 
@@ -172,11 +185,11 @@ def main(header_file, version, directory):
             page.unlink()
     (man7 / "kavo_rolu.7").write_text(library_page(header, families, version), encoding="utf-8")
     for family, sections in families.items():
-        page = f"kavo_rolu_{family.lower()}.3"
-        (man3 / page).write_text(family_page(family, sections, version), encoding="utf-8")
+        (man3 / f"{page_of(family)}.3").write_text(family_page(family, sections, version), encoding="utf-8")
         for section in sections:
             for function in section.functions:
-                (man3 / f"{function.name}.3").write_text(f".so man3/{page}\n", encoding="utf-8")
+                page = function_page(family, section, function, version)
+                (man3 / f"{function.name}.3").write_text(page, encoding="utf-8")
 
 
 if __name__ == "__main__":

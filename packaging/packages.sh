@@ -35,13 +35,15 @@ build() {
 }
 
 # What both architectures' packages put at the same place must be the same, so that they can be
-# installed side by side.
+# installed side by side; and each library must start on the C library that the guide names.
 compare_architectures() {
   local package architecture
   mkdir "$work/shared"
   for package in libkavo-rolu3 libkavo-rolu-dev; do
     for architecture in "${architectures[@]}"; do
       dpkg-deb -x "$out/$architecture/${package}"_*.deb "$work/shared/$architecture"
+      [[ $package != libkavo-rolu3 ]] || tests/installed/needed_c_library.sh \
+        "$work/shared/$architecture"/usr/lib/*/libkavo_rolu.so.3 objdump docs/board.md >&2
       rm -rf "$work/shared/$architecture/usr/lib"
     done
   done
@@ -49,23 +51,21 @@ compare_architectures() {
     die "the packages of the architectures differ in files that they share (see above)"
 }
 
-# The board's command and a program that is compiled with its packages, on the desk's simulated board.
+# The guide's programs, which are compiled with the board's packages, and the board's command, on the desk's
+# simulated board.
 use_emulated() {
-  local package files=$work/armhf library=$work/armhf/usr/lib/arm-linux-gnueabihf program
-  for package in libkavo-rolu3 libkavo-rolu-dev rolu-tools; do
-    dpkg-deb -x "$out/armhf/${package}"_*.deb "$files"
-  done
+  local files=$work/armhf library=$work/armhf/usr/lib/arm-linux-gnueabihf package
   dpkg-deb -x "$out"/amd64/rolu-tools_*.deb "$work/amd64"
-  arm-linux-gnueabihf-gcc examples/battery.c -I"$files/usr/include" -L"$library" -lkavo_rolu -o "$work/battery" ||
-    die "a program cannot be compiled with the packages for armhf"
+  packages=$PWD/$out/armhf tests/desk/run_guide.sh --board docs/board.md "$work/amd64/usr/bin" >"$work/log" 2>&1 || {
+    cat "$work/log" >&2
+    die "the guide to the board does not work with the packages for armhf (see above)"
+  }
+  for package in libkavo-rolu3 rolu-tools; do dpkg-deb -x "$out/armhf/${package}"_*.deb "$files"; done
   # The emulator itself runs natively: only the emulated program gets the preloaded object.
-  for program in "$files/usr/bin/rolu get battery.voltage" "$work/battery 1"; do
-    # shellcheck disable=SC2086 # a program and its arguments
-    "$work/amd64/usr/bin/rolu-sim" --battery 0s=12.6 -- env -u LD_PRELOAD qemu-arm -L /usr/arm-linux-gnueabihf \
-      -E LD_PRELOAD="$library/rolu-sim/librolu-sim-preload.so" -E LD_LIBRARY_PATH="$library" $program |
-      tee "$work/log" >&2
-    grep -q '\<12\.[56]' "$work/log" || die "$program did not read the simulated board's 12.6 V"
-  done
+  "$work/amd64/usr/bin/rolu-sim" --battery 0s=12.6 -- env -u LD_PRELOAD qemu-arm -L /usr/arm-linux-gnueabihf \
+    -E LD_PRELOAD="$library/rolu-sim/librolu-sim-preload.so" -E LD_LIBRARY_PATH="$library" \
+    "$files/usr/bin/rolu" get battery.voltage | tee "$work/log" >&2
+  grep -q '\<12\.[56]' "$work/log" || die "rolu did not read the simulated board's 12.6 V"
 }
 
 rm -rf "$out"

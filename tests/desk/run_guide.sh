@@ -1,10 +1,15 @@
 #!/usr/bin/env bash
 # Runs the commands of a guide: all blocks marked as sh, in their order, in an empty directory, as
 # one script. The script ends at the first command that fails. A command with a ! in front must
-# fail.
-# usage: run_guide.sh GUIDE DIRECTORY_OF_PROGRAMS...
+# fail. With --board the blocks are those marked as sh armhf, which compile for the board.
+# usage: run_guide.sh [--board] GUIDE DIRECTORY_OF_PROGRAMS...
 set -euo pipefail
 
+mark='sh'
+if [[ $1 == --board ]]; then
+  mark='sh armhf'
+  shift
+fi
 guide=$1
 shift
 for directory in "$@"; do PATH=$directory:$PATH; done
@@ -22,7 +27,7 @@ trap cleanup EXIT
 
 script=$work/commands
 # shellcheck disable=SC2016 # the backticks are those of Markdown
-sed -n '/^```sh$/,/^```$/{/^```/!p}' "$guide" |
+sed -n '/^```'"$mark"'$/,/^```$/{/^```/!p}' "$guide" |
   sed -E 's/^! (.*)$/if \1; then exit 1; fi/' >"$script"
 [[ -s $script ]] || { echo "run_guide: $guide holds no commands" >&2; exit 1; }
 mkdir "$work/here"

@@ -29,12 +29,43 @@ pages=(man1/rolu.1 man1/rolu-sim.1 man7/kavo_rolu.7 "${functions[@]/%/.3}")
 for page in "${pages[@]/#KAVO/man3/KAVO}"; do
   [[ -s $prefix/share/man/$page ]] || fail "there is no manual page $page"
   [[ $page == man3/* ]] || continue
-  family=$(sed -n '1s/^\.so //p' "$prefix/share/man/$page")
-  [[ -n $family && -s $prefix/share/man/$family ]] || fail "$page leads to the page '$family', which is not there"
+  family=$(sed -n 's/^\.BR \(kavo_rolu_[a-z]*\) (3)$/\1/p' "$prefix/share/man/$page")
+  [[ -n $family && -s $prefix/share/man/man3/$family.3 ]] || fail "$page leads to the page '$family', which is not there"
 done
 for program in rolu rolu-sim; do
   bash -n "$prefix/share/bash-completion/completions/$program"
 done
+
+# The components are the packages: those of each give what the package's list takes out of the whole.
+files_of() { (cd "$1" && find . ! -type d | sort); }
+while read -r package components; do
+  whole=$work/whole-$package parts=$work/parts-$package
+  mkdir -p "$whole" "$parts"
+  while read -r pattern; do
+    pattern=${pattern/lib\/\*/$library_directory}
+    # shellcheck disable=SC2086 # a pattern
+    (cd "$prefix" && cp -a --parents ${pattern#usr/} "$whole")
+  done <"$source_directory/packaging/debian/$package.install"
+  for component in $components; do
+    cmake --install "$build" --prefix "$parts" --component "$component" >>"$work/log"
+  done
+  diff <(files_of "$whole") <(files_of "$parts") || fail "the package $package (<) is not the components $components (>)"
+done <<'END'
+libkavo-rolu3 runtime
+libkavo-rolu-dev development doc
+rolu-tools tools
+END
+diff <(files_of "$prefix") <(for parts in "$work"/parts-*; do files_of "$parts"; done | sort) ||
+  fail "the components (>) are not the whole (<)"
+
+# The guide explains the options of the build in their own words.
+# shellcheck disable=SC2016 # the backticks are those of Markdown
+options=$(sed -n -e 's/^ *option(\(ROLU_[A-Z_]*\) "\(.*\)" O.*/| `\1` | \2 |/p' \
+  -e 's/^set(\(ROLU_[A-Z_]*\) .* CACHE STRING "\(.*\)")/| `\1` | \2 |/p' "$source_directory/CMakeLists.txt" | sort -u)
+[[ -n $options ]] || fail "CMakeLists.txt has no options"
+# shellcheck disable=SC2016
+diff <(printf '%s\n' "$options") <(grep '^| `ROLU_' "$source_directory/docs/packages.md" | sort -u) ||
+  fail "docs/packages.md (>) does not explain the options of CMakeLists.txt (<)"
 
 export PATH=$prefix/bin:$PATH
 export PKG_CONFIG_PATH=$library/pkgconfig

@@ -23,7 +23,9 @@ TEST_F(RoluTest, TheAlarmIsSetShownAndSwitchedOff) {
        "alarm.mode     daily\nalarm.weekday  0\nalarm.time     07:30\nalarm.active   on\n"},
       {"alarm hourly 15", 0, "alarm.mode     hourly\nalarm.weekday  0\nalarm.time     00:15\n"},
       {"alarm weekly sat 06:05", 0, "alarm.mode     weekly\nalarm.weekday  6\nalarm.time     06:05\n"},
-      {"alarm weekly 2 06:05", 0, "alarm.weekday  2\n"},
+      {"alarm weekly 2 6:05", 0, "alarm.weekday  2\nalarm.time     06:05\n"},
+      {"set alarm.time=7:30", 0, "alarm.time = 07:30 (was 06:05)\n"},
+      {"set alarm.time=06:05", 0},
       {"alarm off", 0, "alarm.time     06:05\nalarm.active   off\n"},
   });
   EXPECT_EQ(Rolu("alarm show --json").Json()["alarm.mode"]["value"], "weekly");
@@ -34,12 +36,23 @@ TEST_F(RoluTest, TheClockIsSetToATimeAndToTheSystems) {
       {"clock set 2030-02-28T23:59:58", 0, "clock.time             2030-02-28 23:59:5"},
       {"clock set 2030-02-28T10:00:00 --weekday 6", 0, "clock.weekday          6\n"},
       {"clock show", 0, "clock.time             2030-02-28 10:00:0"},
-      {"clock sync", 0, "clock.ahead-of-system"},
+      {"clock set 2030-02-28T7:30", 0, "clock.time             2030-02-28 07:30:0"},
+      {"clock set 14:05", 0, " 14:05:0"},
   });
-  const nlohmann::json clock = Rolu("clock show --json").Json();
-  EXPECT_LE(std::abs(clock["clock.ahead-of-system"]["value"].get<int>()), 1);
   // 2030-02-28 is a Thursday, which is 4 when Sunday is 0.
   EXPECT_THAT(Received("RTCS").front(), testing::EndsWith("3B3A"));
+}
+
+TEST_F(RoluTest, TheClockIsSetWithin50MillisecondsOfTheSystemsSecond) {
+  RunSteps({{"clock sync", 0, "clock.ahead-of-system"}});
+  rolu_sim::TimePoint arrival;
+  for (const rolu_sim::WireEvent& line : board.mcu().Log().Lines()) {
+    if (line.bytes.starts_with("RTCS")) arrival = line.time;
+  }
+  const auto on_system_clock =
+      std::chrono::system_clock::now() + (arrival - rolu_sim::TimePoint::clock::now());
+  const auto error = on_system_clock - std::chrono::round<std::chrono::seconds>(on_system_clock);
+  EXPECT_LE(std::chrono::abs(error), std::chrono::milliseconds(50));
 }
 
 TEST_F(RoluTest, AClockThatDoesNotTakeTheTimeIsNoSuccess) {

@@ -5,6 +5,7 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
@@ -121,6 +122,7 @@ void Judge(const std::vector<Change>& changes, Outcome& outcome) {
 
 ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPlan& plan) {
   ApplyAll(session, plan.changes, [](const Change&) {});
+  guard::SetLastWords("the changes were made, but not all was read back");
   const std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
   Outcome outcome;
@@ -131,6 +133,7 @@ ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPl
 }
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
+  guard::SetLastWords("nothing was changed");
   const std::vector<SavedSetting> file = ReadSettingsFile(options.path);
   Session session(common);
   LoadPlan plan = PlanLoad(session, file);

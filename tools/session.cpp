@@ -8,6 +8,7 @@
 
 #include "cli/messages.h"
 #include "cli/silenced_output.h"
+#include "tools/guard.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"
 
@@ -68,6 +69,7 @@ ROLU_STATUS Session::Use(Family family) {
   if (!state) {
     if (family != Family::kCore) EnsurePortIsOurs();
     state = BringUp(family);
+    guard::NoteAnswer();
   }
   return *state;
 }
@@ -132,6 +134,7 @@ ROLU_STATUS Session::Ask(Family family, const std::function<ROLU_STATUS()>& ques
   if (family == Family::kCore) return question();
   if (McuIsSilent()) return ROLU_STATUS_VPM_NO_REPLY;
   const ROLU_STATUS status = question();
+  guard::NoteAnswer();
   unanswered_ = status == ROLU_STATUS_VPM_NO_REPLY ? unanswered_ + 1 : 0;
   return status;
 }
@@ -151,6 +154,7 @@ ExitStatus Session::Close() {
     states_[i].reset();
     if (!is_up) continue;
     const ROLU_STATUS status = kFamilyWords[i].take_down();
+    guard::NoteAnswer();
     if (status == ROLU_STATUS_SUCCESS) continue;
     SayProblem(fmt::format("could not take down {}: {}", kFamilyWords[i].name, Describe(status)));
     result = WordsOf(status).exit_status;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -14,6 +15,7 @@ struct CommonOptions {
   bool json = false;
   bool force = false;
   bool yes = false;
+  std::chrono::milliseconds timeout{0};  // 0: none
 };
 
 // Whether the GPS receiver's power line is prepared and high.

@@ -45,9 +45,9 @@ std::uint8_t ParseDay(const std::string& text) {
 void CheckReadBack(ALARM_MODE mode, const VPM_ALARM_TIME& time) {
   ALARM_MODE mode_now = ALARM_MODE_NONE;
   VPM_ALARM_TIME now{};
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmTime(&mode_now, &now), "read the alarm back");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmTime(&mode_now, &now), "read the alarm back", Act::kRead);
   char active = 0;
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmActive(&active), "read the alarm back");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmActive(&active), "read the alarm back", Act::kRead);
   const bool same = mode_now == mode && now.minute == time.minute && now.hour == time.hour &&
                     now.weekday == time.weekday && active != 0;
   if (!same)

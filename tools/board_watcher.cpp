@@ -197,7 +197,7 @@ class Lookout {
       events_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
     }
     if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
-      SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
+      SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status, Act::kRead)));
     }
     return answered;
   }

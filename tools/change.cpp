@@ -27,10 +27,10 @@ std::string McuRange(const Setting& setting) {
                      VoltsText(limits.back().get<double>()));
 }
 
-void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
+void Fail(Change& change, ROLU_STATUS status, const std::string& doing, Act act) {
   change.result = WordsOf(status).exit_status;
-  change.problem = doing + ": " + DescribeWithHint(status);
-  const bool refused = status == ROLU_STATUS_INVALID_PARAMETER;
+  change.problem = doing + ": " + DescribeWithHint(status, act);
+  const bool refused = status == ROLU_STATUS_INVALID_PARAMETER && act == Act::kChange;
   if (refused && change.setting->kind == Kind::kVolts) change.problem += McuRange(*change.setting);
 }
 
@@ -89,9 +89,10 @@ void Apply(Session& session, Change& change) {
   Value value;
   if (!change.before && session.Read(setting, value) == ROLU_STATUS_SUCCESS) change.before = value;
   ROLU_STATUS status = session.Write(setting, change.wanted);
-  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "could not be set");
+  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "could not be set", Act::kChange);
   status = session.Read(setting, value);
-  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "was set, but could not be read back");
+  if (status != ROLU_STATUS_SUCCESS)
+    return Fail(change, status, "was set, but could not be read back", Act::kRead);
   change.read_back = value;
   if (IsSame(change.wanted, value, setting.rounding)) return;
   change.result = kRefused;

@@ -83,7 +83,7 @@ long SecondsBetween(const VPM_RTC_TIME& from, const VPM_RTC_TIME& to) {
 
 VPM_RTC_TIME ReadClock() {
   VPM_RTC_TIME time{};
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetRTCTime(&time), "read the clock");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetRTCTime(&time), "read the clock", Act::kRead);
   return time;
 }
 

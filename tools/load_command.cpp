@@ -80,7 +80,7 @@ std::vector<Change> FindDeviations(Session& session, const std::vector<SavedSett
     deviation.problem =
         status == ROLU_STATUS_SUCCESS
             ? fmt::format("is in the file, but the unit ends with {}", ValueText(*saved.setting, now))
-            : "could not be read at the end: " + Describe(status);
+            : "could not be read at the end: " + Describe(status, Act::kRead);
     deviations.push_back(std::move(deviation));
   }
   return deviations;

@@ -8,6 +8,7 @@
 
 #include "cli/messages.h"
 #include "cli/silenced_output.h"
+#include "tools/digital_lines.h"
 #include "tools/guard.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"
@@ -33,15 +34,13 @@ std::size_t IndexOf(Family family) {
   return static_cast<std::size_t>(family);
 }
 
-constexpr char kGpsValueFile[] = "/sys/class/gpio/gpio45/value";
-
 // Bringing the peripherals up sets the direction of the GPS receiver's power line again, and the kernel then
 // drives the line low. A receiver that is on loses its power for a moment. This function switches it on again
 // without the library, which may have failed to come up.
 ROLU_STATUS BringUpPeripherals() {
-  const bool was_on = GpsLineIsOn();
+  const bool was_on = kGpsPowerLine.Level() == true;
   const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_Initialize();
-  const int file = was_on ? open(kGpsValueFile, O_WRONLY | O_CLOEXEC) : -1;
+  const int file = was_on ? open(kGpsPowerLine.ValueFile().c_str(), O_WRONLY | O_CLOEXEC) : -1;
   if (file < 0) return status;
   [[maybe_unused]] const ssize_t written = write(file, "1", 1);
   close(file);
@@ -54,15 +53,6 @@ ROLU_STATUS BringUpVpm() {
 }
 
 }  // namespace
-
-bool GpsLineIsOn() {
-  const int file = open(kGpsValueFile, O_RDONLY | O_CLOEXEC);
-  if (file < 0) return false;
-  char level = '0';
-  const bool on = read(file, &level, 1) == 1 && level == '1';
-  close(file);
-  return on;
-}
 
 ROLU_STATUS Session::Use(Family family) {
   std::optional<ROLU_STATUS>& state = states_[IndexOf(family)];

@@ -18,9 +18,6 @@ struct CommonOptions {
   std::chrono::milliseconds timeout{0};  // 0: none
 };
 
-// Whether the GPS receiver's power line is prepared and high.
-bool GpsLineIsOn();
-
 // This program's use of the board. It brings families up when they are needed, and takes them down on every
 // way out. It stops asking an MCU that does not answer: after some unanswered questions in a row, every
 // further question gets ROLU_STATUS_VPM_NO_REPLY at once.

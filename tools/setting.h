@@ -72,6 +72,9 @@ struct SettingGroup {
 };
 const std::vector<SettingGroup>& SettingGroups();
 
+// The two digital inputs, whose lines must be prepared before they can be read.
+inline constexpr std::string_view kInputPins = "pins.inputs";
+
 // Null when there is no setting of this name.
 const Setting* FindSetting(std::string_view name);
 

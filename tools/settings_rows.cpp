@@ -303,7 +303,7 @@ std::vector<Setting> DeviceSettings() {
              Write(KAVO_ROLU_DISPLAY_SetBright), Family::kCore),
       Reading("light.level", "The ambient light", Kind::kNumber, Read(KAVO_ROLU_LIGHTSENSOR_GetStatus), "lux",
               Family::kCore),
-      Reading("pins.inputs", "The two digital inputs, 1 is high", Kind::kList,
+      Reading(kInputPins, "The two digital inputs, 1 is high", Kind::kList,
               ReadAs<Pins>(GetInputPins, [](const Pins& pins) { return pins; }), {}, Family::kCore),
   };
 }

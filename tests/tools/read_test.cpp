@@ -48,7 +48,7 @@ TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
               AllOf(HasSubstr("Car battery\n"), HasSubstr("battery.voltage                  12.600 V\n"),
                     HasSubstr("- the MCU reported a value that the library does not know (0xC043)\n"),
                     HasSubstr("light.level                      - the device cannot be opened (0xC00B)\n"),
-                    HasSubstr("'rolu pins prepare' does it"), Not(HasSubstr("\033"))));
+                    HasSubstr("'rolu pins prepare' makes them available"), Not(HasSubstr("\033"))));
 }
 
 TEST_F(RoluTest, StandardOutputCarriesNothingButResults) {
@@ -197,10 +197,22 @@ TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
 
   board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   board.mcu().Script(CommandMatch::Exactly("ATF1"), Reply::Silence());
+  board.mcu().Script(CommandMatch::Exactly("B22"), Reply::Line("ERR-M08"));
   doctor = Rolu("doctor");
   EXPECT_EQ(doctor.status, 1);
-  EXPECT_THAT(doctor.out, AllOf(HasSubstr("BAD   light sensor"), HasSubstr("49 of 50: "),
-                                HasSubstr("Verdict: the MCU answers, but something is missing.\n")));
+  EXPECT_THAT(doctor.out,
+              AllOf(HasSubstr("BAD   light sensor"), HasSubstr("49 of 50: "),
+                    HasSubstr("BAD   MCU's settings          backup.charge: the MCU refused the question\n"),
+                    HasSubstr("Verdict: the MCU answers, but not all is in order.\n")));
+}
+
+TEST_F(RoluTest, AProblemIsToldWithoutACircleAndForARead) {
+  board.mcu().Script(CommandMatch::Exactly("WDTG"), Reply::Line("ERR-M08"));
+  RunSteps(
+      {{"get watchdog.time", 3, "", "could not read watchdog.time: the MCU refused the question"},
+       {"get pins", 4, "", "could not read pins.inputs: the lines are not prepared; 'rolu pins prepare'"}});
+  board.mcu().SetSilent(true);
+  EXPECT_THAT(Rolu("doctor").out, Not(HasSubstr("rolu doctor")));
 }
 
 TEST_F(RoluTest, AReaderThatGoesAwayEndsItQuietly) {

@@ -106,14 +106,18 @@ TEST_F(RoluTest, DevicesBesideTheMcuAreReadAndSet) {
       {"backlight", 0, "display.backlight  10\n"},
       {"backlight 3", 0, "display.backlight = 3 (was 10)\n"},
       {"backlight", 0, "display.backlight  3\n"},
-      {"pins read", 4, "", "could not read pins.inputs: the device cannot be opened"},
-      {"pins drive low high", 0, "pins.outputs  low high\n"},
-      {"pins read", 0, "pins.inputs  1 0\n"},
-      {"pins", 0, "pins.inputs  1 0\n"},
+      {"pins read", 4, "", "the lines are not prepared; 'rolu pins prepare'"},
+      {"pins drive low high", 0, "out1  low   gpio35\nout2  high  gpio34\n"},
+      {"pins read", 0, "in1   high  gpio37\nin2   low   gpio36\nout1  low   gpio35\nout2  high  gpio34\n"},
+      {"pins out1=1", 0, "out1  high  gpio35\nout2  high  gpio34\n"},
+      {"pins out2=low", 0, "out1  high  gpio35\nout2  low   gpio34\n"},
+      {"pins", 0, "out1  high  gpio35\nout2  low   gpio34\n"},
       {"pins raed", 2, "", "did you mean read?"},
+      {"pins out3=1", 2, "", "out1=LEVEL or out2=LEVEL"},
+      {"pins out1=up", 2, "", R"(a level must be high or low, 1 or 0, not "up")"},
   });
-  EXPECT_FALSE(board.gpio().Level(35));
-  EXPECT_TRUE(board.gpio().Level(34));
+  EXPECT_TRUE(board.gpio().Level(35));
+  EXPECT_FALSE(board.gpio().Level(34));
   EXPECT_EQ(Rolu("pins drive 1 1 --json").Json()["pins.outputs"]["value"], nlohmann::json({1, 1}));
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
 }

@@ -165,7 +165,7 @@ TEST_F(WatchTest, ItEndsAfterItsTime) {
 TEST_F(WatchTest, CommandsRunAtTheirEventBesideTheWatching) {
   TemporaryDirectory directory;
   const std::string marker = directory.File("seen");
-  Start({"--on", "ignition-off", "echo $ROLU_EVENT >> " + marker, "--on", "ignition-off",
+  Start({"--on", "ignition-off", "echo $ROLU_EVENT >> " + marker + "; exit 4", "--on", "ignition-off",
          "echo noise; exit 3", "--on", "ignition-on", "echo never >> " + marker, "--on", "shock",
          "sleep 1000"});
   board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
@@ -173,6 +173,7 @@ TEST_F(WatchTest, CommandsRunAtTheirEventBesideTheWatching) {
   board.mcu().WithModel([](auto& mcu) { mcu.ShakeTo({2560, 0, 256}); });
   ASSERT_TRUE(rolu->WaitForOutput("G-sensor alarm"));
   ASSERT_TRUE(rolu->WaitForMessage(R"("echo noise; exit 3" ended with status 3)"));
+  ASSERT_TRUE(rolu->WaitForMessage("exit 4\" ended with status 4"));
   rolu->Signal(SIGINT);
   EXPECT_EQ(rolu->Wait(), 0) << "a command that goes on is ended";
   EXPECT_EQ(ReadFile(marker), "ignition-off\n");

@@ -41,6 +41,7 @@ void AddSetCommand(CLI::App& app, Invocation& invocation);
 void AddListCommand(CLI::App& app, Invocation& invocation);
 void AddSaveCommand(CLI::App& app, Invocation& invocation);
 void AddLoadCommand(CLI::App& app, Invocation& invocation);
+void AddVerifyCommand(CLI::App& app, Invocation& invocation);
 void AddWatchCommand(CLI::App& app, Invocation& invocation);
 void AddClockCommand(CLI::App& app, Invocation& invocation);
 void AddAlarmCommand(CLI::App& app, Invocation& invocation);

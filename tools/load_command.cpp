@@ -134,7 +134,9 @@ ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPl
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
   guard::SetLastWords("nothing was changed");
-  const std::vector<SavedSetting> file = ReadSettingsFile(options.path);
+  const SettingsFile contents = ReadSettingsFile(options.path);
+  SayWhatIsLeftOut(contents);
+  const std::vector<SavedSetting>& file = contents.settings;
   Session session(common);
   LoadPlan plan = PlanLoad(session, file);
   if (!common.json) ShowDifference(plan);
@@ -160,9 +162,9 @@ void AddLoadCommand(CLI::App& app, Invocation& invocation) {
                  "  rolu load -y unit-17.json\n"
                  "The file is checked whole before anything is sent, and the difference is shown. The\n"
                  "battery mode is set first and the protections after it, so that they end as the file\n"
-                 "says. Everything is read back; what could not be set is named, with exit status 1.");
-  command->add_option("FILE", options->path, "A file that 'rolu save' wrote; - is standard input")
-      ->required();
+                 "says. Everything is read back; what could not be set is named, with exit status 1.\n"
+                 "The lines of a file look like this: ignition.on-delay = 5  # a comment");
+  command->add_option("FILE", options->path, kSettingsFileHelp)->required();
   command->add_flag("--dry-run", options->dry_run, "Only show the difference");
   OnRun(command, invocation, RunLoad, options);
 }

@@ -46,6 +46,8 @@ void AddWatchCommand(CLI::App& app, Invocation& invocation);
 void AddClockCommand(CLI::App& app, Invocation& invocation);
 void AddAlarmCommand(CLI::App& app, Invocation& invocation);
 void AddWatchdogCommand(CLI::App& app, Invocation& invocation);
+void AddExplainCommand(CLI::App& app, Invocation& invocation);
+void AddRawCommand(CLI::App& app, Invocation& invocation);
 void AddI2cCommand(CLI::App& app, Invocation& invocation);
 void AddPinsCommand(CLI::App& app, Invocation& invocation);
 void AddLightCommand(CLI::App& app, Invocation& invocation);

@@ -37,10 +37,12 @@ void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(con
 }
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-  for (const auto add : {AddStatusCommand, AddGetCommand, AddSetCommand, AddListCommand, AddSaveCommand,
-                         AddLoadCommand, AddVerifyCommand, AddWatchCommand, AddDoctorCommand, AddClockCommand,
-                         AddAlarmCommand, AddWatchdogCommand, AddI2cCommand, AddPinsCommand, AddLightCommand,
-                         AddBacklightCommand, AddDefaultsCommand, AddResetCommand, AddForceShutdownCommand}) {
+  for (const auto add :
+       {AddStatusCommand,       AddGetCommand,      AddSetCommand,   AddListCommand,     AddSaveCommand,
+        AddLoadCommand,         AddVerifyCommand,   AddWatchCommand, AddDoctorCommand,   AddClockCommand,
+        AddAlarmCommand,        AddWatchdogCommand, AddI2cCommand,   AddPinsCommand,     AddLightCommand,
+        AddBacklightCommand,    AddExplainCommand,  AddRawCommand,   AddDefaultsCommand, AddResetCommand,
+        AddForceShutdownCommand}) {
     add(app, invocation);
   }
 }

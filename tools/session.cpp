@@ -57,7 +57,8 @@ ROLU_STATUS BringUpVpm() {
 ROLU_STATUS Session::Use(Family family) {
   std::optional<ROLU_STATUS>& state = states_[IndexOf(family)];
   if (!state) {
-    if (family != Family::kCore) EnsurePortIsOurs();
+    if (family != Family::kCore && !port_checked_) RequireFreePort(options_);
+    port_checked_ = port_checked_ || family != Family::kCore;
     state = BringUp(family);
     guard::NoteAnswer();
   }
@@ -68,10 +69,8 @@ void Session::Require(Family family) {
   ThrowUnlessDone(Use(family), fmt::format("bring up {}", kFamilyWords[IndexOf(family)].name));
 }
 
-void Session::EnsurePortIsOurs() {
-  if (port_checked_) return;
-  port_checked_ = true;
-  if (options_.force) return;
+void RequireFreePort(const CommonOptions& options) {
+  if (options.force) return;
   const PortSearch search = FindPortOwner();
   if (search.owner.empty()) return;
   throw CommandError(kBusy, fmt::format("the MCU's port {} is in use by {}; two programs would take each "

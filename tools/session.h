@@ -18,6 +18,9 @@ struct CommonOptions {
   std::chrono::milliseconds timeout{0};  // 0: none
 };
 
+// Throws CommandError(kBusy) when another process holds the MCU's port and --force is not given.
+void RequireFreePort(const CommonOptions& options);
+
 // This program's use of the board. It brings families up when they are needed, and takes them down on every
 // way out. It stops asking an MCU that does not answer: after some unanswered questions in a row, every
 // further question gets ROLU_STATUS_VPM_NO_REPLY at once.
@@ -55,7 +58,6 @@ class Session {
   ExitStatus Close();
 
  private:
-  void EnsurePortIsOurs();
   ROLU_STATUS BringUp(Family family);
   ROLU_STATUS BringUpWatchdog();
   ROLU_STATUS Ask(Family family, const std::function<ROLU_STATUS()>& question);

@@ -11,12 +11,12 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 constexpr const char* kCommands[] = {
-    "status",         "get",           "set",          "list",         "save",      "load",
-    "verify",         "watch",         "doctor",       "clock show",   "clock set", "clock sync",
-    "alarm show",     "alarm daily",   "alarm hourly", "alarm weekly", "alarm off", "watchdog on",
-    "watchdog off",   "watchdog feed", "i2c read",     "i2c write",    "i2c dump",  "pins read",
-    "pins drive",     "pins prepare",  "light",        "backlight",    "defaults",  "reset",
-    "force-shutdown",
+    "status",       "get",           "set",          "list",           "save",         "load",
+    "verify",       "watch",         "doctor",       "clock show",     "clock set",    "clock sync",
+    "alarm show",   "alarm daily",   "alarm hourly", "alarm weekly",   "alarm off",    "watchdog on",
+    "watchdog off", "watchdog feed", "i2c detect",   "explain",        "raw",          "i2c read",
+    "i2c write",    "i2c dump",      "pins read",    "pins drive",     "pins prepare", "light",
+    "backlight",    "defaults",      "reset",        "force-shutdown",
 };
 
 TEST(RoluDocuments, EveryCommandHasHelpAndAPlaceInTheManPage) {

@@ -4,8 +4,10 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <map>
+#include <regex>
 
+#include "tests/support/interface_header.h"
 #include "tests/tools/rolu_process.h"
 
 namespace rolu_test {
@@ -91,11 +93,45 @@ TEST_F(RoluTest, I2cDevicesAreReadWrittenAndDumped) {
       {"i2c read 0x50 --register 0x10 --count 3 --json", 0, "\"bytes\": [\n    1,\n    2,\n    237\n  ]"},
       {"i2c dump 0x50", 0, "10: 01 02 ed ec eb ea e9 e8 e7 e6 e5 e4 e3 e2 e1 e0  ................\n20: df"},
       {"i2c write 0x50 0x10 9", 1, "", "writes 10 09 to the device at address 0x50"},
+      {"i2c detect", 0, "50: 50 -- -- "},
+      {"i2c detect", 0, "1 devices answer; 0x78, the board's reset controller, was not asked\n"},
       {"i2c read 0x51", 3, "", "could not read from address 0x51: the device refused the transfer"},
   });
   EXPECT_EQ(Rolu("i2c dump 0x50 --json").Json()["bytes"].size(), 256U);
   EXPECT_EQ(board.register_device().Register(0x10), 1) << "not confirmed, not written";
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(RoluTest, ARawCommandGoesAtOnceWhenItOnlyAsks) {
+  RunSteps({
+      {"raw MCBG", 0, "03                12 V system\n"},
+      {"raw RTCS1E021C04173B05 -y", 0, "OK                done\nOK                done\n"},
+      {"raw WKMS61", 1, "", "sends WKMS61 to the MCU: switch wake-up source 6 (the clock's alarm) on"},
+      {"raw XYZ -y", 3, "ERR-C01           refused: the MCU does not know the command\n"},
+      {"raw MCBG9", 1, "", "with fields that do not fit"},
+      {"raw --json MCBG", 0, R"("words": "12 V system")"},
+  });
+  EXPECT_THAT(board.mcu().CommandsReceived(), ElementsAre("MCBG", "RTCS1E021C04173B05", "XYZ", "MCBG"));
+  board.mcu().Script(rolu_sim::CommandMatch::Exactly("MCVG"), rolu_sim::Reply::Silence());
+  RunSteps({{"raw MCVG", 4, "", "the MCU did not answer in time"}});
+}
+
+TEST(RoluExplain, KnowsEveryStatusOfTheHeader) {
+  std::map<std::string, unsigned long> explained;
+  for (const nlohmann::json& status : Rolu("explain --json").Json()) {
+    explained[status["name"]] = status["number"];
+    EXPECT_THAT(status["cause"].get<std::string>(), testing::EndsWith("."));
+  }
+  std::map<std::string, unsigned long> declared;
+  const std::string& header = HeaderText();
+  const std::regex row("(ROLU_STATUS_\\w+) = (0x\\w+)");
+  for (std::sregex_iterator match(header.begin(), header.end(), row), end; match != end; ++match) {
+    declared[(*match)[1]] = std::stoul((*match)[2], nullptr, 0);
+  }
+  EXPECT_EQ(explained, declared);
+  RunSteps({{"explain 49224", 0, "ROLU_STATUS_VPM_NO_REPLY (0xC048, 49224)\n"},
+            {"explain vpm_no_reply 0xC002", 0, "ROLU_STATUS_INVALID_PARAMETER (0xC002, "},
+            {"explain VPM_NO_REPYL", 2, "", "did you mean VPM_NO_REPLY?"}});
 }
 
 TEST_F(RoluTest, DevicesBesideTheMcuAreReadAndSet) {

@@ -86,7 +86,7 @@ void AddAlarmCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const alarm = NewCommand(app, "alarm", "Show, set and switch off the wake-up alarm",
                                      "  rolu alarm daily 07:30\n  rolu alarm hourly 15\n"
                                      "  rolu alarm weekly monday 06:00\n  rolu alarm off");
-  alarm->require_subcommand(1);
+  OnBareRun(alarm, invocation, Show);
 
   OnRun(NewCommand(*alarm, "show", "Show the alarm", ""), invocation, Show);
 

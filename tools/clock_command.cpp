@@ -188,8 +188,9 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   auto options = std::make_shared<ClockOptions>();
   CLI::App* const clock =
       NewCommand(app, "clock", "Show and set the MCU's clock",
-                 "  rolu clock show\n  rolu clock set '2026-11-24 21:38:15'\n  rolu clock sync --utc");
-  clock->require_subcommand(1);
+                 "  rolu clock\n  rolu clock set '2026-11-24 21:38:15'\n  rolu clock sync --utc");
+  AddUtcFlag(clock, *options);
+  OnBareRun(clock, invocation, RunShow, options);
 
   CLI::App* const show =
       NewCommand(*clock, "show", "Show the clock and how far it is ahead of the system's", "");

@@ -241,8 +241,8 @@ class Examination {
     for (const DigitalLine& line :
          {kInputLines[0], kInputLines[1], kOutputLines[0], kOutputLines[1], kGpsPowerLine}) {
       const bool is_there = access(line.ValueFile().c_str(), F_OK) == 0;
-      Add(fmt::format("{} ({})", line.pin, line.line), is_there ? kGood : kNote,
-          is_there ? "prepared" : "not prepared yet");
+      Add(fmt::format("{}{} ({})", line.pin == kGpsPowerLine.pin ? "" : "digital ", line.pin, line.line),
+          is_there ? kGood : kNote, is_there ? "prepared" : "not prepared yet");
     }
   }
 

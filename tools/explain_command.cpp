@@ -28,17 +28,19 @@ long ParseCode(std::string_view text) {
   return error == std::errc() && end == text.data() + text.size() ? code : -1;
 }
 
-// A status by its code or its name, with or without the prefix. Throws CommandError(kWrongUse).
-const StatusWords& FindStatus(const std::string& text) {
+// The statuses with this code, this name or a name that ends so. Throws CommandError(kWrongUse).
+std::vector<const StatusWords*> FindStatuses(const std::string& text) {
   const std::string name = UpperCase(text);
   const long code = ParseCode(text);
+  std::vector<const StatusWords*> found;
   std::vector<std::string> known;
   for (const StatusWords& words : AllStatusWords()) {
-    const std::string short_name(std::string_view(words.name).substr(kPrefix.size()));
-    if (words.status == code || name == words.name || name == short_name) return words;
+    if (words.status == code || name == words.name) return {&words};
+    if (std::string_view(words.name).ends_with("_" + name)) found.push_back(&words);
     known.emplace_back(words.name);
-    known.push_back(short_name);
+    known.emplace_back(std::string_view(words.name).substr(kPrefix.size()));
   }
+  if (!found.empty()) return found;
   throw CommandError(kWrongUse, fmt::format("there is no status \"{}\"{}", text, Suggestion(name, known)));
 }
 
@@ -59,7 +61,7 @@ void PrintExplanation(const StatusWords& words) {
 
 ExitStatus RunExplain(const std::vector<std::string>& texts, const CommonOptions& common) {
   std::vector<const StatusWords*> statuses;
-  for (const std::string& text : texts) statuses.push_back(&FindStatus(text));
+  for (const std::string& text : texts) std::ranges::move(FindStatuses(text), std::back_inserter(statuses));
   if (texts.empty()) {
     for (const StatusWords& words : AllStatusWords()) statuses.push_back(&words);
   }
@@ -78,9 +80,9 @@ void AddExplainCommand(CLI::App& app, Invocation& invocation) {
   auto texts = std::make_shared<std::vector<std::string>>();
   CLI::App* const command =
       NewCommand(app, "explain", "Explain a status of the library: cause, what to do; asks the board nothing",
-                 "  rolu explain 0xC048\n  rolu explain VPM_NO_REPLY\n  rolu explain");
+                 "  rolu explain 0xC048\n  rolu explain NO_REPLY\n  rolu explain");
   command->add_option("STATUS", *texts,
-                      "A code, like 0xC048 or 49224, or a name; without it all are explained");
+                      "A code, like 0xC048 or 49224, or a name or its end; without it all are explained");
   OnRun(command, invocation, RunExplain, texts);
 }
 

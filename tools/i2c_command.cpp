@@ -165,7 +165,7 @@ ExitStatus RunDetect(const CommonOptions& common) {
     return kDone;
   }
   PrintMap(found);
-  Out(fmt::format("{} devices answer; 0x78, the board's reset controller, was not asked\n", found.size()));
+  Out(fmt::format("found {}; 0x78, the board's reset controller, was not asked\n", found.size()));
   return kDone;
 }
 

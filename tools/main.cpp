@@ -38,17 +38,30 @@ void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(con
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
   for (const auto add :
-       {AddStatusCommand,       AddGetCommand,      AddSetCommand,   AddListCommand,     AddSaveCommand,
-        AddLoadCommand,         AddVerifyCommand,   AddWatchCommand, AddDoctorCommand,   AddClockCommand,
-        AddAlarmCommand,        AddWatchdogCommand, AddI2cCommand,   AddPinsCommand,     AddLightCommand,
-        AddBacklightCommand,    AddExplainCommand,  AddRawCommand,   AddDefaultsCommand, AddResetCommand,
-        AddForceShutdownCommand}) {
+       {AddStatusCommand,        AddGetCommand,      AddSetCommand,   AddListCommand,     AddSaveCommand,
+        AddLoadCommand,          AddVerifyCommand,   AddWatchCommand, AddDoctorCommand,   AddClockCommand,
+        AddAlarmCommand,         AddWatchdogCommand, AddI2cCommand,   AddPinsCommand,     AddLightCommand,
+        AddBacklightCommand,     AddExplainCommand,  AddRawCommand,   AddDefaultsCommand, AddResetCommand,
+        AddForceShutdownCommand, AddHelpCommand}) {
     add(app, invocation);
   }
 }
 
+// Commands leave out the options that all of them take.
+class HelpText : public CLI::Formatter {
+ public:
+  std::string make_footer(const CLI::App* app) const override {
+    const char* const end =
+        app->get_parent() == nullptr
+            ? ""
+            : "\nAll commands take --json, --yes, --force and --timeout: 'rolu --help'.\n";
+    return CLI::Formatter::make_footer(app) + end;
+  }
+};
+
 void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   app.name("rolu");
+  app.formatter(std::make_shared<HelpText>());
   app.description("The board from a shell: reads, sets and watches the in-vehicle computer's hardware.");
   app.set_version_flag("--version", "rolu " ROLU_VERSION);
   app.add_flag("--json", invocation.common.json, "Print results as JSON, with units");

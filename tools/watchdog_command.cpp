@@ -80,6 +80,13 @@ ExitStatus RunOff(const CommonOptions& common) {
   return kDone;
 }
 
+ExitStatus RunShow(const CommonOptions& common) {
+  Session session(common);
+  const ExitStatus status = ReadAndPrint(session, "watchdog.time", common);
+  if (!common.json) Out("The board does not tell whether the watchdog is on.\n");
+  return status;
+}
+
 ExitStatus RunFeed(const WatchdogOptions& options, const CommonOptions& common) {
   Session session(common);
   session.Require(Family::kWatchdog);
@@ -101,7 +108,7 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
       NewCommand(app, "watchdog", "Switch the watchdog on and off, and feed it",
                  "  rolu watchdog on --time 60 --feed\n  rolu watchdog feed\n  rolu watchdog off\n"
                  "'rolu get watchdog.time' tells its time. The board does not tell whether it is on.");
-  watchdog->require_subcommand(1);
+  OnBareRun(watchdog, invocation, RunShow);
 
   CLI::App* const on =
       NewCommand(*watchdog, "on", "Switch the watchdog on",

@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 TEST_F(RoluTest, TheAlarmIsSetShownAndSwitchedOff) {
   RunSteps({
-      {"alarm show", 0, "alarm.mode     none\n"},
+      {"alarm", 0, "alarm.mode     none\n", "  rolu alarm daily      Wake the computer each day\n"},
       {"alarm daily 07:30", 0,
        "alarm.mode     daily\nalarm.weekday  0\nalarm.time     07:30\nalarm.active   on\n"},
       {"alarm hourly 15", 0, "alarm.mode     hourly\nalarm.weekday  0\nalarm.time     00:15\n"},
@@ -94,7 +94,7 @@ TEST_F(RoluTest, I2cDevicesAreReadWrittenAndDumped) {
       {"i2c dump 0x50", 0, "10: 01 02 ed ec eb ea e9 e8 e7 e6 e5 e4 e3 e2 e1 e0  ................\n20: df"},
       {"i2c write 0x50 0x10 9", 1, "", "writes 10 09 to the device at address 0x50"},
       {"i2c detect", 0, "50: 50 -- -- "},
-      {"i2c detect", 0, "1 devices answer; 0x78, the board's reset controller, was not asked\n"},
+      {"i2c detect", 0, "found 1; 0x78, the board's reset controller, was not asked\n"},
       {"i2c read 0x51", 3, "", "could not read from address 0x51: the device refused the transfer"},
   });
   EXPECT_EQ(Rolu("i2c dump 0x50 --json").Json()["bytes"].size(), 256U);
@@ -130,7 +130,7 @@ TEST(RoluExplain, KnowsEveryStatusOfTheHeader) {
   }
   EXPECT_EQ(explained, declared);
   RunSteps({{"explain 49224", 0, "ROLU_STATUS_VPM_NO_REPLY (0xC048, 49224)\n"},
-            {"explain vpm_no_reply 0xC002", 0, "ROLU_STATUS_INVALID_PARAMETER (0xC002, "},
+            {"explain no_reply 0xC002", 0, "ROLU_STATUS_INVALID_PARAMETER (0xC002, "},
             {"explain VPM_NO_REPYL", 2, "", "did you mean VPM_NO_REPLY?"}});
 }
 

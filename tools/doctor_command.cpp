@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "cli/messages.h"
+#include "tools/calibration.h"
 #include "tools/command.h"
 #include "tools/digital_lines.h"
 #include "tools/interrupt.h"
@@ -92,16 +93,16 @@ struct Latency {
 
 // Asks the MCU for its platform's name again and again. Gives up after two lost answers in a row.
 Latency MeasureLatency() {
-  using Clock = std::chrono::steady_clock;
   Latency latency;
   unsigned lost_in_a_row = 0;
   for (unsigned asked = 0; asked < kQuestions && lost_in_a_row < 2; ++asked) {
     ShowProgress(asked, kQuestions);
     if (interrupt::Signal() != 0) break;
     std::array<char, 16> name{};
-    const Clock::time_point start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     if (KAVO_ROLU_VPM_GetPlatformName(name.data()) == ROLU_STATUS_SUCCESS) {
-      latency.answers_ms.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+      latency.answers_ms.push_back(
+          std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
       lost_in_a_row = 0;
     } else {
       ++latency.lost;
@@ -297,11 +298,20 @@ class Examination {
 }  // namespace
 
 void AddDoctorCommand(CLI::App& app, Invocation& invocation) {
+  auto calibrate = std::make_shared<bool>(false);
   CLI::App* const command = NewCommand(
       app, "doctor", "Find out what is wrong: port, MCU, device files; ends with a verdict",
-      "  rolu doctor\n  rolu doctor --json\n"
+      "  rolu doctor\n  rolu doctor --json\n  rolu doctor --calibrate --timeout 10min\n"
       "Exit status: 0 all in order, 1 something is missing or refused, 4 no MCU, 5 its port is in use.");
-  OnRun(command, invocation, [](const CommonOptions& common) { return Examination(common).Run(); });
+  command->add_flag(
+      "--calibrate", *calibrate,
+      "Measure how long an MCU unit is instead: have the ignition turned off and on; asks first");
+  OnRun(
+      command, invocation,
+      [](bool calibrates, const CommonOptions& common) {
+        return calibrates ? CalibrateMcuUnit(common) : Examination(common).Run();
+      },
+      calibrate);
 }
 
 }  // namespace rolu

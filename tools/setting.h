@@ -75,6 +75,11 @@ const std::vector<SettingGroup>& SettingGroups();
 // The two digital inputs, whose lines must be prepared before they can be read.
 inline constexpr std::string_view kInputPins = "pins.inputs";
 
+// The unit of delays and the like. The MCU does not tell how long it is.
+inline constexpr std::string_view kMcuUnits = "MCU units";
+inline constexpr char kMcuUnitsHelp[] =
+    "MCU units are the MCU's own: it does not tell how long one is. 'rolu doctor --calibrate' measures it.";
+
 // Null when there is no setting of this name.
 const Setting* FindSetting(std::string_view name);
 

@@ -13,7 +13,6 @@ constexpr double kVoltageStep = 0.016;
 // too.
 constexpr double kThresholdStep = 63;
 
-constexpr std::string_view kMcuUnits = "MCU units";
 constexpr std::string_view kSensorUnits = "sensor units";
 
 // A setting that can only be read.

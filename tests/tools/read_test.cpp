@@ -206,6 +206,28 @@ TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
                     HasSubstr("Verdict: the MCU answers, but not all is in order.\n")));
 }
 
+TEST_F(RoluTest, DoctorMeasuresTheMcusUnitWithTheIgnition) {
+  RoluProcess rolu(Words("doctor --calibrate -y --json"));
+  ASSERT_TRUE(rolu.WaitForMessage("turn the ignition off now"));
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(rolu.WaitForMessage("the ignition is off"));
+  board.mcu().WithModel([](auto& mcu) { mcu.WarnOfPowerOff(rolu_sim::PowerOffWarning::kIgnition); });
+  ASSERT_TRUE(rolu.WaitForMessage("turn the ignition on again now"));
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = true; });
+  EXPECT_EQ(rolu.Wait(), 0) << rolu.err();
+  const nlohmann::json measured = nlohmann::json::parse(rolu.out());
+  EXPECT_EQ(measured["measured_units"], 30);
+  EXPECT_DOUBLE_EQ(measured["mcu_unit_seconds"].get<double>() * 30, measured["measured_seconds"]);
+
+  RunSteps(
+      {{"doctor --calibrate", 1, "",
+        "warns 30 of its units after ignition off and may cut the power after 90"},
+       {"set ignition.hard-off-delay=59", 0},
+       {"doctor --calibrate -y", 3, "", "may be cut 29 MCU units after the warning, which comes after 30"}});
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  RunSteps({{"doctor --calibrate -y", 3, "", "the ignition is off"}});
+}
+
 TEST_F(RoluTest, AProblemIsToldWithoutACircleAndForARead) {
   board.mcu().Script(CommandMatch::Exactly("WDTG"), Reply::Line("ERR-M08"));
   RunSteps(

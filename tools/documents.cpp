@@ -59,9 +59,9 @@ Candidates ArgumentsOf(const CLI::Option& argument) {
 std::string RoluManPage(const CLI::App& app) {
   return ManPage(app, ROLU_VERSION, "the board from a shell", Usage) +
          ".SH SETTINGS\nThe names that get, set, status and list take; a group is what stands before the "
-         "first "
-         "dot. " +
+         "first dot. " +
          RoffText(kMcuUnitsHelp) + "\n" + SettingItems() + ".SH ENVIRONMENT\n" +
+         RoffItem("COLUMNS", "The width of help texts; else that of the terminal.") +
          RoffItem("NO_COLOR", "When it is set and not empty, nothing is coloured.") + ".SH FILES\n" +
          RoffItem(kMcuPort, "The MCU's port. One process at a time may use it.");
 }

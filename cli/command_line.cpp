@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "cli/exit_status.h"
+#include "cli/help_text.h"
 #include "cli/messages.h"
 #include "cli/nearest_name.h"
 
@@ -61,6 +62,10 @@ CLI::Option* AddDurationOption(CLI::App& command, const std::string& name,
 }
 
 int Conclude(const CLI::App& app, const CLI::ParseError& stop) {
+  if (dynamic_cast<const CLI::CallForHelp*>(&stop) != nullptr) {
+    PrintHelp(HelpOf(Innermost(app)), app.get_name());
+    return kDone;
+  }
   if (stop.get_exit_code() == 0) return app.exit(stop);
   SayProblem(ProblemOf(app, stop));
   Say(fmt::format("try '{} --help'", PathOf(Innermost(app))));

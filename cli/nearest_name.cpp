@@ -29,14 +29,20 @@ std::string Suggestion(std::string_view unknown, const std::vector<std::string>&
   // If more than a third of the characters are wrong, the user did not mean this name.
   std::size_t closest = std::max<std::size_t>(unknown.size() / 3, 2) + 1;
   std::string_view nearest;
-  for (const std::string& name : known) {
+  const auto compare = [&](std::string_view part, std::string_view name, std::size_t handicap) {
     // A name that begins with the unknown text is the nearest.
-    const bool is_beginning = unknown.size() >= 3 && name.starts_with(unknown);
-    const std::size_t distance = is_beginning ? 0 : EditDistance(unknown, name);
+    const bool is_beginning = unknown.size() >= 3 && part.starts_with(unknown);
+    const std::size_t distance = (is_beginning ? 0 : EditDistance(unknown, part)) + handicap;
     // Any short text is near to a short name, so the distance must be less than half of the name's length.
-    if (distance >= closest || distance * 2 >= name.size()) continue;
+    if (distance >= closest || distance * 2 >= part.size()) return;
     closest = distance;
     nearest = name;
+  };
+  for (const std::string& name : known) {
+    compare(name, name, 0);
+    // People leave out the group of a setting: "voltage" is battery.voltage. A whole name is nearer.
+    const std::size_t dot = name.rfind('.');
+    if (dot != std::string::npos) compare(std::string_view(name).substr(dot + 1), name, 1);
   }
   return nearest.empty() ? "" : "; did you mean " + std::string(nearest) + "?";
 }

@@ -45,9 +45,9 @@ std::uint8_t ParseDay(const std::string& text) {
 void CheckReadBack(ALARM_MODE mode, const VPM_ALARM_TIME& time) {
   ALARM_MODE mode_now = ALARM_MODE_NONE;
   VPM_ALARM_TIME now{};
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmTime(&mode_now, &now), "read the alarm back");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmTime(&mode_now, &now), "read the alarm back", Act::kRead);
   char active = 0;
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmActive(&active), "read the alarm back");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetAlarmActive(&active), "read the alarm back", Act::kRead);
   const bool same = mode_now == mode && now.minute == time.minute && now.hour == time.hour &&
                     now.weekday == time.weekday && active != 0;
   if (!same)
@@ -86,7 +86,7 @@ void AddAlarmCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const alarm = NewCommand(app, "alarm", "Show, set and switch off the wake-up alarm",
                                      "  rolu alarm daily 07:30\n  rolu alarm hourly 15\n"
                                      "  rolu alarm weekly monday 06:00\n  rolu alarm off");
-  alarm->require_subcommand(1);
+  OnBareRun(alarm, invocation, Show);
 
   OnRun(NewCommand(*alarm, "show", "Show the alarm", ""), invocation, Show);
 

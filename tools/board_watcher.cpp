@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "cli/messages.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/port_owner.h"
 #include "tools/setting.h"
@@ -122,6 +123,10 @@ class Lookout {
       stopping_ = true;
     }
     stop_asked_.notify_all();
+    {
+      const std::lock_guard<std::mutex> waiting(shock_mutex_);  // free only while the thread waits
+      shock_.notify_all();
+    }
     if (poller_.joinable()) poller_.join();
     if (shock_taker_.joinable()) shock_taker_.join();
     ignition_warning_.Stop();
@@ -185,13 +190,14 @@ class Lookout {
   }
 
   bool NoteAnswer(ROLU_STATUS status, const char* subject) {
+    guard::NoteAnswer();
     const bool answered = status != ROLU_STATUS_VPM_NO_REPLY && status != ROLU_STATUS_VPM_SEND_FAILED;
     if (answered == silent_) {
       silent_ = !answered;
       events_.Put(silent_ ? EventKind::kMcuSilent : EventKind::kMcuBack);
     }
     if (answered && status != ROLU_STATUS_SUCCESS && complained_.insert(subject).second) {
-      SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status)));
+      SayProblem(fmt::format("{} cannot be watched: {}", subject, Describe(status, Act::kRead)));
     }
     return answered;
   }
@@ -199,8 +205,7 @@ class Lookout {
   // A signal is lost while this thread does not wait, so the thread also looks at the queue from time to
   // time.
   void TakeShocks() {
-    std::mutex mutex;
-    std::unique_lock<std::mutex> lock(mutex);
+    std::unique_lock<std::mutex> lock(shock_mutex_);
     while (WaitUnlessStopped(milliseconds(0))) {
       ROLU_GSENSOR_DATA sample{};
       while (KAVO_ROLU_GSENSOR_GetAlarmData(&sample) == ROLU_STATUS_SUCCESS) {
@@ -224,6 +229,7 @@ class Lookout {
 
   WarningWaiter ignition_warning_;
   WarningWaiter battery_warning_;
+  std::mutex shock_mutex_;
   std::condition_variable shock_;
   std::thread poller_;
   std::thread shock_taker_;
@@ -293,6 +299,7 @@ BoardWatcher::BoardWatcher(const WatchTask& task) {
     interrupt::Watch();
     _exit(WatchAsProcess(task, ends[1]));
   }
+  guard::SetDependent(pid_);
   events_ = ends[0];
   close(ends[1]);
   if (pid_ < 0) ThrowErrno("fork");
@@ -316,6 +323,7 @@ int BoardWatcher::End() {
   close(events_);
   int status = 0;
   while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) continue;
+  guard::SetDependent(0);
   pid_ = -1;
   status_ = WEXITSTATUS(status);
   if (WIFSIGNALED(status)) {

@@ -53,7 +53,7 @@ struct WatchTask {
   CommonOptions common;
   std::chrono::milliseconds interval{500};  // between two readings of ignition and voltage
   double volts_step = 0.1;                  // the smallest change of the voltage to report
-  BoardState told;            // the state that was reported before; an event is a change from it
+  BoardState told{};          // the state that was reported before; an event is a change from it
   bool port_returns = false;  // the port hung up in the previous process
 };
 

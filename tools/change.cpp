@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "cli/messages.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/status_words.h"
 
@@ -26,16 +27,32 @@ std::string McuRange(const Setting& setting) {
                      VoltsText(limits.back().get<double>()));
 }
 
-void Fail(Change& change, ROLU_STATUS status, const std::string& doing) {
+void Fail(Change& change, ROLU_STATUS status, const std::string& doing, Act act) {
   change.result = WordsOf(status).exit_status;
-  change.problem = doing + ": " + DescribeWithHint(status);
-  const bool refused = status == ROLU_STATUS_INVALID_PARAMETER;
+  change.problem = doing + ": " + DescribeWithHint(status, act);
+  const bool refused = status == ROLU_STATUS_INVALID_PARAMETER && act == Act::kChange;
   if (refused && change.setting->kind == Kind::kVolts) change.problem += McuRange(*change.setting);
+}
+
+// Where the changes stand while the one at `now` is made.
+std::string Standing(const std::vector<Change>& changes, std::size_t now) {
+  const auto text = [](const Change& change) {
+    return fmt::format("{} = {}", change.setting->name, ValueText(*change.setting, change.wanted));
+  };
+  std::string standing = text(changes[now]) + " may or may not be set";
+  for (std::size_t i = now + 1; i < changes.size(); ++i) {
+    standing += (i == now + 1 ? "; not set: " : ", ") + text(changes[i]);
+  }
+  return standing;
 }
 
 void GiveUp(Change& change) {
   change.result = kPartlyDone;
   change.problem = "was not set, because a signal asked for an end";
+}
+
+bool IsChangeOfProtection(const Change& change) {
+  return IsProtection(*change.setting);
 }
 
 }  // namespace
@@ -72,9 +89,10 @@ void Apply(Session& session, Change& change) {
   Value value;
   if (!change.before && session.Read(setting, value) == ROLU_STATUS_SUCCESS) change.before = value;
   ROLU_STATUS status = session.Write(setting, change.wanted);
-  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "could not be set");
+  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "could not be set", Act::kChange);
   status = session.Read(setting, value);
-  if (status != ROLU_STATUS_SUCCESS) return Fail(change, status, "was set, but could not be read back");
+  if (status != ROLU_STATUS_SUCCESS)
+    return Fail(change, status, "was set, but could not be read back", Act::kRead);
   change.read_back = value;
   if (IsSame(change.wanted, value, setting.rounding)) return;
   change.result = kRefused;
@@ -84,14 +102,20 @@ void Apply(Session& session, Change& change) {
 void ApplyAll(Session& session, std::vector<Change>& changes,
               const std::function<void(const Change&)>& tell) {
   bool protections_are_off = false;
-  for (Change& change : changes) {
+  std::optional<guard::MustFinish> must_finish;
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    Change& change = changes[i];
     const bool must_be_done = protections_are_off && IsProtection(*change.setting);
     if (interrupt::Signal() != 0 && !must_be_done) {
       GiveUp(change);
     } else {
       if (must_be_done) session.AskAgain();
+      guard::SetLastWords(Standing(changes, i));
+      const bool is_mode = change.setting->name == kBatteryMode;
+      // The change of the mode switches the protections off, and later changes may switch them on again.
+      if (is_mode && std::ranges::any_of(changes, IsChangeOfProtection)) must_finish.emplace();
       Apply(session, change);
-      if (change.setting->name == kBatteryMode) protections_are_off = true;
+      protections_are_off = protections_are_off || is_mode;
     }
     tell(change);
   }

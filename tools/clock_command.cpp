@@ -2,6 +2,10 @@
 #include <fmt/format.h>
 #include <time.h>
 
+#include <algorithm>
+#include <chrono>
+
+#include "cli/messages.h"
 #include "tools/command.h"
 #include "tools/interrupt.h"
 #include "tools/report.h"
@@ -10,6 +14,9 @@
 
 namespace rolu {
 namespace {
+
+using SystemClock = std::chrono::system_clock;
+using Microseconds = std::chrono::microseconds;
 
 // How far the clock may run on between the setting and the reading back.
 constexpr long kRunOnSeconds = 2;
@@ -26,10 +33,26 @@ VPM_RTC_TIME ClockOf(const std::tm& fields) {
           byte(fields.tm_hour),       byte(fields.tm_min),     byte(fields.tm_sec)};
 }
 
-// A date and time, "2026-11-24 21:38:15" or with a T in between. The weekday is computed (Sunday is 0).
-VPM_RTC_TIME ParseClock(const std::string& text) {
-  std::string given = text;
+VPM_RTC_TIME ClockAt(SystemClock::time_point time, bool utc) {
+  const std::time_t seconds = SystemClock::to_time_t(time);
+  return ClockOf(utc ? fmt::gmtime(seconds) : fmt::localtime(seconds));
+}
+
+VPM_RTC_TIME ClockNow(bool utc) {
+  return ClockAt(SystemClock::now(), utc);
+}
+
+// A date and time, "2026-11-24 21:38:15" or with a T in between. Without a date it is today; without seconds
+// they are 0. The weekday is computed (Sunday is 0).
+VPM_RTC_TIME ParseClock(const ClockOptions& options) {
+  std::string given = options.time;
   if (const std::size_t mark = given.find('T'); mark != std::string::npos) given[mark] = ' ';
+  if (given.find('-') == std::string::npos) {
+    given = ClockText(ClockNow(options.utc)).substr(0, std::size("2026-11-24")) + given;
+  }
+  const std::size_t hour = given.find(' ') + 1;
+  if (given.find(':') == hour + 1) given.insert(hour, "0");
+  if (std::ranges::count(given, ':') == 1) given += ":00";
   std::tm fields{};
   const bool is_read = strptime(given.c_str(), "%Y-%m-%d %H:%M:%S", &fields) != nullptr;
   // timegm turns the 31st of April into the 1st of May, and strptime takes "7:3" for 07:03. So the text is
@@ -39,13 +62,8 @@ VPM_RTC_TIME ParseClock(const std::string& text) {
   if (is_read && ClockText(time) == given) return time;
   throw CommandError(kWrongUse,
                      fmt::format("the time must be a time that exists, from the years 2000 to 2099, "
-                                 "like \"2026-11-24 21:38:15\", not \"{}\"",
-                                 text));
-}
-
-VPM_RTC_TIME SystemClock(bool utc) {
-  const std::time_t now = time(nullptr);
-  return ClockOf(utc ? fmt::gmtime(now) : fmt::localtime(now));
+                                 "like \"2026-11-24 21:38:15\" or \"7:30\" (today), not \"{}\"",
+                                 options.time));
 }
 
 // Negative when `to` is earlier.
@@ -65,12 +83,12 @@ long SecondsBetween(const VPM_RTC_TIME& from, const VPM_RTC_TIME& to) {
 
 VPM_RTC_TIME ReadClock() {
   VPM_RTC_TIME time{};
-  ThrowUnlessDone(KAVO_ROLU_VPM_GetRTCTime(&time), "read the clock");
+  ThrowUnlessDone(KAVO_ROLU_VPM_GetRTCTime(&time), "read the clock", Act::kRead);
   return time;
 }
 
 ExitStatus PrintClock(const VPM_RTC_TIME& time, const ClockOptions& options, const CommonOptions& common) {
-  const long ahead = SecondsBetween(SystemClock(options.utc), time);
+  const long ahead = SecondsBetween(ClockNow(options.utc), time);
   Report report;
   report.AddValue("clock.time", ClockText(time), ClockText(time));
   report.AddValue("clock.weekday", time.weekday, std::to_string(time.weekday));
@@ -85,8 +103,11 @@ ExitStatus RunShow(const ClockOptions& options, const CommonOptions& common) {
   return PrintClock(ReadClock(), options, common);
 }
 
-void SetAndCompare(const VPM_RTC_TIME& time) {
+void SetClock(const VPM_RTC_TIME& time) {
   ThrowUnlessDone(KAVO_ROLU_VPM_SetRTCTime(time), "set the clock");
+}
+
+void CheckReadBack(const VPM_RTC_TIME& time) {
   const VPM_RTC_TIME now = ReadClock();
   const long run_on = SecondsBetween(time, now);
   if (run_on >= 0 && run_on <= kRunOnSeconds && now.weekday == time.weekday) return;
@@ -95,28 +116,66 @@ void SetAndCompare(const VPM_RTC_TIME& time) {
 }
 
 ExitStatus RunSetClock(const ClockOptions& options, const CommonOptions& common) {
-  VPM_RTC_TIME time = ParseClock(options.time);
+  VPM_RTC_TIME time = ParseClock(options);
   if (options.weekday >= 0) time.weekday = static_cast<std::uint8_t>(options.weekday);
   Session session(common);
   session.Require(Family::kVpm);
-  SetAndCompare(time);
+  SetClock(time);
+  CheckReadBack(time);
   return PrintClock(ReadClock(), options, common);
 }
 
-// The MCU's clock counts whole seconds, so it is set when a second begins.
-VPM_RTC_TIME NextSecond(bool utc) {
-  using std::chrono::milliseconds;
-  const auto now = std::chrono::system_clock::now().time_since_epoch();
-  const auto into_second = std::chrono::duration_cast<milliseconds>(now) % 1000;
-  if (!interrupt::SleepFor(milliseconds(1000) - into_second)) interrupt::ThrowIfRequested();
-  return SystemClock(utc);
+// About how long a command takes to reach the MCU: half of the time that a question and its answer take. The
+// shortest of some is the one that nothing disturbed.
+Microseconds TimeToMcu() {
+  Microseconds shortest = Microseconds::max();
+  for (int asked = 0; asked < 3; ++asked) {
+    const auto start = std::chrono::steady_clock::now();
+    ReadClock();
+    shortest = std::min(shortest,
+                        std::chrono::duration_cast<Microseconds>(std::chrono::steady_clock::now() - start));
+  }
+  return shortest / 2;
 }
 
+// A time that was set, and how far the MCU's clock may be off.
+struct ClockSetting {
+  VPM_RTC_TIME time;
+  Microseconds error;
+};
+
+// Sets the MCU's clock to the second that begins next, so that the MCU has the command at that moment: its
+// clock counts whole seconds. It took the time at some moment between the sending and the answer.
+ClockSetting SetAtNextSecond(bool utc, Microseconds lead) {
+  constexpr Microseconds kPostDelay{50'000};  // the library's pause after the answer
+  const auto second = std::chrono::ceil<std::chrono::seconds>(SystemClock::now() + lead);
+  const auto sleep = std::chrono::floor<std::chrono::milliseconds>(second - lead - SystemClock::now());
+  if (!interrupt::SleepFor(sleep)) interrupt::ThrowIfRequested();
+  const VPM_RTC_TIME time = ClockAt(second, utc);
+  const SystemClock::time_point sent = SystemClock::now();
+  SetClock(time);
+  const SystemClock::time_point answered = SystemClock::now() - kPostDelay;
+  const auto error = std::max<SystemClock::duration>(second - sent, answered - second);
+  return {time, std::chrono::duration_cast<Microseconds>(error)};
+}
+
+// A busy computer may run this program too late, so there are some attempts.
 ExitStatus RunSync(const ClockOptions& options, const CommonOptions& common) {
+  constexpr Microseconds kLargestError{50'000};
+  constexpr int kAttempts = 5;
   Session session(common);
   session.Require(Family::kVpm);
-  SetAndCompare(NextSecond(options.utc));
-  return PrintClock(ReadClock(), options, common);
+  const Microseconds lead = TimeToMcu();
+  ClockSetting set = SetAtNextSecond(options.utc, lead);
+  for (int attempt = 1; attempt < kAttempts && set.error > kLargestError; ++attempt) {
+    set = SetAtNextSecond(options.utc, lead);
+  }
+  CheckReadBack(set.time);
+  PrintClock(ReadClock(), options, common);
+  if (set.error <= kLargestError) return kDone;
+  SayProblem(fmt::format("the clock may be off by {} ms: the computer is busy, or the MCU answers slowly",
+                         set.error.count() / 1000));
+  return kPartlyDone;
 }
 
 void AddUtcFlag(CLI::App* command, ClockOptions& options) {
@@ -129,8 +188,9 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
   auto options = std::make_shared<ClockOptions>();
   CLI::App* const clock =
       NewCommand(app, "clock", "Show and set the MCU's clock",
-                 "  rolu clock show\n  rolu clock set '2026-11-24 21:38:15'\n  rolu clock sync --utc");
-  clock->require_subcommand(1);
+                 "  rolu clock\n  rolu clock set '2026-11-24 21:38:15'\n  rolu clock sync --utc");
+  AddUtcFlag(clock, *options);
+  OnBareRun(clock, invocation, RunShow, options);
 
   CLI::App* const show =
       NewCommand(*clock, "show", "Show the clock and how far it is ahead of the system's", "");
@@ -139,7 +199,8 @@ void AddClockCommand(CLI::App& app, Invocation& invocation) {
 
   CLI::App* const set =
       NewCommand(*clock, "set", "Set the clock to a time", "  rolu clock set '2026-11-24 21:38:15'");
-  set->add_option("TIME", options->time, "Like '2026-11-24 21:38:15', from 2000 to 2099")->required();
+  set->add_option("TIME", options->time, "Like '2026-11-24 21:38:15', from 2000 to 2099, or 7:30 of today")
+      ->required();
   set->add_option("--weekday", options->weekday,
                   "0 to 6 as the MCU counts; if not given, from the date (Sunday is 0)")
       ->check(CLI::Range(0, 6));

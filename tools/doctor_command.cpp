@@ -9,7 +9,9 @@
 #include <cstdio>
 
 #include "cli/messages.h"
+#include "tools/calibration.h"
 #include "tools/command.h"
+#include "tools/digital_lines.h"
 #include "tools/interrupt.h"
 #include "tools/port_owner.h"
 #include "tools/report.h"
@@ -50,14 +52,17 @@ constexpr DeviceFile kDeviceFiles[] = {
     {"/sys/class/gpio/export", "GPIO lines", W_OK},
 };
 
-// A line's files appear when a program prepares the line.
-constexpr DeviceFile kLines[] = {
-    {"/sys/class/gpio/gpio37/value", "digital input 1", F_OK},
-    {"/sys/class/gpio/gpio36/value", "digital input 2", F_OK},
-    {"/sys/class/gpio/gpio35/value", "digital output 1", F_OK},
-    {"/sys/class/gpio/gpio34/value", "digital output 2", F_OK},
-    {"/sys/class/gpio/gpio45/value", "GPS power", F_OK},
-};
+// What to do, said by the doctor itself.
+const char* Advice(ROLU_STATUS status) {
+  switch (status) {
+    case ROLU_STATUS_VPM_NO_REPLY:
+      return "; it may be off or busy, or the port may not be the MCU's";
+    case ROLU_STATUS_VPM_OPEN_FAILED:
+      return "; it is there, but cannot be used as a serial line";
+    default:
+      return "";
+  }
+}
 
 // Shows the progress of the questions on a terminal. When `done` equals `total`, it clears the line.
 void ShowProgress(unsigned done, unsigned total) {
@@ -88,16 +93,16 @@ struct Latency {
 
 // Asks the MCU for its platform's name again and again. Gives up after two lost answers in a row.
 Latency MeasureLatency() {
-  using Clock = std::chrono::steady_clock;
   Latency latency;
   unsigned lost_in_a_row = 0;
   for (unsigned asked = 0; asked < kQuestions && lost_in_a_row < 2; ++asked) {
     ShowProgress(asked, kQuestions);
     if (interrupt::Signal() != 0) break;
     std::array<char, 16> name{};
-    const Clock::time_point start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     if (KAVO_ROLU_VPM_GetPlatformName(name.data()) == ROLU_STATUS_SUCCESS) {
-      latency.answers_ms.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+      latency.answers_ms.push_back(
+          std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
       lost_in_a_row = 0;
     } else {
       ++latency.lost;
@@ -115,7 +120,10 @@ class Examination {
   explicit Examination(const CommonOptions& common) : common_(common), session_(common) {}
 
   ExitStatus Run() {
-    if (PortIsThere() && PortIsFree() && McuAnswers()) AskForLatency();
+    if (PortIsThere() && PortIsFree() && McuAnswers()) {
+      AskForLatency();
+      AskEverything();
+    }
     session_.Close();
     LookForDevices();
     return Conclude();
@@ -143,6 +151,8 @@ class Examination {
       AddBad("MCU port", fmt::format("{}: {}", kMcuPort, ErrnoText(errno)), kNoAnswer);
     } else if (!S_ISCHR(port.st_mode)) {
       AddBad("MCU port", fmt::format("{} is not a character device", kMcuPort), kNoAnswer);
+    } else if (access(kMcuPort, R_OK | W_OK) != 0) {
+      AddBad("MCU port", fmt::format("{}: {}; root may open it", kMcuPort, ErrnoText(errno)), kNoAnswer);
     } else {
       Add("MCU port", kGood, fmt::format("{} is there", kMcuPort));
       return true;
@@ -169,7 +179,7 @@ class Examination {
   bool McuAnswers() {
     const ROLU_STATUS status = session_.Use(Family::kVpm);
     if (status != ROLU_STATUS_SUCCESS) {
-      AddBad("MCU", DescribeWithHint(status), WordsOf(status).exit_status);
+      AddBad("MCU", Describe(status) + Advice(status), WordsOf(status).exit_status);
       return false;
     }
     Value firmware;
@@ -196,6 +206,30 @@ class Examination {
     }
   }
 
+  // Asks for everything that the MCU tells without being changed: not the G-sensor, which would be switched
+  // on, nor the peripherals.
+  void AskEverything() {
+    unsigned asked = 0;
+    std::string unanswered;
+    for (const Setting& setting : Settings()) {
+      const bool is_asked = setting.family == Family::kVpm || setting.family == Family::kWatchdog;
+      // The latency was measured with this question.
+      if (!is_asked || setting.name == "mcu.platform") continue;
+      interrupt::ThrowIfRequested();
+      ++asked;
+      Value value;
+      const ROLU_STATUS status = session_.Read(setting, value);
+      if (status == ROLU_STATUS_SUCCESS) continue;
+      unanswered += fmt::format("{}{}: {}", unanswered.empty() ? "" : "; ", setting.name,
+                                WordsOf(status, Act::kRead).words);
+    }
+    if (unanswered.empty()) {
+      Add("MCU's settings", kGood, fmt::format("all {} can be read", asked));
+    } else {
+      AddBad("MCU's settings", unanswered, kPartlyDone);
+    }
+  }
+
   void LookForDevices() {
     for (const DeviceFile& device : kDeviceFiles) {
       if (access(device.path, device.access) == 0) {
@@ -204,9 +238,12 @@ class Examination {
         AddBad(device.subject, fmt::format("{}: {}", device.path, ErrnoText(errno)), kPartlyDone);
       }
     }
-    for (const DeviceFile& line : kLines) {
-      const bool is_there = access(line.path, line.access) == 0;
-      Add(line.subject, is_there ? kGood : kNote, is_there ? "prepared" : "not prepared yet");
+    // A line's files appear when a program prepares the line.
+    for (const DigitalLine& line :
+         {kInputLines[0], kInputLines[1], kOutputLines[0], kOutputLines[1], kGpsPowerLine}) {
+      const bool is_there = access(line.ValueFile().c_str(), F_OK) == 0;
+      Add(fmt::format("{}{} ({})", line.pin == kGpsPowerLine.pin ? "" : "digital ", line.pin, line.line),
+          is_there ? kGood : kNote, is_there ? "prepared" : "not prepared yet");
     }
   }
 
@@ -217,7 +254,7 @@ class Examination {
       case kBusy:
         return "another process uses the MCU's port; end that process, or go on with --force";
       case kPartlyDone:
-        return "the MCU answers, but something is missing";
+        return "the MCU answers, but not all is in order";
       default:
         return "the MCU cannot be used";
     }
@@ -261,11 +298,20 @@ class Examination {
 }  // namespace
 
 void AddDoctorCommand(CLI::App& app, Invocation& invocation) {
-  CLI::App* const command =
-      NewCommand(app, "doctor", "Find out what is wrong: port, MCU, device files; ends with a verdict",
-                 "  rolu doctor\n  rolu doctor --json\n"
-                 "Exit status: 0 all in order, 1 something is missing, 4 no MCU, 5 its port is in use.");
-  OnRun(command, invocation, [](const CommonOptions& common) { return Examination(common).Run(); });
+  auto calibrate = std::make_shared<bool>(false);
+  CLI::App* const command = NewCommand(
+      app, "doctor", "Find out what is wrong: port, MCU, device files; ends with a verdict",
+      "  rolu doctor\n  rolu doctor --json\n  rolu doctor --calibrate --timeout 10min\n"
+      "Exit status: 0 all in order, 1 something is missing or refused, 4 no MCU, 5 its port is in use.");
+  command->add_flag(
+      "--calibrate", *calibrate,
+      "Measure how long an MCU unit is instead: have the ignition turned off and on; asks first");
+  OnRun(
+      command, invocation,
+      [](bool calibrates, const CommonOptions& common) {
+        return calibrates ? CalibrateMcuUnit(common) : Examination(common).Run();
+      },
+      calibrate);
 }
 
 }  // namespace rolu

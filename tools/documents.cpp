@@ -6,6 +6,7 @@
 #include "tools/command.h"
 #include "tools/port_owner.h"
 #include "tools/setting.h"
+#include "tools/status_words.h"
 
 namespace rolu {
 namespace {
@@ -41,6 +42,10 @@ Candidates ArgumentsOf(const CLI::Option& argument) {
     for (const SettingGroup& group : SettingGroups()) AddWord(candidates.words, group.name);
     for (const Setting& setting : Settings()) AddWord(candidates.words, setting.name);
   }
+  if (argument.get_name(true) == "STATUS") {
+    for (const StatusWords& words : AllStatusWords()) AddWord(candidates.words, words.name);
+  }
+  if (argument.get_name(true) == "OUTPUT=LEVEL") candidates.words = "out1= out2=";
   if (argument.get_name(true) == "NAME=VALUE") {
     for (const Setting& setting : Settings()) {
       if (setting.IsWritable()) AddWord(candidates.words, fmt::format("{}=", setting.name));
@@ -54,9 +59,9 @@ Candidates ArgumentsOf(const CLI::Option& argument) {
 std::string RoluManPage(const CLI::App& app) {
   return ManPage(app, ROLU_VERSION, "the board from a shell", Usage) +
          ".SH SETTINGS\nThe names that get, set, status and list take; a group is what stands before the "
-         "first "
-         "dot.\n" +
-         SettingItems() + ".SH ENVIRONMENT\n" +
+         "first dot. " +
+         RoffText(kMcuUnitsHelp) + "\n" + SettingItems() + ".SH ENVIRONMENT\n" +
+         RoffItem("COLUMNS", "The width of help texts; else that of the terminal.") +
          RoffItem("NO_COLOR", "When it is set and not empty, nothing is coloured.") + ".SH FILES\n" +
          RoffItem(kMcuPort, "The MCU's port. One process at a time may use it.");
 }

@@ -22,7 +22,7 @@ ExitStatus RunGet(const GetOptions& options, const CommonOptions& common) {
     const ROLU_STATUS status = ReadInto(session, *setting, report, outcome);
     if (status == ROLU_STATUS_SUCCESS) continue;
     if (common.json) report.AddProblem(setting->name, status);
-    SayProblem(fmt::format("could not read {}: {}", setting->name, DescribeWithHint(status)));
+    SayProblem(fmt::format("could not read {}: {}", setting->name, WhyNotRead(*setting, status)));
   }
   if (options.value_only && !common.json) {
     report.PrintValues();

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -127,6 +128,47 @@ ExitStatus RunDump(const I2cOptions& options, const CommonOptions& common) {
   return kDone;
 }
 
+// The addresses that devices may have; the others are reserved. The board's reset controller is not among
+// them.
+constexpr unsigned kFirstScanned = 0x08;
+constexpr unsigned kLastScanned = 0x77;
+
+// Whether something answers when it is asked for a byte. Throws CommandError when the bus cannot be used.
+bool Answers(unsigned address) {
+  Bytes data(1);
+  ROLU_IIC_TRANSFER transfer = TransferWith(address, data);
+  const ROLU_STATUS status = KAVO_ROLU_IIC_Read(&transfer);
+  if (status != ROLU_STATUS_DEVICE_IO_FAILED) ThrowUnlessDone(status, "scan the bus");
+  return status == ROLU_STATUS_SUCCESS;
+}
+
+void PrintMap(const std::vector<unsigned>& found) {
+  Out("     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f\n");
+  for (unsigned row = 0; row <= kLastScanned; row += kRowLength) {
+    std::string line = fmt::format("{:02x}:", row);
+    for (unsigned address = row; address < row + kRowLength && address <= kLastScanned; ++address) {
+      const bool is_found = std::ranges::find(found, address) != found.end();
+      line += address < kFirstScanned ? "   " : is_found ? fmt::format(" {:02x}", address) : " --";
+    }
+    Out(line + "\n");
+  }
+}
+
+ExitStatus RunDetect(const CommonOptions& common) {
+  std::vector<unsigned> found;
+  for (unsigned address = kFirstScanned; address <= kLastScanned; ++address) {
+    interrupt::ThrowIfRequested();
+    if (Answers(address)) found.push_back(address);
+  }
+  if (common.json) {
+    PrintJson({{"first", kFirstScanned}, {"last", kLastScanned}, {"addresses", found}});
+    return kDone;
+  }
+  PrintMap(found);
+  Out(fmt::format("found {}; 0x78, the board's reset controller, was not asked\n", found.size()));
+  return kDone;
+}
+
 void AddAddress(CLI::App* command, I2cOptions& options) {
   command->add_option("ADDRESS", options.address, "The device's 7-bit address, like 0x48")->required();
 }
@@ -136,10 +178,14 @@ void AddAddress(CLI::App* command, I2cOptions& options) {
 void AddI2cCommand(CLI::App& app, Invocation& invocation) {
   auto options = std::make_shared<I2cOptions>();
   CLI::App* const i2c = NewCommand(app, "i2c", "Read from and write to devices on the I2C bus",
-                                   "  rolu i2c read 0x48 --register 0x00 --count 2\n"
+                                   "  rolu i2c detect\n  rolu i2c read 0x48 --register 0x00 --count 2\n"
                                    "  rolu i2c write 0x48 0x01 0x60\n  rolu i2c dump 0x48\n"
                                    "rolu uses a device even if a kernel driver has it.");
   i2c->require_subcommand(1);
+
+  OnRun(NewCommand(*i2c, "detect", "Look which addresses answer; asks each from 0x08 to 0x77 for one byte",
+                   "  rolu i2c detect"),
+        invocation, RunDetect);
 
   CLI::App* const read =
       NewCommand(*i2c, "read", "Read bytes", "  rolu i2c read 0x48 --register 0x00 --count 2");

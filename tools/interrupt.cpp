@@ -54,12 +54,21 @@ int Signal() {
   return requested;
 }
 
+void NoteTimeIsUp() {
+  Request(SIGALRM);
+}
+
+std::string Reason() {
+  if (requested == SIGALRM) return "stopped: it took longer than --timeout allows";
+  return std::string("stopped by a signal: ") + strsignal(requested);  // NOLINT(concurrency-mt-unsafe)
+}
+
+ExitStatus ExitStatusOfEnd() {
+  return requested == SIGALRM ? kNoAnswer : static_cast<ExitStatus>(kSignalBase + requested);
+}
+
 void ThrowIfRequested() {
-  const int number = requested;
-  if (number == 0) return;
-  throw CommandError(
-      static_cast<ExitStatus>(kSignalBase + number),
-      std::string("stopped by a signal: ") + strsignal(number));  // NOLINT(concurrency-mt-unsafe)
+  if (requested != 0) throw CommandError(ExitStatusOfEnd(), Reason());
 }
 
 int Descriptor() {

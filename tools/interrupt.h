@@ -1,6 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <string>
+
+#include "cli/exit_status.h"
 
 namespace rolu::interrupt {
 
@@ -9,10 +12,17 @@ namespace rolu::interrupt {
 // it before the first thread starts, and again in a child process, which has its own signals.
 void Watch();
 
-// The signal that asked for an end; 0 while none has.
+// The signal that asked for an end; 0 while none has. The end of the time that --timeout gives counts as
+// SIGALRM.
 int Signal();
+void NoteTimeIsUp();
 
-// Throws CommandError(128 + signal) once a signal has asked for an end.
+// What asked for an end, in words, and the exit status of a command that it ended: 128 and the signal, or
+// kNoAnswer when the time was up.
+std::string Reason();
+ExitStatus ExitStatusOfEnd();
+
+// Throws CommandError(ExitStatusOfEnd()) once a signal has asked for an end.
 void ThrowIfRequested();
 
 // A descriptor for poll: it is readable once a signal has asked for an end.

@@ -37,6 +37,8 @@ ExitStatus RunList(const std::vector<std::string>& names, const CommonOptions& c
   const std::vector<const Setting*> settings = SettingsNamed(names);
   if (!common.json) {
     PrintList(settings);
+    const bool has_mcu_units = std::ranges::count(settings, kMcuUnits, &Setting::unit) > 0;
+    if (has_mcu_units) Out(fmt::format("\n{}\n", kMcuUnitsHelp));
     return kDone;
   }
   Document rows = Document::array();

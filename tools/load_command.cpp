@@ -5,6 +5,7 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/session.h"
 #include "tools/settings_file.h"
@@ -79,7 +80,7 @@ std::vector<Change> FindDeviations(Session& session, const std::vector<SavedSett
     deviation.problem =
         status == ROLU_STATUS_SUCCESS
             ? fmt::format("is in the file, but the unit ends with {}", ValueText(*saved.setting, now))
-            : "could not be read at the end: " + Describe(status);
+            : "could not be read at the end: " + Describe(status, Act::kRead);
     deviations.push_back(std::move(deviation));
   }
   return deviations;
@@ -121,6 +122,7 @@ void Judge(const std::vector<Change>& changes, Outcome& outcome) {
 
 ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPlan& plan) {
   ApplyAll(session, plan.changes, [](const Change&) {});
+  guard::SetLastWords("the changes were made, but not all was read back");
   const std::vector<Change> deviations = FindDeviations(session, file, plan);
   session.Close();
   Outcome outcome;
@@ -131,7 +133,10 @@ ExitStatus Apply(Session& session, const std::vector<SavedSetting>& file, LoadPl
 }
 
 ExitStatus RunLoad(const LoadOptions& options, const CommonOptions& common) {
-  const std::vector<SavedSetting> file = ReadSettingsFile(options.path);
+  guard::SetLastWords("nothing was changed");
+  const SettingsFile contents = ReadSettingsFile(options.path);
+  SayWhatIsLeftOut(contents);
+  const std::vector<SavedSetting>& file = contents.settings;
   Session session(common);
   LoadPlan plan = PlanLoad(session, file);
   if (!common.json) ShowDifference(plan);
@@ -157,9 +162,9 @@ void AddLoadCommand(CLI::App& app, Invocation& invocation) {
                  "  rolu load -y unit-17.json\n"
                  "The file is checked whole before anything is sent, and the difference is shown. The\n"
                  "battery mode is set first and the protections after it, so that they end as the file\n"
-                 "says. Everything is read back; what could not be set is named, with exit status 1.");
-  command->add_option("FILE", options->path, "A file that 'rolu save' wrote; - is standard input")
-      ->required();
+                 "says. Everything is read back; what could not be set is named, with exit status 1.\n"
+                 "The lines of a file look like this: ignition.on-delay = 5  # a comment");
+  command->add_option("FILE", options->path, kSettingsFileHelp)->required();
   command->add_flag("--dry-run", options->dry_run, "Only show the difference");
   OnRun(command, invocation, RunLoad, options);
 }

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <exception>
@@ -9,6 +10,7 @@
 #include "cli/command_line.h"
 #include "cli/messages.h"
 #include "tools/command.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/status_words.h"
 #include "tools/terminal.h"
@@ -26,28 +28,49 @@ void OpenStandardDescriptors() {
   if (file > STDERR_FILENO) close(file);
 }
 
+constexpr std::chrono::milliseconds kShortestTimeout{1};
+constexpr std::chrono::milliseconds kLongestTimeout = std::chrono::hours(24);
+
 // Hidden options whose output the build installs.
 void AddGenerator(CLI::App& app, const char* option, std::string (*generate)(const CLI::App&)) {
   app.add_flag_callback(option, [&app, generate] { throw CLI::CallForVersion(generate(app), 0); })->group("");
 }
 
 void AddCommands(CLI::App& app, Invocation& invocation) {
-  for (const auto add : {AddStatusCommand, AddGetCommand, AddSetCommand, AddListCommand, AddSaveCommand,
-                         AddLoadCommand, AddWatchCommand, AddDoctorCommand, AddClockCommand, AddAlarmCommand,
-                         AddWatchdogCommand, AddI2cCommand, AddPinsCommand, AddLightCommand,
-                         AddBacklightCommand, AddDefaultsCommand, AddResetCommand, AddForceShutdownCommand}) {
+  for (const auto add :
+       {AddStatusCommand,        AddGetCommand,      AddSetCommand,   AddListCommand,     AddSaveCommand,
+        AddLoadCommand,          AddVerifyCommand,   AddWatchCommand, AddDoctorCommand,   AddClockCommand,
+        AddAlarmCommand,         AddWatchdogCommand, AddI2cCommand,   AddPinsCommand,     AddLightCommand,
+        AddBacklightCommand,     AddExplainCommand,  AddRawCommand,   AddDefaultsCommand, AddResetCommand,
+        AddForceShutdownCommand, AddHelpCommand}) {
     add(app, invocation);
   }
 }
 
+// Commands leave out the options that all of them take.
+class HelpText : public CLI::Formatter {
+ public:
+  std::string make_footer(const CLI::App* app) const override {
+    const char* const end =
+        app->get_parent() == nullptr
+            ? ""
+            : "\nAll commands take --json, --yes, --force and --timeout: 'rolu --help'.\n";
+    return CLI::Formatter::make_footer(app) + end;
+  }
+};
+
 void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   app.name("rolu");
+  app.formatter(std::make_shared<HelpText>());
   app.description("The board from a shell: reads, sets and watches the in-vehicle computer's hardware.");
   app.set_version_flag("--version", "rolu " ROLU_VERSION);
   app.add_flag("--json", invocation.common.json, "Print results as JSON, with units");
   app.add_flag("--force", invocation.common.force, "Go on although another process holds the MCU's port");
   app.add_flag("-y,--yes", invocation.common.yes,
                "Do not ask before what cuts power, switches a protection off or resets");
+  AddDurationOption(app, "--timeout", invocation.common.timeout,
+                    "Give up after this time, with exit status 4; an answer is waited for 3s",
+                    kShortestTimeout, kLongestTimeout);
   AddGenerator(app, "--generate-man", RoluManPage);
   AddGenerator(app, "--generate-completion", RoluCompletion);
   app.require_subcommand(1);
@@ -63,13 +86,21 @@ void BuildCommandLine(CLI::App& app, Invocation& invocation) {
   AddCommands(app, invocation);
 }
 
+// A command that only ends by a signal or its --timeout is in time only without the latter.
+int RunGuarded(const Invocation& invocation) {
+  const guard::Guard guard(invocation.common.timeout);
+  const int status = invocation.action();
+  if (status == kDone && interrupt::Signal() == SIGALRM) interrupt::ThrowIfRequested();
+  return status;
+}
+
 int Run(int argc, char** argv) {
   Invocation invocation;
   CLI::App app;
   BuildCommandLine(app, invocation);
   try {
     app.parse(argc, argv);
-    return invocation.action();
+    return RunGuarded(invocation);
   } catch (const CLI::ParseError& stop) {
     return Conclude(app, stop);
   } catch (const CommandError& error) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "cli/messages.h"
+#include "tools/digital_lines.h"
 #include "tools/interrupt.h"
 
 namespace rolu {
@@ -35,7 +36,7 @@ void Report::AddValue(std::string name, const Value& value, std::string text, st
 }
 
 void Report::AddProblem(std::string_view name, ROLU_STATUS status) {
-  const std::string problem = DescribeShortly(status);
+  const std::string problem = DescribeShortly(status, Act::kRead);
   fields_.push_back(
       {std::string(name), {{"error", problem}, {"status", CodeText(status)}}, "- " + problem, kRed});
 }
@@ -102,11 +103,20 @@ ROLU_STATUS ReadInto(Session& session, const Setting& setting, Report& report, O
   return status;
 }
 
+std::string WhyNotRead(const Setting& setting, ROLU_STATUS status) {
+  if (setting.name == kInputPins && LinesAreUnprepared()) return kLinesAreUnprepared;
+  return DescribeWithHint(status, Act::kRead);
+}
+
 ExitStatus ReadAndPrint(Session& session, const std::string& name, const CommonOptions& common) {
   Report report;
   for (const Setting* const setting : SettingsNamed({name})) {
     Value value;
-    ThrowUnlessDone(session.Read(*setting, value), fmt::format("read {}", setting->name));
+    const ROLU_STATUS status = session.Read(*setting, value);
+    if (status != ROLU_STATUS_SUCCESS) {
+      throw CommandError(WordsOf(status).exit_status,
+                         fmt::format("could not read {}: {}", setting->name, WhyNotRead(*setting, status)));
+    }
     report.AddValue(*setting, value);
   }
   report.Print(common.json);

@@ -56,6 +56,9 @@ void PrintJsonLine(const Document& document);
 // asks for an end.
 ROLU_STATUS ReadInto(Session& session, const Setting& setting, Report& report, Outcome& outcome);
 
+// Why a setting could not be read, and what to do.
+std::string WhyNotRead(const Setting& setting, ROLU_STATUS status);
+
 // Reads the setting or group of this name and prints it. Throws CommandError when it cannot be read.
 ExitStatus ReadAndPrint(Session& session, const std::string& name, const CommonOptions& common);
 

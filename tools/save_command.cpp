@@ -20,7 +20,7 @@ std::vector<SavedSetting> ReadUnit(Session& session, Outcome& outcome) {
     const ROLU_STATUS status = session.Read(setting, value);
     if (status != ROLU_STATUS_SUCCESS) {
       outcome.Add(WordsOf(status).exit_status);
-      SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status)));
+      SayProblem(fmt::format("{} is not in the file: {}", setting.name, Describe(status, Act::kRead)));
     } else if (WhyNotTaken(setting, value).empty()) {
       outcome.Add(kDone);
       settings.push_back({&setting, value});

@@ -8,6 +8,8 @@
 
 #include "cli/messages.h"
 #include "cli/silenced_output.h"
+#include "tools/digital_lines.h"
+#include "tools/guard.h"
 #include "tools/port_owner.h"
 #include "tools/status_words.h"
 
@@ -32,15 +34,13 @@ std::size_t IndexOf(Family family) {
   return static_cast<std::size_t>(family);
 }
 
-constexpr char kGpsValueFile[] = "/sys/class/gpio/gpio45/value";
-
 // Bringing the peripherals up sets the direction of the GPS receiver's power line again, and the kernel then
 // drives the line low. A receiver that is on loses its power for a moment. This function switches it on again
 // without the library, which may have failed to come up.
 ROLU_STATUS BringUpPeripherals() {
-  const bool was_on = GpsLineIsOn();
+  const bool was_on = kGpsPowerLine.Level() == true;
   const ROLU_STATUS status = KAVO_ROLU_PERIPHERALCTRL_Initialize();
-  const int file = was_on ? open(kGpsValueFile, O_WRONLY | O_CLOEXEC) : -1;
+  const int file = was_on ? open(kGpsPowerLine.ValueFile().c_str(), O_WRONLY | O_CLOEXEC) : -1;
   if (file < 0) return status;
   [[maybe_unused]] const ssize_t written = write(file, "1", 1);
   close(file);
@@ -54,20 +54,13 @@ ROLU_STATUS BringUpVpm() {
 
 }  // namespace
 
-bool GpsLineIsOn() {
-  const int file = open(kGpsValueFile, O_RDONLY | O_CLOEXEC);
-  if (file < 0) return false;
-  char level = '0';
-  const bool on = read(file, &level, 1) == 1 && level == '1';
-  close(file);
-  return on;
-}
-
 ROLU_STATUS Session::Use(Family family) {
   std::optional<ROLU_STATUS>& state = states_[IndexOf(family)];
   if (!state) {
-    if (family != Family::kCore) EnsurePortIsOurs();
+    if (family != Family::kCore && !port_checked_) RequireFreePort(options_);
+    port_checked_ = port_checked_ || family != Family::kCore;
     state = BringUp(family);
+    guard::NoteAnswer();
   }
   return *state;
 }
@@ -76,10 +69,8 @@ void Session::Require(Family family) {
   ThrowUnlessDone(Use(family), fmt::format("bring up {}", kFamilyWords[IndexOf(family)].name));
 }
 
-void Session::EnsurePortIsOurs() {
-  if (port_checked_) return;
-  port_checked_ = true;
-  if (options_.force) return;
+void RequireFreePort(const CommonOptions& options) {
+  if (options.force) return;
   const PortSearch search = FindPortOwner();
   if (search.owner.empty()) return;
   throw CommandError(kBusy, fmt::format("the MCU's port {} is in use by {}; two programs would take each "
@@ -132,6 +123,7 @@ ROLU_STATUS Session::Ask(Family family, const std::function<ROLU_STATUS()>& ques
   if (family == Family::kCore) return question();
   if (McuIsSilent()) return ROLU_STATUS_VPM_NO_REPLY;
   const ROLU_STATUS status = question();
+  guard::NoteAnswer();
   unanswered_ = status == ROLU_STATUS_VPM_NO_REPLY ? unanswered_ + 1 : 0;
   return status;
 }
@@ -151,6 +143,7 @@ ExitStatus Session::Close() {
     states_[i].reset();
     if (!is_up) continue;
     const ROLU_STATUS status = kFamilyWords[i].take_down();
+    guard::NoteAnswer();
     if (status == ROLU_STATUS_SUCCESS) continue;
     SayProblem(fmt::format("could not take down {}: {}", kFamilyWords[i].name, Describe(status)));
     result = WordsOf(status).exit_status;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -14,10 +15,11 @@ struct CommonOptions {
   bool json = false;
   bool force = false;
   bool yes = false;
+  std::chrono::milliseconds timeout{0};  // 0: none
 };
 
-// Whether the GPS receiver's power line is prepared and high.
-bool GpsLineIsOn();
+// Throws CommandError(kBusy) when another process holds the MCU's port and --force is not given.
+void RequireFreePort(const CommonOptions& options);
 
 // This program's use of the board. It brings families up when they are needed, and takes them down on every
 // way out. It stops asking an MCU that does not answer: after some unanswered questions in a row, every
@@ -56,7 +58,6 @@ class Session {
   ExitStatus Close();
 
  private:
-  void EnsurePortIsOurs();
   ROLU_STATUS BringUp(Family family);
   ROLU_STATUS BringUpWatchdog();
   ROLU_STATUS Ask(Family family, const std::function<ROLU_STATUS()>& question);

@@ -48,7 +48,7 @@ Value Typed(const Setting& setting, std::string_view text) {
       if (text == "on" || text == "off") return text == "on";
       break;
     default:
-      return std::string(text);
+      return Normalised(setting, std::string(text));
   }
   return nullptr;
 }
@@ -156,6 +156,12 @@ Value ParseValue(const Setting& setting, std::string_view text) {
   throw CommandError(kWrongUse, Refusal(setting, fmt::format("\"{}\"", text)));
 }
 
+Value Normalised(const Setting& setting, const Value& value) {
+  if (setting.kind != Kind::kTimeOfDay || !value.is_string()) return value;
+  const std::optional<TimeOfDay> time = ParseTimeOfDay(value.get_ref<const std::string&>());
+  return time ? Value(fmt::format("{:02}:{:02}", time->hour, time->minute)) : value;
+}
+
 std::string WhyNotTaken(const Setting& setting, const Value& value) {
   if (IsTaken(setting, value)) return "";
   return Refusal(setting, value.dump(-1, ' ', true, Value::error_handler_t::replace));
@@ -186,9 +192,10 @@ std::string VoltsText(double volts) {
 }
 
 std::optional<TimeOfDay> ParseTimeOfDay(std::string_view text) {
-  if (text.size() != 5 || text[2] != ':') return std::nullopt;
-  const auto hour = ParseNumber<std::uint8_t>(text.substr(0, 2));
-  const auto minute = ParseNumber<std::uint8_t>(text.substr(3));
+  const std::size_t colon = text.find(':');
+  if (colon < 1 || colon > 2 || text.size() != colon + 3) return std::nullopt;
+  const auto hour = ParseNumber<std::uint8_t>(text.substr(0, colon));
+  const auto minute = ParseNumber<std::uint8_t>(text.substr(colon + 1));
   if (!hour || !minute || *hour > 23 || *minute > 59) return std::nullopt;
   return TimeOfDay{*hour, *minute};
 }

@@ -72,6 +72,14 @@ struct SettingGroup {
 };
 const std::vector<SettingGroup>& SettingGroups();
 
+// The two digital inputs, whose lines must be prepared before they can be read.
+inline constexpr std::string_view kInputPins = "pins.inputs";
+
+// The unit of delays and the like. The MCU does not tell how long it is.
+inline constexpr std::string_view kMcuUnits = "MCU units";
+inline constexpr char kMcuUnitsHelp[] =
+    "MCU units are the MCU's own: it does not tell how long one is. 'rolu doctor --calibrate' measures it.";
+
 // Null when there is no setting of this name.
 const Setting* FindSetting(std::string_view name);
 
@@ -95,6 +103,9 @@ std::string RangeText(const Setting& setting);
 // reason: watchdog.time must be a whole number from 1 to 65535, not "0x".
 Value ParseValue(const Setting& setting, std::string_view text);
 
+// The same for a value in JSON. A time of day is a text there too, so "7:30" becomes "07:30".
+Value Normalised(const Setting& setting, const Value& value);
+
 // The same reason for a value from a file; empty when the setting takes the value.
 std::string WhyNotTaken(const Setting& setting, const Value& value);
 
@@ -109,7 +120,7 @@ struct TimeOfDay {
   std::uint8_t hour = 0;
   std::uint8_t minute = 0;
 };
-// Reads "07:30". Nothing when `text` is not a time of day.
+// Reads "07:30" or "7:30". Nothing when `text` is not a time of day.
 std::optional<TimeOfDay> ParseTimeOfDay(std::string_view text);
 
 // The time of the MCU's clock as "2026-11-24 21:38:15".

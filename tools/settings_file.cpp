@@ -6,10 +6,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <set>
+#include <sstream>
 
 #include "cli/messages.h"
 
@@ -67,9 +69,7 @@ Value ParseJson(const std::string& path, const std::string& text) {
 }
 
 void CheckFrame(const std::string& path, const Value& document) {
-  if (!document.is_object() || document.value("format", Value()) != kFormat) {
-    Refuse(path, {"was not written by 'rolu save'"});
-  }
+  if (document["format"] != kFormat) Refuse(path, {"was not written by 'rolu save'"});
   const auto version = document.find("version");
   if (version == document.end() || *version != kVersion) {
     Refuse(path, {fmt::format("has version {}; this program reads version {}",
@@ -85,8 +85,15 @@ void CheckFrame(const std::string& path, const Value& document) {
   if (!problems.empty()) Refuse(path, problems);
 }
 
-// What is wrong with the entry; empty when nothing is wrong.
-std::string ProblemWith(const std::string& name, const Value& entry) {
+// What is wrong with an entry of JSON; empty when nothing is wrong.
+
+std::string ProblemWithUnit(const Setting& setting, const Value& entry) {
+  const auto unit = entry.find("unit");
+  if (unit == entry.end() || *unit == setting.unit) return "";
+  return fmt::format("{} is in {}, not in \"{}\"", setting.name, unit->dump(), setting.unit);
+}
+
+std::string ProblemWithSaved(const std::string& name, const Value& entry) {
   const Setting* const setting = FindSetting(name);
   if (setting == nullptr) return NoSetting(name);
   if (!setting->IsSaved()) return fmt::format("{} cannot be loaded", name);
@@ -94,11 +101,93 @@ std::string ProblemWith(const std::string& name, const Value& entry) {
   for (const auto& [key, value] : entry.items()) {
     if (key != "value" && key != "unit") return fmt::format("{} has an unknown part \"{}\"", name, key);
   }
-  const auto unit = entry.find("unit");
-  if (unit != entry.end() && *unit != setting->unit) {
-    return fmt::format("{} is in {}, not in \"{}\"", name, unit->dump(), setting->unit);
+  const std::string problem = ProblemWithUnit(*setting, entry);
+  return problem.empty() ? WhyNotTaken(*setting, entry["value"]) : problem;
+}
+
+std::string ProblemWithReading(const std::string& name, const Value& entry) {
+  const Setting* const setting = FindSetting(name);
+  if (setting == nullptr) return NoSetting(name);
+  return entry.is_object() ? ProblemWithUnit(*setting, entry) : fmt::format("{} has no value", name);
+}
+
+void TakeSaved(const Value& entries, SettingsFile& file, Problems& problems) {
+  for (const auto& [name, entry] : entries.items()) {
+    const std::string problem = ProblemWithSaved(name, entry);
+    if (!problem.empty()) {
+      problems.push_back(problem);
+    } else {
+      const Setting& setting = SettingNamed(name);
+      file.settings.push_back({&setting, Normalised(setting, entry["value"])});
+    }
   }
-  return WhyNotTaken(*setting, entry["value"]);
+}
+
+// What was read from a unit may be more than what can be set: readings, problems, an alarm that was never
+// set.
+void TakeReadings(const Value& entries, SettingsFile& file, Problems& problems) {
+  for (const auto& [name, entry] : entries.items()) {
+    const std::string problem = ProblemWithReading(name, entry);
+    if (!problem.empty()) {
+      problems.push_back(problem);
+      continue;
+    }
+    const Setting& setting = SettingNamed(name);
+    const Value value = Normalised(setting, entry.value("value", Value()));
+    if (setting.IsSaved() && WhyNotTaken(setting, value).empty()) {
+      file.settings.push_back({&setting, value});
+    } else {
+      file.left_out.push_back(name);
+    }
+  }
+}
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r";
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return "";
+  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+// The value of a line without its unit and its quotes.
+std::string_view BareValue(const Setting& setting, std::string_view text) {
+  if (!setting.unit.empty() && text.ends_with(setting.unit)) {
+    text = Trimmed(text.substr(0, text.size() - setting.unit.size()));
+  }
+  const bool is_quoted =
+      text.size() >= 2 && text.front() == text.back() && (text.front() == '"' || text.front() == '\'');
+  return is_quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+// Reads "NAME = VALUE". Throws CommandError.
+SavedSetting ParseLine(std::string_view line) {
+  const std::size_t equals = line.find('=');
+  if (equals == std::string_view::npos) throw CommandError(kWrongUse, "this is not NAME = VALUE");
+  const Setting& setting = SettingNamed(Trimmed(line.substr(0, equals)));
+  if (!setting.IsSaved()) {
+    throw CommandError(
+        kWrongUse,
+        fmt::format("{} {}", setting.name, setting.IsWritable() ? "cannot be loaded" : "can only be read"));
+  }
+  return {&setting, ParseValue(setting, BareValue(setting, Trimmed(line.substr(equals + 1))))};
+}
+
+void TakeLines(const std::string& text, SettingsFile& file, Problems& problems) {
+  std::istringstream lines(text);
+  std::string line;
+  for (unsigned number = 1; std::getline(lines, line); ++number) {
+    const std::string_view content = Trimmed(std::string_view(line).substr(0, line.find('#')));
+    if (content.empty()) continue;
+    try {
+      const SavedSetting saved = ParseLine(content);
+      if (std::ranges::count(file.settings, saved.setting, &SavedSetting::setting) > 0) {
+        throw CommandError(kWrongUse, fmt::format("{} is there twice", saved.setting->name));
+      }
+      file.settings.push_back(saved);
+    } catch (const CommandError& error) {
+      problems.push_back(fmt::format("line {}: {}", number, error.what()));
+    }
+  }
 }
 
 // A new file beside `path`. It replaces `path` when it is complete; otherwise it is removed.
@@ -146,23 +235,35 @@ class Replacement {
 
 }  // namespace
 
-std::vector<SavedSetting> ReadSettingsFile(const std::string& path) {
-  const Value document = ParseJson(path, ReadWhole(path));
-  CheckFrame(path, document);
-  const Value& entries = document["settings"];
+SettingsFile ReadSettingsFile(const std::string& path) {
+  const std::string text = ReadWhole(path);
+  SettingsFile file;
   Problems problems;
-  for (const auto& [name, entry] : entries.items()) {
-    const std::string problem = ProblemWith(name, entry);
-    if (!problem.empty()) problems.push_back(problem);
+  const std::size_t begin = text.find_first_not_of(" \t\r\n");
+  if (begin == std::string::npos || (text[begin] != '{' && text[begin] != '[')) {
+    TakeLines(text, file, problems);
+  } else {
+    const Value document = ParseJson(path, text);
+    if (!document.is_object()) {
+      Refuse(path, {"was not written by 'rolu save', 'rolu get --json' or 'rolu status --json'"});
+    }
+    if (document.contains("format")) {
+      CheckFrame(path, document);
+      TakeSaved(document["settings"], file, problems);
+    } else {
+      TakeReadings(document, file, problems);
+    }
   }
+  if (problems.empty() && file.settings.empty()) problems.emplace_back("has no settings");
   if (!problems.empty()) Refuse(path, problems);
-  std::vector<SavedSetting> settings;
-  for (const Setting& setting : Settings()) {
-    const auto entry = entries.find(setting.name);
-    if (entry != entries.end()) settings.push_back({&setting, (*entry)["value"]});
-  }
-  if (settings.empty()) Refuse(path, {"has no settings"});
-  return settings;
+  // All settings are rows of one vector, so the addresses give the order.
+  std::ranges::sort(file.settings, {}, &SavedSetting::setting);
+  return file;
+}
+
+void SayWhatIsLeftOut(const SettingsFile& file) {
+  if (file.left_out.empty()) return;
+  Say(fmt::format("values of the file that cannot be set: {}; they are left out", file.left_out.size()));
 }
 
 void WriteSettingsFile(const std::string& path, const std::string& firmware,

@@ -13,7 +13,6 @@ constexpr double kVoltageStep = 0.016;
 // too.
 constexpr double kThresholdStep = 63;
 
-constexpr std::string_view kMcuUnits = "MCU units";
 constexpr std::string_view kSensorUnits = "sensor units";
 
 // A setting that can only be read.
@@ -303,7 +302,7 @@ std::vector<Setting> DeviceSettings() {
              Write(KAVO_ROLU_DISPLAY_SetBright), Family::kCore),
       Reading("light.level", "The ambient light", Kind::kNumber, Read(KAVO_ROLU_LIGHTSENSOR_GetStatus), "lux",
               Family::kCore),
-      Reading("pins.inputs", "The two digital inputs, 1 is high", Kind::kList,
+      Reading(kInputPins, "The two digital inputs, 1 is high", Kind::kList,
               ReadAs<Pins>(GetInputPins, [](const Pins& pins) { return pins; }), {}, Family::kCore),
   };
 }

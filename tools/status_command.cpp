@@ -1,9 +1,8 @@
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "cli/messages.h"
 #include "tools/command.h"
+#include "tools/digital_lines.h"
 #include "tools/report.h"
 
 namespace rolu {
@@ -12,20 +11,13 @@ namespace {
 // One unanswered question is enough: the user should learn soon that the MCU does not answer.
 constexpr int kPatience = 1;
 
-// Whether the lines of the digital inputs are prepared, or the system has no lines at all.
-bool PinsArePrepared() {
-  return access("/sys/class/gpio/gpio37/value", F_OK) == 0 || access("/sys/class/gpio/export", F_OK) != 0;
-}
-
 // Why `status` does not ask for a setting now: `status` must change nothing. Null when it asks.
 const char* ReasonNotToAsk(const Setting& setting) {
-  if (setting.family == Family::kPeripherals && GpsLineIsOn()) {
+  if (setting.family == Family::kPeripherals && kGpsPowerLine.Level() == true) {
     return "not asked: the GPS receiver is on, and asking may interrupt its power; 'rolu get peripheral' "
            "asks";
   }
-  if (setting.name == "pins.inputs" && !PinsArePrepared()) {
-    return "the lines are not prepared; 'rolu pins prepare' does it";
-  }
+  if (setting.name == kInputPins && LinesAreUnprepared()) return kLinesAreUnprepared;
   return nullptr;
 }
 

@@ -17,6 +17,7 @@
 #include "cli/nearest_name.h"
 #include "tools/board_watcher.h"
 #include "tools/command.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/status_words.h"
 
@@ -90,11 +91,15 @@ class EventCommands {
     std::erase_if(running_, [](const Running& running) { return HasEnded(running, WNOHANG); });
   }
 
+  void AskToEnd() const {
+    for (const Running& running : running_) kill(-running.pid, SIGTERM);
+  }
+
   // Waits for the commands that still run. When a signal asks for an end, ends them.
   void WaitForEnd() {
     Reap();
     while (!running_.empty() && interrupt::SleepFor(std::chrono::milliseconds(20))) Reap();
-    for (const Running& running : running_) kill(-running.pid, SIGTERM);
+    AskToEnd();
     while (!running_.empty()) {
       if (HasEnded(running_.back(), 0)) running_.pop_back();
     }
@@ -148,6 +153,7 @@ class Watch {
   }
 
   ExitStatus Run() {
+    guard::SetLastWords("the MCU did not answer, so the G-sensor and its alarm may still be on");
     bool goes_on = true;
     while (goes_on && !IsOver()) {
       if (!process_ && Clock::now() >= next_start_) process_.emplace(task_);
@@ -155,6 +161,7 @@ class Watch {
       commands_.Reap();
       if (goes_on) Wait();
     }
+    if (interrupt::Signal() != 0) commands_.AskToEnd();
     EndProcess();
     if (status_ == BoardWatcher::kPortAway) {
       SayProblem("could not take down the G-sensor: the MCU's port hung up");

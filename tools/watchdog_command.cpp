@@ -4,6 +4,7 @@
 #include "cli/messages.h"
 #include "tools/change.h"
 #include "tools/command.h"
+#include "tools/guard.h"
 #include "tools/interrupt.h"
 #include "tools/report.h"
 #include "tools/session.h"
@@ -36,6 +37,7 @@ Outcome FeedUntilEnd(const WatchdogOptions& options) {
   Outcome feeding;
   while (true) {
     const ROLU_STATUS status = KAVO_ROLU_WD_Trigger();
+    guard::NoteAnswer();
     feeding.Add(WordsOf(status).exit_status);
     if (status != ROLU_STATUS_SUCCESS) SayProblem("could not feed the watchdog: " + Describe(status));
     const bool is_over = options.duration.count() > 0 && Clock::now() - start >= options.duration;
@@ -58,6 +60,7 @@ ExitStatus RunOn(const WatchdogOptions& options, const CommonOptions& common) {
   Session session(common);
   session.Require(Family::kWatchdog);
   if (options.time > 0) SetTime(session, options.time);
+  guard::SetLastWords("the watchdog may be on, and nobody feeds it");
   ThrowUnlessDone(KAVO_ROLU_WD_Enabled(true), "switch the watchdog on");
   Tell(common, "on");
   if (!options.feed) return kDone;
@@ -75,6 +78,13 @@ ExitStatus RunOff(const CommonOptions& common) {
   ThrowUnlessDone(KAVO_ROLU_WD_Enabled(false), "switch the watchdog off");
   Tell(common, "off");
   return kDone;
+}
+
+ExitStatus RunShow(const CommonOptions& common) {
+  Session session(common);
+  const ExitStatus status = ReadAndPrint(session, "watchdog.time", common);
+  if (!common.json) Out("The board does not tell whether the watchdog is on.\n");
+  return status;
 }
 
 ExitStatus RunFeed(const WatchdogOptions& options, const CommonOptions& common) {
@@ -98,7 +108,7 @@ void AddWatchdogCommand(CLI::App& app, Invocation& invocation) {
       NewCommand(app, "watchdog", "Switch the watchdog on and off, and feed it",
                  "  rolu watchdog on --time 60 --feed\n  rolu watchdog feed\n  rolu watchdog off\n"
                  "'rolu get watchdog.time' tells its time. The board does not tell whether it is on.");
-  watchdog->require_subcommand(1);
+  OnBareRun(watchdog, invocation, RunShow);
 
   CLI::App* const on =
       NewCommand(*watchdog, "on", "Switch the watchdog on",

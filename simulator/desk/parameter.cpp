@@ -48,7 +48,7 @@ std::optional<std::int64_t> ParseInteger(const Json& given) {
 }
 
 std::optional<ClockText> ParseClockText(const std::string& text) {
-  static const std::regex kForm(R"((?:20(\d\d)-(\d\d)-(\d\d)[ T])?(\d\d):(\d\d)(?::(\d\d))?)");
+  static const std::regex kForm(R"((?:20(\d\d)-(\d\d)-(\d\d)[ T])?(\d?\d):(\d\d)(?::(\d\d))?)");
   std::smatch fields;
   if (!std::regex_match(text, fields, kForm)) return std::nullopt;
   const auto field = [&](std::size_t index) {
@@ -184,7 +184,7 @@ Parameter Curve(std::string name, std::string help) {
 
 Parameter TimeOfClock(std::string name, std::string help) {
   return {.name = std::move(name),
-          .range = R"(a time such as "2024-05-31 22:00:00", "07:30" or "07:30:15", from 2000 to 2099)",
+          .range = R"(a time such as "2024-05-31 22:00:00", "7:30" or "07:30:15", from 2000 to 2099)",
           .help = std::move(help),
           .parse = [](const Json& given) -> std::optional<Argument> {
             const std::optional<ClockText> time = ParseClockText(AsText(given));

@@ -9,6 +9,7 @@
 #include <iostream>
 
 #include "cli/duration.h"
+#include "cli/help_text.h"
 #include "cli/messages.h"
 #include "simulator/desk/control_client.h"
 #include "simulator/desk/readings.h"
@@ -108,9 +109,10 @@ int Report(const CtlOptions& options, const Json& answer) {
 }
 
 int Help(const std::vector<std::string>& words) {
-  const auto verb =
-      std::ranges::find_if(words, [](const std::string& word) { return FindVerb(word) != nullptr; });
-  std::cout << (verb == words.end() ? ListOfWords() : FullHelp(*FindVerb(*verb)));
+  const std::vector<Verb> verbs = CtlWords();
+  const auto named =
+      std::ranges::find_if(words, [&](const std::string& word) { return FindVerb(word, verbs) != nullptr; });
+  rolu::PrintHelp(named == words.end() ? ListOfWords() : FullHelp(*FindVerb(*named, verbs)), "rolu-sim");
   return 0;
 }
 

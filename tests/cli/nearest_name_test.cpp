@@ -7,7 +7,8 @@ namespace {
 
 TEST(NearestName, IsSuggestedForASlipAndForNothingElse) {
   const std::vector<std::string> known = {
-      "status", "set", "on", "off", "ignition-on", "ignition-off", "battery.voltage", "battery.lbp"};
+      "status",      "set",           "on", "off", "ignition-on", "ignition-off", "battery.voltage",
+      "battery.lbp", "backup.voltage"};
   const struct {
     const char* unknown;
     const char* suggestion;
@@ -17,6 +18,8 @@ TEST(NearestName, IsSuggestedForASlipAndForNothingElse) {
       {"sst", "; did you mean set?"},
       {"bat", "; did you mean battery.voltage?"},  // the first name that begins with it
       {"battery.lpb", "; did you mean battery.lbp?"},
+      {"voltage", "; did you mean battery.voltage?"},  // the group is left out
+      {"votlage", "; did you mean battery.voltage?"},
       {"of", "; did you mean off?"},
       {"oo", ""},                                       // half of "on" is not near
       {"ignition-of", "; did you mean ignition-off?"},  // the beginning of a name beats a single slip

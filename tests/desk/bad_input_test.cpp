@@ -99,6 +99,7 @@ TEST(Help, TellsOfEachSubcommandAndVerb) {
     EXPECT_THAT(help.out, HasSubstr(std::string("Usage: rolu-sim ") + subcommand));
     EXPECT_THAT(help.out, HasSubstr("Exit status"));
   }
+  EXPECT_THAT(RunTool(directory, {"ctl", "wait", "--help"}).out, testing::StartsWith("wait TEXT"));
   EXPECT_THAT(RunTool(directory, {"ctl", "fault-delay", "--help"}).out,
               StartsWith("fault-delay COMMAND TIME [TIMES] [CHANCE]\n"));
   EXPECT_THAT(RunTool(directory, {"man"}).out, HasSubstr("\\fBfault\\-delay COMMAND TIME"));

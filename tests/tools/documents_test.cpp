@@ -11,11 +11,12 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 constexpr const char* kCommands[] = {
-    "status",        "get",          "set",          "list",      "save",        "load",
-    "watch",         "doctor",       "clock show",   "clock set", "clock sync",  "alarm show",
-    "alarm daily",   "alarm hourly", "alarm weekly", "alarm off", "watchdog on", "watchdog off",
-    "watchdog feed", "i2c read",     "i2c write",    "i2c dump",  "pins read",   "pins drive",
-    "pins prepare",  "light",        "backlight",    "defaults",  "reset",       "force-shutdown",
+    "status",       "get",           "set",          "list",           "save",         "load",
+    "verify",       "watch",         "doctor",       "clock show",     "clock set",    "clock sync",
+    "alarm show",   "alarm daily",   "alarm hourly", "alarm weekly",   "alarm off",    "watchdog on",
+    "watchdog off", "watchdog feed", "i2c detect",   "explain",        "raw",          "i2c read",
+    "i2c write",    "i2c dump",      "pins read",    "pins drive",     "pins prepare", "light",
+    "backlight",    "defaults",      "reset",        "force-shutdown", "help",
 };
 
 TEST(RoluDocuments, EveryCommandHasHelpAndAPlaceInTheManPage) {
@@ -28,6 +29,12 @@ TEST(RoluDocuments, EveryCommandHasHelpAndAPlaceInTheManPage) {
     for (size_t at = 0; (at = heading.find('-', at)) != std::string::npos; at += 2) heading.insert(at, "\\");
     EXPECT_THAT(page, HasSubstr(heading)) << command;
   }
+}
+
+TEST(RoluDocuments, HelpShowsTheHelpOfACommand) {
+  RunSteps({{"help alarm daily", 0, "Usage: rolu alarm daily"},
+            {"help", 0, "Usage: rolu [OPTIONS]"},
+            {"help alram", 2, "", "there is no command \"alram\"; did you mean alarm?"}});
 }
 
 TEST(RoluDocuments, HelpAndManPageTellTheExitStatusesAndTheSettings) {

@@ -48,7 +48,7 @@ TEST_F(RoluTest, StatusSaysInWordsWhyAPartCannotBeRead) {
               AllOf(HasSubstr("Car battery\n"), HasSubstr("battery.voltage                  12.600 V\n"),
                     HasSubstr("- the MCU reported a value that the library does not know (0xC043)\n"),
                     HasSubstr("light.level                      - the device cannot be opened (0xC00B)\n"),
-                    HasSubstr("'rolu pins prepare' does it"), Not(HasSubstr("\033"))));
+                    HasSubstr("'rolu pins prepare' makes them available"), Not(HasSubstr("\033"))));
 }
 
 TEST_F(RoluTest, StandardOutputCarriesNothingButResults) {
@@ -148,7 +148,8 @@ TEST_F(RoluTest, WrongUseNamesTheNearestAndSendsNothing) {
       {"set battery.mode=12", R"(battery.mode must be 12V or 24V, not "12")"},
       {"set battery.12v.lbp-threshold=1e1", "must be volts from 0 to 100"},
       {"set battery.12v.lbp-threshold=-11", "must be volts from 0 to 100"},
-      {"set alarm.time=7:30", R"(must be a time of day from 00:00 to 23:59, not "7:30")"},
+      {"set alarm.time=7:3", R"(must be a time of day from 00:00 to 23:59, not "7:3")"},
+      {"get voltage", R"(there is no setting or group "voltage"; did you mean battery.voltage?)"},
       {"set alarm.time=24:00", R"(must be a time of day from 00:00 to 23:59, not "24:00")"},
       {"set gsensor.alarm-threshold=1999", "must be a whole number from 2000 to 15000"},
       {"watch --for 20", R"(must be a time from 1ms to 8784h, such as 500ms, 2s, 1.5min or 2h, not "20")"},
@@ -196,10 +197,44 @@ TEST_F(RoluTest, DoctorMeasuresTheMcuAndFindsMissingDevices) {
 
   board.devices().SetFaults(rolu_sim::kLuxPath, {.missing = true, .max_read_bytes = {}});
   board.mcu().Script(CommandMatch::Exactly("ATF1"), Reply::Silence());
+  board.mcu().Script(CommandMatch::Exactly("B22"), Reply::Line("ERR-M08"));
   doctor = Rolu("doctor");
   EXPECT_EQ(doctor.status, 1);
-  EXPECT_THAT(doctor.out, AllOf(HasSubstr("BAD   light sensor"), HasSubstr("49 of 50: "),
-                                HasSubstr("Verdict: the MCU answers, but something is missing.\n")));
+  EXPECT_THAT(doctor.out,
+              AllOf(HasSubstr("BAD   light sensor"), HasSubstr("49 of 50: "),
+                    HasSubstr("BAD   MCU's settings          backup.charge: the MCU refused the question\n"),
+                    HasSubstr("Verdict: the MCU answers, but not all is in order.\n")));
+}
+
+TEST_F(RoluTest, DoctorMeasuresTheMcusUnitWithTheIgnition) {
+  RoluProcess rolu(Words("doctor --calibrate -y --json"));
+  ASSERT_TRUE(rolu.WaitForMessage("turn the ignition off now"));
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  ASSERT_TRUE(rolu.WaitForMessage("the ignition is off"));
+  board.mcu().WithModel([](auto& mcu) { mcu.WarnOfPowerOff(rolu_sim::PowerOffWarning::kIgnition); });
+  ASSERT_TRUE(rolu.WaitForMessage("turn the ignition on again now"));
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = true; });
+  EXPECT_EQ(rolu.Wait(), 0) << rolu.err();
+  const nlohmann::json measured = nlohmann::json::parse(rolu.out());
+  EXPECT_EQ(measured["measured_units"], 30);
+  EXPECT_DOUBLE_EQ(measured["mcu_unit_seconds"].get<double>() * 30, measured["measured_seconds"]);
+
+  RunSteps(
+      {{"doctor --calibrate", 1, "",
+        "warns 30 of its units after ignition off and may cut the power after 90"},
+       {"set ignition.hard-off-delay=59", 0},
+       {"doctor --calibrate -y", 3, "", "may be cut 29 MCU units after the warning, which comes after 30"}});
+  board.mcu().WithModel([](auto& mcu) { mcu.ignition.on = false; });
+  RunSteps({{"doctor --calibrate -y", 3, "", "the ignition is off"}});
+}
+
+TEST_F(RoluTest, AProblemIsToldWithoutACircleAndForARead) {
+  board.mcu().Script(CommandMatch::Exactly("WDTG"), Reply::Line("ERR-M08"));
+  RunSteps(
+      {{"get watchdog.time", 3, "", "could not read watchdog.time: the MCU refused the question"},
+       {"get pins", 4, "", "could not read pins.inputs: the lines are not prepared; 'rolu pins prepare'"}});
+  board.mcu().SetSilent(true);
+  EXPECT_THAT(Rolu("doctor").out, Not(HasSubstr("rolu doctor")));
 }
 
 TEST_F(RoluTest, AReaderThatGoesAwayEndsItQuietly) {

@@ -181,6 +181,15 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
       {with("\"watchdog.time\":",
             R"("ignition.on-delay":{"value":9},"no.such":{"value":1},"watchdog.time":)"),
        R"(there is no setting "no.such")"},
+      {"watchdog.time = 5\n\nwatchdog.tine = 5",
+       R"(line 3: there is no setting "watchdog.tine"; did you mean)"},
+      {"watchdog.time = 70000",
+       "line 1: watchdog.time must be a whole number from 1 to 65535, not \"70000\""},
+      {"watchdog.time", "line 1: this is not NAME = VALUE"},
+      {"watchdog.time = 5\nwatchdog.time = 6", "line 2: watchdog.time is there twice"},
+      {"battery.voltage = 12", "line 1: battery.voltage can only be read"},
+      {"# nothing\n", "has no settings"},
+      {R"({"watchdog.tine": {"value": 5}})", R"(there is no setting "watchdog.tine")"},
   };
   const std::string path = directory.File("wrong.json");
   for (const auto& wrong : kCases) {
@@ -190,6 +199,31 @@ TEST_F(SaveLoadTest, AFileThatIsNotWhollyUnderstoodChangesNothing) {
     EXPECT_THAT(load.err, AllOf(HasSubstr(path), HasSubstr(wrong.message), HasSubstr("Nothing was changed")));
   }
   EXPECT_THAT(board.mcu().CommandsReceived(), IsEmpty());
+}
+
+TEST_F(SaveLoadTest, AFileMayBeLinesOrWhatGetAndStatusPrint) {
+  const std::string lines = directory.Write("unit.txt",
+                                            "# unit 17\n\n  ignition.on-delay = 9 MCU units # as in 16\r\n"
+                                            "battery.12v.lbp-threshold=10.9V\nalarm.mode = 'daily'\n"
+                                            "alarm.time = 7:30\n");
+  RunSteps({{"verify " + lines, 1, "ignition.on-delay: 9 in the file, 5 on the unit\n"},
+            {"load -y " + lines, 0, "the unit is as the file says\n"},
+            {"verify " + lines, 0, "4 of 4 settings are as the file says\n"}});
+  const std::string status = directory.Write("status.json", Rolu("status --json").out);
+  const std::string readings = directory.Write("get.json", Rolu("get --json ignition alarm").out);
+  RunSteps(
+      {{"set ignition.on-delay=3 watchdog.time=33", 0},
+       {"verify " + status, 1, "watchdog.time: 60 in the file, 33 on the unit\n",
+        "values of the file that cannot be set: "},
+       {"load " + readings, 0, "ignition.on-delay: 3 -> 9\n", "values of the file that cannot be set: 1;"}});
+  const nlohmann::json verified = Rolu("verify --json " + status).Json();
+  EXPECT_EQ(verified["differences"], nlohmann::json({{"watchdog.time", {{"wanted", 60}, {"found", 33}}}}));
+  EXPECT_THAT(verified["left_out"], Contains("battery.voltage"));
+  board.mcu().Script(CommandMatch::Exactly("WDTG"), Reply::Line("ERR-C01"));
+  RunSteps({{"verify " + status, 1, "",
+             "watchdog.time is 60 in the file, but could not be read: the MCU answered"}});
+  board.mcu().SetSilent(true);
+  RunSteps({{"verify " + status, 4, "", "nothing was compared: the MCU did not answer"}});
 }
 
 TEST_F(SaveLoadTest, SaveNamesWhatIsNotInTheFileAndAsksBeforeItReplacesOne) {

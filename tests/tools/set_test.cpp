@@ -1,5 +1,7 @@
 // set: what it checks, asks, sends and reads back.
 
+#include <signal.h>
+
 #include "tests/tools/rolu_process.h"
 
 namespace rolu_test {
@@ -120,6 +122,34 @@ TEST_F(RoluTest, ASettingThatReadsBackDifferentlyIsNoSuccess) {
 TEST_F(RoluTest, AChangeOfTheBatteryModeRemindsOfTheProtectionsThatItLeavesOff) {
   RunSteps({{"set -y battery.mode=24V battery.lbp=on", 0, "", "'rolu set battery.preboot=on' switches"}});
   EXPECT_THAT(Rolu("set -y battery.mode=24V battery.lbp=on battery.preboot=on").err, IsEmpty());
+}
+
+TEST_F(RoluTest, ASignalOrATimeoutEndsTheWaitForASilentMcu) {
+  const struct {
+    const char* command_line;
+    const char* unanswered;
+    const char* last_words;
+  } kCases[] = {
+      {"status --json", "WKSG", "the board did not answer"},
+      {"watchdog on --feed", "WDTR", "the watchdog may be on, and nobody feeds it"},
+      {"clock sync", "RTCG", "the board did not answer"},
+      {"set watchdog.time=5 display.backlight=4", "WDTS0005",
+       "watchdog.time = 5 may or may not be set; not set: display.backlight = 4"},
+  };
+  for (const auto& each : kCases) {
+    for (const bool by_signal : {true, false}) {
+      board.mcu().Log().Clear();
+      board.mcu().Script(CommandMatch::Exactly(each.unanswered), Reply::Silence());
+      RoluProcess rolu(Words(std::string(each.command_line) + (by_signal ? "" : " --timeout 1s")));
+      ASSERT_TRUE(board.mcu().WaitForCommand(each.unanswered, kGenerous)) << each.command_line;
+      if (by_signal) rolu.Signal(SIGINT);
+      EXPECT_EQ(rolu.Wait(), by_signal ? 128 + SIGINT : 4) << each.command_line;
+      EXPECT_THAT(rolu.err(),
+                  AllOf(HasSubstr(by_signal ? "by a signal: Interrupt; " : "than --timeout allows; "),
+                        HasSubstr(each.last_words)));
+      EXPECT_THAT(rolu.out(), testing::Not(HasSubstr("{"))) << "a document is complete or not there";
+    }
+  }
 }
 
 TEST_F(RoluTest, AnAlarmThatWasNeverSetTakesItsTimeOnceItHasAMode) {

@@ -127,7 +127,7 @@ bool DeviceServer::Serve(Connection& caller) {
     return true;
   }
   DeviceMessage request{};
-  std::string payload(kMaxPayload, '\0');
+  std::string payload(kMaxExchange, '\0');
   std::array<iovec, 2> parts{{{&request, sizeof request}, {payload.data(), payload.size()}}};
   msghdr message{};
   message.msg_iov = parts.data();
@@ -206,6 +206,9 @@ DeviceMessage DeviceServer::AnswerFor(Connection& descriptor, const DeviceMessag
     case DeviceRequest::kIoctl:
       answer.result = Ioctl(descriptor, request.request, request.argument);
       break;
+    case DeviceRequest::kExchange:
+      answer.result = Exchange(descriptor, request.request, payload, answer_payload);
+      break;
     case DeviceRequest::kStatDescriptor:
       descriptor.node.Describe(answer);
       break;
@@ -267,6 +270,16 @@ DeviceResult DeviceServer::Ioctl(Connection& descriptor, std::uint32_t request, 
   const DeviceResult result =
       faults.ioctl_errno != 0 ? -faults.ioctl_errno : descriptor.device->Ioctl(request, argument);
   Record(descriptor.path, DeviceOperation::kIoctl, result, {}, request, argument);
+  return result;
+}
+
+DeviceResult DeviceServer::Exchange(Connection& descriptor, std::uint32_t request, const std::string& sent,
+                                    std::string& answer) {
+  const DeviceFaults faults = NodeAt(descriptor.path).faults;
+  const DeviceResult result =
+      faults.ioctl_errno != 0 ? -faults.ioctl_errno : descriptor.device->Exchange(request, sent, answer);
+  if (result < 0) answer.clear();
+  Record(descriptor.path, DeviceOperation::kIoctl, result, sent, request);
   return result;
 }
 

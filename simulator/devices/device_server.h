@@ -103,6 +103,8 @@ class DeviceServer {
   DeviceResult Read(Connection& descriptor, const DeviceMessage& request, std::string& bytes);
   DeviceResult Write(Connection& descriptor, const std::string& bytes, std::uint64_t offset);
   DeviceResult Ioctl(Connection& descriptor, std::uint32_t request, std::uint64_t argument);
+  DeviceResult Exchange(Connection& descriptor, std::uint32_t request, const std::string& sent,
+                        std::string& answer);
   DeviceResult Show(const std::string& path) const;
 
   BoardRoot::Entries EntriesOf(const std::string& directory) const;

@@ -95,7 +95,9 @@ and
 .I /proc/self/fd
 do not open a device once more (ENXIO);
 .IP \(bu
-an I2C bus takes an address, reads and writes; combined and SMBus transfers are refused (ENOTTY).
+an I2C bus refuses packet error checks, ten\-bit addresses and SMBus block reads (EOPNOTSUPP), takes at most
+8192 bytes a transfer in each direction, and is not in
+.IR /sys/class/i2c\-dev .
 )";
 
 // The words that can follow a verb: the choices of its first value, and the names of all values.

@@ -23,6 +23,14 @@ std::string NamesOf(const KernelIdentity& kernel) {
   return {reinterpret_cast<const char*>(&names), sizeof names};
 }
 
+// The process that has connected the socket.
+pid_t PeerOf(int socket) {
+  ucred peer{};
+  socklen_t size = sizeof peer;
+  getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+  return peer.pid;
+}
+
 }  // namespace
 
 // The connection of one request. After a successful open it stands for the program's descriptor and all
@@ -49,7 +57,7 @@ void DeviceServer::Node::Describe(DeviceMessage& answer) const {
   answer.descriptor = inode;
 }
 
-DeviceServer::DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open)
+DeviceServer::DeviceServer(const BoardRoot& root, KernelIdentity kernel, SerialOpenHandler on_serial_open)
     : root_(root),
       kernel_(std::move(kernel)),
       on_serial_open_(std::move(on_serial_open)),
@@ -154,6 +162,8 @@ bool DeviceServer::Serve(Connection& caller) {
 DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& request,
                                    const std::string& payload, std::string& answer_payload) {
   DeviceMessage answer{};
+  was_used_ = was_used_ ||
+              (request.operation != DeviceRequest::kUname && request.operation != DeviceRequest::kSettle);
   switch (request.operation) {
     case DeviceRequest::kOpen:
       answer.result = Open(caller, request, payload);
@@ -171,7 +181,7 @@ DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& requ
       answer.result = Show(payload);
       break;
     case DeviceRequest::kSerialOpens:
-      on_serial_open_();
+      on_serial_open_(PeerOf(caller.socket()));
       break;
     case DeviceRequest::kUname:
       answer_payload = NamesOf(kernel_);

@@ -38,6 +38,17 @@ TEST(RoluSim, LetsScriptsUseTheWholeBoard) {
   }
 }
 
+TEST(RoluSim, NamesTheProgramsThatShareTheSerialPort) {
+  const Directory directory;
+  const Ended run =
+      RunTool(directory, {"--", "sh", "-c",
+                          "exec 3<>/proc/vpm_serial 4<>/proc/vpm_serial; stty -F /proc/vpm_serial "
+                          "; " ROLU_SIM " ctl get board"});
+  EXPECT_THAT(run.err, MatchesRegex("rolu-sim: program \"stty\" \\([0-9]+\\) opens the MCU's port while "
+                                    "\"sh\" \\([0-9]+\\) has it open: [^\n]+\n"));
+  EXPECT_THAT(run.out, HasSubstr("serial port holders: sh ("));
+}
+
 TEST(RoluSim, PassesSignalsOnAndCleansUp) {
   const Directory directory;
   Tool trapping(directory,

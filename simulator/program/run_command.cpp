@@ -5,9 +5,20 @@
 #include "simulator/program/board_settings.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
+#include "simulator/program/program_check.h"
 
 namespace rolu_sim {
 namespace {
+
+// Tells a program that failed on its own from one that did not see the board.
+void SayIfUnused(const DeviceServer& devices, int status) {
+  const bool program_failed = status != 0 && status < rolu::kBoardFailed;
+  if (program_failed && !devices.WasUsed()) {
+    rolu::Say(
+        "the program failed and opened nothing of the board; man rolu-sim says under LIMITS what does not "
+        "see it");
+  }
+}
 
 int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& command) {
   const HeldSignals signals;
@@ -15,9 +26,13 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   Desk desk(prepared.TakeDeskOptions({}));
   ControlServer server(desk, EndThisProcess);
   Scenario scenario = prepared.Start(desk);
-  MeetBoard(desk.board().root().path());
+  const std::string directory = desk.board().root().path();
+  MeetBoard(directory);
+  const std::vector<std::string> words = PrepareProgram(command, directory);
   server.Play(std::move(scenario));
-  return prepared.Conclude(desk, RunChild(command, signals));
+  const int status = RunChild(words, signals);
+  SayIfUnused(desk.board().devices(), status);
+  return prepared.Conclude(desk, status);
 }
 
 // The user may have meant a missing program as a subcommand.

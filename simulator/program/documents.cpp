@@ -126,7 +126,9 @@ do not open a device once more (ENXIO);
 .IP \(bu
 an I2C bus refuses packet error checks, ten\-bit addresses and SMBus block reads (EOPNOTSUPP), takes at most
 8192 bytes a transfer in each direction, and is not in
-.IR /sys/class/i2c\-dev .
+.IR /sys/class/i2c\-dev ;
+.IP \(bu
+the serial port has no modem lines (ENOTTY).
 )";
 
 // The words that can follow a verb: the choices of its first value, and the names of all values.

@@ -24,7 +24,8 @@ Board::Board(BoardOptions options)
       backlight_(std::make_shared<Backlight>()),
       light_sensor_(std::make_shared<TextAttribute>(kIndoorLight)),
       wireless_(root_),
-      devices_(root_, std::move(options.kernel), [this] { mcu_.FollowPrograms(); }),
+      port_conflict_listener_(std::move(options.port_conflict_listener)),
+      devices_(root_, std::move(options.kernel), [this](pid_t process) { FollowOpening(process); }),
       gpio_(devices_) {
   i2c_->Attach(ResetController::kAddress, reset_controller_);
   i2c_->Attach(kRegisterDeviceAddress, register_device_);
@@ -61,6 +62,14 @@ Board::~Board() {
 void Board::AttachThisProcess() {
   SetEnvironment(kRootVariable, root_.path());
   AddCommandDirectory(root_.CommandDirectory());
+}
+
+void Board::FollowOpening(pid_t process) {
+  mcu_.FollowPrograms();
+  for (const std::string& words :
+       port_holders_.NoteOpening(process, mcu_.DevicePath(), mcu_.IsOpenByHost())) {
+    if (port_conflict_listener_) port_conflict_listener_(words);
+  }
 }
 
 void Board::RemoveSerialDevice() {

@@ -10,6 +10,7 @@
 #include "simulator/devices/device_server.h"
 #include "simulator/devices/gpio.h"
 #include "simulator/devices/i2c_bus.h"
+#include "simulator/devices/port_holders.h"
 #include "simulator/devices/wireless_interface.h"
 #include "simulator/line/mcu_serial.h"
 
@@ -19,6 +20,8 @@ struct BoardOptions {
   McuSerialOptions serial;
   KernelIdentity kernel;
   std::string root_directory{};  // an existing directory; empty: a private one
+  // Hears a sentence when two programs have the serial port open; on a thread of the board. May be empty.
+  std::function<void(const std::string& words)> port_conflict_listener{};
 };
 
 // A whole simulated board. A test program holds one in its own process:
@@ -73,6 +76,7 @@ class Board {
  private:
   McuSerialOptions WithOwnListener(McuSerialOptions options);
   void Hear(const McuEvent& event);
+  void FollowOpening(pid_t process);
 
   BoardRoot root_;
   const std::function<void(const McuEvent&)> event_listener_;
@@ -83,6 +87,8 @@ class Board {
   std::shared_ptr<Backlight> backlight_;
   std::shared_ptr<TextAttribute> light_sensor_;
   WirelessInterface wireless_;
+  const std::function<void(const std::string&)> port_conflict_listener_;
+  PortHolders port_holders_;  // only the device server's thread uses it
   DeviceServer devices_;
   Gpio gpio_;
 };

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -15,6 +17,19 @@
 #include "simulator/system/socket_server.h"
 
 namespace rolu_sim {
+namespace {
+
+std::string OwnerOf(const std::string& directory) {
+  struct stat status {};
+  if (stat(directory.c_str(), &status) != 0) return "another user";
+  std::array<char, 1024> texts{};
+  passwd user{};
+  passwd* found = nullptr;
+  getpwuid_r(status.st_uid, &user, texts.data(), texts.size(), &found);
+  return found == nullptr ? fmt::format("user {}", status.st_uid) : found->pw_name;
+}
+
+}  // namespace
 
 ControlClient::ControlClient(std::string board_directory, std::chrono::milliseconds patience)
     : directory_(std::move(board_directory)) {
@@ -22,6 +37,11 @@ ControlClient::ControlClient(std::string board_directory, std::chrono::milliseco
   constexpr std::chrono::milliseconds kBetweenTries(20);
   const TimePoint deadline = std::chrono::steady_clock::now() + patience;
   while (!(socket_ = ConnectTo(ControlSocketPath(directory_)))) {
+    if (errno == EACCES) {
+      throw NoBoardError(
+          fmt::format("permission denied: the board at {} is {}'s; run this as that user or as root",
+                      directory_, OwnerOf(directory_)));
+    }
     if (std::chrono::steady_clock::now() >= deadline) {
       throw NoBoardError(fmt::format("no board answers at {}", directory_));
     }

@@ -35,6 +35,7 @@ BoardOptions Desk::MakeBoardOptions(const DeskOptions& options) {
   board.serial.paced = options.paced;
   board.serial.line_listener = [this](const WireEvent& line) { trace_.RecordLine(line); };
   board.serial.event_listener = [this](const McuEvent& event) { Hear(event); };
+  board.port_conflict_listener = [this](const std::string& words) { Say(words); };
   board.serial.answer_route = [this](std::string_view command, const AskModel& ask_model) {
     return Answer(command, ask_model);
   };

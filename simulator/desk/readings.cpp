@@ -277,13 +277,14 @@ void Append(std::string& text, const Json& members, std::size_t depth) {
 
 const std::vector<Reading>& Readings() {
   static const std::vector<Reading> readings = {
-      {"board", "the board itself: its directory, its port",
+      {"board", "the board itself: its directory, its port and the programs that have it open",
        [](Desk& desk) -> Json {
          return {{"directory", desk.board().root().path()},
                  {"process", getpid()},
                  {"up_s", Seconds(std::chrono::steady_clock::now() - desk.start())},
                  {"serial_port", desk.board().mcu().DevicePath()},
                  {"serial_port_is_open", desk.board().mcu().IsOpenByHost()},
+                 {"serial_port_holders", PortHolders::FindAll(desk.board().mcu().DevicePath())},
                  {"seed", desk.faults().seed()}};
        }},
       {"battery", "the car battery, its protections", OfMcu(DescribeBattery)},

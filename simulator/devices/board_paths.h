@@ -35,4 +35,8 @@ inline constexpr char kControlSocketName[] = "/control";
 inline constexpr char kWirelessStateName[] = "/wlan0-up";
 inline constexpr char kShownDirectory[] = "/shown";
 
+// In the board root: links to the preloaded objects, where an emulated program needs one that is not its
+// children's.
+inline constexpr char kObjectDirectory[] = "/lib";
+
 }  // namespace rolu_sim

@@ -45,16 +45,21 @@ std::string ParentDirectory() {
   return directory.size() > kMaxParentLength ? "/tmp" : directory;
 }
 
-// Whether the entry belongs to the directories that are shown.
-bool IsShown(const std::string& name, const std::filesystem::directory_entry& entry) {
-  const bool is_within = name == kShownDirectory || name.starts_with(kShownDirectory + std::string("/"));
+bool IsWithin(const std::string& name, const std::string& directory) {
+  return name == directory || name.starts_with(directory + '/');
+}
+
+// Whether the entry belongs to the directories that are shown, or to the links to the preloaded objects.
+bool IsInTree(const std::string& name, const std::filesystem::directory_entry& entry) {
   const std::filesystem::file_status status = entry.symlink_status();
-  return is_within && (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
+  if (IsWithin(name, kObjectDirectory)) return is_directory(status) || is_symlink(status);
+  return IsWithin(name, kShownDirectory) &&
+         (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
 }
 
 // Removes by whole paths, the deepest first. A removal relative to a directory would go to the board when
 // this runs in the board's own process.
-void RemoveShown(const std::filesystem::path& path) {
+void RemoveTree(const std::filesystem::path& path) {
   std::error_code ignored;
   std::vector<std::filesystem::path> paths = {path};
   for (std::size_t next = 0; next < paths.size(); ++next) {
@@ -94,14 +99,14 @@ bool BoardRoot::HoldsOnlyParts(const std::string& directory) {
   const std::filesystem::recursive_directory_iterator entries(directory);
   return std::all_of(begin(entries), end(entries), [&](const std::filesystem::directory_entry& entry) {
     const std::string name = entry.path().string().substr(directory.size());
-    return IsShown(name, entry) || std::any_of(std::begin(kParts), std::end(kParts), [&](const Part& part) {
+    return IsInTree(name, entry) || std::any_of(std::begin(kParts), std::end(kParts), [&](const Part& part) {
              return part.name == name && part.type == entry.symlink_status().type();
            });
   });
 }
 
 void BoardRoot::RemoveParts(const std::string& directory) {
-  RemoveShown(directory + kShownDirectory);
+  for (const char* const tree : {kShownDirectory, kObjectDirectory}) RemoveTree(directory + tree);
   std::error_code ignored;
   for (const Part& part : kParts) std::filesystem::remove(directory + part.name, ignored);
 }
@@ -123,7 +128,7 @@ bool BoardRoot::ShowDirectory(const std::string& path, const Entries& entries) c
   std::error_code failed;
   std::filesystem::create_directories(directory, failed);
   for (const auto& shown : std::filesystem::directory_iterator(directory, failed)) {
-    if (!entries.contains(shown.path().filename())) RemoveShown(shown.path());
+    if (!entries.contains(shown.path().filename())) RemoveTree(shown.path());
   }
   for (const auto& [name, is_directory] : entries) {
     if (failed) break;

@@ -37,8 +37,14 @@ class OpenDevice {
   virtual DeviceResult Seek(std::uint32_t /*whence*/, std::int64_t /*offset*/, std::uint64_t& /*position*/) {
     return -ESPIPE;
   }
-  // The argument of a request is a number: none of the board's requests takes a pointer.
+  // A request whose argument is a number.
   virtual DeviceResult Ioctl(std::uint32_t /*request*/, std::uint64_t /*argument*/) { return -ENOTTY; }
+  // A request whose argument is a pointer. What the program has there comes as `sent`; it finds `answer`
+  // there (device_protocol.h).
+  virtual DeviceResult Exchange(std::uint32_t /*request*/, std::string_view /*sent*/,
+                                std::string& /*answer*/) {
+    return -ENOTTY;
+  }
 };
 
 // A device node. The server calls a device only on the server's thread, one call at a time. A device must

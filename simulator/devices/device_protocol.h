@@ -16,13 +16,14 @@ namespace rolu_sim {
 //
 // All widths are fixed: a 32-bit program talks to a 64-bit board.
 enum class DeviceRequest : std::uint32_t {
-  kOpen,    // payload: path; descriptor: the new one; request: O_RDONLY, O_WRONLY or O_RDWR
-  kRead,    // descriptor; length: bytes wanted; argument: offset. Answer: result and payload
-  kWrite,   // descriptor; payload: bytes; argument: offset
-  kSeek,    // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
-  kIoctl,   // descriptor; request and argument
-  kSettle,  // answered once the board has handled all closes so far
-  kStat,    // payload: path. Answer: request is the mode, descriptor the inode
+  kOpen,      // payload: path; descriptor: the new one; request: O_RDONLY, O_WRONLY or O_RDWR
+  kRead,      // descriptor; length: bytes wanted; argument: offset. Answer: result and payload
+  kWrite,     // descriptor; payload: bytes; argument: offset
+  kSeek,      // descriptor; request: SEEK_SET or another; argument: offset. Answer: argument is the position
+  kIoctl,     // descriptor; request and argument
+  kExchange,  // an ioctl with a pointer. descriptor; request; payload: what is there. Answer: payload
+  kSettle,    // answered once the board has handled all closes so far
+  kStat,      // payload: path. Answer: request is the mode, descriptor the inode
   kStatDescriptor,  // descriptor. Answer as for kStat
   kShow,            // payload: path of a directory or node. When answered, it exists in the shown directories
   kSerialOpens,     // a program is about to open the serial port
@@ -42,10 +43,23 @@ struct DeviceMessage {
 };
 static_assert(sizeof(DeviceMessage) == 32 && alignof(DeviceMessage) <= 8);
 
+// A message of an I2C transfer. kExchange carries one after another, a write's bytes behind its header. The
+// answer has the bytes of the reads.
+struct I2cMessageHeader {
+  std::uint16_t address = 0;
+  std::uint16_t flags = 0;  // I2C_M_RD for a read
+  std::uint32_t length = 0;
+};
+static_assert(sizeof(I2cMessageHeader) == 8);
+
+// As in the kernel.
+inline constexpr std::size_t kMaxI2cMessages = 42;
+
 // The size that sysfs shows for every attribute.
 inline constexpr std::int64_t kAttributeSize = 4096;
 
 // Longer reads and writes are cut to this length, as the kernel's device files do.
 inline constexpr std::size_t kMaxPayload = 8192;
+inline constexpr std::size_t kMaxExchange = kMaxPayload + kMaxI2cMessages * sizeof(I2cMessageHeader);
 
 }  // namespace rolu_sim

@@ -23,6 +23,14 @@ std::string NamesOf(const KernelIdentity& kernel) {
   return {reinterpret_cast<const char*>(&names), sizeof names};
 }
 
+// The process that has connected the socket.
+pid_t PeerOf(int socket) {
+  ucred peer{};
+  socklen_t size = sizeof peer;
+  getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+  return peer.pid;
+}
+
 }  // namespace
 
 // The connection of one request. After a successful open it stands for the program's descriptor and all
@@ -49,7 +57,7 @@ void DeviceServer::Node::Describe(DeviceMessage& answer) const {
   answer.descriptor = inode;
 }
 
-DeviceServer::DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open)
+DeviceServer::DeviceServer(const BoardRoot& root, KernelIdentity kernel, SerialOpenHandler on_serial_open)
     : root_(root),
       kernel_(std::move(kernel)),
       on_serial_open_(std::move(on_serial_open)),
@@ -132,7 +140,7 @@ bool DeviceServer::Serve(Connection& caller) {
     return true;
   }
   DeviceMessage request{};
-  std::string payload(kMaxPayload, '\0');
+  std::string payload(kMaxExchange, '\0');
   std::array<iovec, 2> parts{{{&request, sizeof request}, {payload.data(), payload.size()}}};
   msghdr message{};
   message.msg_iov = parts.data();
@@ -159,6 +167,8 @@ bool DeviceServer::Serve(Connection& caller) {
 DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& request,
                                    const std::string& payload, std::string& answer_payload) {
   DeviceMessage answer{};
+  was_used_ = was_used_ ||
+              (request.operation != DeviceRequest::kUname && request.operation != DeviceRequest::kSettle);
   answer.operation = request.operation;
   if (!is_on_) {
     answer.result = -ENODEV;
@@ -181,7 +191,7 @@ DeviceMessage DeviceServer::Answer(Connection& caller, const DeviceMessage& requ
       answer.result = Show(payload);
       break;
     case DeviceRequest::kSerialOpens:
-      on_serial_open_();
+      on_serial_open_(PeerOf(caller.socket()));
       break;
     case DeviceRequest::kUname:
       answer_payload = NamesOf(kernel_);
@@ -215,6 +225,9 @@ DeviceMessage DeviceServer::AnswerFor(Connection& descriptor, const DeviceMessag
       break;
     case DeviceRequest::kIoctl:
       answer.result = Ioctl(descriptor, request.request, request.argument);
+      break;
+    case DeviceRequest::kExchange:
+      answer.result = Exchange(descriptor, request.request, payload, answer_payload);
       break;
     case DeviceRequest::kStatDescriptor:
       descriptor.node.Describe(answer);
@@ -277,6 +290,16 @@ DeviceResult DeviceServer::Ioctl(Connection& descriptor, std::uint32_t request, 
   const DeviceResult result =
       faults.ioctl_errno != 0 ? -faults.ioctl_errno : descriptor.device->Ioctl(request, argument);
   Record(descriptor.path, DeviceOperation::kIoctl, result, {}, request, argument);
+  return result;
+}
+
+DeviceResult DeviceServer::Exchange(Connection& descriptor, std::uint32_t request, const std::string& sent,
+                                    std::string& answer) {
+  const DeviceFaults faults = NodeAt(descriptor.path).faults;
+  const DeviceResult result =
+      faults.ioctl_errno != 0 ? -faults.ioctl_errno : descriptor.device->Exchange(request, sent, answer);
+  if (result < 0) answer.clear();
+  Record(descriptor.path, DeviceOperation::kIoctl, result, sent, request);
   return result;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -60,8 +62,9 @@ class DeviceServer {
   static constexpr std::size_t kLogCapacity = 65536;
 
   // Listens in the board root from the start, and shows the board's directories there. It does not serve the
-  // serial port, but calls `on_serial_open` on its thread each time before a program opens that port.
-  DeviceServer(const BoardRoot& root, KernelIdentity kernel, std::function<void()> on_serial_open);
+  // serial port, but calls `on_serial_open` on its thread each time before a process opens that port.
+  using SerialOpenHandler = std::function<void(pid_t process)>;
+  DeviceServer(const BoardRoot& root, KernelIdentity kernel, SerialOpenHandler on_serial_open);
 
   // Adds or replaces the node at `path`, which is a path of board_paths.h, or takes it away.
   void AddNode(const std::string& path, std::shared_ptr<Device> device);
@@ -79,6 +82,9 @@ class DeviceServer {
   // The bytes of each write to `path` that was not refused.
   std::vector<std::string> Writes(std::string_view path) const;
   void ClearAccesses();
+
+  // Whether any program has used a path of the board, be it the serial port.
+  bool WasUsed() const { return was_used_; }
 
   // How many descriptors are open on `path` now.
   std::size_t OpenCount(const std::string& path) const;
@@ -108,6 +114,8 @@ class DeviceServer {
   DeviceResult Read(Connection& descriptor, const DeviceMessage& request, std::string& bytes);
   DeviceResult Write(Connection& descriptor, const std::string& bytes, std::uint64_t offset);
   DeviceResult Ioctl(Connection& descriptor, std::uint32_t request, std::uint64_t argument);
+  DeviceResult Exchange(Connection& descriptor, std::uint32_t request, const std::string& sent,
+                        std::string& answer);
   DeviceResult Show(const std::string& path) const;
 
   BoardRoot::Entries EntriesOf(const std::string& directory) const;
@@ -117,7 +125,9 @@ class DeviceServer {
 
   const BoardRoot& root_;
   const KernelIdentity kernel_;
-  const std::function<void()> on_serial_open_;
+  const SerialOpenHandler on_serial_open_;
+
+  std::atomic<bool> was_used_{false};
 
   mutable std::mutex mutex_;
   std::map<std::string, Node> nodes_;

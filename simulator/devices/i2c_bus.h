@@ -100,8 +100,19 @@ class I2cBus : public Device {
     int transfer_errno = 0;
   };
 
+  struct Message {
+    std::uint8_t address = 0;
+    bool is_read = false;
+    std::size_t length = 0;
+    std::string bytes;  // of a write
+  };
+
   DeviceResult Select(std::uint64_t address) const;
   DeviceResult Transfer(std::uint8_t address, bool is_read, std::string& bytes, std::size_t count);
+  // Runs messages back to back, so that no other program's transfer comes between them. Stops at the first
+  // one that fails. Gives their number, and the bytes of the reads.
+  DeviceResult Transfer(const std::vector<Message>& messages, std::string& read);
+  DeviceResult TransferLocked(std::uint8_t address, bool is_read, std::string& bytes, std::size_t count);
 
   mutable std::mutex mutex_;
   std::array<Slot, 256> slots_;

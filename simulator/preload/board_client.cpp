@@ -51,23 +51,18 @@ int ConnectToBoard() {
   return -1;
 }
 
-constexpr iovec kNothing = {nullptr, 0};
-
 // The kernel does not write to a payload that is sent, but the type of an iovec cannot say so.
-iovec Payload(const void* bytes, size_t size) {
+Payload Sent(const void* bytes, size_t size) {
   return {const_cast<void*>(bytes), size};
 }
 
 // `message` is the request and becomes the answer. Returns the answer's result; when that is an error, -1
 // with errno.
-int Converse(int fd, DeviceMessage& message, iovec sent, iovec received) {
-  message.length = static_cast<uint32_t>(sent.iov_len > 0 ? sent.iov_len : received.iov_len);
-  iovec parts[2] = {{&message, sizeof message}, sent};
-  msghdr datagram{};
-  datagram.msg_iov = parts;
-  datagram.msg_iovlen = 2;
+int Converse(int fd, DeviceMessage& message, const Payload& sent, const Payload& received) {
+  message.length = static_cast<uint32_t>(sent.size > 0 ? sent.size : received.size);
+  msghdr datagram = sent.Behind(message);
   ssize_t length = Uninterrupted([&] { return sendmsg(fd, &datagram, MSG_NOSIGNAL); });
-  parts[1] = received;
+  datagram = received.Behind(message);
   if (length > 0) length = Uninterrupted([&] { return recvmsg(fd, &datagram, 0); });
   if (length < static_cast<ssize_t>(sizeof message)) {
     errno = EIO;
@@ -79,7 +74,7 @@ int Converse(int fd, DeviceMessage& message, iovec sent, iovec received) {
 }
 
 // Converses on a new connection.
-int Call(DeviceMessage& message, iovec sent, iovec received) {
+int Call(DeviceMessage& message, const Payload& sent, const Payload& received) {
   const int fd = ConnectToBoard();
   if (fd < 0) return -1;
   const int result = Converse(fd, message, sent, received);
@@ -87,7 +82,7 @@ int Call(DeviceMessage& message, iovec sent, iovec received) {
   return result;
 }
 
-int CallDevice(DeviceMessage& message, iovec sent = kNothing, iovec received = kNothing) {
+int CallDevice(DeviceMessage& message, const Payload& sent = {}, const Payload& received = {}) {
   const int result = Call(message, sent, received);
   if (result < 0 && errno == ENODEV) errno = EIO;
   return result;
@@ -97,7 +92,7 @@ int CallDevice(DeviceMessage& message, iovec sent = kNothing, iovec received = k
 int32_t Tell(DeviceRequest what) {
   const int error = errno;
   DeviceMessage message{.operation = what};
-  Call(message, kNothing, kNothing);
+  Call(message, {}, {});
   errno = error;
   return message.result;
 }
@@ -108,6 +103,20 @@ size_t CutToPayload(size_t size) {
 
 }  // namespace
 
+void Payload::Add(void* bytes, size_t count) {
+  if (count == 0) return;
+  parts[part_count++] = {bytes, count};
+  size += count;
+}
+
+msghdr Payload::Behind(DeviceMessage& message) const {
+  parts[0] = {&message, sizeof message};
+  msghdr datagram{};
+  datagram.msg_iov = parts;
+  datagram.msg_iovlen = part_count;
+  return datagram;
+}
+
 int OpenDeviceNode(const char* path, int flags) {
   const int fd = ConnectToBoard();
   if (fd < 0) return -1;
@@ -115,7 +124,7 @@ int OpenDeviceNode(const char* path, int flags) {
   DeviceMessage message{.operation = DeviceRequest::kOpen,
                         .request = static_cast<uint32_t>(flags & O_ACCMODE),
                         .descriptor = device};
-  if (Converse(fd, message, Payload(path, strlen(path)), kNothing) < 0) {
+  if (Converse(fd, message, Sent(path, strlen(path)), {}) < 0) {
     CloseKeepingErrno(fd);
     return -1;
   }
@@ -126,12 +135,12 @@ int OpenDeviceNode(const char* path, int flags) {
 
 ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset) {
   DeviceMessage message{.operation = DeviceRequest::kRead, .descriptor = device, .argument = offset};
-  return CallDevice(message, kNothing, {buffer, CutToPayload(size)});
+  return CallDevice(message, {}, {buffer, CutToPayload(size)});
 }
 
 ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset) {
   DeviceMessage message{.operation = DeviceRequest::kWrite, .descriptor = device, .argument = offset};
-  return CallDevice(message, Payload(bytes, CutToPayload(size)));
+  return CallDevice(message, Sent(bytes, CutToPayload(size)));
 }
 
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence) {
@@ -150,6 +159,12 @@ int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument) {
   return CallDevice(message);
 }
 
+int ExchangeWithDevice(DeviceId device, unsigned long request, const Payload& sent, const Payload& received) {
+  DeviceMessage message{
+      .operation = DeviceRequest::kExchange, .request = static_cast<uint32_t>(request), .descriptor = device};
+  return CallDevice(message, sent, received);
+}
+
 void SettleDevices() {
   Tell(DeviceRequest::kSettle);
 }
@@ -162,13 +177,13 @@ bool AnnounceSerialOpen() {
 
 int AskBoard(DeviceRequest question, const char* path, void* buffer, size_t size) {
   DeviceMessage message{.operation = question};
-  return Call(message, Payload(path, strlen(path)), {buffer, size});
+  return Call(message, Sent(path, strlen(path)), {buffer, size});
 }
 
 int AskNode(DeviceId device, const char* path, DeviceMessage& answer) {
   answer = {.operation = device == 0 ? DeviceRequest::kStat : DeviceRequest::kStatDescriptor,
             .descriptor = device};
-  return device == 0 ? Call(answer, Payload(path, strlen(path)), kNothing) : CallDevice(answer);
+  return device == 0 ? Call(answer, Sent(path, strlen(path)), {}) : CallDevice(answer);
 }
 
 }  // namespace rolu_sim

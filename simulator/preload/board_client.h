@@ -2,11 +2,26 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <sys/socket.h>
 #include <sys/types.h>
+#include <sys/uio.h>
 
 #include "simulator/devices/device_protocol.h"
 
 namespace rolu_sim {
+
+// The program's buffers for the payload of a message.
+struct Payload {
+  Payload() = default;
+  Payload(void* bytes, size_t count) { Add(bytes, count); }
+  void Add(void* bytes, size_t count);
+  // The datagram of a message with this payload.
+  msghdr Behind(DeviceMessage& message) const;
+
+  mutable iovec parts[1 + 2 * kMaxI2cMessages];  // the first one is for the message itself
+  size_t part_count = 1;
+  size_t size = 0;
+};
 
 // Calls to the board. A failure is -1 with an errno, as from the kernel: the errno that the board answers,
 // ENODEV when no board answers at a path, EIO when the board went away under an open descriptor. Each call
@@ -25,6 +40,9 @@ ssize_t ReadDevice(DeviceId device, void* buffer, size_t size, uint64_t offset);
 ssize_t WriteDevice(DeviceId device, const void* bytes, size_t size, uint64_t offset);
 int64_t SeekDevice(DeviceId device, int64_t offset, int whence);
 int IoctlDevice(DeviceId device, unsigned long request, uintptr_t argument);
+
+// An ioctl with a pointer: `sent` says what the program has there, `received` takes the answer.
+int ExchangeWithDevice(DeviceId device, unsigned long request, const Payload& sent, const Payload& received);
 
 // Returns once the board has handled all closes so far. Keeps errno.
 void SettleDevices();

@@ -11,6 +11,7 @@
 
 #include "simulator/preload/board_client.h"
 #include "simulator/preload/descriptor_table.h"
+#include "simulator/preload/i2c_requests.h"
 #include "simulator/preload/next_call.h"
 
 namespace rolu_sim {
@@ -59,7 +60,7 @@ ssize_t Copy(Call next, int target, int source, Offset* offset, size_t count) {
 template <typename Call>
 int Ioctl(Call next, int fd, unsigned long request, void* argument) {
   const DeviceId device = DeviceOf(fd);
-  if (device != 0) return IoctlDevice(device, request, reinterpret_cast<uintptr_t>(argument));
+  if (device != 0) return ControlDevice(device, request, argument);
   return next(fd, request, argument);
 }
 

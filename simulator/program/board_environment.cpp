@@ -15,10 +15,20 @@ namespace rolu_sim {
 namespace {
 
 constexpr char kPreloadVariable[] = "LD_PRELOAD";
+constexpr char kSanitizerVariable[] = "ASAN_OPTIONS";
+constexpr char kAnyOrder[] = ":verify_asan_link_order=0";
 
 std::string PreloadList() {
   const char* const present = getenv(kPreloadVariable);
   return PreloadListWith(present == nullptr ? "" : present, FindPreloadObject().string());
+}
+
+// gcc's address sanitizer refuses to start when another object comes before its runtime. It works all the
+// same, and intercepts what the object calls.
+std::string SanitizerOptions() {
+  const char* const present = getenv(kSanitizerVariable);
+  const std::string options = present == nullptr ? "" : present;
+  return options.ends_with(kAnyOrder) ? options : options + kAnyOrder;
 }
 
 std::string CommandDirectoryOf(const std::string& board_directory) {
@@ -30,6 +40,7 @@ std::string CommandDirectoryOf(const std::string& board_directory) {
 void MeetBoard(const std::string& board_directory) {
   SetEnvironment(kRootVariable, board_directory);
   SetEnvironment(kPreloadVariable, PreloadList());
+  SetEnvironment(kSanitizerVariable, SanitizerOptions());
   AddCommandDirectory(CommandDirectoryOf(board_directory));
 }
 
@@ -42,9 +53,9 @@ std::string ShellWord(const std::string& text) {
 }
 
 std::string ShellAssignments(const std::string& board_directory) {
-  return fmt::format("{}={} {}={} PATH={}:\"$PATH\"", kRootVariable, ShellWord(board_directory),
-                     kPreloadVariable, ShellWord(PreloadList()),
-                     ShellWord(CommandDirectoryOf(board_directory)));
+  return fmt::format(R"({0}={1} {2}={3} {4}="${4}"{5} PATH={6}:"$PATH")", kRootVariable,
+                     ShellWord(board_directory), kPreloadVariable, ShellWord(PreloadList()),
+                     kSanitizerVariable, kAnyOrder, ShellWord(CommandDirectoryOf(board_directory)));
 }
 
 void AddBoardChoice(CLI::App& command, BoardChoice& board) {

@@ -87,14 +87,43 @@ std::string ScenarioItems() {
   return text;
 }
 
-constexpr char kLimitsHelp[] = R"(Programs that are statically linked or set\-user\-ID, raw system calls, and
+constexpr char kLimitsHelp[] =
+    R"(Programs that are statically linked, set\-user\-ID or for another processor, raw system
+calls, and
 .BR glob (3),
 .BR ftw (3),
 .BR fts (3)
 and
 .BR freopen (3)
 of the C library do not see the board. What such a program writes to a descriptor that it inherited is taken, but
-it does not hear of a refusal; what it reads from one is at its end at once.
+it does not hear of a refusal; what it reads from one is at its end at once. Run and join warn of such a program when
+they start it; they look through env, nohup, setsid and the first line of scripts.
+.PP
+The environment names the board. What drops the environment
+.RI ( sudo ,
+.IR "env \-i" )
+goes before
+.IR rolu\-sim ,
+as in
+.IR "sudo rolu\-sim join DIR \-\- PROGRAM" .
+A board is open to its user and to root: after
+.IR su " or " setpriv
+its files are refused (EACCES).
+.PP
+A program for 32\-bit ARM (armhf) starts under
+.BR qemu\-arm (1)
+of the Debian package
+.IR qemu\-user ,
+if that, the package
+.I libc6\-armhf\-cross
+and the board's preloaded object for armhf are there. That object is looked for in
+.I lib/arm\-linux\-gnueabihf/rolu\-sim
+beside the directory of
+.IR rolu\-sim ,
+and in a build tree where
+.I ./run build arm\-library
+puts it. An ARM program starts by itself or behind env, nohup or setsid; not from a script, and not from another ARM
+program.
 .PP
 Every other program may open, duplicate, inherit and list the board's files as on the board, except that
 .IP \(bu 2
@@ -118,7 +147,11 @@ and
 .I /proc/self/fd
 do not open a device once more (ENXIO);
 .IP \(bu
-an I2C bus takes an address, reads and writes; combined and SMBus transfers are refused (ENOTTY).
+an I2C bus refuses packet error checks, ten\-bit addresses and SMBus block reads (EOPNOTSUPP), takes at most
+8192 bytes a transfer in each direction, and is not in
+.IR /sys/class/i2c\-dev ;
+.IP \(bu
+the serial port has no modem lines (ENOTTY).
 )";
 
 // The words that can follow a verb: the choices of its first value, and the names of all values.
@@ -143,6 +176,9 @@ std::string SimulatorManPage(const CLI::App& app) {
          ".SH WORDS OF CTL\nValues go in their order, or as name=value.\n" +
          VerbItems() + ".SH SCENARIOS\n" + kScenarioHelp + ScenarioItems() + ".SH ENVIRONMENT\n" +
          RoffItem("ROLU_SIM_ROOT", "The directory of the board that a program meets; run and join set it.") +
+         RoffItem("ASAN_OPTIONS",
+                  "Run and join add verify_asan_link_order=0, without which gcc's address "
+                  "sanitizer refuses to start.") +
          RoffItem("TMPDIR",
                   "Where run makes the board's directory, if the path is short enough; else /tmp.") +
          ".SH LIMITS\n" + kLimitsHelp;

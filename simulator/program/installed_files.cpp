@@ -16,8 +16,12 @@ namespace {
 
 constexpr char kExtension[] = ".json";
 
+std::filesystem::path OwnDirectory() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
 std::filesystem::path Find(const std::string& name, const char* installed_directory) {
-  const std::filesystem::path directory = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::filesystem::path directory = OwnDirectory();
   std::filesystem::path beside = directory / name;
   if (std::filesystem::exists(beside)) return beside;
   std::filesystem::path installed = (directory.parent_path() / installed_directory / name).lexically_normal();
@@ -41,6 +45,16 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path) {
 
 std::filesystem::path FindPreloadObject() {
   return Find(ROLU_SIM_PRELOAD_NAME, ROLU_SIM_PRELOAD_DIRECTORY);
+}
+
+std::optional<std::filesystem::path> FindPreloadObjectFor(const std::string& triplet) {
+  const std::filesystem::path directory = OwnDirectory();
+  const std::filesystem::path builds = directory.parent_path().parent_path();
+  for (const std::filesystem::path& place : {builds / "arm-library/simulator", builds / "arm/simulator",
+                                             directory.parent_path() / "lib" / triplet / "rolu-sim"}) {
+    if (std::filesystem::exists(place / ROLU_SIM_PRELOAD_NAME)) return place / ROLU_SIM_PRELOAD_NAME;
+  }
+  return std::nullopt;
 }
 
 std::vector<std::string> ReadyScenarioNames() {

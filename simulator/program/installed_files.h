@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,9 @@ namespace rolu_sim {
 // Files that belong to this program. They are beside it, as in a build tree, or at their place in its
 // installation. These functions throw std::runtime_error when a file is in neither place.
 std::filesystem::path FindPreloadObject();
+
+// The preloaded object for programs of another processor, which is built or installed beside this one.
+std::optional<std::filesystem::path> FindPreloadObjectFor(const std::string& triplet);
 
 // The names of the ready-made scenarios, in alphabetical order.
 std::vector<std::string> ReadyScenarioNames();

@@ -7,6 +7,7 @@
 #include "simulator/program/board_environment.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
+#include "simulator/program/program_check.h"
 
 namespace rolu_sim {
 namespace {
@@ -33,7 +34,7 @@ int Join(const BoardChoice& board, const std::vector<std::string>& command) {
   const std::string directory = BoardDirectory(board.directory);
   AwaitComputer(directory, board.patience);
   MeetBoard(directory);
-  return BecomeProgram(command);
+  return BecomeProgram(PrepareProgram(command, directory));
 }
 
 }  // namespace

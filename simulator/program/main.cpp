@@ -21,7 +21,9 @@ constexpr char kExamples[] =
     "  rolu-sim serve /tmp/desk                       a board for several programs and terminals\n"
     "  rolu-sim ctl --board /tmp/desk ignition off\n"
     "\n"
-    "Programs that are statically linked or set-user-ID, and raw system calls, do not see the board.\n"
+    "Programs that are statically linked or set-user-ID, and raw system calls, do not see the board; the "
+    "man\n"
+    "page says more under LIMITS.\n"
     "\n";
 
 // Hidden commands whose output the build installs.

@@ -10,6 +10,7 @@
 #include "simulator/program/board_settings.h"
 #include "simulator/program/child_process.h"
 #include "simulator/program/command.h"
+#include "simulator/program/program_check.h"
 
 namespace rolu_sim {
 namespace {
@@ -40,6 +41,16 @@ int StatusOf(int program_status, std::optional<McuEventKind> end, const Scenario
   }
 }
 
+// Tells a program that failed on its own from one that did not see the board.
+void SayIfUnused(const DeviceServer& devices, int status) {
+  const bool program_failed = status != 0 && status < rolu::kBoardFailed;
+  if (program_failed && !devices.WasUsed()) {
+    rolu::Say(
+        "the program failed and opened nothing of the board; man rolu-sim says under LIMITS what does not "
+        "see it");
+  }
+}
+
 int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& command) {
   const HeldSignals signals;
   PreparedBoard prepared(settings);
@@ -47,14 +58,17 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   ScenarioPlayer player(desk, BoardUse::kOneProgram, EndProgram);
   const ControlServer server(desk, player, EndThisProcess);
   Scenario scenario = prepared.Start(desk);
-  MeetBoard(desk.board().root().path());
+  const std::string directory = desk.board().root().path();
+  MeetBoard(directory);
+  const std::vector<std::string> words = PrepareProgram(command, directory);
   player.Play(std::move(scenario));
-  const int program_status = RunChild(command, signals);
+  const int program_status = RunChild(words, signals);
+  SayIfUnused(desk.board().devices(), program_status);
   player.TellProgramEnd(program_status);
   const std::optional<McuEventKind> end = EndOfComputer(desk);
   const ScenarioOutcome outcome = player.TellBoardEnd();
   // A shell that was ended leaves the program that it waited for.
-  if (outcome.settled_early) EndPrograms(desk.board().root().path());
+  if (outcome.settled_early) EndPrograms(directory);
   return prepared.Conclude(desk, StatusOf(program_status, end, outcome), outcome);
 }
 

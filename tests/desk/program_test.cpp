@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "simulator/desk/mcu_settings.h"
 #include "tests/desk/tool.h"
@@ -36,6 +38,99 @@ TEST(RoluSim, LetsScriptsUseTheWholeBoard) {
     const Ended run = RunTool(directory, {program, std::string(SCRIPTS) + script});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out + run.err, "");
+  }
+}
+
+TEST(RoluSim, NamesTheProgramsThatShareTheSerialPort) {
+  const Directory directory;
+  const Ended run =
+      RunTool(directory, {"--", "sh", "-c",
+                          "exec 3<>/proc/vpm_serial 4<>/proc/vpm_serial; stty -F /proc/vpm_serial "
+                          "; " ROLU_SIM " ctl get board"});
+  EXPECT_THAT(run.err, MatchesRegex("rolu-sim: program \"stty\" \\([0-9]+\\) opens the MCU's port while "
+                                    "\"sh\" \\([0-9]+\\) has it open: [^\n]+\n"));
+  EXPECT_THAT(run.out, HasSubstr("serial port holders: sh ("));
+
+  const Ended inherited =
+      RunTool(directory, {"--", "sh", "-c",
+                          "child=$(exec 3<>/proc/vpm_serial; sleep 60 >/dev/null & echo $!); stty -F "
+                          "/proc/vpm_serial; kill $child"});
+  EXPECT_THAT(inherited.err, HasSubstr("while \"sleep\" ("));
+}
+
+// Asks the MCU for the voltage, then writes behind a block of memory if it is told to.
+constexpr char kClient[] = R"(
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+int main(int argc, char** argv) {
+  char answer[7] = "";
+  int port = open("/proc/vpm_serial", O_RDWR);
+  if (port < 0 || write(port, "MCVG\r", 5) != 5) return 1;
+  for (int taken = 0; taken < 6;) taken += read(port, answer + taken, 6 - taken);
+  printf("%s", answer);
+  fflush(stdout);
+  char* block = malloc(argc);
+  ssize_t length = read(open("/dev/zero", O_RDONLY), block, argc == 1 ? 1 : 4);
+  free(block);
+  return length < 0;
+})";
+
+std::string Compiled(const Directory& directory, const std::string& name, const std::string& options) {
+  const std::string source = directory.Write("client.c", kClient);
+  const Ended built =
+      rolu_test::Process(Joined(Words("gcc -g -w " + options + " -o"), {directory.File(name), source}))
+          .WaitForAll();
+  EXPECT_EQ(built.status, 0) << built.err;
+  return directory.File(name);
+}
+
+TEST(RoluSim, RunsAProgramWithGccsAddressSanitizer) {
+  const Directory directory;
+  const std::string client = Compiled(directory, "client", "-fsanitize=address");
+  // The runtime keeps its shadow memory at a fixed address.
+  const std::string script = R"(if setarch -R true; then exec setarch -R "$@"; fi; exec "$@")";
+  const Ended good = RunTool(directory, {"--", "sh", "-c", script, "sh", client});
+  EXPECT_EQ(good.out, "0333\r\n") << good.err;
+  EXPECT_EQ(good.status, 0);
+  const Ended bad = RunTool(directory, {"--", "sh", "-c", script, "sh", client, "overflow"});
+  EXPECT_EQ(bad.out, "0333\r\n");
+  EXPECT_THAT(bad.err, HasSubstr("heap-buffer-overflow"));
+}
+
+TEST(RoluSim, SaysWhyAProgramWillNotSeeTheBoard) {
+  const Directory directory;
+  const std::string client = Compiled(directory, "client", "");
+  std::string other_processor = rolu_test::ReadFile(client);
+  other_processor[18] = '\xF3';  // the machine in the ELF header: RISC-V
+  const std::string foreign = directory.Write("foreign", other_processor);
+  const std::string sudo = directory.Write("sudo", "#!/bin/sh\nexit 3\n");
+  const std::string script = directory.Write("script", "#!" + foreign + "\n");
+  const std::string privileged = directory.Write("privileged", rolu_test::ReadFile("/bin/true"));
+  for (const std::string& path : {foreign, sudo, script}) chmod(path.c_str(), 0755);
+  const bool is_root = chown(privileged.c_str(), 65534, 65534) == 0;
+  chmod(privileged.c_str(), 04755);
+  const struct {
+    std::string words;
+    std::string says;
+  } kRows[] = {
+      {Compiled(directory, "static", "-static"), "statically linked"},
+      {foreign, "for another processor (ELF machine 243)"},
+      {script, "for another processor"},
+      {"env A=1 " + foreign, "for another processor"},
+      {"nohup setsid -w " + sudo, "\"sudo rolu-sim join "},
+      {"env -i " + client, "\"env -i rolu-sim join "},
+      {"env -i " + client, "the program failed and opened nothing of the board"},
+      {is_root ? privileged : "su --version", "set-user-ID"},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_THAT(RunTool(directory, Joined({"--"}, Words(row.words))).err, HasSubstr(row.says)) << row.words;
+  }
+  for (const char* const starts : {"", "env A=1 ", "setsid -w ", "nohup ", "sh -c "}) {
+    const Ended run = RunTool(directory, Joined({"--"}, Words(starts + client)));
+    EXPECT_EQ(run.out, "0333\r\n") << starts;
+    EXPECT_EQ(run.err, "") << starts;
   }
 }
 

@@ -3,6 +3,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <linux/i2c-dev.h>
+#include <linux/i2c.h>
 #include <poll.h>
 #include <pthread.h>
 #include <stdlib.h>
@@ -13,6 +15,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
@@ -71,6 +74,63 @@ TEST_F(DeviceNodes, I2cAddressesRefuseAsTold) {
   EXPECT_EQ(write_to(Board::kRegisterDeviceAddress), ETIMEDOUT);
   EXPECT_EQ(write_to(0x33), EREMOTEIO);
   EXPECT_EQ(write_to(0x80), EINVAL);
+}
+
+// The widths and pointers of these requests are those of the program, which may be a 32-bit one.
+TEST_F(DeviceNodes, I2cTakesCombinedAndSmbusTransfers) {
+  const UniqueFd bus(open(kI2cBusPath, O_RDWR | O_CLOEXEC));
+  unsigned long functions = 0;
+  ASSERT_EQ(ioctl(bus.get(), I2C_FUNCS, &functions), 0);
+  EXPECT_EQ(functions & (I2C_FUNC_I2C | I2C_FUNC_SMBUS_QUICK | I2C_FUNC_SMBUS_PEC),
+            static_cast<unsigned long>(I2C_FUNC_I2C | I2C_FUNC_SMBUS_QUICK));
+
+  unsigned char written[] = {0x10, 1, 2, 3};
+  unsigned char read[3] = {};
+  i2c_msg messages[] = {{0x50, 0, 4, written}, {0x50, 0, 1, written}, {0x50, I2C_M_RD, 3, read}};
+  i2c_rdwr_ioctl_data combined = {messages, 3};
+  const auto answer = [&](unsigned long request, auto argument) {
+    return ioctl(bus.get(), request, argument) < 0 ? -errno : 0;
+  };
+  EXPECT_EQ(ioctl(bus.get(), I2C_RDWR, &combined), 3);
+  EXPECT_THAT(read, ElementsAre(1, 2, 3));
+  messages[1].addr = 0x33;
+  EXPECT_EQ(answer(I2C_RDWR, &combined), -EREMOTEIO);
+  messages[1].len = 8193;
+  EXPECT_EQ(answer(I2C_RDWR, &combined), -EINVAL);
+  messages[1] = {0x50, 0, 1, nullptr};
+  EXPECT_EQ(answer(I2C_RDWR, &combined), -EFAULT);
+  combined.nmsgs = 43;
+  EXPECT_EQ(answer(I2C_RDWR, &combined), -EINVAL);
+
+  ASSERT_EQ(answer(I2C_SLAVE, 0x50), 0);
+  for (const auto& [size, wire] : {std::pair(I2C_SMBUS_QUICK, ""),
+                                   {I2C_SMBUS_BYTE, "\x80"},
+                                   {I2C_SMBUS_BYTE_DATA, "\x80\x02"},
+                                   {I2C_SMBUS_WORD_DATA, "\x80\x02\x0A"},
+                                   {I2C_SMBUS_BLOCK_DATA, "\x80\x02\x0A\x0B"},
+                                   {I2C_SMBUS_I2C_BLOCK_DATA, "\x80\x0A\x0B"}}) {
+    i2c_smbus_data data = {};
+    std::copy_n("\x02\x0A\x0B", 3, data.block);
+    i2c_smbus_ioctl_data transfer = {I2C_SMBUS_WRITE, 0x80, static_cast<__u32>(size), &data};
+    EXPECT_EQ(answer(I2C_SMBUS, &transfer), 0) << size;
+    EXPECT_EQ(board_.i2c().Transfers().back().bytes, wire) << size;
+    if (size == I2C_SMBUS_BLOCK_DATA) continue;
+    board_.register_device().SetRegister(0x80, 2);
+    board_.register_device().SetRegister(0x81, 0x0A);
+    transfer.read_write = I2C_SMBUS_READ;
+    EXPECT_EQ(answer(I2C_SMBUS, &transfer), 0) << size;
+    EXPECT_TRUE(board_.i2c().Transfers().back().is_read) << size;
+    if (size == I2C_SMBUS_WORD_DATA) {
+      EXPECT_EQ(data.word, 0x0A02);
+    }
+  }
+  i2c_smbus_data block = {};
+  i2c_smbus_ioctl_data block_read = {I2C_SMBUS_READ, 0x80, I2C_SMBUS_BLOCK_DATA, &block};
+  EXPECT_EQ(answer(I2C_SMBUS, &block_read), -EOPNOTSUPP);
+  EXPECT_EQ(answer(I2C_PEC, 1), -EOPNOTSUPP);
+  EXPECT_EQ(answer(I2C_RETRIES, 3), 0);
+  EXPECT_EQ(answer(I2C_FUNCS, nullptr), -EFAULT);
+  EXPECT_EQ(board_.reset_controller().ResetCount(), 0);
 }
 
 TEST_F(DeviceNodes, StatAndAccessTellWhatIsThere) {

@@ -119,6 +119,7 @@ TEST(McuSerial, TellsTheOwnerOfEventsAndSendsWhatIsDue) {
   ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kPowerCut, kPatience));
   serial.WithModel([](McuModel& mcu) { mcu.ignition.on = false; });
   ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kWatchdogBite, kPatience));
+  ASSERT_TRUE(serial.WaitForEvent(McuEventKind::kIgnitionWarning, kPatience));
   EXPECT_THAT(serial.Events().back().time - start, Ge(1s));
   EXPECT_EQ(host.Read(24), "OK\r\nOK\r\nOK\r\nOK\r\n[0000]\r\n");
   EXPECT_THAT(heard, UnorderedElementsAre(McuEventKind::kPowerCut, McuEventKind::kWatchdogBite,

@@ -51,7 +51,7 @@ Each event has a time
 .I after
 names another event (its
 .IR name ),
-an event of the board or the beginning of a command of the MCU; a
+an event of the board or the beginning of a command of the MCU; the first time counts, and a
 .I delay
 may come in between. It has a verb
 .I do

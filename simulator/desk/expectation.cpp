@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 #include "cli/exit_status.h"
 #include "cli/nearest_name.h"
@@ -38,9 +39,19 @@ Parameter Pin() {
   return OneOf("pin", lines, "the GPIO line");
 }
 
-Parameter ProgramStatus() {
-  return Optional(
-      Integer("status", 0, 255, "only with this exit status: 128 and the signal's number if one ended it"));
+// What cuts the power or switches the computer on.
+Parameter EventCause() {
+  std::vector<std::string> causes = {"ignition", "low-battery", "forced-shutdown",
+                                     "suspend",  "ordered",     "alarm"};
+  for (unsigned source = 0; source < rolu_protocol::kWakeupSources; ++source) {
+    const bool is_of_its_own = rolu_protocol::IsWakeupSource(source) && source != rolu_protocol::kAlarmSource;
+    if (is_of_its_own) causes.push_back(fmt::format("source-{}", source));
+  }
+  return OneOf("cause", causes, "only with this cause");
+}
+
+Parameter ProgramStatus(std::string help) {
+  return Optional(Integer("status", 0, 255, std::move(help)));
 }
 
 bool EndsWith(const Arguments& wanted, const Occurrence& end) {
@@ -102,9 +113,7 @@ const std::vector<ExpectationKind>& ExpectationKinds() {
        .judge = JudgeCommand},
       {.verb = {.name = "event",
                 .help = "An event of the board comes",
-                .parameters = {OneOf("event", BoardEventNames(), "the event"),
-                               Optional(
-                                   Text("cause", "only with this cause, as \"ignition\" of a power-cut"))}},
+                .parameters = {OneOf("event", BoardEventNames(), "the event"), Optional(EventCause())}},
        .judge = JudgeEvent},
       {.verb = {.name = "pin",
                 .help = "A GPIO line has a level, or gets it",
@@ -129,13 +138,16 @@ const std::vector<ExpectationKind>& ExpectationKinds() {
            [](Desk& desk, const Arguments& /*wanted*/) {
              return fmt::format("its level is {}", desk.board().backlight().level());
            }},
-      {.verb = {.name = "end", .help = "The program ends", .parameters = {ProgramStatus()}},
+      {.verb = {.name = "end",
+                .help = "The program ends",
+                .parameters = {ProgramStatus(
+                    "only with this exit status: 128 and the signal's number if one ended it")}},
        .judge = JudgeEnd,
        .instead = StillRuns,
        .is_of_program = true},
       {.verb = {.name = "shutdown",
                 .help = "The program ends by itself before the power is cut",
-                .parameters = {ProgramStatus()}},
+                .parameters = {ProgramStatus("only with this exit status")}},
        .judge = JudgeShutdown,
        .instead = StillRuns,
        .is_of_program = true},

@@ -18,9 +18,8 @@ namespace rolu_sim {
 //     "description": "the ignition goes off, the program shuts down in time",
 //     "events": [
 //       {"at": "2s", "do": "ignition", "state": "off"},
-//       {"after": "ignition-warning", "expect": "command", "command": "WDTD", "within": "500ms", "name":
-//       "off"},
-//       {"after": "off", "delay": 0.1, "do": "shock"},
+//       {"after": "ignition-warning", "expect": "command", "command": "WDTD", "within": 0.5, "name": "fed"},
+//       {"after": "fed", "delay": "100ms", "do": "shock"},
 //       {"after": "ignition-warning", "expect": "shutdown", "within": "3s"}
 //     ]
 //   }

@@ -46,7 +46,6 @@ ScenarioOutcome ScenarioPlayer::TellBoardEnd() {
 }
 
 void ScenarioPlayer::PlayToItsEnd(const std::stop_token& stop, ScenarioRun& run) {
-  run.Advance(std::chrono::steady_clock::now());
   while (!run.IsOver()) {
     const auto due = run.NextDue(std::chrono::steady_clock::now());
     for (const Occurrence& occurrence : occurrences_->Take(stop, due)) run.Hear(occurrence);

@@ -15,6 +15,9 @@ namespace {
 
 constexpr long kMostRepetitions = 10000;
 
+// What stands between two items of a JSON text.
+constexpr std::string_view kBetweenItems = " \t\r\n,:]}";
+
 class ScenarioReader {
  public:
   ScenarioReader(std::string_view text, std::string name) : text_(text), name_(std::move(name)) { Parse(); }
@@ -53,7 +56,7 @@ class ScenarioReader {
       using Event = Json::parse_event_t;
       // Each item that the parser reports begins behind the previous one. To find the end of a number, the
       // parser has read one character more, which may close the list or the object.
-      const std::size_t start = text_.find_first_not_of(" \t\r\n,:]}", end_of_last);
+      const std::size_t start = text_.find_first_not_of(kBetweenItems, end_of_last);
       end_of_last = static_cast<std::size_t>(stream.rdbuf()->pubseekoff(0, std::ios::cur, std::ios::in));
       const auto level = static_cast<std::size_t>(depth);
       if (event == Event::key) {
@@ -75,6 +78,8 @@ class ScenarioReader {
       const std::string message = problem.what();
       const std::size_t offset = std::min(problem.byte == 0 ? 0 : problem.byte - 1, text_.size());
       throw ScenarioError(At(offset, "not JSON: " + message.substr(message.find(": ") + 2)));
+    } catch (const Json::out_of_range&) {
+      throw ScenarioError(At(text_.find_first_not_of(kBetweenItems, end_of_last), "the number is too large"));
     }
     // The text holds the values in this order: each value before the values in it.
     std::vector<const Json*> rest = {&root_};
@@ -134,7 +139,9 @@ class ScenarioReader {
       ReadAction(event, step);
     }
     if (!step.name.empty()) Name(event["name"], step.name);
-    if (!step.after.text.empty()) triggers_.emplace_back(scenario_.steps.size(), &event["after"]);
+    if (event.contains("after") && event["after"].is_string()) {
+      triggers_.emplace_back(scenario_.steps.size(), &event["after"]);
+    }
     scenario_.steps.push_back(std::move(step));
   }
 
@@ -228,7 +235,7 @@ class ScenarioReader {
         if (after.kind != Scenario::Trigger::Kind::kStep) break;
         step = after.step;
         if (step != first) continue;
-        Complain(*given, fmt::format("\"{}\" waits for this step itself, so both never begin",
+        Complain(*given, fmt::format("\"{}\" waits for this step, so this step never begins",
                                      scenario_.steps[first].after.text));
         return;
       }

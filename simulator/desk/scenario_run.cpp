@@ -65,13 +65,17 @@ ScenarioRun::ScenarioRun(Desk& desk, Scenario scenario, TimePoint start)
 }
 
 void ScenarioRun::Hear(const Occurrence& occurrence) {
-  Advance(occurrence.time);
+  for (auto next = FirstDue(occurrence.time); next && scenario_.steps[*next].IsExpectation();
+       next = FirstDue(occurrence.time)) {
+    JudgeByTime(*next, occurrence.time);
+  }
   if (IsOver()) return;
   // An expectation that begins with this occurrence waits for the next one.
   std::vector<std::size_t> judging;
   for (std::size_t step = 0; step < states_.size(); ++step) {
     const Scenario::Step& expected = scenario_.steps[step];
-    if (expected.IsExpectation() && expected.expectation.kind->judge && HasBegun(step, occurrence.time)) {
+    if (expected.IsExpectation() && expected.expectation.kind->judge && HasBegun(step, occurrence.time) &&
+        occurrence.time < DueOf(step)) {
       judging.push_back(step);
     }
   }
@@ -95,28 +99,23 @@ void ScenarioRun::Hear(const Occurrence& occurrence) {
 }
 
 void ScenarioRun::Advance(TimePoint now) {
-  while (!IsOver()) {
-    LookAtBoard(now);
-    const std::optional<std::size_t> next = FirstDue();
-    if (!next || DueOf(*next) > now) return;
-    const Scenario::Step& step = scenario_.steps[*next];
-    if (!step.IsExpectation()) {
-      Do(*next);
-    } else if (step.expectation.kind->is_met_by_time) {
-      Meet(*next, DueOf(*next));
-    } else {
-      Fail(*next, now, InsteadOf(*next));
-    }
+  const std::optional<std::size_t> next = FirstDue(now);
+  if (!next) return;
+  if (scenario_.steps[*next].IsExpectation()) {
+    JudgeByTime(*next, now);
+  } else {
+    Do(*next);
   }
 }
 
 std::optional<TimePoint> ScenarioRun::NextDue(TimePoint now) const {
   std::optional<TimePoint> due;
-  if (const auto first = FirstDue()) due = DueOf(*first);
   for (std::size_t step = 0; step < states_.size(); ++step) {
-    const Scenario::Step& expected = scenario_.steps[step];
-    if (!expected.IsExpectation() || !expected.expectation.kind->holds || !IsPending(step)) continue;
-    if (states_[step].begins) due = Sooner(due, std::max(*states_[step].begins, now + kBetweenLooks));
+    if (!IsPending(step) || !states_[step].begins) continue;
+    due = Sooner(due, DueOf(step));
+    const ExpectationKind* const kind = scenario_.steps[step].expectation.kind;
+    if (kind == nullptr || !kind->holds) continue;
+    due = Sooner(due, std::max(*states_[step].begins, now + kBetweenLooks));
   }
   return due;
 }
@@ -167,10 +166,12 @@ TimePoint ScenarioRun::DueOf(std::size_t step) const {
   return *states_[step].begins + (due.IsExpectation() ? due.within : states_[step].times * due.every);
 }
 
-std::optional<std::size_t> ScenarioRun::FirstDue() const {
+std::optional<std::size_t> ScenarioRun::FirstDue(TimePoint now) {
+  if (IsOver()) return std::nullopt;
+  LookAtBoard(now);
   std::optional<std::size_t> first;
   for (std::size_t step = 0; step < states_.size(); ++step) {
-    if (!IsPending(step) || !states_[step].begins) continue;
+    if (!HasBegun(step, now) || DueOf(step) > now) continue;
     if (!first || DueOf(step) < DueOf(*first)) first = step;
   }
   return first;
@@ -190,6 +191,14 @@ void ScenarioRun::LookAtBoard(TimePoint now) {
     if (kind != nullptr && kind->holds && HasBegun(step, now) && kind->holds(desk_, arguments)) {
       Meet(step, now);
     }
+  }
+}
+
+void ScenarioRun::JudgeByTime(std::size_t step, TimePoint now) {
+  if (scenario_.steps[step].expectation.kind->is_met_by_time) {
+    Meet(step, DueOf(step));
+  } else {
+    Fail(step, now, InsteadOf(step));
   }
 }
 
@@ -237,8 +246,12 @@ void ScenarioRun::FailTheRest(const Occurrence& end) {
   const std::string ended = (program_end_ ? *program_end_ : end).InWords();
   for (std::size_t step = 0; step < states_.size(); ++step) {
     if (!scenario_.steps[step].IsExpectation() || !IsPending(step)) continue;
-    const std::string instead =
-        HasBegun(step, end.time) ? InsteadOf(step) : WhyNotBegun(scenario_.steps[step].after);
+    const bool has_begun = HasBegun(step, end.time);
+    if (has_begun && DueOf(step) <= end.time) {
+      JudgeByTime(step, end.time);
+      continue;
+    }
+    const std::string instead = has_begun ? InsteadOf(step) : WhyNotBegun(scenario_.steps[step].after);
     Fail(step, end.time, fmt::format("{}; {}", instead, ended));
   }
 }

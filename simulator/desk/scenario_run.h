@@ -27,10 +27,10 @@ class ScenarioRun {
  public:
   ScenarioRun(Desk& desk, Scenario scenario, TimePoint start);
 
-  // Takes the occurrences in their order.
+  // Takes the occurrences in their order. Does no verb, so that a scenario that is late hears of an end.
   void Hear(const Occurrence& occurrence);
 
-  // Does and judges what is due. Call it at NextDue.
+  // Does or judges the step that is due first, if one is due. Call it at NextDue.
   void Advance(TimePoint now);
   std::optional<TimePoint> NextDue(TimePoint now) const;
 
@@ -51,10 +51,12 @@ class ScenarioRun {
   bool IsPending(std::size_t step) const { return states_[step].verdict == Verdict::kPending; }
   bool HasBegun(std::size_t step, TimePoint now) const;
   TimePoint DueOf(std::size_t step) const;
-  std::optional<std::size_t> FirstDue() const;
   std::size_t CountExpectations(Verdict verdict) const;
 
+  // Looks at the board, then gives the step that is due first, if one is due.
+  std::optional<std::size_t> FirstDue(TimePoint now);
   void LookAtBoard(TimePoint now);
+  void JudgeByTime(std::size_t step, TimePoint now);
   void Do(std::size_t step);
   void Meet(std::size_t step, TimePoint time);
   void Fail(std::size_t step, TimePoint time, const std::string& instead);

@@ -51,7 +51,7 @@ Each event has a time
 .I after
 names another event (its
 .IR name ),
-an event of the board or the beginning of a command of the MCU; a
+an event of the board or the beginning of a command of the MCU; the first time counts, and a
 .I delay
 may come in between. It has a verb
 .I do
@@ -74,10 +74,11 @@ a time from then.
 }
 .fi
 .PP
-When an expectation fails, the program is ended (SIGTERM, and SIGKILL 2 s later) and the exit status is 9. When all
-are met and no other event is due, a program that still runs is ended likewise, with status 0; so a daemon can be
-tested. What is still expected when the program ends has failed. Status 0 also stands for a status of the program, a power
-cut, a reset or a bite that was expected. On a served board a failed expectation ends the scenario only.
+When an expectation fails, the program is ended (SIGTERM, and SIGKILL 2 s later) and the exit status is 9. When
+all are met and no other event is due, a program that still runs is ended likewise, with status 0; so a daemon can
+be tested. What is still expected when the program ends has failed. Status 0 also stands for a status of the
+program, a power cut, a reset or a bite that was expected. On a served board a failed expectation ends the scenario
+only, and serve ends with status 9 when it is stopped.
 .PP
 )";
 

@@ -35,17 +35,17 @@ int List() {
 
 std::string ScenarioHelp() {
   std::string text =
-      "An event of a scenario has a time \"at\", or \"after\": the \"name\" of another event, an event of "
-      "the "
-      "board\nor the beginning of a command of the MCU; a \"delay\" may follow. It does a verb (\"do\") or "
-      "expects\nsomething (\"expect\") \"within\" a time from then. When an expectation fails, the program "
-      "is "
-      "ended and\nthe status is 9. When all are met and no other event is due, it is ended with status 0.\n\n"
+      "An event of a scenario has a time \"at\", or \"after\": the \"name\" of another event, an event\n"
+      "of the board or the beginning of a command of the MCU; the first time counts, and a \"delay\"\n"
+      "may follow. It does a verb (\"do\") or expects something (\"expect\") \"within\" a time from then.\n"
+      "When an expectation fails, the program is ended and the status is 9. When all are met and no\n"
+      "other event is due, it is ended with status 0.\n\n"
       "Expectations:\n";
   for (const Verb& verb : ExpectationVerbs()) text += ListItem(Synopsis(verb), verb.help);
   text +=
-      "\nStatus 0 also stands for an end, a power cut, a reset or a bite that was expected.\nEvents of the "
-      "board: ";
+      "\nStatus 0 also stands for a status of the program, a power cut, a reset or a bite that was\n"
+      "expected.\n"
+      "Events of the board:\n  ";
   return text + fmt::format("{}.\n\n", fmt::join(BoardEventNames(), ", "));
 }
 
@@ -59,7 +59,7 @@ void AddScenariosCommand(CLI::App& app, Invocation& invocation) {
   const auto checked = std::make_shared<std::vector<std::string>>();
   scenarios->add_option("--show", *shown, "Print the text of a scenario, to start your own from")
       ->type_name("NAME");
-  scenarios->add_option("--check", *checked, "Check scenarios without playing them")->type_name("FILE...");
+  scenarios->add_option("--check", *checked, "Check scenarios without playing them")->type_name("FILE");
   OnRun(scenarios, invocation, [=] {
     if (!checked->empty()) return Check(*checked);
     if (shown->empty()) return List();

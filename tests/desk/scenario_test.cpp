@@ -64,6 +64,8 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
       {R"({"events": [{"after": "rest", "do": "shock"}]})",
        "f:1:23: ", R"("rest" is no step's name, no event of the )"},
       {R"({"events": [{"after": "rest", "do": "shock"}]})", "f:1:23: ", "did you mean reset?"},
+      {R"({"events": [{"after": "", "do": "shock"}]})", "f:1:23: ", R"("" is no step's name)"},
+      {"{\"events\": [{\"at\":\n 1e400, \"do\": \"shock\"}]}", "f:2:2: ", "the number is too large"},
       {R"({"events": [{"at": 1, "name": "reset", "do": "shock"}]})", "f:1:31: ", "is an event of the board"},
       {R"({"events": [{"at": 1, "name": "MCVG2", "do": "shock"}]})",
        "f:1:31: ", "begins as the command MCVG"},
@@ -71,7 +73,7 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
        "\"shock\"}]}",
        "f:2:10: ", "another step is named \"a\" already"},
       {R"({"events": [{"after": "b", "name": "a", "do": "shock"}, {"after": "a", "name": "b", "do": "shock"}]})",
-       "f:1:23: ", "\"b\" waits for this step itself"},
+       "f:1:23: ", "\"b\" waits for this step, so this"},
       {R"({"events": [{"at": 1, "delay": 1, "do": "shock"}]})", "f:1:32: ", R"("delay" belongs to "after")"},
       {R"({"events": [{"at": 1, "do": "shock", "within": 1}]})",
        "f:1:48: ", R"("within" belongs to "expect")"},
@@ -83,6 +85,8 @@ TEST(Scenario, IsRefusedWithThePlaceAndWhatWouldBeRight) {
        "f:1:62: ", "end has no \"every\""},
       {R"({"events": [{"at": 1, "within": 1, "expect": "command", "command": "MCVH"}]})",
        "f:1:68: ", "the MCU has no command \"MCVH\"; did you mean MCVG?"},
+      {R"({"events": [{"at": 1, "within": 1, "expect": "event", "event": "power-cut", "cause": "order"}]})",
+       "f:1:86: ", "did you mean ordered?"},
       {R"({"events": [{"at": 1, "within": 1, "expect": "pin", "pin": 1, "level": 0}]})",
        "f:1:60: ", "must be 34, 35"},
       {"{\"events\": [\n"
@@ -205,7 +209,7 @@ TEST(Scenario, IsReadyForTheUsualCases) {
   EXPECT_THAT(RunTool(directory, {"scenarios", "--show", "cold-start"}).out, StartsWith("{\n"));
 }
 
-// The scenario plays a night in one second. The alarm comes at half past seven in the morning.
+// The scenario plays a night in some seconds. The alarm comes at half past seven in the morning.
 TEST(Scenario, WakesTheParkedVehicleInTheMorning) {
   const Directory directory;
   const ServedBoard board(directory);

@@ -20,6 +20,7 @@
 namespace rolu_sim {
 namespace {
 
+constexpr char kObjectName[] = "librolu-sim-preload.so";
 constexpr std::string_view kNamePattern = "/rolu-XXXXXX";
 
 constexpr std::size_t kMaxParentLength = BoardRoot::kMaxPathLength - kNamePattern.size();
@@ -52,18 +53,19 @@ bool IsWithin(const std::string& name, const std::string& directory) {
 // Whether the entry belongs to the directories that are shown, or to the links to the preloaded objects.
 bool IsInTree(const std::string& name, const std::filesystem::directory_entry& entry) {
   const std::filesystem::file_status status = entry.symlink_status();
-  if (IsWithin(name, kObjectDirectory)) return is_directory(status) || is_symlink(status);
+  if (IsWithin(name, kObjectDirectory))
+    return is_directory(status) || (is_symlink(status) && entry.path().filename() == kObjectName);
   return IsWithin(name, kShownDirectory) &&
          (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
 }
 
-// Removes by whole paths, the deepest first. A removal relative to a directory would go to the board when
-// this runs in the board's own process.
+// Removes by whole paths, the deepest first, and follows no link. A removal relative to a directory would go
+// to the board when this runs in the board's own process.
 void RemoveTree(const std::filesystem::path& path) {
   std::error_code ignored;
   std::vector<std::filesystem::path> paths = {path};
   for (std::size_t next = 0; next < paths.size(); ++next) {
-    if (!std::filesystem::is_directory(paths[next], ignored)) continue;
+    if (!is_directory(std::filesystem::symlink_status(paths[next], ignored))) continue;
     for (const auto& entry : std::filesystem::directory_iterator(paths[next], ignored))
       paths.push_back(entry);
   }

@@ -228,6 +228,16 @@ TEST(ServedBoard, TakesNothingAwayThatIsNotOfABoard) {
   directory.Write("bin/tool", "mine");
   EXPECT_EQ(RunTool(directory, {"serve", directory.path()}).status, 2);
   EXPECT_EQ(directory.Read("bin/tool"), "mine");
+
+  // What the links for emulated programs lead to is not the board's.
+  const Directory linked;
+  std::filesystem::create_directories(linked.File("board/lib"));
+  std::filesystem::create_directory_symlink(directory.File("bin"), linked.File("board/lib/link"));
+  EXPECT_EQ(RunTool(linked, {"serve", linked.File("board")}).status, 2);
+  std::filesystem::rename(linked.File("board/lib/link"), linked.File("board/lib/librolu-sim-preload.so"));
+  Tool tool(linked, {"serve", linked.File("board")});
+  EXPECT_TRUE(tool.WaitForOutput("rolu-sim join"));
+  EXPECT_EQ(directory.Read("bin/tool"), "mine");
 }
 
 // The signal may come at any moment after the start.

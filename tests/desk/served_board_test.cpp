@@ -186,12 +186,13 @@ TEST(ServedBoard, LivesBesideOthersAndLeavesOnlyWhatIsNotItsOwn) {
   EXPECT_THAT(board.Client("voltage").out, HasSubstr("voltage C000 10.00"));
   EXPECT_THAT(other.Client("voltage").out, HasSubstr("voltage C000 14.00"));
 
-  directory.Write("board/notes.txt", "mine");
+  std::filesystem::create_directory(directory.File("board/lib"));
+  directory.Write("board/lib/notes.txt", "mine");
   board.Ctl("wlan on");
   board.tool().Signal(SIGINT);
   EXPECT_EQ(board.tool().Wait(), 0);
   EXPECT_THAT(directory.Names(), ElementsAre("board"));
-  EXPECT_EQ(directory.Read("board/notes.txt"), "mine");
+  EXPECT_EQ(directory.Read("board/lib/notes.txt"), "mine");
   other.tool().Signal(SIGTERM);
   EXPECT_EQ(other.tool().Wait(), 0);
   EXPECT_THAT(other_directory.Names(), ElementsAre());

@@ -180,13 +180,19 @@ std::vector<std::string> EmulatorWords(const std::string& board_directory,
 
 std::vector<std::string> PrepareForeign(std::vector<std::string> command, const ProgramCheck& program,
                                         const std::string& board_directory) {
-  std::vector<std::string> missing;
   std::vector<std::string> emulator;
-  if (program.machine == EM_ARM && program.position) emulator = EmulatorWords(board_directory, missing);
+  std::string advice = "Build it for this processor.";
+  if (program.machine == EM_ARM && program.position) {
+    // These end a word of LD_PRELOAD or of the emulator's option.
+    if (board_directory.find_first_of(" :,") != std::string::npos) {
+      advice = "To run it here, give the board a directory without a space, colon or comma in its path.";
+    } else {
+      std::vector<std::string> missing;
+      emulator = EmulatorWords(board_directory, missing);
+      if (emulator.empty()) advice = fmt::format("To run it here, install {}.", fmt::join(missing, " and "));
+    }
+  }
   if (emulator.empty()) {
-    const std::string advice = missing.empty()
-                                   ? "Build it for this processor."
-                                   : fmt::format("To run it here, install {}.", fmt::join(missing, " and "));
     Warn(program.path, "is a program for " + NameOfMachine(program.machine), advice);
     return command;
   }

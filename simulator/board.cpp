@@ -43,6 +43,7 @@ McuSerialOptions Board::WithOwnListener(McuSerialOptions options) {
 
 // What the kernel knows goes with the power; what is outside and in the MCU stays.
 void Board::Hear(const McuEvent& event) {
+  if (ends_) return;
   const bool starts = event.ends_programs || event.kind == McuEventKind::kPowerOn;
   if (starts) devices_.SetPower(false);
   if (event_listener_) event_listener_(event);
@@ -53,7 +54,9 @@ void Board::Hear(const McuEvent& event) {
   devices_.SetPower(event.kind != McuEventKind::kPowerCut);
 }
 
+// The devices use the MCU, so they are gone before it is.
 Board::~Board() {
+  mcu_.WithModel([this](McuModel&) { ends_ = true; });
   const char* const attached = getenv(kRootVariable);
   if (attached != nullptr && root_.path() == attached) unsetenv(kRootVariable);
   RemoveCommandDirectory(root_.CommandDirectory());

@@ -80,6 +80,7 @@ class Board {
 
   BoardRoot root_;
   const std::function<void(const McuEvent&)> event_listener_;
+  bool ends_ = false;  // the MCU's lock guards it
   McuSerial mcu_;
   std::shared_ptr<ResetController> reset_controller_;
   std::shared_ptr<I2cRegisterDevice> register_device_;

@@ -20,6 +20,7 @@
 namespace rolu_sim {
 namespace {
 
+constexpr char kObjectName[] = "librolu-sim-preload.so";
 constexpr std::string_view kNamePattern = "/rolu-XXXXXX";
 
 constexpr std::size_t kMaxParentLength = BoardRoot::kMaxPathLength - kNamePattern.size();
@@ -51,24 +52,30 @@ bool IsWithin(const std::string& name, const std::string& directory) {
 
 // Whether the entry belongs to the directories that are shown, or to the links to the preloaded objects.
 bool IsInTree(const std::string& name, const std::filesystem::directory_entry& entry) {
-  const std::filesystem::file_status status = entry.symlink_status();
-  if (IsWithin(name, kObjectDirectory)) return is_directory(status) || is_symlink(status);
+  std::error_code failed;
+  const std::filesystem::file_status status = entry.symlink_status(failed);
+  if (IsWithin(name, kObjectDirectory))
+    return is_directory(status) || (is_symlink(status) && entry.path().filename() == kObjectName);
   return IsWithin(name, kShownDirectory) &&
-         (is_directory(status) || (is_regular_file(status) && entry.file_size() == 0));
+         (is_directory(status) || (is_regular_file(status) && entry.file_size(failed) == 0));
 }
 
-// Removes by whole paths, the deepest first. A removal relative to a directory would go to the board when
-// this runs in the board's own process.
-void RemoveTree(const std::filesystem::path& path) {
+// Removes what is in these trees of a board at `directory`, and nothing that someone else put there. Goes by
+// whole paths, the deepest first, and follows no link. A removal relative to a directory would go to the
+// board when this runs in the board's own process.
+void RemoveTree(const std::string& directory, const std::string& name) {
   std::error_code ignored;
-  std::vector<std::filesystem::path> paths = {path};
+  std::vector<std::filesystem::path> paths = {directory + name};
   for (std::size_t next = 0; next < paths.size(); ++next) {
-    if (!std::filesystem::is_directory(paths[next], ignored)) continue;
+    if (!is_directory(std::filesystem::symlink_status(paths[next], ignored))) continue;
     for (const auto& entry : std::filesystem::directory_iterator(paths[next], ignored))
       paths.push_back(entry);
   }
   std::reverse(paths.begin(), paths.end());
-  for (const std::filesystem::path& deepest : paths) std::filesystem::remove(deepest, ignored);
+  for (const std::filesystem::path& deepest : paths) {
+    const std::filesystem::directory_entry entry(deepest, ignored);
+    if (IsInTree(deepest.string().substr(directory.size()), entry)) std::filesystem::remove(deepest, ignored);
+  }
 }
 
 }  // namespace
@@ -106,7 +113,7 @@ bool BoardRoot::HoldsOnlyParts(const std::string& directory) {
 }
 
 void BoardRoot::RemoveParts(const std::string& directory) {
-  for (const char* const tree : {kShownDirectory, kObjectDirectory}) RemoveTree(directory + tree);
+  for (const char* const tree : {kShownDirectory, kObjectDirectory}) RemoveTree(directory, tree);
   std::error_code ignored;
   for (const Part& part : kParts) std::filesystem::remove(directory + part.name, ignored);
 }
@@ -128,7 +135,8 @@ bool BoardRoot::ShowDirectory(const std::string& path, const Entries& entries) c
   std::error_code failed;
   std::filesystem::create_directories(directory, failed);
   for (const auto& shown : std::filesystem::directory_iterator(directory, failed)) {
-    if (!entries.contains(shown.path().filename())) RemoveTree(shown.path());
+    if (!entries.contains(shown.path().filename()))
+      RemoveTree(path_, shown.path().string().substr(path_.size()));
   }
   for (const auto& [name, is_directory] : entries) {
     if (failed) break;

@@ -37,8 +37,9 @@ bool Holds(pid_t process, const std::string& device_path) {
 // All but this process.
 std::vector<pid_t> HoldersOf(const std::string& device_path) {
   std::vector<pid_t> holders;
-  for (const auto& entry : fs::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename();
+  std::error_code failed;
+  for (fs::directory_iterator at("/proc", failed); !failed && at != fs::end(at); at.increment(failed)) {
+    const std::string name = at->path().filename();
     pid_t process = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
     const bool is_process = error == std::errc() && end == name.data() + name.size();

@@ -46,6 +46,7 @@ bool IsI2cBlock(uint32_t size) {
 // How many bytes a transfer carries besides its command; a negative errno when it is refused.
 int DataLength(const i2c_smbus_ioctl_data& transfer) {
   const bool is_read = transfer.read_write == I2C_SMBUS_READ;
+  if (!is_read && transfer.read_write != I2C_SMBUS_WRITE) return -EINVAL;
   if (transfer.size == I2C_SMBUS_QUICK || (transfer.size == I2C_SMBUS_BYTE && !is_read)) return 0;
   if (transfer.data == nullptr) return -EINVAL;
   const int block_length = transfer.data->block[0];
@@ -57,8 +58,11 @@ int DataLength(const i2c_smbus_ioctl_data& transfer) {
     case I2C_SMBUS_WORD_DATA:
     case I2C_SMBUS_PROC_CALL:
       return 2;
-    case I2C_SMBUS_I2C_BLOCK_DATA:
     case I2C_SMBUS_I2C_BLOCK_BROKEN:
+      // The older request: a read gives no length and gets as many bytes as there can be.
+      if (is_read) return transfer.data->block[0] = I2C_SMBUS_BLOCK_MAX;
+      [[fallthrough]];
+    case I2C_SMBUS_I2C_BLOCK_DATA:
       return fits ? block_length : -EINVAL;
     case I2C_SMBUS_BLOCK_DATA:
       if (is_read) return -EOPNOTSUPP;

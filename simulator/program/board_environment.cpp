@@ -53,7 +53,7 @@ std::string ShellWord(const std::string& text) {
 }
 
 std::string ShellAssignments(const std::string& board_directory) {
-  return fmt::format(R"({0}={1} {2}={3} {4}="${4}"{5} PATH={6}:"$PATH")", kRootVariable,
+  return fmt::format(R"({0}={1} {2}={3} {4}="${{{4}-}}"{5} PATH={6}:"$PATH")", kRootVariable,
                      ShellWord(board_directory), kPreloadVariable, ShellWord(PreloadList()),
                      kSanitizerVariable, kAnyOrder, ShellWord(CommandDirectoryOf(board_directory)));
 }

@@ -99,7 +99,7 @@ std::optional<siginfo_t> HeldSignals::Wait(std::optional<TimePoint> due) const {
   while (true) {
     const auto left = std::max(*due - std::chrono::steady_clock::now(), std::chrono::nanoseconds(0));
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
-    const timespec wait{seconds.count(), (left - seconds).count()};
+    const timespec wait{static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds).count())};
     if (sigtimedwait(&watched_, &signal, &wait) >= 0) return signal;
     if (errno == EAGAIN) return std::nullopt;
   }

@@ -117,11 +117,11 @@ of the Debian package
 .IR qemu\-user ,
 if that, the package
 .I libc6\-armhf\-cross
-and the board's preloaded object for armhf are there. That object is looked for in
+and the board's preloaded object for armhf are there.
+.I rolu\-sim
+finds that object in
 .I lib/arm\-linux\-gnueabihf/rolu\-sim
-beside the directory of
-.IR rolu\-sim ,
-and in a build tree where
+beside its own directory, and in a build tree where
 .I ./run build arm\-library
 puts it. An ARM program starts by itself or behind env, nohup or setsid; not from a script, and not from another ARM
 program.

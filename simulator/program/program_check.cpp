@@ -17,7 +17,6 @@
 
 #include "cli/messages.h"
 #include "simulator/devices/board_paths.h"
-#include "simulator/program/board_environment.h"
 #include "simulator/program/installed_files.h"
 
 namespace rolu_sim {
@@ -32,6 +31,12 @@ constexpr char kArmSystem[] = "/usr/arm-linux-gnueabihf";
 // A script may have a script as its interpreter. The kernel follows as many.
 constexpr int kMaxInterpreters = 4;
 
+// Other files are not read: some of /proc block.
+bool IsProgram(const fs::path& path) {
+  std::error_code failed;
+  return fs::is_regular_file(path, failed) && access(path.c_str(), X_OK) == 0;
+}
+
 // The file that the exec functions would run; empty when there is none.
 std::string FindProgram(const std::string& name) {
   if (name.find('/') != std::string::npos) return name;
@@ -39,8 +44,7 @@ std::string FindProgram(const std::string& name) {
   std::istringstream directories(list == nullptr ? "/bin:/usr/bin" : list);
   for (std::string directory; std::getline(directories, directory, ':');) {
     const fs::path path = fs::path(directory.empty() ? "." : directory) / name;
-    std::error_code failed;
-    if (fs::is_regular_file(path, failed) && access(path.c_str(), X_OK) == 0) return path;
+    if (IsProgram(path)) return path;
   }
   return {};
 }
@@ -67,13 +71,14 @@ std::optional<Executable> ReadHeaders(std::istream& file) {
   Executable found{.machine = header.e_machine};
   file.seekg(static_cast<std::streamoff>(header.e_phoff));
   Segment segment{};
-  for (unsigned i = 0; i < header.e_phnum && file.read(reinterpret_cast<char*>(&segment), sizeof segment);
-       ++i)
+  for (unsigned i = 0; i < header.e_phnum; ++i) {
+    if (!file.read(reinterpret_cast<char*>(&segment), sizeof segment)) return std::nullopt;
     found.has_loader = found.has_loader || segment.p_type == PT_INTERP;
+  }
   return found;
 }
 
-// Nothing for a file that is not an executable of a little-endian processor.
+// Nothing for a file that is not a whole executable of a little-endian processor.
 std::optional<Executable> ReadExecutable(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<char, EI_NIDENT> identity{};
@@ -165,8 +170,7 @@ std::vector<std::string> EmulatorWords(const std::string& board_directory,
   if (!object) {
     missing.emplace_back(
         "the board's preloaded object for armhf (./run build arm-library makes it, rolu-tools for armhf has "
-        "it in "
-        "lib/arm-linux-gnueabihf/rolu-sim)");
+        "it in lib/arm-linux-gnueabihf/rolu-sim)");
   }
   if (!fs::exists(kArmSystem))
     missing.emplace_back("the C library for armhf (Debian package libc6-armhf-cross)");
@@ -176,13 +180,19 @@ std::vector<std::string> EmulatorWords(const std::string& board_directory,
 
 std::vector<std::string> PrepareForeign(std::vector<std::string> command, const ProgramCheck& program,
                                         const std::string& board_directory) {
-  std::vector<std::string> missing;
   std::vector<std::string> emulator;
-  if (program.machine == EM_ARM && program.position) emulator = EmulatorWords(board_directory, missing);
+  std::string advice = "Build it for this processor.";
+  if (program.machine == EM_ARM && program.position) {
+    // These end a word of LD_PRELOAD or of the emulator's option.
+    if (board_directory.find_first_of(" :,") != std::string::npos) {
+      advice = "To run it here, give the board a directory without a space, colon or comma in its path.";
+    } else {
+      std::vector<std::string> missing;
+      emulator = EmulatorWords(board_directory, missing);
+      if (emulator.empty()) advice = fmt::format("To run it here, install {}.", fmt::join(missing, " and "));
+    }
+  }
   if (emulator.empty()) {
-    const std::string advice = missing.empty()
-                                   ? "Build it for this processor."
-                                   : fmt::format("To run it here, install {}.", fmt::join(missing, " and "));
     Warn(program.path, "is a program for " + NameOfMachine(program.machine), advice);
     return command;
   }
@@ -201,7 +211,7 @@ ProgramCheck CheckProgram(const std::vector<std::string>& command) {
   ProgramCheck check{.position = 0};
   for (int depth = 0; depth <= kMaxInterpreters && !words.empty(); ++depth) {
     check.path = FindProgram(words.front());
-    if (std::error_code failed; !fs::is_regular_file(check.path, failed)) return check;
+    if (!IsProgram(check.path)) return check;
     const std::string name = fs::path(check.path).filename();
     const Starter starter = ReadStarter(name, words);
     check.kind = KindOf(check.path, check.machine);
@@ -236,9 +246,9 @@ std::vector<std::string> PrepareProgram(const std::vector<std::string>& command,
       return PrepareForeign(command, program, board_directory);
     case ProgramKind::kDropsEnvironment:
       rolu::Say(fmt::format(
-          "{0} drops the environment: what it starts will not see the board. Put rolu-sim behind it, "
-          "as \"{1} rolu-sim join {2} -- PROGRAM\"",
-          program.path, program.path.ends_with("env") ? "env -i" : "sudo", ShellWord(board_directory)));
+          "{} drops the environment: what it starts will not see the board. Put it before rolu-sim, as in "
+          "\"{} rolu-sim ... -- PROGRAM\"",
+          program.path, program.path.ends_with("env") ? "env -i" : "sudo"));
       break;
   }
   return command;

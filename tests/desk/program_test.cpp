@@ -119,8 +119,8 @@ TEST(RoluSim, SaysWhyAProgramWillNotSeeTheBoard) {
       {foreign, "for another processor (ELF machine 243)"},
       {script, "for another processor"},
       {"env A=1 " + foreign, "for another processor"},
-      {"nohup setsid -w " + sudo, "\"sudo rolu-sim join "},
-      {"env -i " + client, "\"env -i rolu-sim join "},
+      {"nohup setsid -w " + sudo, "before rolu-sim, as in \"sudo rolu-sim "},
+      {"env -i " + client, "before rolu-sim, as in \"env -i rolu-sim "},
       {"env -i " + client, "the program failed and opened nothing of the board"},
       {is_root ? privileged : "su --version", "set-user-ID"},
   };

@@ -186,12 +186,13 @@ TEST(ServedBoard, LivesBesideOthersAndLeavesOnlyWhatIsNotItsOwn) {
   EXPECT_THAT(board.Client("voltage").out, HasSubstr("voltage C000 10.00"));
   EXPECT_THAT(other.Client("voltage").out, HasSubstr("voltage C000 14.00"));
 
-  directory.Write("board/notes.txt", "mine");
+  std::filesystem::create_directory(directory.File("board/lib"));
+  directory.Write("board/lib/notes.txt", "mine");
   board.Ctl("wlan on");
   board.tool().Signal(SIGINT);
   EXPECT_EQ(board.tool().Wait(), 0);
   EXPECT_THAT(directory.Names(), ElementsAre("board"));
-  EXPECT_EQ(directory.Read("board/notes.txt"), "mine");
+  EXPECT_EQ(directory.Read("board/lib/notes.txt"), "mine");
   other.tool().Signal(SIGTERM);
   EXPECT_EQ(other.tool().Wait(), 0);
   EXPECT_THAT(other_directory.Names(), ElementsAre());
@@ -227,6 +228,16 @@ TEST(ServedBoard, TakesNothingAwayThatIsNotOfABoard) {
   std::filesystem::create_directory(directory.File("bin"));
   directory.Write("bin/tool", "mine");
   EXPECT_EQ(RunTool(directory, {"serve", directory.path()}).status, 2);
+  EXPECT_EQ(directory.Read("bin/tool"), "mine");
+
+  // What the links for emulated programs lead to is not the board's.
+  const Directory linked;
+  std::filesystem::create_directories(linked.File("board/lib"));
+  std::filesystem::create_directory_symlink(directory.File("bin"), linked.File("board/lib/link"));
+  EXPECT_EQ(RunTool(linked, {"serve", linked.File("board")}).status, 2);
+  std::filesystem::rename(linked.File("board/lib/link"), linked.File("board/lib/librolu-sim-preload.so"));
+  Tool tool(linked, {"serve", linked.File("board")});
+  EXPECT_TRUE(tool.WaitForOutput("rolu-sim join"));
   EXPECT_EQ(directory.Read("bin/tool"), "mine");
 }
 

@@ -127,6 +127,12 @@ TEST_F(DeviceNodes, I2cTakesCombinedAndSmbusTransfers) {
   i2c_smbus_data block = {};
   i2c_smbus_ioctl_data block_read = {I2C_SMBUS_READ, 0x80, I2C_SMBUS_BLOCK_DATA, &block};
   EXPECT_EQ(answer(I2C_SMBUS, &block_read), -EOPNOTSUPP);
+  block_read.size = I2C_SMBUS_I2C_BLOCK_BROKEN;
+  EXPECT_EQ(answer(I2C_SMBUS, &block_read), 0);
+  EXPECT_THAT(block.block, testing::Contains(0x0A));
+  EXPECT_EQ(block.block[0], I2C_SMBUS_BLOCK_MAX);
+  block_read.read_write = 2;
+  EXPECT_EQ(answer(I2C_SMBUS, &block_read), -EINVAL);
   EXPECT_EQ(answer(I2C_PEC, 1), -EOPNOTSUPP);
   EXPECT_EQ(answer(I2C_RETRIES, 3), 0);
   EXPECT_EQ(answer(I2C_FUNCS, nullptr), -EFAULT);

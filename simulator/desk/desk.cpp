@@ -84,13 +84,13 @@ std::string Desk::AnnounceSeed() {
 // The model carries out a command even when the recording answers it, so that the board shows what the
 // program did.
 Reply Desk::Answer(std::string_view command, const AskModel& ask_model) {
+  // A command counts as sent even when a fault keeps its answer from the program.
+  std::optional<Reply> recorded;
+  if (replay_) recorded = replay_->AnswerTo(command);
+  if (replay_ && !recorded && replay_->rule() == ReplayRule::kStrict) TellDivergence(command);
   return faults_.Answer(command, [&] {
     Reply of_model = ask_model();
-    if (!replay_) return of_model;
-    std::optional<Reply> recorded = replay_->AnswerTo(command);
-    if (recorded) return std::move(*recorded);
-    if (replay_->rule() == ReplayRule::kStrict) TellDivergence(command);
-    return of_model;
+    return recorded ? std::move(*recorded) : std::move(of_model);
   });
 }
 

@@ -188,6 +188,7 @@ Scenario PreparedBoard::Start(Desk& desk) {
 int PreparedBoard::Conclude(Desk& desk, int status, const ScenarioOutcome& outcome) const {
   const Replay* const replay = desk.replay();
   if (replay != nullptr) rolu::Say(replay->Summary());
+  if (status == rolu::kNotFound || status == rolu::kNotExecutable) return status;
   if (outcome.failed) return rolu::kUnexpected;
   if (replay != nullptr && replay->rule() == ReplayRule::kStrict && replay->LacksCommands()) {
     return rolu::kDiverged;

@@ -76,8 +76,12 @@ std::string BoardDirectory(const std::string& named) {
   const char* const met = getenv(kRootVariable);
   if (named.empty() && met != nullptr && *met != '\0') return met;
   if (named.empty()) throw UsageError("which board? Name its directory with --board DIR");
-  // Without symbolic links: the preloaded object compares this path with a program's working directory.
-  std::string directory = std::filesystem::weakly_canonical(std::filesystem::absolute(named)).string();
+  // Without symbolic links: the preloaded object compares this path with a program's working directory. The
+  // links of a directory that this user may not look into stay; whoever uses it is refused there.
+  const std::filesystem::path absolute = std::filesystem::absolute(named);
+  std::error_code refused;
+  const std::filesystem::path canonical = std::filesystem::weakly_canonical(absolute, refused);
+  std::string directory = (refused ? absolute : canonical).string();
   while (directory.size() > 1 && directory.back() == '/') directory.pop_back();
   return directory;
 }

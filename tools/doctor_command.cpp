@@ -220,6 +220,9 @@ class Examination {
       Value value;
       const ROLU_STATUS status = session_.Read(setting, value);
       if (status == ROLU_STATUS_SUCCESS) continue;
+      if (session_.McuIsSilent()) {
+        return AddBad("MCU's settings", fmt::format("the MCU fell silent at {}", setting.name), kNoAnswer);
+      }
       unanswered += fmt::format("{}{}: {}", unanswered.empty() ? "" : "; ", setting.name,
                                 WordsOf(status, Act::kRead).words);
     }

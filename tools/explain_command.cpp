@@ -19,10 +19,11 @@ std::string UpperCase(std::string text) {
   return text;
 }
 
-// The code in "0xC048" or "49224"; a negative number when the text is not one.
+// The code in "0xC048", "C048" or "49224"; a negative number when the text is not one.
 long ParseCode(std::string_view text) {
-  const bool is_hex = text.starts_with("0x") || text.starts_with("0X");
-  if (is_hex) text.remove_prefix(2);
+  const bool has_prefix = text.starts_with("0x") || text.starts_with("0X");
+  if (has_prefix) text.remove_prefix(2);
+  const bool is_hex = has_prefix || text.find_first_of("ABCDEFabcdef") != std::string_view::npos;
   long code = -1;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), code, is_hex ? 16 : 10);
   return error == std::errc() && end == text.data() + text.size() ? code : -1;
@@ -81,8 +82,9 @@ void AddExplainCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const command =
       NewCommand(app, "explain", "Explain a status of the library: cause, what to do; asks the board nothing",
                  "  rolu explain 0xC048\n  rolu explain NO_REPLY\n  rolu explain");
-  command->add_option("STATUS", *texts,
-                      "A code, like 0xC048 or 49224, or a name or its end; without it all are explained");
+  command->add_option(
+      "STATUS", *texts,
+      "A code, like 0xC048, C048 or 49224, or a name or its end; without it all are explained");
   OnRun(command, invocation, RunExplain, texts);
 }
 

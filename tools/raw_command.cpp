@@ -7,6 +7,7 @@
 #include "protocol/values.h"
 #include "protocol/words.h"
 #include "tools/command.h"
+#include "tools/interrupt.h"
 #include "tools/mcu_port.h"
 #include "tools/report.h"
 #include "tools/status_words.h"
@@ -80,6 +81,8 @@ ExitStatus RunRaw(const std::vector<std::string>& given, const CommonOptions& co
     if (!common.json) Out(fmt::format("{:<16}  {}\n", line.line, line.words));
   }
   if (common.json) PrintJson(document);
+  // The next program may ask at once.
+  if (command != nullptr) interrupt::SleepFor(std::chrono::milliseconds(command->post_delay_ms));
   return Judge(answer);
 }
 

@@ -61,6 +61,10 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   const std::string directory = desk.board().root().path();
   MeetBoard(directory);
   const std::vector<std::string> words = PrepareProgram(command, directory);
+  // The program itself ends even if it has dropped the environment that names the board.
+  desk.OnEvent([](const McuEvent& event) {
+    if (event.ends_programs) EndProgram();
+  });
   player.Play(std::move(scenario));
   const int program_status = RunChild(words, signals);
   SayIfUnused(desk.board().devices(), program_status);

@@ -78,15 +78,17 @@ void SignalPrograms(const std::string& board_directory, int signal) {
 void FollowComputer(const McuEvent& event, const std::string& board_directory) {
   if (event.ends_programs || event.kind == McuEventKind::kPowerOn) EndPrograms(board_directory);
   if (event.kind == McuEventKind::kSuspend) SignalPrograms(board_directory, SIGSTOP);
-  if (event.kind == McuEventKind::kResume) ContinuePrograms(board_directory);
+  if (event.kind == McuEventKind::kResume) SignalPrograms(board_directory, SIGCONT);
 }
 
 void EndPrograms(const std::string& board_directory) {
   SignalPrograms(board_directory, SIGKILL);
 }
 
-void ContinuePrograms(const std::string& board_directory) {
-  SignalPrograms(board_directory, SIGCONT);
+void ContinuePrograms(Desk& desk) {
+  const bool is_suspended = desk.board().mcu().WithModel(
+      [](McuModel& mcu) { return mcu.computer.power == ComputerPower::kSuspended; });
+  if (is_suspended) SignalPrograms(desk.board().root().path(), SIGCONT);
 }
 
 }  // namespace rolu_sim

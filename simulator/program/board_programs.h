@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "simulator/mcu/mcu_event.h"
+#include "simulator/desk/desk.h"
 
 namespace rolu_sim {
 
@@ -14,7 +14,7 @@ void FollowComputer(const McuEvent& event, const std::string& board_directory);
 // Ends all programs on the board at once.
 void EndPrograms(const std::string& board_directory);
 
-// Lets programs go on that were stopped: the board goes down.
-void ContinuePrograms(const std::string& board_directory);
+// Lets the programs of a suspended computer go on: they are to end, or the board goes down.
+void ContinuePrograms(Desk& desk);
 
 }  // namespace rolu_sim

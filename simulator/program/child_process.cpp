@@ -52,7 +52,11 @@ bool PassOnEarlierSignals(pid_t child) {
   return is_to_end;
 }
 
-int WaitForEnd(pid_t child, const HeldSignals& signals) {
+bool AsksForEnd(int signal) {
+  return signal == SIGINT || signal == SIGTERM || signal == SIGHUP || signal == SIGQUIT;
+}
+
+int WaitForEnd(pid_t child, const HeldSignals& signals, const std::function<void()>& on_end_signal) {
   bool is_to_end = PassOnEarlierSignals(child);
   std::optional<HeldSignals::TimePoint> kill_due;
   while (true) {
@@ -68,6 +72,7 @@ int WaitForEnd(pid_t child, const HeldSignals& signals) {
       // The terminal sends its signals to the program as well. So only signals that another process sent to
       // this process are passed on.
       if (signal->si_code <= 0) kill(child, signal->si_signo);
+      if (AsksForEnd(signal->si_signo)) on_end_signal();
       continue;
     }
     int status = 0;
@@ -113,7 +118,8 @@ void EndProgram() {
   sigqueue(getpid(), SIGTERM, {});
 }
 
-int RunChild(const std::vector<std::string>& command, const HeldSignals& signals) {
+int RunChild(const std::vector<std::string>& command, const HeldSignals& signals,
+             const std::function<void()>& on_end_signal) {
   posix_spawnattr_t attributes;
   posix_spawnattr_init(&attributes);
   sigset_t defaults{};
@@ -126,7 +132,7 @@ int RunChild(const std::vector<std::string>& command, const HeldSignals& signals
   const int error = posix_spawnp(&child, command.front().c_str(), nullptr, &attributes,
                                  AsArguments(command).data(), environ);
   posix_spawnattr_destroy(&attributes);
-  return error == 0 ? WaitForEnd(child, signals) : ReportFailedStart(command.front(), error);
+  return error == 0 ? WaitForEnd(child, signals, on_end_signal) : ReportFailedStart(command.front(), error);
 }
 
 int BecomeProgram(const std::vector<std::string>& command) {

@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,9 +38,10 @@ void EndThisProcess();
 void EndProgram();
 
 // Runs one program as a child, and passes on to it the signals that are sent to this process. Gives the
-// program's exit status. If the program cannot start, writes a message and gives a status of
-// cli/exit_status.h.
-int RunChild(const std::vector<std::string>& command, const HeldSignals& signals);
+// program's exit status. Calls `on_end_signal` when a signal asks for the end: a stopped program hears none.
+// If the program cannot start, writes a message and gives a status of cli/exit_status.h.
+int RunChild(const std::vector<std::string>& command, const HeldSignals& signals,
+             const std::function<void()>& on_end_signal);
 
 // Replaces this process by the program. Returns only when the program cannot start, then like RunChild.
 int BecomeProgram(const std::vector<std::string>& command);

@@ -66,7 +66,7 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
     if (event.ends_programs) EndProgram();
   });
   player.Play(std::move(scenario));
-  const int program_status = RunChild(words, signals);
+  const int program_status = RunChild(words, signals, [&] { ContinuePrograms(desk); });
   SayIfUnused(desk.board().devices(), program_status);
   player.TellProgramEnd(program_status);
   const std::optional<McuEventKind> end = EndOfComputer(desk);

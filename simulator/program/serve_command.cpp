@@ -77,9 +77,7 @@ int Serve(const BoardSettings& settings, const std::string& named) {
   while (number != SIGINT && number != SIGTERM && number != SIGHUP && number != SIGQUIT) {
     number = signals.Wait().si_signo;
   }
-  const bool is_suspended = desk.board().mcu().WithModel(
-      [](McuModel& mcu) { return mcu.computer.power == ComputerPower::kSuspended; });
-  if (is_suspended) ContinuePrograms(directory);
+  ContinuePrograms(desk);
   return prepared.Conclude(desk, 0, player.TellBoardEnd());
 }
 

@@ -63,8 +63,12 @@ std::string HelpOf(const CLI::App& command) {
   return command.get_formatter()->make_help(&command, PathOf(command), CLI::AppFormatMode::Normal);
 }
 
+std::string FitToOutput(std::string_view text, std::string_view program) {
+  return Wrapped(text, WidthOfOutput(), program);
+}
+
 void PrintHelp(std::string_view text, std::string_view program) {
-  std::cout << Wrapped(text, WidthOfOutput(), program) << std::flush;
+  std::cout << FitToOutput(text, program) << std::flush;
 }
 
 std::string Wrapped(std::string_view text, std::size_t width, std::string_view program) {

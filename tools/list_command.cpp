@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/help_text.h"
 #include "tools/command.h"
 #include "tools/report.h"
 
@@ -24,21 +25,24 @@ Document AsJson(const Setting& setting) {
 }
 
 void PrintList(const std::vector<const Setting*>& settings) {
+  std::string text;
   std::size_t width = 0;
   for (const Setting* const setting : settings) width = std::max(width, setting->name.size());
   for (const Setting* const setting : settings) {
     const std::string unit = setting->unit.empty() ? "" : fmt::format(" ({})", setting->unit);
-    Out(fmt::format("{:<{}}  {}\n{:{}}  {}{}\n", setting->name, width, setting->help, "", width,
-                    setting->IsWritable() ? RangeText(*setting) : "read only: " + RangeText(*setting), unit));
+    text +=
+        fmt::format("{:<{}}  {}\n{:{}}  {}{}\n", setting->name, width, setting->help, "", width,
+                    setting->IsWritable() ? RangeText(*setting) : "read only: " + RangeText(*setting), unit);
   }
+  if (std::ranges::count(settings, kMcuUnits, &Setting::unit) > 0)
+    text += fmt::format("\n{}\n", kMcuUnitsHelp);
+  Out(FitToOutput(text, "rolu"));
 }
 
 ExitStatus RunList(const std::vector<std::string>& names, const CommonOptions& common) {
   const std::vector<const Setting*> settings = SettingsNamed(names);
   if (!common.json) {
     PrintList(settings);
-    const bool has_mcu_units = std::ranges::count(settings, kMcuUnits, &Setting::unit) > 0;
-    if (has_mcu_units) Out(fmt::format("\n{}\n", kMcuUnitsHelp));
     return kDone;
   }
   Document rows = Document::array();

@@ -86,7 +86,7 @@ std::string McuModel::CarryOut(const rolu_protocol::Command& command, const Valu
   switch (IndexOf(command)) {
     case IndexOf("ATPO"):
       // Its answer leaves before.
-      ordered_cut_ = time.At(now + kAnswerTime);
+      if (computer.power != ComputerPower::kOff) ordered_cut_ = time.At(now + kAnswerTime);
       return Done();
     case IndexOf("EEDF"):
       RestoreDefaults();

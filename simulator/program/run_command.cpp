@@ -15,15 +15,17 @@
 namespace rolu_sim {
 namespace {
 
-// What ended the computer, and the program with it. An order to cut the power is carried out first: the
-// program may have ended meanwhile.
-std::optional<McuEventKind> EndOfComputer(Desk& desk) {
+// What ended the computer, and the program with it, which has ended at `program_end`. An order to cut the
+// power is carried out first; a cut for another reason that comes only now did not end the program.
+std::optional<McuEventKind> EndOfComputer(Desk& desk, TimePoint program_end) {
   McuSerial& mcu = desk.board().mcu();
   while (mcu.WithModel([](McuModel& model) { return model.IsPowerCutOrdered(); })) {
     mcu.WaitForEvent(McuEventKind::kPowerCut, std::chrono::milliseconds(10));
   }
   const std::vector<McuEvent> events = mcu.Events();
-  const auto end = std::ranges::find(events, true, &McuEvent::ends_programs);
+  const auto end = std::ranges::find_if(events, [program_end](const McuEvent& event) {
+    return event.ends_programs && (event.time <= program_end || event.cause == "ordered");
+  });
   return end == events.end() ? std::nullopt : std::optional(end->kind);
 }
 
@@ -41,9 +43,10 @@ int StatusOf(int program_status, std::optional<McuEventKind> end, const Scenario
   }
 }
 
-// Tells a program that failed on its own from one that did not see the board.
+// Tells a program that failed on its own from one that did not see the board. Programs end with 2 when the
+// user made a mistake.
 void SayIfUnused(const DeviceServer& devices, int status) {
-  const bool program_failed = status != 0 && status < rolu::kBoardFailed;
+  const bool program_failed = status != 0 && status != rolu::kWrongUse && status < rolu::kBoardFailed;
   if (program_failed && !devices.WasUsed()) {
     rolu::Say(
         "the program failed and opened nothing of the board; man rolu-sim says under LIMITS what does not "
@@ -67,9 +70,10 @@ int RunOnBoard(const BoardSettings& settings, const std::vector<std::string>& co
   });
   player.Play(std::move(scenario));
   const int program_status = RunChild(words, signals, [&] { ContinuePrograms(desk); });
+  const TimePoint program_end = std::chrono::steady_clock::now();
   SayIfUnused(desk.board().devices(), program_status);
   player.TellProgramEnd(program_status);
-  const std::optional<McuEventKind> end = EndOfComputer(desk);
+  const std::optional<McuEventKind> end = EndOfComputer(desk, program_end);
   const ScenarioOutcome outcome = player.TellBoardEnd();
   // A shell that was ended leaves the program that it waited for.
   if (outcome.settled_early) EndPrograms(directory);

@@ -163,6 +163,7 @@ class Watch {
     }
     if (interrupt::Signal() != 0) commands_.AskToEnd();
     EndProcess();
+    guard::SetLastWords("a command of --on may still run");
     if (status_ == BoardWatcher::kPortAway) {
       SayProblem("could not take down the G-sensor: the MCU's port hung up");
       status_ = kNoAnswer;

@@ -137,8 +137,9 @@ void AddPinsCommand(CLI::App& app, Invocation& invocation) {
   CLI::App* const pins = NewCommand(app, "pins", "Show the digital pins and drive the outputs",
                                     "  rolu pins\n  rolu pins out1=high\n  rolu pins drive high low");
   pins->require_subcommand(0, 1);
-  pins->add_option("OUTPUT=LEVEL", options->assignments,
-                   "Drive out1 or out2 high or low (1 or 0); the other one stays as it is");
+  CLI::Option* const assignments =
+      pins->add_option("OUTPUT=LEVEL", options->assignments,
+                       "Drive out1 or out2 high or low (1 or 0); the other one stays as it is");
   OnRun(pins, invocation, RunPins, options);
   OnRun(NewCommand(*pins, "read", "Show all four pins, as 'rolu pins' does", ""), invocation, RunReadPins);
   OnRun(NewCommand(*pins, "prepare", "Make the lines available; both outputs go low", ""), invocation,
@@ -149,6 +150,7 @@ void AddPinsCommand(CLI::App& app, Invocation& invocation) {
       ->required()
       ->expected(2);
   OnRun(drive, invocation, RunDrive, options);
+  for (CLI::App* const subcommand : pins->get_subcommands({})) subcommand->excludes(assignments);
 }
 
 }  // namespace rolu

@@ -252,7 +252,10 @@ TEST(ServedBoard, LeavesNothingBehindWheneverItIsInterrupted) {
       std::this_thread::sleep_for(std::chrono::microseconds(delay_us));
       tool.Signal(SIGINT);
       tool.Wait();
-      EXPECT_THAT(directory.Names(), ElementsAre()) << arguments.front() << " after " << delay_us;
+      // The runtime of the thread sanitizer has a file here until main begins.
+      std::vector<std::string> names = directory.Names();
+      std::erase_if(names, [](const std::string& name) { return name.starts_with("tsan.rodata."); });
+      EXPECT_THAT(names, ElementsAre()) << arguments.front() << " after " << delay_us;
     }
   }
 }

@@ -16,6 +16,7 @@ constexpr long long kSliceNs = 2000000;
 
 std::atomic<long long> moved_by_s{0};
 std::atomic<long long> pause_at_next_look_ms{0};
+std::atomic<unsigned> signals{0};
 std::atomic<int> waits_for_conditions{0};
 std::atomic<int> waits_for_locks{0};
 
@@ -79,9 +80,16 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
 
 extern "C" int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex,
                                       const timespec* deadline) {
-  return WaitInSlices(*deadline, waits_for_conditions, [=](const timespec& end) {
-    return pthread_cond_clockwait(condition, mutex, CLOCK_MONOTONIC, &end);
+  // A signal that comes between two slices finds nobody waiting. The wait then ends as by a wake-up without a
+  // reason, so that the caller looks again.
+  return WaitInSlices(*deadline, waits_for_conditions, [=, seen = signals.load()](const timespec& end) {
+    return signals == seen ? pthread_cond_clockwait(condition, mutex, CLOCK_MONOTONIC, &end) : 0;
   });
+}
+
+extern "C" int pthread_cond_signal(pthread_cond_t* condition) noexcept {
+  ++signals;
+  return pthread_cond_broadcast(condition);
 }
 
 extern "C" int pthread_mutex_timedlock(pthread_mutex_t* mutex, const timespec* deadline) noexcept {

@@ -1,7 +1,7 @@
 // A wall clock that a test sets for its own program and the library in it. The machine's clock stays
-// unchanged. Linked into the program, it replaces the C library's clock_gettime, pthread_cond_timedwait and
-// pthread_mutex_timedlock: a wait ends when the clock shows its deadline, as after a real setting of the
-// clock. The loader searches the program first, so this works for a shared library too.
+// unchanged. Linked into the program, it replaces the C library's clock_gettime, pthread_cond_timedwait,
+// pthread_cond_signal and pthread_mutex_timedlock: a wait ends when the clock shows its deadline, as after a
+// real setting of the clock. The loader searches the program first, so this works for a shared library too.
 #ifndef TESTS_SUPPORT_WALL_CLOCK_H
 #define TESTS_SUPPORT_WALL_CLOCK_H
 

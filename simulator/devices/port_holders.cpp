@@ -3,10 +3,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+
+#include "simulator/system/processes.h"
 
 namespace rolu_sim {
 namespace {
@@ -36,15 +37,8 @@ bool Holds(pid_t process, const std::string& device_path) {
 
 // All but this process.
 std::vector<pid_t> HoldersOf(const std::string& device_path) {
-  std::vector<pid_t> holders;
-  std::error_code failed;
-  for (fs::directory_iterator at("/proc", failed); !failed && at != fs::end(at); at.increment(failed)) {
-    const std::string name = at->path().filename();
-    pid_t process = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-    const bool is_process = error == std::errc() && end == name.data() + name.size();
-    if (is_process && process != getpid() && Holds(process, device_path)) holders.push_back(process);
-  }
+  std::vector<pid_t> holders = Processes();
+  std::erase_if(holders, [&](pid_t process) { return process == getpid() || !Holds(process, device_path); });
   return holders;
 }
 

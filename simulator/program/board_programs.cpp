@@ -1,6 +1,5 @@
 #include "simulator/program/board_programs.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -8,12 +7,11 @@
 
 #include <array>
 #include <chrono>
-#include <cstdlib>
-#include <memory>
 #include <set>
 #include <thread>
 
 #include "simulator/devices/board_paths.h"
+#include "simulator/system/processes.h"
 #include "simulator/system/unique_fd.h"
 
 namespace rolu_sim {
@@ -42,11 +40,8 @@ bool RunsThisExecutable(pid_t process) {
 
 std::set<pid_t> ProgramsOn(const std::string& board_directory) {
   const std::string variable = std::string(1, '\0') + kRootVariable + '=' + board_directory + '\0';
-  const std::unique_ptr<DIR, int (*)(DIR*)> processes(opendir("/proc"), closedir);
   std::set<pid_t> found;
-  while (const dirent* const entry = processes ? readdir(processes.get()) : nullptr) {
-    const auto process = static_cast<pid_t>(std::strtol(entry->d_name, nullptr, 10));
-    if (process <= 0) continue;
+  for (const pid_t process : Processes()) {
     const bool is_on_board = ('\0' + EnvironmentOf(process)).find(variable) != std::string::npos;
     if (is_on_board && !RunsThisExecutable(process)) found.insert(process);
   }

@@ -58,23 +58,25 @@ void AddVerbOption(CLI::App& command, const std::string& option, const std::stri
   command.add_option_function<std::string>(option, add, help)->type_name(type);
 }
 
+// An option that may be repeated; `parse` makes a verb for the start of each value.
+void AddActionOption(CLI::App& command, const std::string& option, Action (*parse)(const std::string& text),
+                     std::vector<Action>& actions, const std::string& type, const std::string& help) {
+  const auto add = [option, parse, &actions](const std::vector<std::string>& texts) {
+    ReadValueOf(option, [&] { std::ranges::transform(texts, std::back_inserter(actions), parse); });
+  };
+  command.add_option_function<std::vector<std::string>>(option, add, help)
+      ->type_name(type)
+      ->take_all()
+      ->allow_extra_args(false);
+}
+
 void AddMcuSettings(CLI::App& command, BoardSettings& settings) {
   AddVerbOption(command, "--mcu-speed", "mcu-speed", settings.mcu, "NUMBER",
                 "Let the MCU's own time run this many times as fast: its delays, watchdog, clock and alarm");
   AddVerbOption(command, "--mcu-unit", "mcu-unit", settings.mcu, "DURATION",
                 "Length of the MCU's unit, in which delays and the watchdog's time are (else 1s)");
-  command
-      .add_option_function<std::vector<std::string>>(
-          "--set",
-          [&](const std::vector<std::string>& texts) {
-            ReadValueOf("--set", [&] {
-              std::ranges::transform(texts, std::back_inserter(settings.mcu), ParseMcuSetting);
-            });
-          },
-          "A setting of the MCU from the start, as rolu list names it: ignition.hard-off-delay=3")
-      ->type_name("NAME=VALUE")
-      ->take_all()
-      ->allow_extra_args(false);
+  AddActionOption(command, "--set", ParseMcuSetting, settings.mcu, "NAME=VALUE",
+                  "A setting of the MCU from the start, as rolu list names it: ignition.hard-off-delay=3");
 }
 
 }  // namespace
@@ -96,19 +98,9 @@ void AddBoardSettings(CLI::App& command, BoardSettings& settings) {
                 "With --replay: another dialogue than the recorded one is no failure")
       ->needs(replay)
       ->excludes(strict);
-  command
-      .add_option_function<std::vector<std::string>>(
-          "--fault",
-          [&](const std::vector<std::string>& faults) {
-            ReadValueOf("--fault", [&] {
-              std::ranges::transform(faults, std::back_inserter(settings.faults), ParseFault);
-            });
-          },
-          "A fault from the start, as silence:MCVG or delay:any:200ms:times=3; ctl --help lists them "
-          "(without fault-)")
-      ->type_name("FAULT")
-      ->take_all()
-      ->allow_extra_args(false);
+  AddActionOption(command, "--fault", ParseFault, settings.faults, "FAULT",
+                  "A fault from the start, as silence:MCVG or delay:any:200ms:times=3; ctl --help lists them "
+                  "(without fault-)");
   command.add_option("--seed", settings.seed, "Seed of the random faults; without it each run has another")
       ->type_name("NUMBER")
       ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
